@@ -1,0 +1,12 @@
+# The linker's symbol list, made from the list of exports.
+function(kesta_export_map definition map)
+    file(STRINGS ${definition} lines REGEX "^ *DB_[A-Za-z_]+ *@[0-9]+")
+    set(text "{\n  global:\n")
+    foreach(line IN LISTS lines)
+        string(REGEX MATCH "DB_[A-Za-z_]+" name "${line}")
+        string(APPEND text "    ${name};\n")
+    endforeach()
+    string(APPEND text "  local: *;\n};\n")
+    file(CONFIGURE OUTPUT ${map} CONTENT "${text}" @ONLY)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${definition})
+endfunction()

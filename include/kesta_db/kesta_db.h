@@ -1,0 +1,605 @@
+/**
+ * KESTA_DB: the bookkeeping of a phone-sync suite in one SQLite file.
+ *
+ * Which phones this PC has met and how each is set up, which folders and files have been synced to them, and in which
+ * state. The library opens its database when it is loaded and closes it when it is unloaded; there is nothing to
+ * initialise and nothing to shut down. The file lies in the user's own application data:
+ *
+ *   Windows   %APPDATA%\NORVIK\NORVIK Sync\Database\KESTA_DB.s3db
+ *   Linux     $XDG_DATA_HOME/NORVIK/NORVIK Sync/Database/KESTA_DB.s3db   (~/.local/share without that variable)
+ *
+ * THREADS AND PROCESSES. Every function may be called from any thread. All calls of all threads and processes of one
+ * user are serialised by one named mutex, so a call may wait for another one. A database locked by another program is
+ * waited for up to about ten seconds per statement.
+ *
+ * TEXTS are zero-terminated UTF-16. A null pointer where a text is expected is taken as the empty text where the text
+ * is quoted into the database, and as the six characters "(null)" where it stands for itself (every IMEI does).
+ * A statement may be 40,960 UTF-8 bytes long; a longer one is not run, and the call fails.
+ *
+ * RESULTS. Unless its comment says otherwise a function returns 0 for success and 1 for failure; 1 is also the answer
+ * when the database is not open and when a record, list or out pointer is null. "An SQLite code" is the plain
+ * result code of the statement that failed (5 busy, 8 read-only, 10 I/O error, 11 damaged file, 13 disk full,
+ * 18 statement too long, 19 the row exists already). The library opens no transaction: what an earlier step of the
+ * same call has changed stays changed when a later one fails.
+ *
+ * MEMORY. Records that the caller fills stay the caller's, texts included. A list record starts as {0, NULL}; the
+ * library fills it, owns the array and its texts, and frees them when the same record is passed to a function with
+ * a list of that kind again. The contents must not be freed or changed by the caller. Asking for the list of a phone
+ * that is not known empties the record, which is how a caller gives the memory back. Texts in a single record that
+ * the library filled belong to the library too; who frees them is said at the function.
+ *
+ * TRACE. Each call writes its steps as lines that start with "DB TRACE >> " to the debug output: OutputDebugStringW on
+ * Windows; elsewhere one datagram a line, in UTF-8, to the Unix socket $XDG_RUNTIME_DIR/kesta_db.trace (without
+ * that variable /tmp/kesta_db-<uid>.trace), if a viewer has bound it. `kesta trace` is such a viewer.
+ */
+#ifndef KESTA_DB_KESTA_DB_H
+#define KESTA_DB_KESTA_DB_H
+
+#include <stdint.h>
+#if !defined(_WIN32) && !defined(__cplusplus)
+#include <uchar.h>
+#endif
+
+#if defined(_WIN32)
+#define KESTA_DB_CALL __cdecl
+#if defined(KESTA_DB_BUILD)
+#define KESTA_DB_API
+#else
+#define KESTA_DB_API __declspec(dllimport)
+#endif
+#else
+#define KESTA_DB_CALL
+#define KESTA_DB_API __attribute__((visibility("default")))
+#endif
+
+#define KESTA_DB_OFFSET(type, field) __builtin_offsetof(type, field)
+#if defined(__cplusplus)
+#define KESTA_DB_STATIC_ASSERT(condition) static_assert(condition, #condition)
+extern "C" {
+#else
+#define KESTA_DB_STATIC_ASSERT(condition) _Static_assert(condition, #condition)
+#endif
+
+/** One UTF-16 code unit. */
+#if defined(_WIN32)
+typedef wchar_t DbChar;
+#else
+typedef char16_t DbChar;
+#endif
+
+/** State of a DateValue. */
+enum { kDateValid = 0, kDateInvalid = 1, kDateNull = 2 };
+
+#pragma pack(push, 4)
+/**
+ * A point in local time: days since 30 December 1899 00:00, the fraction being the time of day (forward in the day for
+ * negative values too). Times are kept to the second; the years 100 to 9999 can be stored.
+ * A null date is stored as an empty text, an invalid one as the text "Invalid DateTime"; both read back as invalid.
+ */
+typedef struct DateValue {
+    double Days;
+    int32_t Status; /**< kDateValid, kDateInvalid or kDateNull */
+} DateValue;
+#pragma pack(pop)
+KESTA_DB_STATIC_ASSERT(sizeof(DateValue) == 12);
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(DateValue, Status) == 8);
+
+/* ---- Main library folders --------------------------------------------------------------------------------------- */
+
+/** The main library folders: the IDs of MainFolderRecord and the folderId arguments. */
+enum {
+    kMainFolderMusic = 1000,
+    kMainFolderGallery = 1100,
+    kMainFolderDocument = 1400,
+    kMainFolderPeople = 1500,
+    kMainFolderCalendar = 1600,
+    kMainFolderWebBookmark = 1900,
+    kMainFolderMap = 2200
+};
+
+/** One main library folder. */
+typedef struct MainFolderRecord {
+    int32_t ID;      /**< kMainFolderMusic ... kMainFolderMap */
+    int32_t Number;  /**< items in it; negative in an update: leave as it is */
+    int64_t Size;    /**< bytes; negative in an update: leave as it is */
+    DbChar *Setting; /**< free text; null or empty in an update: leave as it is; null when there is none */
+    int32_t Changed; /**< 1 when it changed since DB_LIB_MainFoldersChanged last asked, else 0 */
+} MainFolderRecord;
+KESTA_DB_STATIC_ASSERT(sizeof(MainFolderRecord) == (sizeof(void *) == 8 ? 32 : 24));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(MainFolderRecord, Size) == 8);
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(MainFolderRecord, Setting) == 16);
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(MainFolderRecord, Changed) == (sizeof(void *) == 8 ? 24 : 20));
+
+/** A list of main folders. */
+typedef struct MainFolderList {
+    int32_t Count;           /**< elements in Items */
+    MainFolderRecord *Items; /**< the library's array, or null */
+} MainFolderList;
+KESTA_DB_STATIC_ASSERT(sizeof(MainFolderList) == 2 * sizeof(void *));
+
+/* ---- Phones ----------------------------------------------------------------------------------------------------- */
+
+/** What is known of one phone and how it is to be synced. Truth values are 0 or 1. */
+typedef struct PhoneSettingRecord {
+    DbChar *IMEI;                /**< identifies the phone */
+    DbChar *Name;                /**< display name */
+    DbChar *PhotoPath;           /**< PC folder for photos */
+    DbChar *DocPath;             /**< PC folder for documents */
+    DbChar *WifiMAC;             /**< the phone's Wi-Fi MAC address */
+    int32_t AutoSync;            /**< a new phone has 0 */
+    int32_t AutoBackup;          /**< a new phone has 0 */
+    int32_t AllowWifi;           /**< a new phone has 1 */
+    int32_t ContactPreferSide;   /**< a new phone has 2 */
+    int32_t CalendarPreferSide;  /**< a new phone has 2 */
+    int32_t ContactPim;          /**< the caller's number of the contact program */
+    int32_t CalPim;              /**< the caller's number of the calendar program */
+    int32_t CalPeriod;           /**< the caller's number of the calendar period */
+    DbChar *CalPeriodStr;        /**< the calendar period as text */
+    DateValue CalStart;          /**< first day of the calendar to sync */
+    DateValue CalEnd;            /**< last day of the calendar to sync */
+    int32_t BookMarkType;        /**< which set of bookmarks is synced; a new phone has 1 */
+    int32_t SyncDocFromFolder;   /**< a new phone has 0 */
+    int32_t SyncDocFromPhone;    /**< a new phone has 1 */
+    int32_t SyncPhotoFromFolder; /**< a new phone has 0 */
+    int32_t SyncPhotoFromPhone;  /**< a new phone has 1 */
+    int32_t SyncMusicFromFolder; /**< a new phone has 0 */
+    int32_t SyncMusicFromPlayer; /**< a new phone has 0 */
+    int32_t SyncMusicAll;        /**< a new phone has 1 */
+    int32_t NeedMount;           /**< set by DB_LIB_SetLastSyncTime; a new phone has 1 */
+    DbChar *ContactFolderId;     /**< the contact program's folder */
+    DbChar *CalendarFolderId;    /**< the calendar program's folder */
+    DbChar *ContactProfile;      /**< the contact program's profile */
+    DbChar *CalendarProfile;     /**< the calendar program's profile */
+} PhoneSettingRecord;
+KESTA_DB_STATIC_ASSERT(sizeof(PhoneSettingRecord) == (sizeof(void *) == 8 ? 176 : 132));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PhoneSettingRecord, AutoSync) == 5 * sizeof(void *));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PhoneSettingRecord, CalPeriodStr) == (sizeof(void *) == 8 ? 72 : 52));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PhoneSettingRecord, CalStart) == (sizeof(void *) == 8 ? 80 : 56));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PhoneSettingRecord, BookMarkType) == (sizeof(void *) == 8 ? 104 : 80));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PhoneSettingRecord, NeedMount) == (sizeof(void *) == 8 ? 136 : 112));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PhoneSettingRecord, ContactFolderId) == (sizeof(void *) == 8 ? 144 : 116));
+
+/** A list of phones. */
+typedef struct PhoneList {
+    int32_t Count;             /**< elements in Items */
+    PhoneSettingRecord *Items; /**< the library's array, or null */
+} PhoneList;
+KESTA_DB_STATIC_ASSERT(sizeof(PhoneList) == 2 * sizeof(void *));
+
+/* ---- Media folders and synced files ----------------------------------------------------------------------------- */
+
+/** One PC folder that is synced to a phone. */
+typedef struct FolderRecord {
+    int64_t RowId;     /**< the row's number in the database */
+    DbChar *Path;      /**< the folder on the PC; the key within a phone and category */
+    int32_t Count;     /**< files in it */
+    int64_t Size;      /**< bytes, by the caller's own count */
+    int64_t TotalSize; /**< bytes, by the caller's own count */
+    int32_t Selected;  /**< 1: the user wants it synced */
+    int32_t Deleted;   /**< 1: gone from the PC, its row is kept */
+    int32_t Reserved;  /**< neither read nor written */
+    DateValue AddTime; /**< when it was first added */
+    int32_t Sized;     /**< 1: Size and TotalSize hold a measured value */
+} FolderRecord;
+KESTA_DB_STATIC_ASSERT(sizeof(FolderRecord) == (sizeof(void *) == 8 ? 72 : 64));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(FolderRecord, Path) == 8);
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(FolderRecord, Count) == (sizeof(void *) == 8 ? 16 : 12));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(FolderRecord, Size) == (sizeof(void *) == 8 ? 24 : 16));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(FolderRecord, TotalSize) == (sizeof(void *) == 8 ? 32 : 24));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(FolderRecord, Selected) == (sizeof(void *) == 8 ? 40 : 32));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(FolderRecord, AddTime) == (sizeof(void *) == 8 ? 52 : 44));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(FolderRecord, Sized) == (sizeof(void *) == 8 ? 64 : 56));
+
+/** A list of folders. */
+typedef struct FolderList {
+    int32_t Count;       /**< elements in Items */
+    FolderRecord *Items; /**< the library's array, or null */
+} FolderList;
+KESTA_DB_STATIC_ASSERT(sizeof(FolderList) == 2 * sizeof(void *));
+
+/** One file that has been synced to a phone. */
+typedef struct SyncedFileRecord {
+    DateValue ModifiedTime; /**< the file's time when it was synced */
+    DbChar *Path;           /**< the file on the PC; the key within a phone and category */
+    DbChar *BasePath;       /**< the folder it belongs to: the Path of a FolderRecord */
+    DbChar *PhonePath;      /**< where it lies on the phone */
+} SyncedFileRecord;
+KESTA_DB_STATIC_ASSERT(sizeof(SyncedFileRecord) == (sizeof(void *) == 8 ? 40 : 24));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(SyncedFileRecord, Path) == (sizeof(void *) == 8 ? 16 : 12));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(SyncedFileRecord, BasePath) == (sizeof(void *) == 8 ? 24 : 16));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(SyncedFileRecord, PhonePath) == (sizeof(void *) == 8 ? 32 : 20));
+
+/** A list of synced files. */
+typedef struct SyncedFileList {
+    int32_t Count;           /**< elements in Items */
+    SyncedFileRecord *Items; /**< the library's array, or null */
+} SyncedFileList;
+KESTA_DB_STATIC_ASSERT(sizeof(SyncedFileList) == 2 * sizeof(void *));
+
+/* ---- Connection ------------------------------------------------------------------------------------------------- */
+
+/**
+ * Opens the database, unless it is open already. The library calls this itself when it is loaded, so that a program
+ * needs it only to learn whether that worked, or to try again after it did not.
+ * A missing file is created; a file of another version, or one that is no database, is deleted and created afresh.
+ *
+ * @return 0 open; 19 the file is read-only; 8398 the file is of another version and cannot be deleted, or its version
+ *         cannot be told for now (locked, unreadable); 1 or an SQLite code: it could not be created or opened
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_Open(void);
+
+/**
+ * Does nothing: the database stays open until the library is unloaded.
+ *
+ * @return always 0
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_Close(void);
+
+/* ---- DB_LIB_*: main folders ------------------------------------------------------------------------------------- */
+
+/**
+ * Writes number of items, size and setting of one main folder.
+ *
+ * @param record  ID selects; a negative Number or Size and a null or empty Setting leave their column as it is
+ * @return 0 written, also when no folder has that ID; 1 nothing to write, or the update failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_UpdateMainFolderInfo(const MainFolderRecord *record);
+
+/**
+ * Counts the music, gallery, document and web bookmark libraries anew and writes number and size of their main folders.
+ * The counts come from the tables tMusicFiles, tMediaFiles, tDocuments and tWebBookmarks, which another program may
+ * keep in the file. A database made by this library has none of them; the answer is then 1 and nothing changes.
+ *
+ * @return 0 all four were refreshed; 1 at least one was not
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_RefreshStatistics(void);
+
+/**
+ * Lists the main folders. Changed tells whether a folder changed since DB_LIB_MainFoldersChanged last asked (always 1
+ * for people, calendar and map); this function does not reset it.
+ *
+ * @param list  emptied, then filled
+ * @return 0; 1 the query failed; an SQLite code when reading the rows ended with it
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetAllMainFolders(MainFolderList *list);
+
+/**
+ * Tells which of the music, gallery, document and web bookmark folders changed since the last call, and resets that.
+ * Only ID and Changed of the four elements are filled. Adding a media folder of any category marks music as changed.
+ * Takes no lock and writes no entry or exit line: a change made by another thread at this very moment may be missed.
+ *
+ * @param list  emptied, then filled with four elements; untouched when the database is not open
+ * @return 0; 1 the database is not open
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_MainFoldersChanged(MainFolderList *list);
+
+/* ---- DB_LIB_*: phones ------------------------------------------------------------------------------------------- */
+
+/**
+ * Announces a phone. An unknown one is registered, with every main folder unselected; a known one is left as it is, its
+ * name too. Everything else that is kept per phone needs this first.
+ *
+ * @param imei  identifies the phone; of two identities joined by a colon the first is kept as the second IMEI as well.
+ *              An IMEI is looked up as it stands, so it must hold no apostrophe
+ * @param name  display name
+ * @return the phone's number, 1 or more; -1 when it could not be registered
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_PhoneDetected(const DbChar *imei, const DbChar *name);
+
+/**
+ * Writes the settings of the phone with the record's IMEI. All numbers and both dates are written, except NeedMount,
+ * which DB_LIB_SetLastSyncTime writes. A null text leaves its column as it is, an empty one empties it.
+ *
+ * @param record  read only; the texts stay the caller's
+ * @return 0 written, also when no phone has that IMEI; 1 the update failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_SetPhoneSetting(const PhoneSettingRecord *record);
+
+/**
+ * Reads the settings of a phone.
+ *
+ * @param imei    the phone, as announced to DB_LIB_PhoneDetected
+ * @param record  emptied first, whatever the result: texts that an earlier call put there are freed, so it must start
+ *                zeroed. To free the texts, pass it again with an IMEI that is not known
+ * @return 0 filled; 1 unknown phone, or the query failed: the record is all zero
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetPhoneSetting(const DbChar *imei, PhoneSettingRecord *record);
+
+/**
+ * Lists all phones ever announced. NeedMount and the last four texts of the elements are not filled.
+ *
+ * @param list  emptied, then filled
+ * @return 0; 1 the query failed; an SQLite code when reading the rows ended with it (100: one more row was
+ *         there than had been counted)
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetAllPhones(PhoneList *list);
+
+/* ---- DB_LIB_*: sync state of a phone ---------------------------------------------------------------------------- */
+
+/**
+ * Tells whether the user has chosen a main folder for a phone.
+ *
+ * @param folderId  the main folder, kMainFolderMusic ... kMainFolderMap
+ * @return 0 or 1 as stored; 1 also when nothing is stored, the phone is unknown, or the query failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_IsFolderSelected(const DbChar *imei, int32_t folderId);
+
+/**
+ * Chooses a main folder for a phone, or takes the choice back.
+ *
+ * @param folderId  the main folder; any number is taken
+ * @param selected  1 or 0
+ * @return 0 stored; 1 unknown phone, or a statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_SetFolderSelected(const DbChar *imei, int32_t folderId, int32_t selected);
+
+/**
+ * Notes the end of a sync run.
+ *
+ * @param lastTime   when; a day number of exactly 0 leaves the stored time as it is
+ * @param errCode    the caller's own code of the run's outcome
+ * @param needMount  1: the phone's storage must be mounted for the next run
+ * @return 0 stored, also when the phone is unknown; 1 the update failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_SetLastSyncTime(const DbChar *imei, const DateValue *lastTime,
+                                                          int32_t errCode, int32_t needMount);
+
+/**
+ * Tells when a phone was last synced.
+ *
+ * @param lastTime  the time, invalid when there was no run yet; untouched when the result is 1
+ * @return 0 the phone is known; 1 it is not, or the query failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetLastSyncTime(const DbChar *imei, DateValue *lastTime);
+
+/**
+ * Stores the type of a phone's SD card and the type before it, in the caller's own numbers.
+ *
+ * @return 0 stored, also when the phone is unknown; 1 the update failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_SetSDType(const DbChar *imei, int32_t type, int32_t oldType);
+
+/**
+ * Reads what DB_LIB_SetSDType stored (0 and 0 for a new phone).
+ *
+ * @return 0 both are filled; 1 unknown phone or the query failed: both are untouched
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetSDType(const DbChar *imei, int32_t *type, int32_t *oldType);
+
+/**
+ * Forgets which files of all categories and playlists have been synced to a phone. Folders, selections and settings
+ * stay. Writes no exit line to the trace.
+ *
+ * @return always 0, also for an unknown phone or a closed database (1 after an internal failure)
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_ClearSyncHistory(const DbChar *imei);
+
+/* ---- DB_MUSIC_*, DB_IMAGE_*, DB_VIDEO_*, DB_DOCUMENT_*: folders and files synced per phone ---------------------- */
+
+/**
+ * Adds a music folder to a phone, or refreshes it: a known folder gets the new Count, Size, TotalSize and Sized and is
+ * no longer deleted; it keeps its selection. A new one is selected. Marks the music main folder as changed.
+ *
+ * @param imei    the phone, as announced to DB_LIB_PhoneDetected
+ * @param folder  Path, Count, Size, TotalSize and Sized are read; the text stays the caller's
+ * @return 0; 1 unknown phone or closed database. Whether the statements succeeded does not show in the result
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_AddFolder(const DbChar *imei, const FolderRecord *folder);
+
+/**
+ * Marks all music folders of a phone as deleted. Nothing is removed, and the files stay recorded.
+ *
+ * @return 0; 1 unknown phone, or the update failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_ClearAll(const DbChar *imei);
+
+/**
+ * Lists the music folders of a phone in the order in which they were added.
+ *
+ * @param list  emptied, then filled
+ * @return 0; 1 unknown phone, or the query failed; an SQLite code when reading the rows ended with it
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_GetFolders(const DbChar *imei, FolderList *list);
+
+/**
+ * Reads one music folder of a phone.
+ *
+ * @param path    the folder's Path
+ * @param folder  its Path is freed and, like Count, Size, TotalSize and Sized, zeroed first, so it must start zeroed;
+ *                AddTime is never filled. To free the Path, pass the record again with an unknown path
+ * @return 0 filled; 1 not found, or the query failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_GetFolder(const DbChar *imei, const DbChar *path, FolderRecord *folder);
+
+/**
+ * Tells whether the user wants a music folder synced.
+ *
+ * @return 0 or 1 as stored; 1 also for an unknown folder or phone, and when the query failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_IsFolderSelected(const DbChar *imei, const DbChar *path);
+
+/**
+ * Stores whether the user wants a music folder synced.
+ *
+ * @param selected  1 or 0
+ * @return 0 stored, also when the folder is unknown; 1 unknown phone, or the update failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetFolderSelected(const DbChar *imei, const DbChar *path, int32_t selected);
+
+/**
+ * Always answers 1 and writes an error line to the trace: it cannot tell a deleted folder from a live one. Read the
+ * Deleted field with DB_MUSIC_GetFolder or DB_MUSIC_GetFolders instead.
+ *
+ * @return 1
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_IsFolderDeleted(const DbChar *imei, const DbChar *path);
+
+/**
+ * Notes that a music folder is gone from the PC (1) or back (0). A folder of which no file was ever recorded is removed
+ * at once, and whatever is recorded under it.
+ *
+ * @param deleted  1 or 0
+ * @return 0 done, also when the folder is unknown; 1 unknown phone, or a statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetFolderDeleted(const DbChar *imei, const DbChar *path, int32_t deleted);
+
+/**
+ * Tells whether a music file has been synced to a phone.
+ *
+ * @param path  the file on the PC
+ * @param file  filled when it has; the texts it held before are not freed, and nothing frees the new ones: to look at
+ *              many files use DB_MUSIC_GetSyncedFiles
+ * @return 1 recorded; 0 not recorded, or the query failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_IsSyncedFile(const DbChar *imei, const DbChar *path,
+                                                        SyncedFileRecord *file);
+
+/**
+ * Lists the music files synced to a phone, all of them or those of one folder.
+ * The file has no index on the folder: each call with a folder reads through all files of the phone. Who needs them
+ * folder by folder lists all once and groups by BasePath.
+ *
+ * @param folder  the BasePath wanted; null or empty: all
+ * @param list    emptied, then filled
+ * @return 0, also for an unknown phone (no files); 1 a query failed; an SQLite code when reading the rows ended with it
+ *         (100: a row too many had been added meanwhile)
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_GetSyncedFiles(const DbChar *imei, const DbChar *folder,
+                                                          SyncedFileList *list);
+
+/**
+ * Records that a file of a music folder has been copied to the phone, and clears the folder's mark "nothing synced
+ * yet". A file already recorded is left as it was.
+ *
+ * @param file  Path, BasePath, PhonePath and ModifiedTime are read; the texts stay the caller's
+ * @return 0 recorded; 1 unknown phone or closed database; 19 already recorded; any other SQLite code as the insert gave
+ *         it
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetAddedFile(const DbChar *imei, const SyncedFileRecord *file);
+
+/**
+ * Records that a music file has been removed from the phone. Its folder is left as it is.
+ *
+ * @param file  only Path is read
+ * @return 0 done, also when the file was not recorded; 1 unknown phone, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetDeletedFile(const DbChar *imei, const SyncedFileRecord *file);
+
+/**
+ * Records that a changed music file has been copied to the phone again.
+ *
+ * @param file  Path selects; PhonePath and ModifiedTime are written, BasePath is not
+ * @return 0 done, also when the file was not recorded; 1 unknown phone, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetUpdatedFile(const DbChar *imei, const SyncedFileRecord *file);
+
+/**
+ * Removes a music folder and all files recorded under it from a phone's books.
+ *
+ * @return 0 done, also when the folder was not known; 1 unknown phone, or the files could not be removed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetDeletedFolder(const DbChar *imei, const DbChar *path);
+
+/** As DB_MUSIC_AddFolder, for pictures. Marks the music main folder as changed, not the gallery one. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_AddFolder(const DbChar *imei, const FolderRecord *folder);
+/** As DB_MUSIC_ClearAll, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_ClearAll(const DbChar *imei);
+/** As DB_MUSIC_GetFolders, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_GetFolders(const DbChar *imei, FolderList *list);
+/** As DB_MUSIC_GetFolder, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_GetFolder(const DbChar *imei, const DbChar *path, FolderRecord *folder);
+/** As DB_MUSIC_IsFolderSelected, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_IsFolderSelected(const DbChar *imei, const DbChar *path);
+/** As DB_MUSIC_SetFolderSelected, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_SetFolderSelected(const DbChar *imei, const DbChar *path, int32_t selected);
+/** As DB_MUSIC_IsFolderDeleted, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_IsFolderDeleted(const DbChar *imei, const DbChar *path);
+/** As DB_MUSIC_SetFolderDeleted, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_SetFolderDeleted(const DbChar *imei, const DbChar *path, int32_t deleted);
+/** As DB_MUSIC_IsSyncedFile, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_IsSyncedFile(const DbChar *imei, const DbChar *path,
+                                                         SyncedFileRecord *file);
+/** As DB_MUSIC_GetSyncedFiles, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_GetSyncedFiles(const DbChar *imei, const DbChar *folder,
+                                                           SyncedFileList *list);
+/** As DB_MUSIC_SetAddedFile, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_SetAddedFile(const DbChar *imei, const SyncedFileRecord *file);
+/** As DB_MUSIC_SetDeletedFile, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_SetDeletedFile(const DbChar *imei, const SyncedFileRecord *file);
+/** As DB_MUSIC_SetUpdatedFile, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_SetUpdatedFile(const DbChar *imei, const SyncedFileRecord *file);
+/** As DB_MUSIC_SetDeletedFolder, for pictures. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_IMAGE_SetDeletedFolder(const DbChar *imei, const DbChar *path);
+
+/** As DB_MUSIC_AddFolder, for videos. Marks the music main folder as changed, not the gallery one. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_AddFolder(const DbChar *imei, const FolderRecord *folder);
+/** As DB_MUSIC_ClearAll, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_ClearAll(const DbChar *imei);
+/** As DB_MUSIC_GetFolders, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_GetFolders(const DbChar *imei, FolderList *list);
+/** As DB_MUSIC_GetFolder, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_GetFolder(const DbChar *imei, const DbChar *path, FolderRecord *folder);
+/** As DB_MUSIC_IsFolderSelected, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_IsFolderSelected(const DbChar *imei, const DbChar *path);
+/** As DB_MUSIC_SetFolderSelected, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_SetFolderSelected(const DbChar *imei, const DbChar *path, int32_t selected);
+/** As DB_MUSIC_IsFolderDeleted, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_IsFolderDeleted(const DbChar *imei, const DbChar *path);
+/** As DB_MUSIC_SetFolderDeleted, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_SetFolderDeleted(const DbChar *imei, const DbChar *path, int32_t deleted);
+/** As DB_MUSIC_IsSyncedFile, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_IsSyncedFile(const DbChar *imei, const DbChar *path,
+                                                         SyncedFileRecord *file);
+/** As DB_MUSIC_GetSyncedFiles, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_GetSyncedFiles(const DbChar *imei, const DbChar *folder,
+                                                           SyncedFileList *list);
+/** As DB_MUSIC_SetAddedFile, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_SetAddedFile(const DbChar *imei, const SyncedFileRecord *file);
+/** As DB_MUSIC_SetDeletedFile, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_SetDeletedFile(const DbChar *imei, const SyncedFileRecord *file);
+/** As DB_MUSIC_SetUpdatedFile, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_SetUpdatedFile(const DbChar *imei, const SyncedFileRecord *file);
+/** As DB_MUSIC_SetDeletedFolder, for videos. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_VIDEO_SetDeletedFolder(const DbChar *imei, const DbChar *path);
+
+/** As DB_MUSIC_AddFolder, for documents. Marks the music main folder as changed, not the document one. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_AddFolder(const DbChar *imei, const FolderRecord *folder);
+/** As DB_MUSIC_ClearAll, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_ClearAll(const DbChar *imei);
+/** As DB_MUSIC_GetFolders, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_GetFolders(const DbChar *imei, FolderList *list);
+/** As DB_MUSIC_GetFolder, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_GetFolder(const DbChar *imei, const DbChar *path, FolderRecord *folder);
+/** As DB_MUSIC_IsFolderSelected, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_IsFolderSelected(const DbChar *imei, const DbChar *path);
+/** As DB_MUSIC_SetFolderSelected, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetFolderSelected(const DbChar *imei, const DbChar *path,
+                                                                 int32_t selected);
+/** As DB_MUSIC_IsFolderDeleted, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_IsFolderDeleted(const DbChar *imei, const DbChar *path);
+/** As DB_MUSIC_SetFolderDeleted, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetFolderDeleted(const DbChar *imei, const DbChar *path,
+                                                                int32_t deleted);
+/** As DB_MUSIC_IsSyncedFile, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_IsSyncedFile(const DbChar *imei, const DbChar *path,
+                                                            SyncedFileRecord *file);
+/** As DB_MUSIC_GetSyncedFiles, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_GetSyncedFiles(const DbChar *imei, const DbChar *folder,
+                                                              SyncedFileList *list);
+/** As DB_MUSIC_SetAddedFile, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetAddedFile(const DbChar *imei, const SyncedFileRecord *file);
+/** As DB_MUSIC_SetDeletedFile, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetDeletedFile(const DbChar *imei, const SyncedFileRecord *file);
+/** As DB_MUSIC_SetUpdatedFile, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetUpdatedFile(const DbChar *imei, const SyncedFileRecord *file);
+/** As DB_MUSIC_SetDeletedFolder, for documents. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetDeletedFolder(const DbChar *imei, const DbChar *path);
+
+#if defined(__cplusplus)
+} /* extern "C" */
+#endif
+
+#undef KESTA_DB_STATIC_ASSERT
+#undef KESTA_DB_OFFSET
+
+#endif /* KESTA_DB_KESTA_DB_H */
