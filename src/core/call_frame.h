@@ -1,0 +1,122 @@
+// The frame around every call: lock, entry line, connection check, preset result, catch-all, exit line, unlock. Exports
+// and the engine routines that take the lock say only what is their own.
+//
+//   RunExport      an export with entry and, unless it says otherwise, exit line
+//   RunThinExport  an export that traces its entry before the lock is taken and hands over to a routine run by
+//   RunLocked RunLocked      such a routine: lock and catch-all, no lines of its own
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+
+#include "core/connection.h"
+#include "core/module.h"
+#include "core/results.h"
+#include "core/trace.h"
+
+namespace kesta {
+
+/// Counts the thread as inside, and begins what a slow reader of the trace may delay.
+class CallScope {
+public:
+    CallScope() noexcept
+    {
+        TheModule().enterCall();
+        platform::BeginTracedCall();
+    }
+    ~CallScope() { TheModule().leaveCall(); }
+    CallScope(const CallScope&) = delete;
+    CallScope& operator=(const CallScope&) = delete;
+};
+
+class ScopedAccess {
+public:
+    ScopedAccess() noexcept { TheModule().DbAccessLock.lock(); }
+    ~ScopedAccess() { TheModule().DbAccessLock.unlock(); }
+    ScopedAccess(const ScopedAccess&) = delete;
+    ScopedAccess& operator=(const ScopedAccess&) = delete;
+};
+
+/// The record behind a caller's pointer. A null pointer takes the way of every exception: a line and result 1.
+template <class T>
+T& Required(T* record)
+{
+    if (record == nullptr) throw std::invalid_argument("null record");
+    return *record;
+}
+
+using ExitFormat = Format<Name, int32_t>;
+inline constexpr ExitFormat kExitWithResult = "Exit %s() with %d.\n";
+
+/// What tells one export's frame from another's.
+struct Export {
+    const char* name;
+    int32_t preset = static_cast<int32_t>(ResultCode::kFailure);  // the result unless the body says otherwise
+    const ExitFormat* exit = &kExitWithResult;                    // null: no exit line
+};
+
+/// The frame without the connection check.
+template <class Enter, class Body>
+int32_t RunFrame(const Export& self, Enter&& enter, Body&& body) noexcept
+{
+    const CallScope inside;
+    const ScopedAccess access;
+    int32_t result = self.preset;
+    try {
+        enter();
+        result = static_cast<int32_t>(body());
+    } catch (...) {  // nothing leaves the library as an exception
+        result = static_cast<int32_t>(ResultCode::kFailure);
+        Trail(self.name).exception();
+    }
+    if (self.exit != nullptr) DbTrace(*self.exit, Name{self.name}, result);
+    return result;
+}
+
+/// `before` runs after the entry line, whether the database is open or not; `body` with the open connection.
+template <class Enter, class Before, class Body>
+int32_t RunExport(const Export& self, Enter&& enter, Before&& before, Body&& body) noexcept
+{
+    return RunFrame(self, enter, [&]() -> int32_t {
+        before();
+        Connection& db = TheModule().DbConnection;
+        return db.isOpen() ? static_cast<int32_t>(body(db)) : self.preset;
+    });
+}
+
+template <class Enter, class Body>
+int32_t RunExport(const Export& self, Enter&& enter, Body&& body) noexcept
+{
+    return RunExport(
+        self, enter, [] {}, body);
+}
+
+/// `enter` writes the entry line, and empties what the caller gave before it where that comes first.
+template <class Enter, class Call>
+int32_t RunThinExport(const char* name, Enter&& enter, Call&& call) noexcept
+{
+    const CallScope inside;
+    try {
+        enter();
+        return static_cast<int32_t>(call());
+    } catch (...) {
+        Trail(name).exception();
+        return static_cast<int32_t>(ResultCode::kFailure);
+    }
+}
+
+/// `closed` is the result while the database is not open. The result's type is the body's.
+template <class Result, class Body>
+Result RunLocked(Trail trail, Result closed, Body&& body) noexcept
+{
+    const ScopedAccess access;
+    try {
+        Connection& db = TheModule().DbConnection;
+        return db.isOpen() ? body(db) : closed;
+    } catch (...) {
+        trail.exception();
+        return static_cast<Result>(ResultCode::kFailure);
+    }
+}
+
+}  // namespace kesta

@@ -1,0 +1,86 @@
+// An SQLite connection and the statements run on it. Only core/sqlite_*.cpp speak to SQLite itself.
+// Callers hold the access lock; the module's own connection is handed out by the call frame.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "core/results.h"
+#include "core/sql.h"
+#include "kesta_db/kesta_db.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace kesta {
+
+/// A query and its rows. Finalised, or given back to its connection, when it goes.
+class Statement {
+public:
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+    ~Statement();
+
+    [[nodiscard]] bool prepared() const { return statement_ != nullptr; }
+    /// Of the preparation, then of the latest step.
+    [[nodiscard]] SqliteCode last() const { return last_; }
+    /// Whether one more row has come.
+    bool step() noexcept;
+
+    // Columns of the current row.
+    [[nodiscard]] int32_t int32(int column) const noexcept;
+    [[nodiscard]] int64_t int64(int column) const noexcept;
+    [[nodiscard]] DateValue date(int column) const noexcept;
+    /// ReadTextColumn: a new text for the caller, or null for NULL and for an empty text.
+    [[nodiscard]] DbChar* newText(int column) const;
+
+private:
+    friend class Connection;
+    Statement(sqlite3_stmt* statement, SqliteCode code, bool kept) : statement_(statement), last_(code), kept_(kept) {}
+
+    sqlite3_stmt* statement_;
+    SqliteCode last_;
+    bool kept_;  // stays compiled for the next time
+};
+
+class Connection {
+public:
+    constexpr Connection() = default;
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+    ~Connection() { close(); }
+
+    /// Leaves a handle behind even in many failures, as SQLite does: ask isOpen().
+    SqliteCode open(const char* utf8Path) noexcept;
+    void close() noexcept;
+    [[nodiscard]] bool isOpen() const { return handle_ != nullptr; }
+
+    /// Waits for other programs' locks with BusyRetry.
+    void waitWhenBusy() noexcept;
+
+    /// Runs a statement, or several, whose rows nobody wants.
+    SqliteCode exec(const Sql& sql) noexcept;
+    SqliteCode exec(const char* text) noexcept;
+    Statement prepare(const Sql& sql) noexcept;
+    /// As prepare, for the short look-ups that recur with every call: the text is compiled once while it stays the
+    /// same.
+    Statement prepareKept(const Sql& sql) noexcept;
+
+    [[nodiscard]] int64_t lastInsertRowId() const noexcept;
+    [[nodiscard]] int32_t totalChanges() const noexcept;
+
+private:
+    struct Kept {
+        std::array<char, 256> text;
+        size_t length;
+        sqlite3_stmt* statement;
+    };
+
+    sqlite3* handle_ = nullptr;
+    std::array<Kept, 4> kept_ = {};
+    size_t nextKept_ = 0;
+};
+
+}  // namespace kesta

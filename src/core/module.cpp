@@ -1,0 +1,70 @@
+#include "core/module.h"
+
+#include <cassert>
+#include <new>
+
+#include "core/trace.h"
+#include "platform/services.h"
+
+namespace kesta {
+namespace {
+
+constexpr size_t kEscapeBufferUnits = 40960;
+static_assert(kEscapeBufferUnits * sizeof(DbChar) > kStatementBytes, "a statement and its terminator must fit");
+
+/// Never destroyed: its end is the unloading of the library, when ModuleEnd decides what may still go.
+union Eternal {
+    constexpr Eternal() : module() {}
+    ~Eternal() {}
+    Module module;
+};
+
+constinit Eternal eternal;
+
+}  // namespace
+
+Module& TheModule() noexcept
+{
+    return eternal.module;
+}
+
+void Module::start() noexcept
+{
+    platform::OpenTrace();
+    DbAccessLock.open("NORVIK_KESTA_DB_ACCESS_MUTEX");
+    if (EscapeBuffer_ == nullptr) {
+        EscapeBuffer_.reset(new (std::nothrow) DbChar[kEscapeBufferUnits]);
+        if (EscapeBuffer_ != nullptr) TraceNew(EscapeBuffer_.get());
+    }
+    (void)DB_Open();  // a caller who wants to know asks again
+}
+
+void Module::end() noexcept
+{
+    // A process may end while one of its threads is in the middle of a call. What that call uses is then left to it and
+    // to the system; the journal keeps the file sound.
+    if (callsInside_.load(std::memory_order_acquire) != 0) return;
+    DbConnection.close();
+    noteOpen();
+    if (EscapeBuffer_ != nullptr) {
+        TraceDelete(EscapeBuffer_.get());
+        EscapeBuffer_.reset();
+    }
+    DbAccessLock.close();
+    platform::CloseTrace();
+}
+
+char* Module::takeStatementBuffer() noexcept
+{
+    assert(!bufferTaken_);
+    if (EscapeBuffer_ == nullptr) return nullptr;
+    bufferTaken_ = true;
+    return reinterpret_cast<char*>(EscapeBuffer_.get());
+}
+
+void Module::giveStatementBufferBack() noexcept
+{
+    bufferTaken_ = false;
+}
+
+}  // namespace kesta

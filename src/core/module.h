@@ -1,0 +1,44 @@
+// What exists once while the library is loaded: the lock, the connection and the buffer for statements. Loading and
+// unloading call ModuleStart and ModuleEnd; everybody else comes in through the call frame.
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "core/connection.h"
+#include "kesta_db/kesta_db.h"
+#include "platform/named_mutex.h"
+
+namespace kesta {
+
+class Module {
+public:
+    constexpr Module() = default;
+
+    void start() noexcept;
+    void end() noexcept;
+
+    platform::NamedMutex DbAccessLock;  // serialises every export of all threads and processes
+    Connection DbConnection;            // open from load to unload, or null
+
+    /// Whether the connection is open, asked without the lock.
+    [[nodiscard]] bool isOpen() const { return open_.load(std::memory_order_acquire); }
+    void noteOpen() { open_.store(DbConnection.isOpen(), std::memory_order_release); }
+
+    /// The buffer in which the one statement at a time is made; null when there is none.
+    char* takeStatementBuffer() noexcept;
+    void giveStatementBufferBack() noexcept;
+
+    void enterCall() { callsInside_.fetch_add(1, std::memory_order_relaxed); }
+    void leaveCall() { callsInside_.fetch_sub(1, std::memory_order_release); }
+
+private:
+    std::unique_ptr<DbChar[]> EscapeBuffer_;
+    bool bufferTaken_ = false;
+    std::atomic<bool> open_ = false;
+    std::atomic<int> callsInside_ = 0;
+};
+
+Module& TheModule() noexcept;
+
+}  // namespace kesta

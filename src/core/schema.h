@@ -1,0 +1,16 @@
+// The database file: its version, its tables, indexes and views, and its first rows.
+#pragma once
+
+#include <cstdint>
+
+#include "core/results.h"
+
+namespace kesta {
+
+/// A file of any other version is thrown away.
+inline constexpr int32_t kDatabaseVersion = 5005;
+
+/// Builds a fresh database in a file that is not there yet. The result is that of the last row written.
+ResultCode DB_INTERNAL_Create(const char* utf8Path);
+
+}  // namespace kesta
