@@ -1,0 +1,19 @@
+// The look-ups that find a phone's number, its bookmark type and a folder's flag. They trace nothing; the caller holds
+// the lock.
+#pragma once
+
+#include <cstdint>
+
+#include "core/connection.h"
+
+namespace kesta {
+
+inline constexpr int32_t kNoPhone = -1;
+
+/// The number of a phone; kNoPhone when it is not known or cannot be looked up.
+int32_t GetPhoneIdByImei(Connection& db, const DbChar* imei);
+
+/// The [Flag] of a folder or playlist; 0 when there is no such row or it cannot be looked up.
+int32_t GetPathFlag(Connection& db, int32_t phoneId, Name folderTable, const DbChar* path);
+
+}  // namespace kesta

@@ -1,0 +1,14 @@
+// Emptying whole tables.
+#pragma once
+
+#include <cstdint>
+
+#include "core/connection.h"
+#include "core/results.h"
+
+namespace kesta {
+
+/// Removes all rows of a phone from a table.
+ResultCode DB_INTERNAL_ClearTable4Phone(Connection& db, int32_t phoneId, Name table);
+
+}  // namespace kesta

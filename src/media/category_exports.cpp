@@ -1,0 +1,220 @@
+// DB_MUSIC_*, DB_IMAGE_*, DB_VIDEO_*, DB_DOCUMENT_*: each traces its entry, before the lock is taken, and hands over to
+// the engine with its category's names. None of them writes an exit line.
+#include "core/call_frame.h"
+#include "core/list.h"
+#include "kesta_db/kesta_db.h"
+#include "media/category.h"
+#include "media/folder_records.h"
+#include "media/folder_state.h"
+#include "media/synced_files.h"
+
+namespace kesta::category {
+namespace {
+
+void TraceEnter(const char* name, const DbChar* imei)
+{
+    DbTrace("Enter %s(IMEI: %s).\n", Name{name}, Plain{imei});
+}
+
+void TraceEnter(const char* name, const DbChar* imei, const DbChar* path)
+{
+    DbTrace("Enter %s(IMEI: %s, Path: %s).\n", Name{name}, Plain{imei}, Plain{path});
+}
+
+int32_t AddFolder(const char* name, const Category& category, const DbChar* imei, const FolderRecord* folder)
+{
+    return RunThinExport(
+        name, [&] { TraceEnter(name, imei, Required(folder).Path); },
+        [&] { return DB_INTERNAL_AddFolder(imei, category.folderTable, *folder); });
+}
+
+int32_t ClearAll(const char* name, const Category& category, const DbChar* imei)
+{
+    constexpr int32_t kDeleted = 1;
+    return RunThinExport(
+        name, [&] { TraceEnter(name, imei); },
+        [&] { return DB_INTERNAL_SetFoldersState(imei, category.folderTable, Name{"[Deleted]"}, kDeleted); });
+}
+
+int32_t GetFolders(const char* name, const Category& category, const DbChar* imei, FolderList* list)
+{
+    return RunThinExport(
+        name,
+        [&] {
+            EmptyList(Required(list));
+            TraceEnter(name, imei);
+        },
+        [&] { return DB_INTERNAL_GetFolders(imei, category.folderTable, *list, FolderOrder::kAddTime); });
+}
+
+/// Deliberate: RowId, Selected, Deleted and AddTime stay as the caller gave them.
+void ResetFolder(FolderRecord& folder)
+{
+    FreeText(folder.Path);
+    folder.Count = 0;
+    folder.Size = 0;
+    folder.TotalSize = 0;
+    folder.Sized = 0;
+}
+
+int32_t GetFolder(const char* name, const Category& category, const DbChar* imei, const DbChar* path,
+                  FolderRecord* folder)
+{
+    return RunThinExport(
+        name,
+        [&] {
+            ResetFolder(Required(folder));
+            TraceEnter(name, imei, path);
+        },
+        [&] { return DB_INTERNAL_GetFolder(imei, category.folderTable, path, *folder); });
+}
+
+int32_t IsFolderSelected(const char* name, const Category& category, const DbChar* imei, const DbChar* path)
+{
+    return RunThinExport(
+        name, [&] { TraceEnter(name, imei, path); },
+        [&] { return DB_INTERNAL_IsFolderSelected(imei, category.folderView, path); });
+}
+
+int32_t SetFolderSelected(const char* name, const Category& category, const DbChar* imei, const DbChar* path,
+                          int32_t selected)
+{
+    return RunThinExport(
+        name,
+        [&] {
+            DbTrace("Enter %s(IMEI: %s, Path: %s, Selected: %d).\n", Name{name}, Plain{imei}, Plain{path}, selected);
+        },
+        [&] { return DB_INTERNAL_SetFolderSelected(imei, category.folderTable, path, selected); });
+}
+
+int32_t IsFolderDeleted(const char* name, const Category& category, const DbChar* imei, const DbChar* path)
+{
+    return RunThinExport(
+        name, [&] { TraceEnter(name, imei, path); },
+        [&] { return DB_INTERNAL_IsFolderDeleted(imei, category.folderView, path); });
+}
+
+int32_t SetFolderDeleted(const char* name, const Category& category, const DbChar* imei, const DbChar* path,
+                         int32_t deleted)
+{
+    return RunThinExport(
+        name, [&] { DbTrace(category.enterSetFolderDeleted, Name{name}, Plain{imei}, Plain{path}, deleted); },
+        [&] { return DB_INTERNAL_SetFolderDeleted(imei, category.folderTable, path, deleted); });
+}
+
+int32_t IsSyncedFile(const char* name, const Category& category, const DbChar* imei, const DbChar* path,
+                     SyncedFileRecord* file)
+{
+    return RunThinExport(
+        name,
+        [&] {
+            TraceEnter(name, imei, path);
+            (void)Required(file);
+        },
+        [&] { return DB_INTERNAL_IsSyncedFile(imei, category.fileView, path, *file); });
+}
+
+int32_t GetSyncedFiles(const char* name, const Category& category, const DbChar* imei, const DbChar* folder,
+                       SyncedFileList* list)
+{
+    return RunThinExport(
+        name,
+        [&] {
+            EmptyList(Required(list));
+            DbTrace("Enter %s(IMEI: %s, Folder: %s).\n", Name{name}, Plain{imei}, Plain{folder});
+        },
+        [&] { return DB_INTERNAL_GetSyncedFiles(imei, category.fileView, folder, *list); });
+}
+
+using FileRoutine = ResultCode(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept;
+
+/// SetAddedFile, SetDeletedFile and SetUpdatedFile.
+int32_t RecordFile(const char* name, FileRoutine& routine, const Category& category, const DbChar* imei,
+                   const SyncedFileRecord* file)
+{
+    return RunThinExport(
+        name, [&] { TraceEnter(name, imei, Required(file).Path); },
+        [&] { return routine(imei, category.fileTable, *file); });
+}
+
+int32_t SetDeletedFolder(const char* name, const Category& category, const DbChar* imei, const DbChar* path)
+{
+    return RunThinExport(
+        name, [&] { TraceEnter(name, imei, path); },
+        [&] { return DB_INTERNAL_SetDeletedFolder(imei, category.folderTable, path, Deletion::kNow); });
+}
+
+}  // namespace
+}  // namespace kesta::category
+
+using namespace kesta;
+
+// Only stamps out the names that must exist.
+#define CATEGORY_EXPORTS(FAMILY, kCategory)                                                                          \
+    int32_t DB_##FAMILY##_AddFolder(const DbChar* imei, const FolderRecord* folder)                                  \
+    {                                                                                                                \
+        return category::AddFolder("DB_" #FAMILY "_AddFolder", kCategory, imei, folder);                             \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_ClearAll(const DbChar* imei)                                                               \
+    {                                                                                                                \
+        return category::ClearAll("DB_" #FAMILY "_ClearAll", kCategory, imei);                                       \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_GetFolders(const DbChar* imei, FolderList* list)                                           \
+    {                                                                                                                \
+        return category::GetFolders("DB_" #FAMILY "_GetFolders", kCategory, imei, list);                             \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_GetFolder(const DbChar* imei, const DbChar* path, FolderRecord* folder)                    \
+    {                                                                                                                \
+        return category::GetFolder("DB_" #FAMILY "_GetFolder", kCategory, imei, path, folder);                       \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_IsFolderSelected(const DbChar* imei, const DbChar* path)                                   \
+    {                                                                                                                \
+        return category::IsFolderSelected("DB_" #FAMILY "_IsFolderSelected", kCategory, imei, path);                 \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_SetFolderSelected(const DbChar* imei, const DbChar* path, int32_t selected)                \
+    {                                                                                                                \
+        return category::SetFolderSelected("DB_" #FAMILY "_SetFolderSelected", kCategory, imei, path, selected);     \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_IsFolderDeleted(const DbChar* imei, const DbChar* path)                                    \
+    {                                                                                                                \
+        return category::IsFolderDeleted("DB_" #FAMILY "_IsFolderDeleted", kCategory, imei, path);                   \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_SetFolderDeleted(const DbChar* imei, const DbChar* path, int32_t deleted)                  \
+    {                                                                                                                \
+        return category::SetFolderDeleted("DB_" #FAMILY "_SetFolderDeleted", kCategory, imei, path, deleted);        \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_IsSyncedFile(const DbChar* imei, const DbChar* path, SyncedFileRecord* file)               \
+    {                                                                                                                \
+        return category::IsSyncedFile("DB_" #FAMILY "_IsSyncedFile", kCategory, imei, path, file);                   \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_GetSyncedFiles(const DbChar* imei, const DbChar* folder, SyncedFileList* list)             \
+    {                                                                                                                \
+        return category::GetSyncedFiles("DB_" #FAMILY "_GetSyncedFiles", kCategory, imei, folder, list);             \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_SetAddedFile(const DbChar* imei, const SyncedFileRecord* file)                             \
+    {                                                                                                                \
+        return category::RecordFile("DB_" #FAMILY "_SetAddedFile", DB_INTERNAL_SetAddedFile, kCategory, imei, file); \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_SetDeletedFile(const DbChar* imei, const SyncedFileRecord* file)                           \
+    {                                                                                                                \
+        return category::RecordFile("DB_" #FAMILY "_SetDeletedFile", DB_INTERNAL_SetDeletedFile, kCategory, imei,    \
+                                    file);                                                                           \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_SetUpdatedFile(const DbChar* imei, const SyncedFileRecord* file)                           \
+    {                                                                                                                \
+        return category::RecordFile("DB_" #FAMILY "_SetUpdatedFile", DB_INTERNAL_SetUpdatedFile, kCategory, imei,    \
+                                    file);                                                                           \
+    }                                                                                                                \
+    int32_t DB_##FAMILY##_SetDeletedFolder(const DbChar* imei, const DbChar* path)                                   \
+    {                                                                                                                \
+        return category::SetDeletedFolder("DB_" #FAMILY "_SetDeletedFolder", kCategory, imei, path);                 \
+    }
+
+extern "C" {
+CATEGORY_EXPORTS(MUSIC, kMusic)
+CATEGORY_EXPORTS(IMAGE, kImage)
+CATEGORY_EXPORTS(VIDEO, kVideo)
+CATEGORY_EXPORTS(DOCUMENT, kDocument)
+}
+
+#undef CATEGORY_EXPORTS
