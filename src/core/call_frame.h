@@ -55,32 +55,51 @@ struct Export {
     const ExitFormat* exit = &kExitWithResult;                    // null: no exit line
 };
 
+/// What a body may return instead of a plain result, to end without the exit line.
+struct Outcome {
+    int32_t result;
+    bool traceExit;
+};
+
+constexpr Outcome ToOutcome(int32_t result)
+{
+    return {result, true};
+}
+constexpr Outcome ToOutcome(ResultCode result)
+{
+    return {static_cast<int32_t>(result), true};
+}
+constexpr Outcome ToOutcome(Outcome outcome)
+{
+    return outcome;
+}
+
 /// The frame without the connection check.
 template <class Enter, class Body>
 int32_t RunFrame(const Export& self, Enter&& enter, Body&& body) noexcept
 {
     const CallScope inside;
     const ScopedAccess access;
-    int32_t result = self.preset;
+    Outcome outcome = {self.preset, true};
     try {
         enter();
-        result = static_cast<int32_t>(body());
+        outcome = ToOutcome(body());
     } catch (...) {  // nothing leaves the library as an exception
-        result = static_cast<int32_t>(ResultCode::kFailure);
+        outcome = ToOutcome(ResultCode::kFailure);
         Trail(self.name).exception();
     }
-    if (self.exit != nullptr) DbTrace(*self.exit, Name{self.name}, result);
-    return result;
+    if (self.exit != nullptr && outcome.traceExit) DbTrace(*self.exit, Name{self.name}, outcome.result);
+    return outcome.result;
 }
 
 /// `before` runs after the entry line, whether the database is open or not; `body` with the open connection.
 template <class Enter, class Before, class Body>
 int32_t RunExport(const Export& self, Enter&& enter, Before&& before, Body&& body) noexcept
 {
-    return RunFrame(self, enter, [&]() -> int32_t {
+    return RunFrame(self, enter, [&]() -> Outcome {
         before();
         Connection& db = TheModule().DbConnection;
-        return db.isOpen() ? static_cast<int32_t>(body(db)) : self.preset;
+        return db.isOpen() ? ToOutcome(body(db)) : ToOutcome(self.preset);
     });
 }
 

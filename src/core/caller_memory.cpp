@@ -4,13 +4,33 @@
 
 namespace kesta {
 
+namespace {
+
+/// Memory for `count` of something, told in the trace.
+template <class T>
+T* Allocate(size_t count)
+{
+    auto* memory = static_cast<T*>(std::malloc(count * sizeof(T)));
+    if (memory == nullptr) throw std::bad_alloc();
+    memory[count - 1] = 0;
+    TraceNew(memory);
+    return memory;
+}
+
+template <class T>
+void Free(T*& memory) noexcept
+{
+    if (memory == nullptr) return;
+    TraceDelete(memory);
+    std::free(memory);
+    memory = nullptr;
+}
+
+}  // namespace
+
 DbChar* NewText(size_t length)
 {
-    auto* text = static_cast<DbChar*>(std::malloc((length + 1) * sizeof(DbChar)));
-    if (text == nullptr) throw std::bad_alloc();
-    text[length] = 0;
-    TraceNew(text);
-    return text;
+    return Allocate<DbChar>(length + 1);
 }
 
 DbChar* DuplicateText(const DbChar* text)
@@ -24,10 +44,17 @@ DbChar* DuplicateText(const DbChar* text)
 
 void FreeText(DbChar*& text) noexcept
 {
-    if (text == nullptr) return;
-    TraceDelete(text);
-    std::free(text);
-    text = nullptr;
+    Free(text);
+}
+
+uint8_t* NewBytes(size_t length)
+{
+    return Allocate<uint8_t>(length);
+}
+
+void FreeBytes(uint8_t*& bytes) noexcept
+{
+    Free(bytes);
 }
 
 }  // namespace kesta

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -22,6 +23,10 @@ DbChar* DuplicateText(const DbChar* text);
 
 /// Frees the text, if there is one, and forgets it.
 void FreeText(DbChar*& text) noexcept;
+
+/// `length` bytes, to be filled. Throws std::bad_alloc.
+uint8_t* NewBytes(size_t length);
+void FreeBytes(uint8_t*& bytes) noexcept;
 
 /// How the elements of a kind start and end; each record type says so beside its reader:
 /// `static void construct(T&, const DateValue& now)` and `static void destroy(T&)`.

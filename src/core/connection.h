@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "core/results.h"
@@ -30,11 +31,20 @@ public:
     bool step() noexcept;
 
     // Columns of the current row.
+    [[nodiscard]] bool isNull(int column) const noexcept;
     [[nodiscard]] int32_t int32(int column) const noexcept;
     [[nodiscard]] int64_t int64(int column) const noexcept;
     [[nodiscard]] DateValue date(int column) const noexcept;
     /// ReadTextColumn: a new text for the caller, or null for NULL and for an empty text.
     [[nodiscard]] DbChar* newText(int column) const;
+    /// The text itself, until the next step; null for NULL.
+    [[nodiscard]] const DbChar* wideText(int column) const noexcept;
+    [[nodiscard]] std::span<const uint8_t> blob(int column) const noexcept;
+
+    // Parameters, counted from 1. What is bound must live until the statement has been stepped.
+    void bindBlob(int parameter, const void* data, int32_t length) noexcept;
+    /// Null binds NULL.
+    void bindText(int parameter, const DbChar* text);
 
 private:
     friend class Connection;
@@ -67,6 +77,8 @@ public:
     /// As prepare, for the short look-ups that recur with every call: the text is compiled once while it stays the
     /// same.
     Statement prepareKept(const Sql& sql) noexcept;
+    /// As exec, for one statement that is likely to come again word for word.
+    SqliteCode execKept(const Sql& sql) noexcept;
 
     [[nodiscard]] int64_t lastInsertRowId() const noexcept;
     [[nodiscard]] int32_t totalChanges() const noexcept;

@@ -8,24 +8,31 @@
 namespace kesta {
 namespace {
 
-constexpr std::string_view kStoredForm = "0000-00-00 00:00:00";  // a 0 stands for any digit
+constexpr std::string_view kStoredForm = "0000-00-00 00:00:00";
 
 void WriteDigits(char* out, int value, int digits)
 {
     for (int i = digits; i-- > 0; value /= 10) out[i] = static_cast<char>('0' + value % 10);
 }
 
-constexpr bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
+/// Reads digits at fixed places and remembers whether anything else was among them.
+class DigitReader {
+public:
+    explicit DigitReader(const char* text) : text_(text) {}
+    int two(size_t place)
+    {
+        const int tens = text_[place] - '0';
+        const int ones = text_[place + 1] - '0';
+        others_ |= tens | (9 - tens) | ones | (9 - ones);  // negative if one of them is
+        return tens * 10 + ones;
+    }
+    void skip(size_t place, char expected) { others_ |= text_[place] == expected ? 0 : -1; }
+    [[nodiscard]] bool sound() const { return others_ >= 0; }
 
-int ReadDigits(const char* text, int digits)
-{
-    int value = 0;
-    for (int i = 0; i < digits; ++i) value = value * 10 + (text[i] - '0');
-    return value;
-}
+private:
+    const char* text_;
+    int others_ = 0;
+};
 
 }  // namespace
 
@@ -66,13 +73,19 @@ DateValue ParseDateTime(const DbChar* text) noexcept
 bool ParseStoredDate(std::string_view text, DateValue& date) noexcept
 {
     if (text.size() != kStoredForm.size()) return false;
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (kStoredForm[i] == '0' ? !IsDigit(text[i]) : text[i] != kStoredForm[i]) return false;
-    }
-    const char* digits = text.data();
-    const platform::CalendarTime time = {ReadDigits(digits, 4),      ReadDigits(digits + 5, 2),
-                                         ReadDigits(digits + 8, 2),  ReadDigits(digits + 11, 2),
-                                         ReadDigits(digits + 14, 2), ReadDigits(digits + 17, 2)};
+    DigitReader digits(text.data());
+    const platform::CalendarTime time = {digits.two(0) * 100 + digits.two(2),
+                                         digits.two(5),
+                                         digits.two(8),
+                                         digits.two(11),
+                                         digits.two(14),
+                                         digits.two(17)};
+    digits.skip(4, '-');
+    digits.skip(7, '-');
+    digits.skip(10, ' ');
+    digits.skip(13, ':');
+    digits.skip(16, ':');
+    if (!digits.sound()) return false;
     double days = 0.0;
     if (time.year < 100 || !platform::JoinDate(time, days)) return false;
     date = {days, kDateValid};

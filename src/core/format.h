@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 
 #include "kesta_db/kesta_db.h"
@@ -32,6 +33,11 @@ struct Escaped {
 
 /// A caller's text in the ANSI code page, as it is; "(null)" for none.
 struct Ansi {
+    const DbChar* text;
+};
+
+/// A caller's text escaped, and then in the ANSI code page.
+struct EscapedAnsi {
     const DbChar* text;
 };
 
@@ -90,5 +96,18 @@ private:
 /// The format of a call's arguments, kept out of their deduction.
 template <class... Args>
 using FormatFor = std::type_identity_t<Format<Args...>>;
+
+/// A text made from a format of its own, as an argument of another.
+template <class... Args>
+struct Formatted {
+    const Format<Args...>& format;
+    std::tuple<const Args&...> args;
+
+    template <class Writer>
+    void write(Writer& writer) const
+    {
+        std::apply([&](const Args&... each) { format.write(writer, each...); }, args);
+    }
+};
 
 }  // namespace kesta

@@ -1,10 +1,12 @@
 #include "core/sql.h"
 
+#include <algorithm>
 #include <cassert>
 #include <charconv>
 #include <cstring>
 #include <new>
 
+#include "core/ascii.h"
 #include "core/module.h"
 #include "core/text.h"
 #include "platform/code_page.h"
@@ -12,26 +14,11 @@
 namespace kesta {
 namespace {
 
-constexpr bool IsAscii(DbChar unit)
+size_t CountOthers(const DbChar* text)
 {
-    return unit < 0x80;
-}
-
-/// Copies characters that are one byte in UTF-8 and in every ANSI code page, up to `room` of them, and stops before the
-/// first other one, the end, or one of the stops.
-const DbChar* CopyAscii(const DbChar* text, DbChar stop, DbChar until, char*& out, size_t room)
-{
-    const char* const limit = out + room;
-    while (*text != 0 && IsAscii(*text) && *text != stop && *text != until && out != limit) {
-        *out++ = static_cast<char>(*text++);
-    }
-    return text;
-}
-
-const DbChar* SkipOthers(const DbChar* text)
-{
-    while (!IsAscii(*text)) ++text;
-    return text;
+    size_t others = 0;
+    while (!IsAscii(text[others])) ++others;
+    return others;
 }
 
 }  // namespace
@@ -59,18 +46,22 @@ void Sql::literal(std::string_view text)
 /// Copies a text up to its end or `until`: what is ASCII as it is, `doubled` twice, and the rest through `narrow`.
 void Sql::copy(const DbChar* text, DbChar doubled, DbChar until, Narrow narrow)
 {
+    const DbChar* const end = text + LengthOf(text);
     while (!tooLong_) {
-        text = CopyAscii(text, doubled, until, end_, room());
-        if (*text == 0 || *text == until) return;
+        const size_t most = std::min(static_cast<size_t>(end - text), room());
+        const size_t copied = CopyAscii(text, most, doubled, until, end_);
+        text += copied;
+        end_ += copied;
+        if (text == end || *text == until) return;
         if (*text == doubled) {
             literal("''");
             ++text;
         } else if (IsAscii(*text)) {
             tooLong_ = true;  // no room for it
         } else {
-            const DbChar* run = text;
-            text = SkipOthers(text);
-            const size_t bytes = narrow(run, static_cast<size_t>(text - run), end_, room());
+            const size_t others = CountOthers(text);
+            const size_t bytes = narrow(text, others, end_, room());
+            text += others;
             tooLong_ = bytes == platform::kDoesNotFit;
             if (!tooLong_) end_ += bytes;
         }
@@ -94,6 +85,11 @@ void Sql::put(const Escaped& text)
     // Escaping cuts a text at kEscapedUnits characters. With anything around it that is more than a statement holds, so
     // the cut never shows here: the statement is too long.
     if (text.text != nullptr) copy(text.text, kApostrophe, text.until, &platform::Utf8FromWide);
+}
+
+void Sql::put(const EscapedAnsi& text)
+{
+    if (text.text != nullptr) copy(text.text, kApostrophe, 0, &platform::AnsiFromWide);
 }
 
 void Sql::put(int64_t number)

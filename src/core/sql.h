@@ -50,6 +50,7 @@ public:
     void put(const Plain& text);
     void put(const Escaped& text);
     void put(const Ansi& text);
+    void put(const EscapedAnsi& text);
     void put(int32_t number) { put(int64_t{number}); }
     void put(int64_t number);
 
@@ -65,9 +66,9 @@ private:
 };
 
 template <class T>
-concept WideArgument = !std::same_as<T, Ansi>;
+concept WideArgument = !std::same_as<T, Ansi> && !std::same_as<T, EscapedAnsi>;
 template <class T>
-concept NarrowArgument = !std::same_as<T, Plain>;
+concept NarrowArgument = !std::same_as<T, Plain> && !std::same_as<T, Escaped>;
 
 /// A statement whose texts become UTF-8.
 template <WideArgument... Args>

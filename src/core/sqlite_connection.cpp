@@ -78,6 +78,15 @@ Statement Connection::prepareKept(const Sql& sql) noexcept
     return {oldest.statement, SqliteCode::kOk, true};
 }
 
+SqliteCode Connection::execKept(const Sql& sql) noexcept
+{
+    Statement statement = prepareKept(sql);
+    if (!statement.prepared()) return statement.last();
+    while (statement.step()) {
+    }
+    return statement.last() == SqliteCode::kDone ? SqliteCode::kOk : statement.last();
+}
+
 int64_t Connection::lastInsertRowId() const noexcept
 {
     return sqlite3_last_insert_rowid(handle_);

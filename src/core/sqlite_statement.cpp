@@ -1,10 +1,16 @@
 #include <sqlite3.h>
 
+#include <climits>
+#include <optional>
+#include <stdexcept>
+#include <string>
 #include <string_view>
 
 #include "core/caller_memory.h"
 #include "core/connection.h"
 #include "core/dates.h"
+#include "core/text.h"
+#include "core/utf8.h"
 
 namespace kesta {
 namespace {
@@ -16,13 +22,6 @@ std::string_view Utf8Column(sqlite3_stmt* statement, int column)
     if (text == nullptr) return {};
     const std::string_view whole(text, static_cast<size_t>(sqlite3_column_bytes(statement, column)));
     return whole.substr(0, whole.find('\0'));
-}
-
-bool IsAscii(std::string_view text)
-{
-    unsigned char all = 0;
-    for (const char c : text) all |= static_cast<unsigned char>(c);
-    return all < 0x80;
 }
 
 const DbChar* WideColumn(sqlite3_stmt* statement, int column)
@@ -47,6 +46,11 @@ bool Statement::step() noexcept
     return last_ == SqliteCode::kRow;
 }
 
+bool Statement::isNull(int column) const noexcept
+{
+    return sqlite3_column_type(statement_, column) == SQLITE_NULL;
+}
+
 int32_t Statement::int32(int column) const noexcept
 {
     return sqlite3_column_int(statement_, column);
@@ -68,12 +72,46 @@ DbChar* Statement::newText(int column) const
 {
     const std::string_view text = Utf8Column(statement_, column);
     if (text.empty()) return nullptr;
-    // Most texts are ASCII: they are widened straight into their final place, which saves the detour over SQLite's own
-    // conversion.
-    if (!IsAscii(text)) return DuplicateText(WideColumn(statement_, column));
-    DbChar* copy = NewText(text.size());
-    for (size_t i = 0; i < text.size(); ++i) copy[i] = static_cast<DbChar>(static_cast<unsigned char>(text[i]));
+    // Converted straight into its final place, which saves the detour over SQLite's own conversion. What SQLite makes
+    // of bytes that are no UTF-8 only SQLite knows.
+    const std::optional<size_t> units = WideLength(text);
+    if (!units.has_value()) return DuplicateText(WideColumn(statement_, column));
+    DbChar* copy = NewText(*units);
+    WidenUtf8(text, copy, *units);
     return copy;
+}
+
+const DbChar* Statement::wideText(int column) const noexcept
+{
+    return WideColumn(statement_, column);
+}
+
+std::span<const uint8_t> Statement::blob(int column) const noexcept
+{
+    const auto* data = static_cast<const uint8_t*>(sqlite3_column_blob(statement_, column));
+    return {data, static_cast<size_t>(sqlite3_column_bytes(statement_, column))};
+}
+
+void Statement::bindBlob(int parameter, const void* data, int32_t length) noexcept
+{
+    // SQLite takes no data for NULL; data of no length is an empty blob.
+    const void* start = data == nullptr && length == 0 ? "" : data;
+    sqlite3_bind_blob(statement_, parameter, start, length, SQLITE_STATIC);
+}
+
+void Statement::bindText(int parameter, const DbChar* text)
+{
+    if (text == nullptr) {
+        sqlite3_bind_null(statement_, parameter);
+        return;
+    }
+    const size_t length = LengthOf(text);
+    if (length > INT_MAX / sizeof(DbChar)) throw std::length_error("text to bind");
+    // SQLite copies here, for the repaired text does not outlive the call. Otherwise it would mistake a lone surrogate
+    // and its neighbour for a pair.
+    const std::basic_string<DbChar> sound = ReplaceLoneSurrogates({text, length});
+    sqlite3_bind_text16(statement_, parameter, sound.data(), static_cast<int>(length * sizeof(DbChar)),
+                        SQLITE_TRANSIENT);
 }
 
 }  // namespace kesta

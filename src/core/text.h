@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "kesta_db/kesta_db.h"
@@ -18,6 +19,9 @@ inline constexpr DbChar kApostrophe = static_cast<DbChar>('\'');
 
 /// Code units up to the terminator.
 size_t LengthOf(const DbChar* text) noexcept;
+
+/// The text with U+FFFD in the place of every surrogate that is not half of a pair.
+std::basic_string<DbChar> ReplaceLoneSurrogates(std::basic_string_view<DbChar> text);
 
 inline bool IsEmpty(const DbChar* text) noexcept
 {

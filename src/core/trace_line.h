@@ -7,6 +7,7 @@
 #include <memory>
 #include <string_view>
 
+#include "core/dates.h"
 #include "core/format.h"
 
 namespace kesta {
@@ -22,7 +23,13 @@ public:
     void put(const Plain& text) noexcept;
     void put(const Ansi& text) noexcept { put(Plain{text.text}); }
     void put(const Escaped& text) noexcept;
+    void put(const DateText& date) noexcept { literal(date.view()); }
     void put(const LocaleDate& date) noexcept;
+    template <class... Args>
+    void put(const Formatted<Args...>& text) noexcept
+    {
+        text.write(*this);
+    }
     void put(const Address& address) noexcept;
     void put(int32_t number) noexcept { put(int64_t{number}); }
     void put(int64_t number) noexcept;

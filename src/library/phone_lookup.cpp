@@ -17,6 +17,13 @@ int32_t GetPhoneIdByImei(Connection& db, const DbChar* imei)
     return FirstInt(db.prepareKept(NarrowSql("SELECT [ID] FROM tPhone WHERE  [IMEI] = '%s';", Ansi{imei})), kNoPhone);
 }
 
+int32_t GetBookMarkTypeByImei(Connection& db, const DbChar* imei)
+{
+    constexpr int32_t kNoType = 0;
+    return FirstInt(db.prepareKept(NarrowSql("SELECT [BookMarkType] FROM tPhone WHERE  [IMEI] = '%s';", Ansi{imei})),
+                    kNoType);
+}
+
 int32_t GetPathFlag(Connection& db, int32_t phoneId, Name folderTable, const DbChar* path)
 {
     constexpr int32_t kNoFlag = 0;

@@ -13,6 +13,9 @@ inline constexpr int32_t kNoPhone = -1;
 /// The number of a phone; kNoPhone when it is not known or cannot be looked up.
 int32_t GetPhoneIdByImei(Connection& db, const DbChar* imei);
 
+/// The bookmark type of a phone; 0 when it is not known or cannot be looked up.
+int32_t GetBookMarkTypeByImei(Connection& db, const DbChar* imei);
+
 /// The [Flag] of a folder or playlist; 0 when there is no such row or it cannot be looked up.
 int32_t GetPathFlag(Connection& db, int32_t phoneId, Name folderTable, const DbChar* path);
 

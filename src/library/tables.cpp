@@ -13,4 +13,11 @@ ResultCode DB_INTERNAL_ClearTable4Phone(Connection& db, int32_t phoneId, Name ta
     return ResultCode::kFailure;
 }
 
+ResultCode DB_INTERNAL_ClearTable(Connection& db, Name table)
+{
+    const SqliteCode deleted = db.exec(NarrowSql("DELETE FROM %s;", table));
+    if (deleted != SqliteCode::kOk) Trail("DB_INTERNAL_ClearTable").error(1);
+    return PassThrough(deleted);
+}
+
 }  // namespace kesta

@@ -11,4 +11,7 @@ namespace kesta {
 /// Removes all rows of a phone from a table.
 ResultCode DB_INTERNAL_ClearTable4Phone(Connection& db, int32_t phoneId, Name table);
 
+/// Removes all rows of a table. The result is SQLite's own code.
+ResultCode DB_INTERNAL_ClearTable(Connection& db, Name table);
+
 }  // namespace kesta

@@ -95,20 +95,29 @@ ResultCode DB_INTNOLOCK_SetFolderState(Connection& db, const DbChar* imei, Name 
                      Trail("DB_INTNOLOCK_SetFolderState"), 2);
 }
 
-namespace {
-
-ResultCode DeleteFolderAndFiles(Connection& db, Trail trail, int32_t phoneId, Name folderTable, const DbChar* path)
+ResultCode DB_INTERNAL_SetFolderState(const DbChar* imei, Name folderTable, const DbChar* path, Name column,
+                                      int32_t value)
 {
-    // The folder's own failure is told and passed over: its files go all the same, and they make the result.
-    (void)Succeeded(
-        db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s';", folderTable, phoneId, Escaped{path})),
-        trail, 1);
+    const ScopedAccess access;
+    Connection& db = TheModule().DbConnection;
+    if (!db.isOpen()) return ResultCode::kFailure;
+    return DB_INTNOLOCK_SetFolderState(db, imei, folderTable, path, column, value);
+}
+
+ResultCode DeleteFilesOf(Connection& db, Trail trail, int32_t phoneId, Name folderTable, const DbChar* path)
+{
     return Succeeded(db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [BasePath] = '%s';",
                                      Name(FileTableOf(folderTable)), phoneId, Escaped{path})),
                      trail, 1);
 }
 
-}  // namespace
+ResultCode DeleteFolderAndFiles(Connection& db, Trail trail, int32_t phoneId, Name folderTable, const DbChar* path)
+{
+    (void)Succeeded(
+        db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s';", folderTable, phoneId, Escaped{path})),
+        trail, 1);
+    return DeleteFilesOf(db, trail, phoneId, folderTable, path);
+}
 
 ResultCode DB_INTERNAL_SetDeletedFolder(const DbChar* imei, Name folderTable, const DbChar* path,
                                         Deletion deletion) noexcept

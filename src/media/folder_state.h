@@ -7,6 +7,7 @@
 
 #include "core/connection.h"
 #include "core/results.h"
+#include "core/trace.h"
 #include "kesta_db/kesta_db.h"
 
 namespace kesta {
@@ -39,6 +40,16 @@ ResultCode DB_INTERNAL_SetFoldersState(const DbChar* imei, Name folderTable, Nam
 
 ResultCode DB_INTNOLOCK_SetFolderState(Connection& db, const DbChar* imei, Name folderTable, const DbChar* path,
                                        Name column, int32_t value);
+
+/// As DB_INTNOLOCK_SetFolderState, for callers without the lock. It has no catch-all of its own.
+ResultCode DB_INTERNAL_SetFolderState(const DbChar* imei, Name folderTable, const DbChar* path, Name column,
+                                      int32_t value);
+
+/// Removes the rows of a folder and of its files. The files make the result, the folder's failure is only told.
+ResultCode DeleteFolderAndFiles(Connection& db, Trail trail, int32_t phoneId, Name folderTable, const DbChar* path);
+
+/// Removes the rows of a folder's files.
+ResultCode DeleteFilesOf(Connection& db, Trail trail, int32_t phoneId, Name folderTable, const DbChar* path);
 
 /// Removes a folder and its files; with Deletion::kByFlag one that has been synced is only marked.
 ResultCode DB_INTERNAL_SetDeletedFolder(const DbChar* imei, Name folderTable, const DbChar* path,

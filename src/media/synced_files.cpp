@@ -93,7 +93,8 @@ ResultCode DB_INTERNAL_SetAddedFile(const DbChar* imei, Name fileTable, const Sy
             return PassThrough(inserted);
         }
         // Deliberate: the column is spelled [PATH] here. The file is recorded, whatever becomes of its folder's flag.
-        const SqliteCode flagged = db.exec(
+        // Files come folder by folder, so this text is mostly that of the call before.
+        const SqliteCode flagged = db.execKept(
             WideSql("UPDATE %s SET [Flag] = %d WHERE [PhoneID] = %d AND [PATH] = '%s';", Name(FolderTableOf(fileTable)),
                     static_cast<int32_t>(FolderFlag::kSynced), phoneId, Escaped{file.BasePath}));
         if (flagged != SqliteCode::kOk) trail.error(2);
