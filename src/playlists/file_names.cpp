@@ -1,0 +1,77 @@
+// The file names that make up a playlist, kept by IMEI and list name.
+#include "core/text.h"
+#include "platform/caller_allocator.h"
+#include "playlists/playlists.h"
+
+namespace kesta::playlists {
+namespace {
+
+/// Appends texts to a caller's array, which it grows with the caller's allocator.
+class Appender {
+public:
+    explicit Appender(FileNameArray& names) : names_(names), room_(names.Count) {}
+
+    /// The text that the trace announces is the one handed over; an empty one is handed over without a line.
+    void append(const DbChar* text)
+    {
+        if (names_.Count == room_) grow();
+        const size_t length = text != nullptr ? LengthOf(text) : 0;
+        auto* copy = static_cast<DbChar*>(platform::AllocateForCaller((length + 1) * sizeof(DbChar)));
+        if (copy == nullptr) throw std::bad_alloc();
+        if (length != 0) {
+            std::copy_n(text, length, copy);
+            TraceNew(copy);
+        }
+        copy[length] = 0;
+        names_.Items[names_.Count++] = copy;
+    }
+
+private:
+    void grow()
+    {
+        const int32_t room = room_ < 8 ? 8 : room_ + room_ / 2;
+        void* items = platform::ReallocateForCaller(names_.Items, static_cast<size_t>(room) * sizeof(DbChar*));
+        if (items == nullptr) throw std::bad_alloc();
+        names_.Items = static_cast<DbChar**>(items);
+        room_ = room;
+    }
+
+    FileNameArray& names_;
+    int32_t room_;
+};
+
+}  // namespace
+
+ResultCode SetListFilesname(Connection& db, Trail trail, const DbChar* imei, const DbChar* list,
+                            const FileNameArray& names)
+{
+    // Deliberate: the IMEI goes in as it is. A statement that fails is told and does not show in the result.
+    if (db.exec(WideSql("DELETE FROM tPFilename WHERE [IMEI] = '%s' AND [Listname] = '%s';", Plain{imei},
+                        Escaped{list})) != SqliteCode::kOk) {
+        trail.error(1);
+    }
+    // Deliberate: from the last to the first, and so they are read back.
+    for (int32_t i = names.Count; i-- > 0;) {
+        const DbChar* name = (&Required(names.Items))[i];
+        if (db.exec(WideSql("INSERT INTO tPFilename ([IMEI], [Listname], [Filename]) VALUES ('%s', '%s', '%s');",
+                            Plain{imei}, Escaped{list}, Escaped{name})) != SqliteCode::kOk) {
+            trail.error(2);
+        }
+    }
+    return ResultCode::kSuccess;
+}
+
+ResultCode GetListFilesname(Connection& db, Trail trail, const DbChar* imei, const DbChar* list, FileNameArray& names)
+{
+    Statement rows = db.prepare(WideSql("SELECT [Filename] FROM tPFilename WHERE [IMEI] = '%s' AND [Listname] = '%s';",
+                                        Plain{imei}, Escaped{list}));
+    if (!rows.prepared()) {
+        trail.error(3);
+        return ResultCode::kFailure;
+    }
+    Appender appender(names);
+    while (rows.step()) appender.append(rows.wideText(0));
+    return ResultCode::kSuccess;
+}
+
+}  // namespace kesta::playlists
