@@ -216,6 +216,149 @@ typedef struct SyncedFileList {
 } SyncedFileList;
 KESTA_DB_STATIC_ASSERT(sizeof(SyncedFileList) == 2 * sizeof(void *));
 
+/* ---- Playlists -------------------------------------------------------------------------------------------------- */
+
+/** Sync state of a playlist. */
+enum {
+    kPlaylistCurrent = 0,     /**< on the phone as it is on the PC */
+    kPlaylistNew = 1,         /**< to be added to the phone */
+    kPlaylistUnconfirmed = 3, /**< gone from the PC, or not seen again yet: to be removed from the phone */
+    kPlaylistDeleted = 4      /**< removed from the phone; its row is kept */
+};
+
+/** One playlist of the PC's music player. */
+typedef struct PlaylistRecord {
+    int64_t RowId;      /**< the row's number in the database; not read */
+    DbChar *Name;       /**< the key within a phone */
+    DbChar *Digest;     /**< the caller's digest of the contents; stored unescaped: it must hold no apostrophe */
+    DbChar *IdInPhone;  /**< the phone's name for it; null or "(null)": it is not on the phone */
+    int32_t Type;       /**< the caller's own number */
+    int32_t Flag;       /**< kPlaylistCurrent ... kPlaylistDeleted */
+    int32_t Count;      /**< entries */
+    int64_t Size;       /**< bytes, by the caller's own count */
+    int64_t TotalSize;  /**< bytes, by the caller's own count */
+    int32_t Selected;   /**< 1: the user wants it synced */
+    int32_t Sized;      /**< 1: Size and TotalSize hold a measured value */
+} PlaylistRecord;
+KESTA_DB_STATIC_ASSERT(sizeof(PlaylistRecord) == (sizeof(void *) == 8 ? 72 : 56));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PlaylistRecord, Type) == 8 + 3 * sizeof(void *));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PlaylistRecord, Size) == (sizeof(void *) == 8 ? 48 : 32));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PlaylistRecord, Sized) == (sizeof(void *) == 8 ? 68 : 52));
+
+/** A list of playlists. */
+typedef struct PlaylistList {
+    int32_t Count;         /**< elements in Items */
+    PlaylistRecord *Items; /**< the library's array, or null */
+} PlaylistList;
+KESTA_DB_STATIC_ASSERT(sizeof(PlaylistList) == 2 * sizeof(void *));
+
+/**
+ * An array of texts that is the caller's own. Items and every text in it are allocated with CoTaskMemAlloc on Windows
+ * and malloc elsewhere, by whoever adds them, and freed by the caller.
+ */
+typedef struct FileNameArray {
+    int32_t Count;  /**< elements in Items */
+    DbChar **Items; /**< null when Count is 0 */
+} FileNameArray;
+KESTA_DB_STATIC_ASSERT(sizeof(FileNameArray) == 2 * sizeof(void *));
+
+/* ---- Bookmarks -------------------------------------------------------------------------------------------------- */
+
+/** One web bookmark that has been synced to a phone. */
+typedef struct BookmarkRecord {
+    DbChar *Title;    /**< what it is called */
+    DbChar *Path;     /**< its URL; the key within a phone and bookmark type */
+    DbChar *PhoneMID; /**< the phone's name for it */
+    int32_t Id;       /**< the caller's own number */
+    int32_t Flag;     /**< the caller's own sync state */
+    int32_t Type;     /**< the phone's bookmark type (PhoneSettingRecord); not read */
+} BookmarkRecord;
+KESTA_DB_STATIC_ASSERT(sizeof(BookmarkRecord) == (sizeof(void *) == 8 ? 40 : 24));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(BookmarkRecord, Id) == 3 * sizeof(void *));
+
+/** A list of bookmarks. */
+typedef struct BookmarkList {
+    int32_t Count;         /**< elements in Items */
+    BookmarkRecord *Items; /**< the library's array, or null */
+} BookmarkList;
+KESTA_DB_STATIC_ASSERT(sizeof(BookmarkList) == 2 * sizeof(void *));
+
+/* ---- Backups ---------------------------------------------------------------------------------------------------- */
+
+/** One backup file made of a phone. */
+typedef struct BackupRecord {
+    int32_t bcID;           /**< the record's id; -1: none */
+    int64_t Size;           /**< bytes */
+    DateValue ModifiedTime; /**< the backup's time */
+    DbChar *Path;           /**< the backup on the PC; the key over all phones */
+    DbChar *PhonePath;      /**< what on the phone it was made of */
+} BackupRecord;
+KESTA_DB_STATIC_ASSERT(sizeof(BackupRecord) == (sizeof(void *) == 8 ? 48 : 40));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(BackupRecord, Size) == 8);
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(BackupRecord, ModifiedTime) == 16);
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(BackupRecord, Path) == (sizeof(void *) == 8 ? 32 : 28));
+
+/** A list of backups. */
+typedef struct BackupList {
+    int32_t Count;       /**< elements in Items */
+    BackupRecord *Items; /**< the library's array, or null */
+} BackupList;
+KESTA_DB_STATIC_ASSERT(sizeof(BackupList) == 2 * sizeof(void *));
+
+/* ---- Contacts and calendar (PIM) -------------------------------------------------------------------------------- */
+
+/** One synced entry: the PC's and the phone's name for it, and when either side last changed it. */
+typedef struct PimLogItem {
+    DbChar *Guid;        /**< on the PC; stored unescaped: it must hold no apostrophe */
+    DbChar *Luid;        /**< on the phone; stored unescaped: it must hold no apostrophe */
+    DateValue PCTime;    /**< last change on the PC */
+    DateValue PhoneTime; /**< last change on the phone */
+} PimLogItem;
+KESTA_DB_STATIC_ASSERT(sizeof(PimLogItem) == (sizeof(void *) == 8 ? 40 : 32));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PimLogItem, PCTime) == 2 * sizeof(void *));
+
+/** The log of one phone and kind of data. */
+typedef struct PimLog {
+    int32_t Type;      /**< the kind of data, the caller's own number; chooses the log */
+    int32_t Count;     /**< elements in Items */
+    PimLogItem *Items; /**< the caller's array when saving, the library's after reading */
+} PimLog;
+KESTA_DB_STATIC_ASSERT(sizeof(PimLog) == 8 + sizeof(void *));
+
+/** One folder of the PIM store. */
+typedef struct PimFolderRecord {
+    DbChar *PimID;       /**< names the folder, unique; it must hold no apostrophe */
+    DbChar *ParentPimID; /**< names the folder above; null for a root; filled only */
+    DbChar *Path;        /**< what it is called; items are added by it */
+    int32_t Type;        /**< the kind of data, the caller's own number */
+} PimFolderRecord;
+KESTA_DB_STATIC_ASSERT(sizeof(PimFolderRecord) == 4 * sizeof(void *));
+
+/** A list of PIM folders. */
+typedef struct PimFolderList {
+    int32_t Count;          /**< elements in Items */
+    PimFolderRecord *Items; /**< the library's array, or null */
+} PimFolderList;
+KESTA_DB_STATIC_ASSERT(sizeof(PimFolderList) == 2 * sizeof(void *));
+
+/** One item of the PIM store. */
+typedef struct PimItemRecord {
+    DbChar *PimID;      /**< names the item, unique; it must hold no apostrophe */
+    int32_t Type;       /**< the kind of data, the caller's own number */
+    int32_t DataLength; /**< bytes in Data */
+    uint8_t *Data;      /**< the contents, opaque; null when there are none */
+} PimItemRecord;
+KESTA_DB_STATIC_ASSERT(sizeof(PimItemRecord) == (sizeof(void *) == 8 ? 24 : 16));
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PimItemRecord, DataLength) == sizeof(void *) + 4);
+KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PimItemRecord, Data) == sizeof(void *) + 8);
+
+/** A list of PIM items. */
+typedef struct PimItemList {
+    int32_t Count;        /**< elements in Items */
+    PimItemRecord *Items; /**< the library's array, or null */
+} PimItemList;
+KESTA_DB_STATIC_ASSERT(sizeof(PimItemList) == 2 * sizeof(void *));
+
 /* ---- Connection ------------------------------------------------------------------------------------------------- */
 
 /**
@@ -594,6 +737,426 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetDeletedFile(const DbChar *imei
 KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetUpdatedFile(const DbChar *imei, const SyncedFileRecord *file);
 /** As DB_MUSIC_SetDeletedFolder, for documents. */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetDeletedFolder(const DbChar *imei, const DbChar *path);
+
+/* ---- DB_GALLERY_*: pictures and videos as one ------------------------------------------------------------------- */
+
+/**
+ * Lists picture and video folders of a phone as one. A folder tracked for both appears once where the walk through the
+ * two lists pairs them, with summed figures; it is selected when either is, and deleted when both are. Both are walked
+ * in the order in which they were first recorded, as if they were sorted by path, and the walk ends with the picture
+ * folders: folders behind that are left out. The order is fixed, but neither by path nor by time. With no video folders
+ * the picture folders come as they are. Who needs all folders asks DB_IMAGE_GetFolders and DB_VIDEO_GetFolders.
+ *
+ * @param list  emptied, then filled
+ * @return 0; 1 one of the two could not be read (the picture folders alone are listed when it was the videos)
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_GALLERY_GetFolders(const DbChar *imei, FolderList *list);
+
+/**
+ * Tells whether the user wants a folder synced, for pictures or for videos.
+ *
+ * @return 1 when either is selected or not recorded, or could not be asked for; else 0
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_GALLERY_IsFolderSelected(const DbChar *imei, const DbChar *path);
+
+/**
+ * Stores whether the user wants a folder synced, for pictures and for videos.
+ *
+ * @return how many of the two failed, 0 to 2
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_GALLERY_SetFolderSelected(const DbChar *imei, const DbChar *path,
+                                                                int32_t selected);
+
+/**
+ * Always answers 1, as DB_MUSIC_IsFolderDeleted does.
+ *
+ * @return 1
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_GALLERY_IsFolderDeleted(const DbChar *imei, const DbChar *path);
+
+/**
+ * As DB_MUSIC_SetFolderDeleted, for pictures and for videos.
+ *
+ * @return how many of the two failed, 0 to 2
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_GALLERY_SetFolderDeleted(const DbChar *imei, const DbChar *path, int32_t deleted);
+
+/* ---- DB_PLAYERMUSIC_*: playlists -------------------------------------------------------------------------------- */
+
+/**
+ * Adds or confirms a playlist. The usual round: DB_PLAYERMUSIC_ClearAll, this for every playlist of the PC, then
+ * DB_PLAYERMUSIC_GetPlaylists; whatever is kPlaylistNew goes to the phone, what is still kPlaylistUnconfirmed is
+ * removed. A known playlist gets the new Digest, Count, Size, TotalSize and Sized; an unconfirmed one becomes
+ * kPlaylistCurrent when the phone has it and kPlaylistNew when not. Marks the music main folder as changed. While the
+ * database is busy each of the four statements is tried ten times, so that a call may take minutes.
+ *
+ * @param playlist  Name, Digest, Type, Count, Size, TotalSize and Sized are read; the texts stay the caller's
+ * @return 0, whether the statements succeeded or not; 1 unknown phone or closed database
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_AddPlaylist(const DbChar *imei, const PlaylistRecord *playlist);
+
+/**
+ * Marks every playlist of a phone as kPlaylistUnconfirmed, except those that are kPlaylistDeleted. Writes no exit line.
+ *
+ * @return 0; 1 unknown phone, or the update failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_ClearAll(const DbChar *imei);
+
+/**
+ * Lists the playlists of a phone in the order in which they were added.
+ *
+ * @param list  emptied, then filled; without playlists it holds an array of no elements
+ * @return 0; 1 unknown phone, or a query failed; an SQLite code when reading the rows ended with it
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_GetPlaylists(const DbChar *imei, PlaylistList *list);
+
+/** As DB_MUSIC_IsFolderSelected, for the playlist of that name. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_IsListSelected(const DbChar *imei, const DbChar *name);
+
+/** As DB_MUSIC_SetFolderSelected, for the playlist of that name. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetListSelected(const DbChar *imei, const DbChar *name,
+                                                                  int32_t selected);
+
+/** As DB_MUSIC_IsSyncedFile, for files that went to the phone because of playlists. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_IsSyncedFile(const DbChar *imei, const DbChar *path,
+                                                              SyncedFileRecord *file);
+
+/**
+ * Lists all files that went to a phone because of playlists.
+ *
+ * @param list   shown in the trace and not used: the files of all playlists come
+ * @param files  emptied, then filled
+ * @return as DB_MUSIC_GetSyncedFiles
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_GetSyncedFiles(const DbChar *imei, const DbChar *list,
+                                                                SyncedFileList *files);
+
+/** As DB_MUSIC_SetAddedFile; BasePath is the playlist's name, and the playlist becomes kPlaylistCurrent. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetAddedFile(const DbChar *imei, const SyncedFileRecord *file);
+
+/** As DB_MUSIC_SetDeletedFile, for files that went to the phone because of playlists. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetDeletedFile(const DbChar *imei, const SyncedFileRecord *file);
+
+/** As DB_MUSIC_SetUpdatedFile, for files that went to the phone because of playlists. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetUpdatedFile(const DbChar *imei, const SyncedFileRecord *file);
+
+/**
+ * Notes that the phone has taken a playlist: it becomes kPlaylistCurrent.
+ *
+ * @param playlist  Name selects; IdInPhone is written, an empty text for null, which counts as on the phone
+ * @return 0 stored, also when the playlist is unknown; 1 unknown phone, or the update failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetAddedPlaylist(const DbChar *imei, const PlaylistRecord *playlist);
+
+/**
+ * Notes that a playlist has been removed from the phone: an unconfirmed one is forgotten with its files, a current one
+ * becomes kPlaylistDeleted.
+ *
+ * @param playlist  only Name is read
+ * @return 0 done; 1 the playlist is in another state, unknown phone, or a statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetDeletedPlaylist(const DbChar *imei,
+                                                                     const PlaylistRecord *playlist);
+
+/**
+ * Notes that a changed playlist has been written to the phone again: it becomes kPlaylistCurrent.
+ *
+ * @param playlist  only Name is read
+ * @return 0 stored, also when the playlist is unknown; 1 unknown phone, or the update failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetUpdatedPlaylist(const DbChar *imei,
+                                                                     const PlaylistRecord *playlist);
+
+/**
+ * Reads the file names of a playlist, the last one stored first.
+ *
+ * @param names  the caller's array: the names are appended to what it holds, and the caller frees all of it
+ * @return 0; 1 the query failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_GetListFilesname(const DbChar *imei, const DbChar *list,
+                                                                  FileNameArray *names);
+
+/**
+ * Replaces the file names of a playlist. They are stored from the last to the first; a name that occurs twice is stored
+ * once. The phone need not be known.
+ *
+ * @param names  read only; null elements are stored as empty names
+ * @return 0, whether the statements succeeded or not; 1 closed database
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetListFilesname(const DbChar *imei, const DbChar *list,
+                                                                  const FileNameArray *names);
+
+/**
+ * Reacts to a playlist deleted on the PC: one that never was on the phone, or is no more, is forgotten with its files;
+ * one that is becomes kPlaylistUnconfirmed and waits for its removal.
+ *
+ * @return 0 done, also when the playlist is unknown; 1 unknown phone, unknown state, or a statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_DeleteList(const DbChar *imei, const DbChar *name);
+
+/* ---- DB_BACKUP_*: backups --------------------------------------------------------------------------------------- */
+
+/* A database made by this library has no table for backups: there every function of this family fails as its comment
+ * says for a failed statement. They work where another program has created the table tBackups with the columns bcID
+ * (INTEGER PRIMARY KEY), phoneID, Path, PhonePath, Size and ModifiedTime. */
+
+/**
+ * Records a backup. A path recorded already, for whichever phone, gets the new PhonePath, Size and ModifiedTime.
+ *
+ * @param backup  Path, PhonePath, Size and ModifiedTime are read; bcID becomes the record's id, -1 on failure
+ * @return 0 recorded; 183 the path was recorded already; 1 unknown phone, or a statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_AddBackup(const DbChar *imei, BackupRecord *backup);
+
+/**
+ * Forgets the backups of all phones.
+ *
+ * @return 0; 1 closed database; else the SQLite code of the failed statement
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_ClearAll(void);
+
+/**
+ * Forgets the backups of a phone.
+ *
+ * @return 0; 1 unknown phone or closed database; else the SQLite code of the failed statement
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_DeleteBackups(const DbChar *imei);
+
+/**
+ * Forgets a backup.
+ *
+ * @return 0 done, also when there is none of that id; 1 closed database; else the SQLite code of the failed statement
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_DeleteBackup(int32_t bcID);
+
+/**
+ * Tells whether a backup is recorded for a path.
+ *
+ * @return 1 it is; 0 it is not, or the query failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_FileExist(const DbChar *path);
+
+/**
+ * Lists the backups of all phones.
+ *
+ * @param list  emptied, then filled
+ * @return 0; 1 a query failed; an SQLite code when reading the rows ended with it
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_GetAllBackups(BackupList *list);
+
+/** As DB_BACKUP_GetAllBackups, for one phone; 1 also when it is unknown. */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_GetPhoneBackups(const DbChar *imei, BackupList *list);
+
+/* ---- DB_BOOKMARK_*: web bookmarks ------------------------------------------------------------------------------- */
+
+/* Every function but DB_BOOKMARK_ClearAll sees and writes only the bookmarks of the phone's present BookMarkType. */
+
+/**
+ * Forgets all bookmarks of a phone, of every type.
+ *
+ * @return 0; 1 unknown phone, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_ClearAll(const DbChar *imei);
+
+/**
+ * Tells whether a bookmark has been synced.
+ *
+ * @return 1 recorded; 0 not recorded, unknown phone, or the query failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_IsSyncedMark(const DbChar *imei, const DbChar *url);
+
+/**
+ * Lists the bookmarks synced to a phone. Id and Type of the elements are not filled.
+ *
+ * @param list  emptied, then filled
+ * @return 0, also for an unknown phone (no bookmarks); 1 a query failed; an SQLite code when reading the rows ended
+ *         with it
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_GetSyncedMarks(const DbChar *imei, BookmarkList *list);
+
+/**
+ * Reads one bookmark.
+ *
+ * @param mark  its texts are freed first, whatever the result, so it must start zeroed; Id, Flag and Type stay as they
+ *              are when nothing is found. To free the texts, pass it again with an unknown URL
+ * @return 0 filled; 1 not recorded, or the query failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_GetSyncedMark(const DbChar *imei, const DbChar *url,
+                                                             BookmarkRecord *mark);
+
+/**
+ * Records that a bookmark has been synced.
+ *
+ * @param mark  Title, Path, PhoneMID, Id and Flag are read; the texts stay the caller's
+ * @return 0 recorded; 1 unknown phone or closed database; 19 already recorded; any other SQLite code as the insert gave
+ *         it
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetAddedMark(const DbChar *imei, const BookmarkRecord *mark);
+
+/**
+ * Records that a bookmark has been removed.
+ *
+ * @return 0 done, also when it was not recorded; 1 unknown phone, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetDeletedMark(const DbChar *imei, const DbChar *url);
+
+/**
+ * Records that a bookmark has been changed.
+ *
+ * @param mark  Path selects; Title, PhoneMID and Flag are written
+ * @return 0 done, also when it was not recorded; 1 unknown phone, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetUpdatedMark(const DbChar *imei, const BookmarkRecord *mark);
+
+/* ---- DB_PIMLOG_*: the log of contact and calendar syncs, per phone ---------------------------------------------- */
+
+/**
+ * Reads the profile that a phone's contacts or calendar were last synced with.
+ *
+ * @param buffer  receives the text, however long it is: the caller makes room for the longest it ever stored; untouched
+ *                when there is no log
+ * @param type    the kind of data, the caller's own number
+ * @return 0 read, or no log; 1 unknown phone, or the query failed; else an SQLite code
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_GetPimProfile(const DbChar *imei, DbChar *buffer, int32_t type);
+
+/**
+ * Stores the profile, creating the log if there is none.
+ *
+ * @return 0 stored; 1 unknown phone, or a statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_SetPimProfile(const DbChar *imei, const DbChar *profile, int32_t type);
+
+/**
+ * Removes a log: its items and its profile.
+ *
+ * @return 0 removed, or no log; 1 unknown phone, or a statement failed; else an SQLite code
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_ClearAll(const DbChar *imei, int32_t type);
+
+/**
+ * Reads the items of a log.
+ *
+ * @param log  Type chooses. Items that an earlier call put there are freed and replaced when the log has any; otherwise
+ *             the record stays as it is. It must start with Count 0 and Items null
+ * @return 0; 1 unknown phone, or a query failed; an SQLite code when reading the rows ended with it
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_ReadLog(const DbChar *imei, PimLog *log);
+
+/**
+ * Appends items to a log, creating it if there is none. To replace a log, clear it first. An unknown phone's items are
+ * kept under no phone's number.
+ *
+ * @param log  read only; Items and the texts stay the caller's
+ * @return 0, whether each item could be stored or not; 1 the log could not be found or created
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_SaveLog(const DbChar *imei, const PimLog *log);
+
+/* ---- DB_PIM_*: the store of contacts and calendar entries ------------------------------------------------------- */
+
+/**
+ * Lists the folders of one type below a folder: level by level when recursive, at most 1,023.
+ *
+ * @param list         emptied, then filled
+ * @param parentPimID  the folder; null or empty: the root level
+ * @param recursive    0: only the next level. A folder of another type hides what is below it
+ * @return 0; 1 unknown folder, or its look-up failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetFolders(PimFolderList *list, const DbChar *parentPimID, int32_t type,
+                                                    int32_t recursive);
+
+/**
+ * Adds a folder.
+ *
+ * @param folder       PimID, Path and Type are read
+ * @param parentPimID  the folder above; null or empty: a root
+ * @return 0 added; 1 unknown parent, the PimID exists already, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_AddFolder(const PimFolderRecord *folder, const DbChar *parentPimID);
+
+/**
+ * Reads one folder.
+ *
+ * @param folder  its texts are freed first, so it must start zeroed
+ * @return 0 filled; 101 filled, but the folder above is gone; 1 unknown folder, or a query failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetFolder(PimFolderRecord *folder, const DbChar *pimID);
+
+/**
+ * Writes path and type of a folder; it stays where it is.
+ *
+ * @param folder  PimID selects; Path and Type are read
+ * @return 0 written; 1 unknown folder, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_UpdateFolder(const PimFolderRecord *folder);
+
+/**
+ * Removes a folder. The folders below it and its items stay, and are no longer reached from the root.
+ *
+ * @return 0 removed; 1 unknown folder, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_DeleteFolder(const DbChar *pimID);
+
+/**
+ * Lists the items of a folder, folder by folder when recursive: at most 1,048,575 items of 1,023 folders.
+ *
+ * @param list         emptied, then filled
+ * @param folderPimID  the folder; null or empty: the root level
+ * @param type         the type of the folders below that count when recursive; the items' own types do not matter
+ * @param recursive    0: only this folder
+ * @return 0; 1 unknown folder, or its look-up failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetItems(PimItemList *list, const DbChar *folderPimID, int32_t type,
+                                                  int32_t recursive);
+
+/**
+ * Adds an item.
+ *
+ * @param item        PimID, Type, Data and DataLength are read; the memory stays the caller's
+ * @param folderPath  the folder's Path (not its PimID); null or empty: the root level
+ * @return 0 added; 1 unknown folder, the PimID exists already, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_AddItem(const PimItemRecord *item, const DbChar *folderPath);
+
+/**
+ * Writes the contents of an item; type and folder stay.
+ *
+ * @param item  PimID selects; Data and DataLength are read
+ * @return 0 written; 1 unknown item, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_UpdateItem(const PimItemRecord *item);
+
+/**
+ * Removes an item.
+ *
+ * @return 0 removed; 1 unknown item, or the statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_DeleteItem(const DbChar *pimID);
+
+/**
+ * Reads the profile of the store.
+ *
+ * @param slot  holds null or what an earlier call put there, which is freed; receives a text of the library's, or null
+ *              when there is none
+ * @return 0 read, or none stored; 1 the query failed; else an SQLite code
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetProfile(DbChar **slot);
+
+/**
+ * Stores the profile of the store, in the place of the one before.
+ *
+ * @param slot  holds the text, which stays the caller's
+ * @return 0 stored; 1 a statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_SetProfile(DbChar *const *slot);
+
+/**
+ * Removes all items of a type, and its folders too unless they are to be kept. The profile stays.
+ *
+ * @param keepFolders  0: the folders go too
+ * @return 0 removed; 1 a statement failed
+ */
+KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_ClearAll(int32_t type, int32_t keepFolders);
 
 #if defined(__cplusplus)
 } /* extern "C" */
