@@ -9,7 +9,7 @@ using namespace kesta;
 
 extern "C" int32_t DB_BACKUP_AddBackup(const DbChar* imei, BackupRecord* backup)
 {
-    constexpr Export kSelf = {"DB_BACKUP_AddBackup"};
+    static constexpr Export kSelf = {"DB_BACKUP_AddBackup"};
     return RunFrame(
         kSelf,
         [&] {
@@ -30,15 +30,15 @@ extern "C" int32_t DB_BACKUP_AddBackup(const DbChar* imei, BackupRecord* backup)
 
 extern "C" int32_t DB_BACKUP_ClearAll(void)
 {
-    constexpr Export kSelf = {"DB_BACKUP_ClearAll"};
+    static constexpr Export kSelf = {"DB_BACKUP_ClearAll"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); },
+        kSelf, [] { TraceEnter(kSelf.name); },
         [](Connection& db) { return DB_INTERNAL_ClearTable(db, Name{"tBackups"}); });
 }
 
 extern "C" int32_t DB_BACKUP_DeleteBackups(const DbChar* imei)
 {
-    constexpr Export kSelf = {"DB_BACKUP_DeleteBackups"};
+    static constexpr Export kSelf = {"DB_BACKUP_DeleteBackups"};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(szIMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
         [&](Connection& db) { return backups::DeleteBackups(db, Trail(kSelf.name), imei); });
@@ -46,7 +46,7 @@ extern "C" int32_t DB_BACKUP_DeleteBackups(const DbChar* imei)
 
 extern "C" int32_t DB_BACKUP_DeleteBackup(int32_t bcID)
 {
-    constexpr Export kSelf = {"DB_BACKUP_DeleteBackup"};
+    static constexpr Export kSelf = {"DB_BACKUP_DeleteBackup"};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(BackupID: %d).\n", Name{kSelf.name}, bcID); },
         [&](Connection& db) { return backups::DeleteBackup(db, Trail(kSelf.name), bcID); });
@@ -64,15 +64,15 @@ extern "C" int32_t DB_BACKUP_FileExist(const DbChar* path)
 
 extern "C" int32_t DB_BACKUP_GetAllBackups(BackupList* list)
 {
-    constexpr Export kSelf = {"DB_BACKUP_GetAllBackups"};
+    static constexpr Export kSelf = {"DB_BACKUP_GetAllBackups"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { EmptyList(Required(list)); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { EmptyList(Required(list)); },
         [&](Connection& db) { return backups::GetAllBackups(db, Trail(kSelf.name), *list); });
 }
 
 extern "C" int32_t DB_BACKUP_GetPhoneBackups(const DbChar* imei, BackupList* list)
 {
-    constexpr Export kSelf = {"DB_BACKUP_GetPhoneBackups"};
+    static constexpr Export kSelf = {"DB_BACKUP_GetPhoneBackups"};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(szIMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
         [&] { EmptyList(Required(list)); },

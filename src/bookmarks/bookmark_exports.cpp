@@ -16,16 +16,16 @@ constexpr Format<Name, Plain, Plain> kEnterLower = "Enter %s(IMEI: %s, Url: %s).
 
 extern "C" int32_t DB_BOOKMARK_ClearAll(const DbChar* imei)
 {
-    constexpr Export kSelf = {"DB_BOOKMARK_ClearAll"};
+    static constexpr Export kSelf = {"DB_BOOKMARK_ClearAll"};
     return RunExport(
-        kSelf, [&] { DbTrace("Enter %s(IMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
+        kSelf, [&] { TraceEnter(kSelf.name, imei); },
         [&](Connection& db) { return bookmarks::ClearAll(db, Trail(kSelf.name), imei); });
 }
 
 extern "C" int32_t DB_BOOKMARK_IsSyncedMark(const DbChar* imei, const DbChar* url)
 {
     constexpr int32_t kNo = 0;
-    constexpr Export kSelf = {"DB_BOOKMARK_IsSyncedMark", kNo};
+    static constexpr Export kSelf = {"DB_BOOKMARK_IsSyncedMark", kNo};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterUpper, Name{kSelf.name}, Plain{imei}, Plain{url}); },
         [&](Connection& db) { return bookmarks::IsSyncedMark(db, Trail(kSelf.name), imei, url) ? 1 : kNo; });
@@ -33,16 +33,15 @@ extern "C" int32_t DB_BOOKMARK_IsSyncedMark(const DbChar* imei, const DbChar* ur
 
 extern "C" int32_t DB_BOOKMARK_GetSyncedMarks(const DbChar* imei, BookmarkList* list)
 {
-    constexpr Export kSelf = {"DB_BOOKMARK_GetSyncedMarks"};
+    static constexpr Export kSelf = {"DB_BOOKMARK_GetSyncedMarks"};
     return RunExport(
-        kSelf, [&] { DbTrace("Enter %s(IMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
-        [&] { EmptyList(Required(list)); },
+        kSelf, [&] { TraceEnter(kSelf.name, imei); }, [&] { EmptyList(Required(list)); },
         [&](Connection& db) { return bookmarks::GetSyncedMarks(db, Trail(kSelf.name), imei, *list); });
 }
 
 extern "C" int32_t DB_BOOKMARK_GetSyncedMark(const DbChar* imei, const DbChar* url, BookmarkRecord* mark)
 {
-    constexpr Export kSelf = {"DB_BOOKMARK_GetSyncedMark"};
+    static constexpr Export kSelf = {"DB_BOOKMARK_GetSyncedMark"};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterLower, Name{kSelf.name}, Plain{imei}, Plain{url}); },
         // Deliberate: the numbers keep what the caller gave.
@@ -52,7 +51,7 @@ extern "C" int32_t DB_BOOKMARK_GetSyncedMark(const DbChar* imei, const DbChar* u
 
 extern "C" int32_t DB_BOOKMARK_SetAddedMark(const DbChar* imei, const BookmarkRecord* mark)
 {
-    constexpr Export kSelf = {"DB_BOOKMARK_SetAddedMark"};
+    static constexpr Export kSelf = {"DB_BOOKMARK_SetAddedMark"};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterUpper, Name{kSelf.name}, Plain{imei}, Plain{Required(mark).Path}); },
         [&](Connection& db) { return bookmarks::SetAddedMark(db, Trail(kSelf.name), imei, *mark); });
@@ -60,7 +59,7 @@ extern "C" int32_t DB_BOOKMARK_SetAddedMark(const DbChar* imei, const BookmarkRe
 
 extern "C" int32_t DB_BOOKMARK_SetDeletedMark(const DbChar* imei, const DbChar* url)
 {
-    constexpr Export kSelf = {"DB_BOOKMARK_SetDeletedMark"};
+    static constexpr Export kSelf = {"DB_BOOKMARK_SetDeletedMark"};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterLower, Name{kSelf.name}, Plain{imei}, Plain{url}); },
         [&](Connection& db) { return bookmarks::SetDeletedMark(db, Trail(kSelf.name), imei, url); });
@@ -68,7 +67,7 @@ extern "C" int32_t DB_BOOKMARK_SetDeletedMark(const DbChar* imei, const DbChar* 
 
 extern "C" int32_t DB_BOOKMARK_SetUpdatedMark(const DbChar* imei, const BookmarkRecord* mark)
 {
-    constexpr Export kSelf = {"DB_BOOKMARK_SetUpdatedMark"};
+    static constexpr Export kSelf = {"DB_BOOKMARK_SetUpdatedMark"};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterLower, Name{kSelf.name}, Plain{imei}, Plain{Required(mark).Path}); },
         [&](Connection& db) { return bookmarks::SetUpdatedMark(db, Trail(kSelf.name), imei, *mark); });

@@ -6,13 +6,6 @@
 namespace kesta::bookmarks {
 namespace {
 
-ResultCode Succeeded(SqliteCode code, Trail trail)
-{
-    if (code == SqliteCode::kOk) return ResultCode::kSuccess;
-    trail.error(1);
-    return ResultCode::kFailure;
-}
-
 /// Deliberate: Id and Type are not read for a list.
 void ReadMark(const Statement& row, BookmarkRecord& mark)
 {
@@ -28,7 +21,7 @@ ResultCode ClearAll(Connection& db, Trail trail, const DbChar* imei)
 {
     const int32_t phoneId = GetPhoneIdByImei(db, imei);
     if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return Succeeded(db.exec(NarrowSql("DELETE FROM tBFile WHERE [PhoneID] = %d;", phoneId)), trail);
+    return trail.check(db.exec(NarrowSql("DELETE FROM tBFile WHERE [PhoneID] = %d;", phoneId)), 1);
 }
 
 bool IsSyncedMark(Connection& db, Trail trail, const DbChar* imei, const DbChar* url)
@@ -92,9 +85,9 @@ ResultCode SetDeletedMark(Connection& db, Trail trail, const DbChar* imei, const
     const int32_t type = GetBookMarkTypeByImei(db, imei);
     const int32_t phoneId = GetPhoneIdByImei(db, imei);
     if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return Succeeded(db.exec(WideSql("DELETE FROM tBFile WHERE [PhoneID] = %d AND [Path] = '%s' AND [Type] = %d;",
-                                     phoneId, Escaped{url}, type)),
-                     trail);
+    return trail.check(db.exec(WideSql("DELETE FROM tBFile WHERE [PhoneID] = %d AND [Path] = '%s' AND [Type] = %d;",
+                                       phoneId, Escaped{url}, type)),
+                       1);
 }
 
 ResultCode SetUpdatedMark(Connection& db, Trail trail, const DbChar* imei, const BookmarkRecord& mark)
@@ -102,11 +95,11 @@ ResultCode SetUpdatedMark(Connection& db, Trail trail, const DbChar* imei, const
     const int32_t type = GetBookMarkTypeByImei(db, imei);
     const int32_t phoneId = GetPhoneIdByImei(db, imei);
     if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return Succeeded(
+    return trail.check(
         db.exec(WideSql("UPDATE tBFile SET [Title] = '%s', [PhoneMID] = '%s', [Flag] = %d "
                         "WHERE [PhoneID] = %d AND [Path] = '%s' AND [Type] = %d;",
                         Escaped{mark.Title}, Escaped{mark.PhoneMID}, mark.Flag, phoneId, Escaped{mark.Path}, type)),
-        trail);
+        1);
 }
 
 }  // namespace kesta::bookmarks

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <stdexcept>
 
 #include "core/connection.h"
@@ -45,6 +46,14 @@ T& Required(T* record)
     return *record;
 }
 
+/// The elements of a caller's array, none for a negative count.
+template <class T>
+std::span<T> Elements(T* items, int32_t count)
+{
+    if (count <= 0) return {};
+    return {&Required(items), static_cast<size_t>(count)};
+}
+
 using ExitFormat = Format<Name, int32_t>;
 inline constexpr ExitFormat kExitWithResult = "Exit %s() with %d.\n";
 
@@ -72,6 +81,20 @@ constexpr Outcome ToOutcome(ResultCode result)
 constexpr Outcome ToOutcome(Outcome outcome)
 {
     return outcome;
+}
+
+/// The entry lines that most exports share.
+inline void TraceEnter(const char* name) noexcept
+{
+    DbTrace("Enter %s().\n", Name{name});
+}
+inline void TraceEnter(const char* name, const DbChar* imei) noexcept
+{
+    DbTrace("Enter %s(IMEI: %s).\n", Name{name}, Plain{imei});
+}
+inline void TraceEnter(const char* name, const DbChar* imei, const DbChar* path) noexcept
+{
+    DbTrace("Enter %s(IMEI: %s, Path: %s).\n", Name{name}, Plain{imei}, Plain{path});
 }
 
 /// The frame without the connection check.

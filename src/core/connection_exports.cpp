@@ -48,10 +48,9 @@ using namespace kesta;
 
 extern "C" int32_t DB_Open(void)
 {
-    constexpr Export kSelf = {"DB_Open"};
+    static constexpr Export kSelf = {"DB_Open"};
     return RunFrame(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); },
-        [] { return OpenDatabase(TheModule(), Trail(kSelf.name)); });
+        kSelf, [] { TraceEnter(kSelf.name); }, [] { return OpenDatabase(TheModule(), Trail(kSelf.name)); });
 }
 
 extern "C" int32_t DB_Close(void)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/format.h"
+#include "core/results.h"
 #include "core/trace_line.h"
 #include "platform/services.h"
 
@@ -31,6 +32,14 @@ public:
     /// "Error in ...(), position 1.", 2 or 3: the number of the failing step.
     void error(int position) const noexcept;
     void exception() const noexcept;
+
+    /// What a step that is the whole work comes to: failure with its position line, or success.
+    ResultCode check(SqliteCode code, int position) const noexcept
+    {
+        if (code == SqliteCode::kOk) return ResultCode::kSuccess;
+        error(position);
+        return ResultCode::kFailure;
+    }
 
 private:
     const char* routine_;

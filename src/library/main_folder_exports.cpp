@@ -27,17 +27,17 @@ void ReportChanges(MainFolderList& list)
 
 extern "C" int32_t DB_LIB_UpdateMainFolderInfo(const MainFolderRecord* record)
 {
-    constexpr Export kSelf = {"DB_LIB_UpdateMainFolderInfo"};
+    static constexpr Export kSelf = {"DB_LIB_UpdateMainFolderInfo"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { (void)Required(record); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(record); },
         [&](Connection& db) { return DB_INTERNAL_LIB_UpdateMainFolderInfo(db, *record); });
 }
 
 extern "C" int32_t DB_LIB_RefreshStatistics(void)
 {
-    constexpr Export kSelf = {"DB_LIB_RefreshStatistics"};
+    static constexpr Export kSelf = {"DB_LIB_RefreshStatistics"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); },
+        kSelf, [] { TraceEnter(kSelf.name); },
         [](Connection& db) {
             ResultCode result = ResultCode::kSuccess;
             for (const int32_t id : kReported) {  // each one, whatever became of the others
@@ -49,9 +49,9 @@ extern "C" int32_t DB_LIB_RefreshStatistics(void)
 
 extern "C" int32_t DB_LIB_GetAllMainFolders(MainFolderList* list)
 {
-    constexpr Export kSelf = {"DB_LIB_GetAllMainFolders"};
+    static constexpr Export kSelf = {"DB_LIB_GetAllMainFolders"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { EmptyList(Required(list)); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { EmptyList(Required(list)); },
         [&](Connection& db) { return DB_INTERNAL_LIB_GetAllMainFolders(db, *list); });
 }
 

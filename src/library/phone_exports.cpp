@@ -60,24 +60,24 @@ extern "C" int32_t DB_LIB_PhoneDetected(const DbChar* imei, const DbChar* name)
 
 extern "C" int32_t DB_LIB_SetPhoneSetting(const PhoneSettingRecord* record)
 {
-    constexpr Export kSelf = {"DB_LIB_SetPhoneSetting"};
+    static constexpr Export kSelf = {"DB_LIB_SetPhoneSetting"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { (void)Required(record); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(record); },
         [&](Connection& db) { return SetPhoneSetting(db, Trail(kSelf.name), *record); });
 }
 
 extern "C" int32_t DB_LIB_GetPhoneSetting(const DbChar* imei, PhoneSettingRecord* record)
 {
-    constexpr Export kSelf = {"DB_LIB_GetPhoneSetting"};
+    static constexpr Export kSelf = {"DB_LIB_GetPhoneSetting"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { ResetPhoneSetting(Required(record)); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { ResetPhoneSetting(Required(record)); },
         [&](Connection& db) { return GetPhoneSetting(db, Trail(kSelf.name), imei, *record); });
 }
 
 extern "C" int32_t DB_LIB_GetAllPhones(PhoneList* list)
 {
-    constexpr Export kSelf = {"DB_LIB_GetAllPhones"};
+    static constexpr Export kSelf = {"DB_LIB_GetAllPhones"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { EmptyList(Required(list)); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { EmptyList(Required(list)); },
         [&](Connection& db) { return GetAllPhones(db, Trail(kSelf.name), *list); });
 }

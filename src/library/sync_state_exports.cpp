@@ -10,14 +10,6 @@ namespace {
 
 constexpr int32_t kSelected = 1;
 
-/// Runs a statement that is the whole work of an export.
-ResultCode RunOnly(Connection& db, Trail trail, const Sql& sql)
-{
-    if (db.exec(sql) == SqliteCode::kOk) return ResultCode::kSuccess;
-    trail.error(1);
-    return ResultCode::kFailure;
-}
-
 int32_t IsFolderSelected(Connection& db, Trail trail, const DbChar* imei, int32_t folderId)
 {
     // An unknown phone is asked for too: no row has its number.
@@ -62,14 +54,14 @@ ResultCode SetLastSyncTime(Connection& db, Trail trail, const DbChar* imei, cons
 {
     // Deliberate: day zero is the mark for "no time", whatever its status.
     if (lastTime.Days == 0.0) {
-        return RunOnly(db, trail,
-                       NarrowSql("UPDATE tPhone SET [ErrCode] = %d, [NeedMount] = %d WHERE [IMEI] = '%s';", errCode,
-                                 needMount, Ansi{imei}));
+        return trail.check(db.exec(NarrowSql("UPDATE tPhone SET [ErrCode] = %d, [NeedMount] = %d WHERE [IMEI] = '%s';",
+                                             errCode, needMount, Ansi{imei})),
+                           1);
     }
-    return RunOnly(
-        db, trail,
-        NarrowSql("UPDATE tPhone SET [LastTime] = '%s', [ErrCode] = %d, [NeedMount] = %d WHERE [IMEI] = '%s';",
-                  FormatDateTime(lastTime), errCode, needMount, Ansi{imei}));
+    return trail.check(
+        db.exec(NarrowSql("UPDATE tPhone SET [LastTime] = '%s', [ErrCode] = %d, [NeedMount] = %d WHERE [IMEI] = '%s';",
+                          FormatDateTime(lastTime), errCode, needMount, Ansi{imei})),
+        1);
 }
 
 ResultCode GetLastSyncTime(Connection& db, Trail trail, const DbChar* imei, DateValue& lastTime)
@@ -104,7 +96,7 @@ extern "C" int32_t DB_LIB_IsFolderSelected(const DbChar* imei, int32_t folderId)
 
 extern "C" int32_t DB_LIB_SetFolderSelected(const DbChar* imei, int32_t folderId, int32_t selected)
 {
-    constexpr Export kSelf = {"DB_LIB_SetFolderSelected"};
+    static constexpr Export kSelf = {"DB_LIB_SetFolderSelected"};
     return RunExport(
         kSelf,
         [&] {
@@ -117,7 +109,7 @@ extern "C" int32_t DB_LIB_SetFolderSelected(const DbChar* imei, int32_t folderId
 extern "C" int32_t DB_LIB_SetLastSyncTime(const DbChar* imei, const DateValue* lastTime, int32_t errCode,
                                           int32_t needMount)
 {
-    constexpr Export kSelf = {"DB_LIB_SetLastSyncTime"};
+    static constexpr Export kSelf = {"DB_LIB_SetLastSyncTime"};
     return RunExport(
         kSelf,
         [&] {
@@ -129,31 +121,31 @@ extern "C" int32_t DB_LIB_SetLastSyncTime(const DbChar* imei, const DateValue* l
 
 extern "C" int32_t DB_LIB_GetLastSyncTime(const DbChar* imei, DateValue* lastTime)
 {
-    constexpr Export kSelf = {"DB_LIB_GetLastSyncTime"};
+    static constexpr Export kSelf = {"DB_LIB_GetLastSyncTime"};
     return RunExport(
-        kSelf, [&] { DbTrace("Enter %s(IMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
-        [&] { (void)Required(lastTime); },
+        kSelf, [&] { TraceEnter(kSelf.name, imei); }, [&] { (void)Required(lastTime); },
         [&](Connection& db) { return GetLastSyncTime(db, Trail(kSelf.name), imei, *lastTime); });
 }
 
 extern "C" int32_t DB_LIB_SetSDType(const DbChar* imei, int32_t type, int32_t oldType)
 {
-    constexpr Export kSelf = {"DB_LIB_SetSDType"};
+    static constexpr Export kSelf = {"DB_LIB_SetSDType"};
     return RunExport(
         kSelf,
         [&] { DbTrace("Enter %s(IMEI: %s, Type: %d, OldType: %d).\n", Name{kSelf.name}, Plain{imei}, type, oldType); },
         [&](Connection& db) {
-            return RunOnly(db, Trail(kSelf.name),
-                           NarrowSql("UPDATE tPhone SET [SDType] = %d, [SDOldType] = %d WHERE [IMEI] = '%s';", type,
-                                     oldType, Ansi{imei}));
+            return Trail(kSelf.name)
+                .check(db.exec(NarrowSql("UPDATE tPhone SET [SDType] = %d, [SDOldType] = %d WHERE [IMEI] = '%s';", type,
+                                         oldType, Ansi{imei})),
+                       1);
         });
 }
 
 extern "C" int32_t DB_LIB_GetSDType(const DbChar* imei, int32_t* type, int32_t* oldType)
 {
-    constexpr Export kSelf = {"DB_LIB_GetSDType"};
+    static constexpr Export kSelf = {"DB_LIB_GetSDType"};
     return RunExport(
-        kSelf, [&] { DbTrace("Enter %s(IMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
+        kSelf, [&] { TraceEnter(kSelf.name, imei); },
         [&] {
             (void)Required(type);
             (void)Required(oldType);
@@ -164,9 +156,9 @@ extern "C" int32_t DB_LIB_GetSDType(const DbChar* imei, int32_t* type, int32_t* 
 extern "C" int32_t DB_LIB_ClearSyncHistory(const DbChar* imei)
 {
     // Deliberate: no exit line, and success whatever became of the tables.
-    constexpr Export kSelf = {"DB_LIB_ClearSyncHistory", static_cast<int32_t>(ResultCode::kSuccess), nullptr};
+    static constexpr Export kSelf = {"DB_LIB_ClearSyncHistory", static_cast<int32_t>(ResultCode::kSuccess), nullptr};
     return RunExport(
-        kSelf, [&] { DbTrace("Enter %s(IMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
+        kSelf, [&] { TraceEnter(kSelf.name, imei); },
         [&](Connection& db) {
             const int32_t phoneId = GetPhoneIdByImei(db, imei);
             if (phoneId == kNoPhone) return ResultCode::kSuccess;

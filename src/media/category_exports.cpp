@@ -4,22 +4,13 @@
 #include "core/list.h"
 #include "kesta_db/kesta_db.h"
 #include "media/category.h"
+#include "media/file_calls.h"
 #include "media/folder_records.h"
 #include "media/folder_state.h"
 #include "media/synced_files.h"
 
 namespace kesta::category {
 namespace {
-
-void TraceEnter(const char* name, const DbChar* imei)
-{
-    DbTrace("Enter %s(IMEI: %s).\n", Name{name}, Plain{imei});
-}
-
-void TraceEnter(const char* name, const DbChar* imei, const DbChar* path)
-{
-    DbTrace("Enter %s(IMEI: %s, Path: %s).\n", Name{name}, Plain{imei}, Plain{path});
-}
 
 int32_t AddFolder(const char* name, const Category& category, const DbChar* imei, const FolderRecord* folder)
 {
@@ -102,18 +93,6 @@ int32_t SetFolderDeleted(const char* name, const Category& category, const DbCha
         [&] { return DB_INTERNAL_SetFolderDeleted(imei, category.folderTable, path, deleted); });
 }
 
-int32_t IsSyncedFile(const char* name, const Category& category, const DbChar* imei, const DbChar* path,
-                     SyncedFileRecord* file)
-{
-    return RunThinExport(
-        name,
-        [&] {
-            TraceEnter(name, imei, path);
-            (void)Required(file);
-        },
-        [&] { return DB_INTERNAL_IsSyncedFile(imei, category.fileView, path, *file); });
-}
-
 int32_t GetSyncedFiles(const char* name, const Category& category, const DbChar* imei, const DbChar* folder,
                        SyncedFileList* list)
 {
@@ -124,17 +103,6 @@ int32_t GetSyncedFiles(const char* name, const Category& category, const DbChar*
             DbTrace("Enter %s(IMEI: %s, Folder: %s).\n", Name{name}, Plain{imei}, Plain{folder});
         },
         [&] { return DB_INTERNAL_GetSyncedFiles(imei, category.fileView, folder, *list); });
-}
-
-using FileRoutine = ResultCode(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept;
-
-/// SetAddedFile, SetDeletedFile and SetUpdatedFile.
-int32_t RecordFile(const char* name, FileRoutine& routine, const Category& category, const DbChar* imei,
-                   const SyncedFileRecord* file)
-{
-    return RunThinExport(
-        name, [&] { TraceEnter(name, imei, Required(file).Path); },
-        [&] { return routine(imei, category.fileTable, *file); });
 }
 
 int32_t SetDeletedFolder(const char* name, const Category& category, const DbChar* imei, const DbChar* path)
@@ -185,7 +153,7 @@ using namespace kesta;
     }                                                                                                                \
     int32_t DB_##FAMILY##_IsSyncedFile(const DbChar* imei, const DbChar* path, SyncedFileRecord* file)               \
     {                                                                                                                \
-        return category::IsSyncedFile("DB_" #FAMILY "_IsSyncedFile", kCategory, imei, path, file);                   \
+        return IsSyncedFile("DB_" #FAMILY "_IsSyncedFile", kCategory.fileView, imei, path, file);                    \
     }                                                                                                                \
     int32_t DB_##FAMILY##_GetSyncedFiles(const DbChar* imei, const DbChar* folder, SyncedFileList* list)             \
     {                                                                                                                \
@@ -193,17 +161,17 @@ using namespace kesta;
     }                                                                                                                \
     int32_t DB_##FAMILY##_SetAddedFile(const DbChar* imei, const SyncedFileRecord* file)                             \
     {                                                                                                                \
-        return category::RecordFile("DB_" #FAMILY "_SetAddedFile", DB_INTERNAL_SetAddedFile, kCategory, imei, file); \
+        return RecordFile("DB_" #FAMILY "_SetAddedFile", DB_INTERNAL_SetAddedFile, kCategory.fileTable, imei, file); \
     }                                                                                                                \
     int32_t DB_##FAMILY##_SetDeletedFile(const DbChar* imei, const SyncedFileRecord* file)                           \
     {                                                                                                                \
-        return category::RecordFile("DB_" #FAMILY "_SetDeletedFile", DB_INTERNAL_SetDeletedFile, kCategory, imei,    \
-                                    file);                                                                           \
+        return RecordFile("DB_" #FAMILY "_SetDeletedFile", DB_INTERNAL_SetDeletedFile, kCategory.fileTable, imei,    \
+                          file);                                                                                     \
     }                                                                                                                \
     int32_t DB_##FAMILY##_SetUpdatedFile(const DbChar* imei, const SyncedFileRecord* file)                           \
     {                                                                                                                \
-        return category::RecordFile("DB_" #FAMILY "_SetUpdatedFile", DB_INTERNAL_SetUpdatedFile, kCategory, imei,    \
-                                    file);                                                                           \
+        return RecordFile("DB_" #FAMILY "_SetUpdatedFile", DB_INTERNAL_SetUpdatedFile, kCategory.fileTable, imei,    \
+                          file);                                                                                     \
     }                                                                                                                \
     int32_t DB_##FAMILY##_SetDeletedFolder(const DbChar* imei, const DbChar* path)                                   \
     {                                                                                                                \

@@ -16,13 +16,6 @@ int32_t Answer(Statement rows, Trail trail)
     return rows.prepared() && rows.step() ? rows.int32(0) : kYes;
 }
 
-ResultCode Succeeded(SqliteCode code, Trail trail, int position)
-{
-    if (code == SqliteCode::kOk) return ResultCode::kSuccess;
-    trail.error(position);
-    return ResultCode::kFailure;
-}
-
 }  // namespace
 
 int32_t DB_INTERNAL_IsFolderSelected(const DbChar* imei, Name folderView, const DbChar* path) noexcept
@@ -42,9 +35,9 @@ ResultCode DB_INTERNAL_SetFolderSelected(const DbChar* imei, Name folderTable, c
     return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
         const int32_t phoneId = GetPhoneIdByImei(db, imei);
         if (phoneId == kNoPhone) return ResultCode::kFailure;
-        return Succeeded(db.exec(WideSql("UPDATE %s SET [Selected] = %d WHERE [PhoneID] = %d AND [Path] = '%s';",
-                                         folderTable, selected, phoneId, Escaped{path})),
-                         trail, 2);
+        return trail.check(db.exec(WideSql("UPDATE %s SET [Selected] = %d WHERE [PhoneID] = %d AND [Path] = '%s';",
+                                           folderTable, selected, phoneId, Escaped{path})),
+                           2);
     });
 }
 
@@ -79,9 +72,10 @@ ResultCode DB_INTERNAL_SetFoldersState(const DbChar* imei, Name folderTable, Nam
         const int32_t phoneId = GetPhoneIdByImei(db, imei);
         if (phoneId == kNoPhone) return ResultCode::kFailure;
         // Deliberate: the last number is that of FolderFlag::kDeleted whatever the column.
-        return Succeeded(db.exec(NarrowSql("UPDATE %s SET %s = %d WHERE [PhoneID] = %d AND %s <> %d;", folderTable,
-                                           column, value, phoneId, column, static_cast<int32_t>(FolderFlag::kDeleted))),
-                         trail, 2);
+        return trail.check(
+            db.exec(NarrowSql("UPDATE %s SET %s = %d WHERE [PhoneID] = %d AND %s <> %d;", folderTable, column, value,
+                              phoneId, column, static_cast<int32_t>(FolderFlag::kDeleted))),
+            2);
     });
 }
 
@@ -90,9 +84,10 @@ ResultCode DB_INTNOLOCK_SetFolderState(Connection& db, const DbChar* imei, Name 
 {
     const int32_t phoneId = GetPhoneIdByImei(db, imei);
     if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return Succeeded(db.exec(WideSql("UPDATE %s SET %s = %d WHERE [PhoneID] = %d AND [Path] = '%s';", folderTable,
-                                     column, value, phoneId, Escaped{path})),
-                     Trail("DB_INTNOLOCK_SetFolderState"), 2);
+    return Trail("DB_INTNOLOCK_SetFolderState")
+        .check(db.exec(WideSql("UPDATE %s SET %s = %d WHERE [PhoneID] = %d AND [Path] = '%s';", folderTable, column,
+                               value, phoneId, Escaped{path})),
+               2);
 }
 
 ResultCode DB_INTERNAL_SetFolderState(const DbChar* imei, Name folderTable, const DbChar* path, Name column,
@@ -106,16 +101,16 @@ ResultCode DB_INTERNAL_SetFolderState(const DbChar* imei, Name folderTable, cons
 
 ResultCode DeleteFilesOf(Connection& db, Trail trail, int32_t phoneId, Name folderTable, const DbChar* path)
 {
-    return Succeeded(db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [BasePath] = '%s';",
-                                     Name(FileTableOf(folderTable)), phoneId, Escaped{path})),
-                     trail, 1);
+    return trail.check(db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [BasePath] = '%s';",
+                                       Name(FileTableOf(folderTable)), phoneId, Escaped{path})),
+                       1);
 }
 
 ResultCode DeleteFolderAndFiles(Connection& db, Trail trail, int32_t phoneId, Name folderTable, const DbChar* path)
 {
-    (void)Succeeded(
+    (void)trail.check(
         db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s';", folderTable, phoneId, Escaped{path})),
-        trail, 1);
+        1);
     return DeleteFilesOf(db, trail, phoneId, folderTable, path);
 }
 
@@ -150,9 +145,9 @@ ResultCode DB_INTERNAL_SetFolderDeleted(const DbChar* imei, Name folderTable, co
                         static_cast<FolderFlag>(flag) == FolderFlag::kNothingSynced;
             if (removeNow) return ResultCode::kSuccess;
         }
-        return Succeeded(db.exec(WideSql("UPDATE %s SET [Deleted] = %d WHERE [PhoneID] = %d AND [PATH] = '%s';",
-                                         folderTable, deleted, phoneId, Escaped{path})),
-                         trail, 2);
+        return trail.check(db.exec(WideSql("UPDATE %s SET [Deleted] = %d WHERE [PhoneID] = %d AND [PATH] = '%s';",
+                                           folderTable, deleted, phoneId, Escaped{path})),
+                           2);
     });
     // Deliberate: the removal is a step of its own, after the lock was let go.
     return removeNow ? DB_INTERNAL_SetDeletedFolder(imei, folderTable, path, Deletion::kNow) : result;

@@ -31,12 +31,12 @@ int32_t GetGalleryFolders(const DbChar* imei, FolderList& list)
 
 extern "C" int32_t DB_GALLERY_GetFolders(const DbChar* imei, FolderList* list)
 {
-    constexpr auto kName = "DB_GALLERY_GetFolders";
+    static constexpr auto kName = "DB_GALLERY_GetFolders";
     return RunThinExport(
         kName,
         [&] {
             EmptyList(Required(list));
-            DbTrace("Enter %s(IMEI: %s).\n", Name{kName}, Plain{imei});
+            TraceEnter(kName, imei);
         },
         [&] { return GetGalleryFolders(imei, *list); });
 }
@@ -45,9 +45,9 @@ extern "C" int32_t DB_GALLERY_GetFolders(const DbChar* imei, FolderList* list)
 
 extern "C" int32_t DB_GALLERY_IsFolderSelected(const DbChar* imei, const DbChar* path)
 {
-    constexpr auto kName = "DB_GALLERY_IsFolderSelected";
+    static constexpr auto kName = "DB_GALLERY_IsFolderSelected";
     return RunThinExport(
-        kName, [&] { DbTrace("Enter %s(IMEI: %s, Path: %s).\n", Name{kName}, Plain{imei}, Plain{path}); },
+        kName, [&] { TraceEnter(kName, imei, path); },
         [&] {
             const int32_t picture = DB_INTERNAL_IsFolderSelected(imei, kImage.folderView, path);
             const int32_t video = DB_INTERNAL_IsFolderSelected(imei, kVideo.folderView, path);
@@ -57,7 +57,7 @@ extern "C" int32_t DB_GALLERY_IsFolderSelected(const DbChar* imei, const DbChar*
 
 extern "C" int32_t DB_GALLERY_SetFolderSelected(const DbChar* imei, const DbChar* path, int32_t selected)
 {
-    constexpr auto kName = "DB_GALLERY_SetFolderSelected";
+    static constexpr auto kName = "DB_GALLERY_SetFolderSelected";
     return RunThinExport(
         kName,
         [&] {
@@ -72,9 +72,9 @@ extern "C" int32_t DB_GALLERY_SetFolderSelected(const DbChar* imei, const DbChar
 
 extern "C" int32_t DB_GALLERY_IsFolderDeleted(const DbChar* imei, const DbChar* path)
 {
-    constexpr auto kName = "DB_GALLERY_IsFolderDeleted";
+    static constexpr auto kName = "DB_GALLERY_IsFolderDeleted";
     return RunThinExport(
-        kName, [&] { DbTrace("Enter %s(IMEI: %s, Path: %s).\n", Name{kName}, Plain{imei}, Plain{path}); },
+        kName, [&] { TraceEnter(kName, imei, path); },
         [&] {
             const int32_t picture = DB_INTERNAL_IsFolderDeleted(imei, kImage.folderView, path);
             const int32_t video = DB_INTERNAL_IsFolderDeleted(imei, kVideo.folderView, path);
@@ -84,7 +84,7 @@ extern "C" int32_t DB_GALLERY_IsFolderDeleted(const DbChar* imei, const DbChar* 
 
 extern "C" int32_t DB_GALLERY_SetFolderDeleted(const DbChar* imei, const DbChar* path, int32_t deleted)
 {
-    constexpr auto kName = "DB_GALLERY_SetFolderDeleted";
+    static constexpr auto kName = "DB_GALLERY_SetFolderDeleted";
     return RunThinExport(
         kName,
         [&] {

@@ -18,13 +18,6 @@ void ReadSyncedFile(const Statement& row, SyncedFileRecord& file)
     file.ModifiedTime = row.date(3);
 }
 
-ResultCode Succeeded(SqliteCode code, Trail trail)
-{
-    if (code == SqliteCode::kOk) return ResultCode::kSuccess;
-    trail.error(1);
-    return ResultCode::kFailure;
-}
-
 }  // namespace
 
 int32_t DB_INTERNAL_IsSyncedFile(const DbChar* imei, Name fileView, const DbChar* path, SyncedFileRecord& file) noexcept
@@ -108,9 +101,9 @@ ResultCode DB_INTERNAL_SetDeletedFile(const DbChar* imei, Name fileTable, const 
     return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
         const int32_t phoneId = GetPhoneIdByImei(db, imei);
         if (phoneId == kNoPhone) return ResultCode::kFailure;
-        return Succeeded(db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s';", fileTable, phoneId,
-                                         Escaped{file.Path})),
-                         trail);
+        return trail.check(db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s';", fileTable, phoneId,
+                                           Escaped{file.Path})),
+                           1);
     });
 }
 
@@ -120,11 +113,11 @@ ResultCode DB_INTERNAL_SetUpdatedFile(const DbChar* imei, Name fileTable, const 
     return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
         const int32_t phoneId = GetPhoneIdByImei(db, imei);
         if (phoneId == kNoPhone) return ResultCode::kFailure;
-        return Succeeded(
+        return trail.check(
             db.exec(WideSql(
                 "UPDATE %s SET [PhonePath] = '%s', [ModifiedTime] = '%s' WHERE [PhoneID] = %d AND [Path] = '%s';",
                 fileTable, Escaped{file.PhonePath}, FormatDateTime(file.ModifiedTime), phoneId, Escaped{file.Path})),
-            trail);
+            1);
     });
 }
 

@@ -105,12 +105,10 @@ ResultCode AddFolder(Connection& db, Trail trail, const PimFolderRecord& folder,
 {
     const int32_t parentId = DB_INTERNAL_PIM_GetFolderID(db, parentPimId);
     if (parentId == kNoFolder) return ResultCode::kFailure;
-    if (db.exec(WideSql("INSERT INTO tPimFolder ([parentID], [PimID], [Path], [Type]) VALUES (%d, '%s', '%s', %d);",
-                        parentId, Plain{folder.PimID}, Escaped{folder.Path}, folder.Type)) == SqliteCode::kOk) {
-        return ResultCode::kSuccess;
-    }
-    trail.error(1);
-    return ResultCode::kFailure;
+    return trail.check(
+        db.exec(WideSql("INSERT INTO tPimFolder ([parentID], [PimID], [Path], [Type]) VALUES (%d, '%s', '%s', %d);",
+                        parentId, Plain{folder.PimID}, Escaped{folder.Path}, folder.Type)),
+        1);
 }
 
 ResultCode GetFolder(Connection& db, PimFolderRecord& folder, const DbChar* pimId)
@@ -123,12 +121,9 @@ ResultCode UpdateFolder(Connection& db, Trail trail, const PimFolderRecord& fold
 {
     const int32_t folderId = DB_INTERNAL_PIM_GetFolderID(db, folder.PimID);
     if (folderId == kNoFolder) return ResultCode::kFailure;
-    if (db.exec(WideSql("UPDATE tPimFolder SET [Path] = '%s', [Type] = %d WHERE [pfID] = %d;", Escaped{folder.Path},
-                        folder.Type, folderId)) == SqliteCode::kOk) {
-        return ResultCode::kSuccess;
-    }
-    trail.error(1);
-    return ResultCode::kFailure;
+    return trail.check(db.exec(WideSql("UPDATE tPimFolder SET [Path] = '%s', [Type] = %d WHERE [pfID] = %d;",
+                                       Escaped{folder.Path}, folder.Type, folderId)),
+                       1);
 }
 
 ResultCode DeleteFolder(Connection& db, Trail trail, const DbChar* pimId)
@@ -136,11 +131,7 @@ ResultCode DeleteFolder(Connection& db, Trail trail, const DbChar* pimId)
     const int32_t folderId = DB_INTERNAL_PIM_GetFolderID(db, pimId);
     if (folderId == kNoFolder) return ResultCode::kFailure;
     // What lies below it stays, and hangs in the air.
-    if (db.exec(NarrowSql("DELETE FROM tPimFolder WHERE [pfID] = %d;", folderId)) == SqliteCode::kOk) {
-        return ResultCode::kSuccess;
-    }
-    trail.error(1);
-    return ResultCode::kFailure;
+    return trail.check(db.exec(NarrowSql("DELETE FROM tPimFolder WHERE [pfID] = %d;", folderId)), 1);
 }
 
 }  // namespace pim

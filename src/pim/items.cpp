@@ -71,13 +71,6 @@ ResultCode StepWithData(Statement statement, Trail trail, const PimItemRecord& i
     return StepOnce(statement);
 }
 
-ResultCode Succeeded(SqliteCode code, Trail trail, int position)
-{
-    if (code == SqliteCode::kOk) return ResultCode::kSuccess;
-    trail.error(position);
-    return ResultCode::kFailure;
-}
-
 }  // namespace
 
 ResultCode GetItems(Connection& db, PimItemList& list, const DbChar* folderPimId, int32_t type, bool recursive)
@@ -121,7 +114,7 @@ ResultCode DeleteItem(Connection& db, Trail trail, const DbChar* pimId)
 {
     const int32_t itemId = DB_INTERNAL_PIM_GetItemID(db, pimId);
     if (itemId == kNoItem) return ResultCode::kFailure;
-    return Succeeded(db.exec(NarrowSql("DELETE FROM tPimItem WHERE [piID] = %d;", itemId)), trail, 1);
+    return trail.check(db.exec(NarrowSql("DELETE FROM tPimItem WHERE [piID] = %d;", itemId)), 1);
 }
 
 ResultCode GetProfile(Connection& db, Trail trail, DbChar*& profile)
@@ -138,7 +131,7 @@ ResultCode GetProfile(Connection& db, Trail trail, DbChar*& profile)
 
 ResultCode SetProfile(Connection& db, Trail trail, const DbChar* profile)
 {
-    (void)Succeeded(db.exec(NarrowSql("DELETE FROM tPimInfo;")), trail, 1);
+    (void)trail.check(db.exec(NarrowSql("DELETE FROM tPimInfo;")), 1);
     Statement insert = db.prepare(NarrowSql("INSERT INTO tPimInfo ([Profile]) VALUES (?);"));
     if (!insert.prepared()) {
         trail.error(2);
@@ -150,9 +143,9 @@ ResultCode SetProfile(Connection& db, Trail trail, const DbChar* profile)
 
 ResultCode ClearAll(Connection& db, Trail trail, int32_t type, bool keepFolders)
 {
-    const ResultCode items = Succeeded(db.exec(NarrowSql("DELETE FROM tPimItem WHERE [Type] = %d;", type)), trail, 1);
+    const ResultCode items = trail.check(db.exec(NarrowSql("DELETE FROM tPimItem WHERE [Type] = %d;", type)), 1);
     if (items != ResultCode::kSuccess || keepFolders) return items;
-    return Succeeded(db.exec(NarrowSql("DELETE FROM tPimFolder WHERE [Type] = %d;", type)), trail, 2);
+    return trail.check(db.exec(NarrowSql("DELETE FROM tPimFolder WHERE [Type] = %d;", type)), 2);
 }
 
 }  // namespace pim

@@ -8,40 +8,40 @@ using namespace kesta;
 
 extern "C" int32_t DB_PIM_GetFolders(PimFolderList* list, const DbChar* parentPimID, int32_t type, int32_t recursive)
 {
-    constexpr Export kSelf = {"DB_PIM_GetFolders"};
+    static constexpr Export kSelf = {"DB_PIM_GetFolders"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { EmptyList(Required(list)); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { EmptyList(Required(list)); },
         [&](Connection& db) { return pim::GetFolders(db, *list, parentPimID, type, recursive != 0); });
 }
 
 extern "C" int32_t DB_PIM_AddFolder(const PimFolderRecord* folder, const DbChar* parentPimID)
 {
-    constexpr Export kSelf = {"DB_PIM_AddFolder"};
+    static constexpr Export kSelf = {"DB_PIM_AddFolder"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { (void)Required(folder); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(folder); },
         [&](Connection& db) { return pim::AddFolder(db, Trail(kSelf.name), *folder, parentPimID); });
 }
 
 extern "C" int32_t DB_PIM_GetFolder(PimFolderRecord* folder, const DbChar* pimID)
 {
-    constexpr Export kSelf = {"DB_PIM_GetFolder"};
+    static constexpr Export kSelf = {"DB_PIM_GetFolder"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { (void)Required(folder); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(folder); },
         [&](Connection& db) { return pim::GetFolder(db, *folder, pimID); });
 }
 
 extern "C" int32_t DB_PIM_UpdateFolder(const PimFolderRecord* folder)
 {
-    constexpr Export kSelf = {"DB_PIM_UpdateFolder"};
+    static constexpr Export kSelf = {"DB_PIM_UpdateFolder"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { (void)Required(folder); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(folder); },
         [&](Connection& db) { return pim::UpdateFolder(db, Trail(kSelf.name), *folder); });
 }
 
 extern "C" int32_t DB_PIM_DeleteFolder(const DbChar* pimID)
 {
-    constexpr Export kSelf = {"DB_PIM_DeleteFolder"};
+    static constexpr Export kSelf = {"DB_PIM_DeleteFolder"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); },
+        kSelf, [] { TraceEnter(kSelf.name); },
         [&](Connection& db) { return pim::DeleteFolder(db, Trail(kSelf.name), pimID); });
 }

@@ -8,56 +8,56 @@ using namespace kesta;
 
 extern "C" int32_t DB_PIM_GetItems(PimItemList* list, const DbChar* folderPimID, int32_t type, int32_t recursive)
 {
-    constexpr Export kSelf = {"DB_PIM_GetItems"};
+    static constexpr Export kSelf = {"DB_PIM_GetItems"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { EmptyList(Required(list)); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { EmptyList(Required(list)); },
         [&](Connection& db) { return pim::GetItems(db, *list, folderPimID, type, recursive != 0); });
 }
 
 extern "C" int32_t DB_PIM_AddItem(const PimItemRecord* item, const DbChar* folderPath)
 {
-    constexpr Export kSelf = {"DB_PIM_AddItem"};
+    static constexpr Export kSelf = {"DB_PIM_AddItem"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { (void)Required(item); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(item); },
         [&](Connection& db) { return pim::AddItem(db, Trail(kSelf.name), *item, folderPath); });
 }
 
 extern "C" int32_t DB_PIM_UpdateItem(const PimItemRecord* item)
 {
-    constexpr Export kSelf = {"DB_PIM_UpdateItem"};
+    static constexpr Export kSelf = {"DB_PIM_UpdateItem"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { (void)Required(item); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(item); },
         [&](Connection& db) { return pim::UpdateItem(db, Trail(kSelf.name), *item); });
 }
 
 extern "C" int32_t DB_PIM_DeleteItem(const DbChar* pimID)
 {
-    constexpr Export kSelf = {"DB_PIM_DeleteItem"};
+    static constexpr Export kSelf = {"DB_PIM_DeleteItem"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); },
+        kSelf, [] { TraceEnter(kSelf.name); },
         [&](Connection& db) { return pim::DeleteItem(db, Trail(kSelf.name), pimID); });
 }
 
 extern "C" int32_t DB_PIM_GetProfile(DbChar** slot)
 {
-    constexpr Export kSelf = {"DB_PIM_GetProfile"};
+    static constexpr Export kSelf = {"DB_PIM_GetProfile"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { FreeText(Required(slot)); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { FreeText(Required(slot)); },
         [&](Connection& db) { return pim::GetProfile(db, Trail(kSelf.name), *slot); });
 }
 
 extern "C" int32_t DB_PIM_SetProfile(DbChar* const* slot)
 {
-    constexpr Export kSelf = {"DB_PIM_SetProfile"};
+    static constexpr Export kSelf = {"DB_PIM_SetProfile"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); }, [&] { (void)Required(slot); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(slot); },
         [&](Connection& db) { return pim::SetProfile(db, Trail(kSelf.name), *slot); });
 }
 
 extern "C" int32_t DB_PIM_ClearAll(int32_t type, int32_t keepFolders)
 {
-    constexpr Export kSelf = {"DB_PIM_ClearAll"};
+    static constexpr Export kSelf = {"DB_PIM_ClearAll"};
     return RunExport(
-        kSelf, [] { DbTrace("Enter %s().\n", Name{kSelf.name}); },
+        kSelf, [] { TraceEnter(kSelf.name); },
         [&](Connection& db) { return pim::ClearAll(db, Trail(kSelf.name), type, keepFolders != 0); });
 }

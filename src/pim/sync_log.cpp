@@ -13,16 +13,9 @@ Statement SelectLog(Connection& db, int32_t phoneId, int32_t type)
     return db.prepare(NarrowSql("SELECT [plID] FROM tPimLog WHERE [phoneID] = %d AND [Type] = %d;", phoneId, type));
 }
 
-ResultCode Succeeded(SqliteCode code, Trail trail, int position)
-{
-    if (code == SqliteCode::kOk) return ResultCode::kSuccess;
-    trail.error(position);
-    return ResultCode::kFailure;
-}
-
 }  // namespace
 
-ResultCode GetPimProfile(Connection& db, Trail trail, const DbChar* imei, DbChar& buffer, int32_t type)
+ResultCode GetPimProfile(Connection& db, Trail trail, const DbChar* imei, DbChar* buffer, int32_t type)
 {
     const int32_t phoneId = GetPhoneIdByImei(db, imei);
     if (phoneId == kNoPhone) return ResultCode::kFailure;
@@ -35,8 +28,8 @@ ResultCode GetPimProfile(Connection& db, Trail trail, const DbChar* imei, DbChar
     if (!rows.step()) return EndOfRows(rows.last());
     const DbChar* profile = rows.wideText(0);
     const size_t length = profile != nullptr ? LengthOf(profile) : 0;
-    std::copy_n(profile, length, &buffer);
-    (&buffer)[length] = 0;
+    std::copy_n(profile, length, buffer);
+    buffer[length] = 0;
     return ResultCode::kSuccess;
 }
 
@@ -55,13 +48,14 @@ ResultCode SetPimProfile(Connection& db, Trail trail, const DbChar* imei, const 
     }
     // Deliberate: position 3 for the first of the two, 2 for the second.
     if (known) {
-        return Succeeded(db.exec(WideSql("UPDATE tPimLog SET [PimProfile] = '%s' WHERE [phoneID] = %d AND [Type] = %d;",
-                                         Escaped{profile}, phoneId, type)),
-                         trail, 3);
+        return trail.check(
+            db.exec(WideSql("UPDATE tPimLog SET [PimProfile] = '%s' WHERE [phoneID] = %d AND [Type] = %d;",
+                            Escaped{profile}, phoneId, type)),
+            3);
     }
-    return Succeeded(db.exec(WideSql("INSERT INTO tPimLog ([phoneID], [Type], [PimProfile]) VALUES (%d, %d, '%s');",
-                                     phoneId, type, Escaped{profile})),
-                     trail, 2);
+    return trail.check(db.exec(WideSql("INSERT INTO tPimLog ([phoneID], [Type], [PimProfile]) VALUES (%d, %d, '%s');",
+                                       phoneId, type, Escaped{profile})),
+                       2);
 }
 
 ResultCode ClearAll(Connection& db, Trail trail, const DbChar* imei, int32_t type)
@@ -78,10 +72,10 @@ ResultCode ClearAll(Connection& db, Trail trail, const DbChar* imei, int32_t typ
         if (!rows.step()) return EndOfRows(rows.last());
         logId = rows.int32(0);
     }
-    return Succeeded(
+    return trail.check(
         db.exec(NarrowSql("DELETE FROM tPimLogItem WHERE [plID] = %d;DELETE FROM tPimLog WHERE [plID] = %d;", logId,
                           logId)),
-        trail, 2);
+        2);
 }
 
 ResultCode ReadLog(Connection& db, Trail trail, const DbChar* imei, PimLog& log)
@@ -137,8 +131,8 @@ ResultCode OpenLog(Connection& db, Trail trail, int32_t phoneId, int32_t type, i
             return ResultCode::kSuccess;
         }
     }
-    const ResultCode created = Succeeded(
-        db.exec(NarrowSql("INSERT INTO tPimLog ([phoneID], [Type]) VALUES (%d, %d);", phoneId, type)), trail, 2);
+    const ResultCode created =
+        trail.check(db.exec(NarrowSql("INSERT INTO tPimLog ([phoneID], [Type]) VALUES (%d, %d);", phoneId, type)), 2);
     if (created == ResultCode::kSuccess) logId = static_cast<int32_t>(db.lastInsertRowId());
     return created;
 }
@@ -153,14 +147,13 @@ ResultCode SaveLog(Connection& db, Trail trail, const DbChar* imei, const PimLog
     if (const ResultCode opened = OpenLog(db, trail, phoneId, log.Type, logId); opened != ResultCode::kSuccess) {
         return opened;
     }
-    for (int32_t i = 0; i < log.Count; ++i) {
-        const PimLogItem& item = (&Required(log.Items))[i];
+    for (const PimLogItem& item : Elements(log.Items, log.Count)) {
         // Deliberate: none of the texts is escaped, and an item that fails does not stop the others.
-        (void)Succeeded(db.exec(NarrowSql("INSERT INTO tPimLogItem ([plID], [Guid], [Luid], [PCTime], [PhoneTime]) "
-                                          "VALUES (%d, '%s', '%s', '%s', '%s');",
-                                          logId, Ansi{item.Guid}, Ansi{item.Luid}, FormatDateTime(item.PCTime),
-                                          FormatDateTime(item.PhoneTime))),
-                        trail, 3);
+        (void)trail.check(db.exec(NarrowSql("INSERT INTO tPimLogItem ([plID], [Guid], [Luid], [PCTime], [PhoneTime]) "
+                                            "VALUES (%d, '%s', '%s', '%s', '%s');",
+                                            logId, Ansi{item.Guid}, Ansi{item.Luid}, FormatDateTime(item.PCTime),
+                                            FormatDateTime(item.PhoneTime))),
+                          3);
     }
     return ResultCode::kSuccess;
 }

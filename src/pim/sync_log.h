@@ -22,7 +22,7 @@ struct Element<PimLogItem> {
 namespace pimlog {
 
 /// Copies the profile into the caller's buffer, however long it is; without a log the buffer stays as it is.
-ResultCode GetPimProfile(Connection& db, Trail trail, const DbChar* imei, DbChar& buffer, int32_t type);
+ResultCode GetPimProfile(Connection& db, Trail trail, const DbChar* imei, DbChar* buffer, int32_t type);
 ResultCode SetPimProfile(Connection& db, Trail trail, const DbChar* imei, const DbChar* profile, int32_t type);
 /// Removes the items and the profile.
 ResultCode ClearAll(Connection& db, Trail trail, const DbChar* imei, int32_t type);

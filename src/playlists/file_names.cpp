@@ -51,10 +51,10 @@ ResultCode SetListFilesname(Connection& db, Trail trail, const DbChar* imei, con
         trail.error(1);
     }
     // Deliberate: from the last to the first, and so they are read back.
-    for (int32_t i = names.Count; i-- > 0;) {
-        const DbChar* name = (&Required(names.Items))[i];
+    const std::span<DbChar* const> elements = Elements(names.Items, names.Count);
+    for (auto name = elements.rbegin(); name != elements.rend(); ++name) {
         if (db.exec(WideSql("INSERT INTO tPFilename ([IMEI], [Listname], [Filename]) VALUES ('%s', '%s', '%s');",
-                            Plain{imei}, Escaped{list}, Escaped{name})) != SqliteCode::kOk) {
+                            Plain{imei}, Escaped{list}, Escaped{*name})) != SqliteCode::kOk) {
             trail.error(2);
         }
     }

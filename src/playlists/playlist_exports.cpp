@@ -8,7 +8,7 @@ using namespace kesta;
 
 extern "C" int32_t DB_PLAYERMUSIC_AddPlaylist(const DbChar* imei, const PlaylistRecord* playlist)
 {
-    constexpr Export kSelf = {"DB_PLAYERMUSIC_AddPlaylist"};
+    static constexpr Export kSelf = {"DB_PLAYERMUSIC_AddPlaylist"};
     return RunExport(
         kSelf,
         [&] {
@@ -22,24 +22,23 @@ extern "C" int32_t DB_PLAYERMUSIC_AddPlaylist(const DbChar* imei, const Playlist
 extern "C" int32_t DB_PLAYERMUSIC_ClearAll(const DbChar* imei)
 {
     // Deliberate: no exit line.
-    constexpr Export kSelf = {"DB_PLAYERMUSIC_ClearAll", static_cast<int32_t>(ResultCode::kFailure), nullptr};
+    static constexpr Export kSelf = {"DB_PLAYERMUSIC_ClearAll", static_cast<int32_t>(ResultCode::kFailure), nullptr};
     return RunExport(
-        kSelf, [&] { DbTrace("Enter %s(IMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
+        kSelf, [&] { TraceEnter(kSelf.name, imei); },
         [&](Connection& db) { return playlists::ClearAll(db, Trail(kSelf.name), imei); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_GetPlaylists(const DbChar* imei, PlaylistList* list)
 {
-    constexpr Export kSelf = {"DB_PLAYERMUSIC_GetPlaylists"};
+    static constexpr Export kSelf = {"DB_PLAYERMUSIC_GetPlaylists"};
     return RunExport(
-        kSelf, [&] { DbTrace("Enter %s(IMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
-        [&] { EmptyList(Required(list)); },
+        kSelf, [&] { TraceEnter(kSelf.name, imei); }, [&] { EmptyList(Required(list)); },
         [&](Connection& db) { return playlists::GetPlaylists(db, Trail(kSelf.name), imei, *list); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_IsListSelected(const DbChar* imei, const DbChar* name)
 {
-    constexpr auto kName = "DB_PLAYERMUSIC_IsListSelected";
+    static constexpr auto kName = "DB_PLAYERMUSIC_IsListSelected";
     return RunThinExport(
         kName, [&] { DbTrace("Enter %s(IMEI: %s, Name: %s).\n", Name{kName}, Plain{imei}, Plain{name}); },
         [&] { return DB_INTERNAL_IsFolderSelected(imei, kPlaylistView, name); });
@@ -47,7 +46,7 @@ extern "C" int32_t DB_PLAYERMUSIC_IsListSelected(const DbChar* imei, const DbCha
 
 extern "C" int32_t DB_PLAYERMUSIC_SetListSelected(const DbChar* imei, const DbChar* name, int32_t selected)
 {
-    constexpr auto kName = "DB_PLAYERMUSIC_SetListSelected";
+    static constexpr auto kName = "DB_PLAYERMUSIC_SetListSelected";
     return RunThinExport(
         kName,
         [&] {
@@ -58,7 +57,7 @@ extern "C" int32_t DB_PLAYERMUSIC_SetListSelected(const DbChar* imei, const DbCh
 
 extern "C" int32_t DB_PLAYERMUSIC_SetAddedPlaylist(const DbChar* imei, const PlaylistRecord* playlist)
 {
-    constexpr Export kSelf = {"DB_PLAYERMUSIC_SetAddedPlaylist"};
+    static constexpr Export kSelf = {"DB_PLAYERMUSIC_SetAddedPlaylist"};
     return RunExport(
         kSelf,
         [&] {
@@ -71,7 +70,7 @@ extern "C" int32_t DB_PLAYERMUSIC_SetAddedPlaylist(const DbChar* imei, const Pla
 
 extern "C" int32_t DB_PLAYERMUSIC_SetDeletedPlaylist(const DbChar* imei, const PlaylistRecord* playlist)
 {
-    constexpr auto kName = "DB_PLAYERMUSIC_SetDeletedPlaylist";
+    static constexpr auto kName = "DB_PLAYERMUSIC_SetDeletedPlaylist";
     return RunThinExport(
         kName,
         [&] { DbTrace("Enter %s(IMEI: %s, Name: %s).\n", Name{kName}, Plain{imei}, Plain{Required(playlist).Name}); },
@@ -80,7 +79,7 @@ extern "C" int32_t DB_PLAYERMUSIC_SetDeletedPlaylist(const DbChar* imei, const P
 
 extern "C" int32_t DB_PLAYERMUSIC_SetUpdatedPlaylist(const DbChar* imei, const PlaylistRecord* playlist)
 {
-    constexpr auto kName = "DB_PLAYERMUSIC_SetUpdatedPlaylist";
+    static constexpr auto kName = "DB_PLAYERMUSIC_SetUpdatedPlaylist";
     return RunThinExport(
         kName,
         [&] { DbTrace("Enter %s(IMEI: %s, Name: %s).\n", Name{kName}, Plain{imei}, Plain{Required(playlist).Name}); },
@@ -92,7 +91,7 @@ extern "C" int32_t DB_PLAYERMUSIC_SetUpdatedPlaylist(const DbChar* imei, const P
 
 extern "C" int32_t DB_PLAYERMUSIC_DeleteList(const DbChar* imei, const DbChar* name)
 {
-    constexpr Export kSelf = {"DB_PLAYERMUSIC_DeleteList"};
+    static constexpr Export kSelf = {"DB_PLAYERMUSIC_DeleteList"};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(szName: %s).\n", Name{kSelf.name}, Plain{name}); },
         [&](Connection& db) { return playlists::DeleteList(db, Trail(kSelf.name), imei, name); });

@@ -1,40 +1,19 @@
 // DB_PLAYERMUSIC_*: the files that were synced because of playlists, and the file names that make up each playlist.
 #include "core/list.h"
 #include "kesta_db/kesta_db.h"
-#include "media/synced_files.h"
+#include "media/file_calls.h"
 #include "playlists/playlists.h"
 
 using namespace kesta;
 
-namespace {
-
-using FileRoutine = ResultCode(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept;
-
-/// SetAddedFile, SetDeletedFile and SetUpdatedFile.
-int32_t RecordFile(const char* name, FileRoutine& routine, const DbChar* imei, const SyncedFileRecord* file)
-{
-    return RunThinExport(
-        name, [&] { DbTrace("Enter %s(IMEI: %s, Path: %s).\n", Name{name}, Plain{imei}, Plain{Required(file).Path}); },
-        [&] { return routine(imei, kPlaylistFileTable, *file); });
-}
-
-}  // namespace
-
 extern "C" int32_t DB_PLAYERMUSIC_IsSyncedFile(const DbChar* imei, const DbChar* path, SyncedFileRecord* file)
 {
-    constexpr auto kName = "DB_PLAYERMUSIC_IsSyncedFile";
-    return RunThinExport(
-        kName,
-        [&] {
-            DbTrace("Enter %s(IMEI: %s, Path: %s).\n", Name{kName}, Plain{imei}, Plain{path});
-            (void)Required(file);
-        },
-        [&] { return DB_INTERNAL_IsSyncedFile(imei, kPlaylistFileView, path, *file); });
+    return IsSyncedFile("DB_PLAYERMUSIC_IsSyncedFile", kPlaylistFileView, imei, path, file);
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_GetSyncedFiles(const DbChar* imei, const DbChar* list, SyncedFileList* files)
 {
-    constexpr auto kName = "DB_PLAYERMUSIC_GetSyncedFiles";
+    static constexpr auto kName = "DB_PLAYERMUSIC_GetSyncedFiles";
     return RunThinExport(
         kName,
         [&] {
@@ -47,23 +26,23 @@ extern "C" int32_t DB_PLAYERMUSIC_GetSyncedFiles(const DbChar* imei, const DbCha
 
 extern "C" int32_t DB_PLAYERMUSIC_SetAddedFile(const DbChar* imei, const SyncedFileRecord* file)
 {
-    return RecordFile("DB_PLAYERMUSIC_SetAddedFile", DB_INTERNAL_SetAddedFile, imei, file);
+    return RecordFile("DB_PLAYERMUSIC_SetAddedFile", DB_INTERNAL_SetAddedFile, kPlaylistFileTable, imei, file);
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_SetDeletedFile(const DbChar* imei, const SyncedFileRecord* file)
 {
-    return RecordFile("DB_PLAYERMUSIC_SetDeletedFile", DB_INTERNAL_SetDeletedFile, imei, file);
+    return RecordFile("DB_PLAYERMUSIC_SetDeletedFile", DB_INTERNAL_SetDeletedFile, kPlaylistFileTable, imei, file);
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_SetUpdatedFile(const DbChar* imei, const SyncedFileRecord* file)
 {
-    return RecordFile("DB_PLAYERMUSIC_SetUpdatedFile", DB_INTERNAL_SetUpdatedFile, imei, file);
+    return RecordFile("DB_PLAYERMUSIC_SetUpdatedFile", DB_INTERNAL_SetUpdatedFile, kPlaylistFileTable, imei, file);
 }
 
 // Deliberate: "Listname" here and "ListName" below.
 extern "C" int32_t DB_PLAYERMUSIC_GetListFilesname(const DbChar* imei, const DbChar* list, FileNameArray* names)
 {
-    constexpr Export kSelf = {"DB_PLAYERMUSIC_GetListFilesname"};
+    static constexpr Export kSelf = {"DB_PLAYERMUSIC_GetListFilesname"};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(Listname: %s).\n", Name{kSelf.name}, Plain{list}); },
         [&] { (void)Required(names); },
@@ -72,7 +51,7 @@ extern "C" int32_t DB_PLAYERMUSIC_GetListFilesname(const DbChar* imei, const DbC
 
 extern "C" int32_t DB_PLAYERMUSIC_SetListFilesname(const DbChar* imei, const DbChar* list, const FileNameArray* names)
 {
-    constexpr Export kSelf = {"DB_PLAYERMUSIC_SetListFilesname"};
+    static constexpr Export kSelf = {"DB_PLAYERMUSIC_SetListFilesname"};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(ListName: %s).\n", Name{kSelf.name}, Plain{list}); },
         [&] { (void)Required(names); },

@@ -12,13 +12,6 @@ constexpr int32_t Number(PlaylistFlag flag)
     return static_cast<int32_t>(flag);
 }
 
-ResultCode Succeeded(SqliteCode code, Trail trail, int position)
-{
-    if (code == SqliteCode::kOk) return ResultCode::kSuccess;
-    trail.error(position);
-    return ResultCode::kFailure;
-}
-
 void ReadPlaylist(const Statement& row, PlaylistRecord& playlist)
 {
     playlist.RowId = row.int64(0);
@@ -39,10 +32,10 @@ ResultCode DeleteUnlessOnPhone(Connection& db, Trail trail, int32_t phoneId, con
 {
     const int32_t before = db.totalChanges();
     const ResultCode deleted =
-        Succeeded(db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s' AND ([IdInPhone] ISNULL OR "
-                                  "[IdInPhone] = '(null)');",
-                                  kPlaylistTable, phoneId, Escaped{name})),
-                  trail, 1);
+        trail.check(db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s' AND ([IdInPhone] ISNULL OR "
+                                    "[IdInPhone] = '(null)');",
+                                    kPlaylistTable, phoneId, Escaped{name})),
+                    1);
     return db.totalChanges() > before ? DeleteFilesOf(db, trail, phoneId, kPlaylistTable, name) : deleted;
 }
 
@@ -52,9 +45,9 @@ ResultCode ClearAll(Connection& db, Trail trail, const DbChar* imei)
 {
     const int32_t phoneId = GetPhoneIdByImei(db, imei);
     if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return Succeeded(db.exec(NarrowSql("UPDATE tPFolder SET [Flag] = %d WHERE [PhoneID] = %d AND [Flag] <> %d;",
-                                       Number(PlaylistFlag::kUnconfirmed), phoneId, Number(PlaylistFlag::kDeleted))),
-                     trail, 2);
+    return trail.check(db.exec(NarrowSql("UPDATE tPFolder SET [Flag] = %d WHERE [PhoneID] = %d AND [Flag] <> %d;",
+                                         Number(PlaylistFlag::kUnconfirmed), phoneId, Number(PlaylistFlag::kDeleted))),
+                       2);
 }
 
 Outcome GetPlaylists(Connection& db, Trail trail, const DbChar* imei, PlaylistList& list)
@@ -88,10 +81,10 @@ ResultCode SetAddedPlaylist(Connection& db, Trail trail, const DbChar* imei, con
 {
     const int32_t phoneId = GetPhoneIdByImei(db, imei);
     if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return Succeeded(
+    return trail.check(
         db.exec(WideSql("UPDATE tPFolder SET [Flag] = %d, [IdInPhone] = '%s' WHERE [PhoneID] = %d AND [Path] = '%s';",
                         Number(PlaylistFlag::kCurrent), Escaped{playlist.IdInPhone}, phoneId, Escaped{playlist.Name})),
-        trail, 2);
+        2);
 }
 
 ResultCode DeleteList(Connection& db, Trail trail, const DbChar* imei, const DbChar* name)

@@ -47,7 +47,7 @@ bool Look() noexcept
 {
     struct stat status = {};
     const bool present =
-        viewer.socket >= 0 && stat(viewer.address.sun_path, &status) == 0 && S_ISSOCK(status.st_mode) &&
+        viewer.socket >= 0 && lstat(viewer.address.sun_path, &status) == 0 && S_ISSOCK(status.st_mode) &&
         status.st_uid == geteuid() &&
         connect(viewer.socket, reinterpret_cast<const sockaddr*>(&viewer.address), sizeof viewer.address) == 0;
     viewer.present.store(present, std::memory_order_relaxed);

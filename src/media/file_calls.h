@@ -1,0 +1,34 @@
+// The bodies of the thin exports on synced files, which categories and playlists have alike.
+#pragma once
+
+#include "core/call_frame.h"
+#include "core/results.h"
+#include "kesta_db/kesta_db.h"
+#include "media/synced_files.h"
+
+namespace kesta {
+
+/// ..._IsSyncedFile
+inline int32_t IsSyncedFile(const char* name, Name fileView, const DbChar* imei, const DbChar* path,
+                            SyncedFileRecord* file)
+{
+    return RunThinExport(
+        name,
+        [&] {
+            TraceEnter(name, imei, path);
+            (void)Required(file);
+        },
+        [&] { return DB_INTERNAL_IsSyncedFile(imei, fileView, path, *file); });
+}
+
+using FileRoutine = ResultCode(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept;
+
+/// ..._SetAddedFile, ..._SetDeletedFile and ..._SetUpdatedFile
+inline int32_t RecordFile(const char* name, FileRoutine& routine, Name fileTable, const DbChar* imei,
+                          const SyncedFileRecord* file)
+{
+    return RunThinExport(
+        name, [&] { TraceEnter(name, imei, Required(file).Path); }, [&] { return routine(imei, fileTable, *file); });
+}
+
+}  // namespace kesta
