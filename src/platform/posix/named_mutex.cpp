@@ -35,16 +35,21 @@ bool Initialise(pthread_mutex_t& mutex, int shared) noexcept
     return done;
 }
 
-/// Maps the object behind `file` and sets its mutex up when nobody has yet; the file lock keeps two from doing so.
-SharedMutex* MapShared(int file) noexcept
+bool IsOwn(int file, off_t& size) noexcept
 {
     struct stat status = {};
-    if (flock(file, LOCK_EX) != 0) return nullptr;
     // Somebody else's object of this name could be taken away or changed under us.
-    if (fstat(file, &status) != 0 || status.st_uid != geteuid()) return nullptr;
-    if (status.st_size < static_cast<off_t>(sizeof(SharedMutex)) && ftruncate(file, sizeof(SharedMutex)) != 0) {
-        return nullptr;
-    }
+    if (fstat(file, &status) != 0 || status.st_uid != geteuid()) return false;
+    size = status.st_size;
+    return true;
+}
+
+/// Maps the object behind `file`, of which the caller holds the lock, and sets its mutex up when nobody has yet.
+SharedMutex* MapShared(int file) noexcept
+{
+    off_t size = 0;
+    if (!IsOwn(file, size)) return nullptr;
+    if (size < static_cast<off_t>(sizeof(SharedMutex)) && ftruncate(file, sizeof(SharedMutex)) != 0) return nullptr;
     void* memory = mmap(nullptr, sizeof(SharedMutex), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     if (memory == MAP_FAILED) return nullptr;
     auto* shared = static_cast<SharedMutex*>(memory);
@@ -64,8 +69,12 @@ SharedMutex* OpenShared(const char* name) noexcept
     std::snprintf(object, sizeof object, "/%s.%u", name, static_cast<unsigned>(geteuid()));
     const int file = shm_open(object, O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (file < 0) return nullptr;
-    SharedMutex* shared = MapShared(file);
-    close(file);  // releases the file lock
+    SharedMutex* shared = nullptr;
+    if (flock(file, LOCK_EX) == 0) {
+        shared = MapShared(file);
+        flock(file, LOCK_UN);  // closing alone would not: the mapping keeps the file open
+    }
+    close(file);
     return shared;
 }
 
