@@ -14,8 +14,10 @@ using std::chrono::sys_days;
 using std::chrono::year_month_day;
 
 constexpr sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
-constexpr int kFirstDay = (sys_days(std::chrono::year(100) / 1 / 1) - kDayZero).count();
-constexpr int kLastDay = (sys_days(std::chrono::year(9999) / 12 / 31) - kDayZero).count();
+constexpr int kFirstYear = 100;
+constexpr int kLastYear = 9999;
+constexpr int kFirstDay = (sys_days(std::chrono::year(kFirstYear) / 1 / 1) - kDayZero).count();
+constexpr int kLastDay = (sys_days(std::chrono::year(kLastYear) / 12 / 31) - kDayZero).count();
 constexpr int kSecondsPerDay = 86400;
 
 /// Reads `count` digits; -1 when something else is among them.
@@ -62,6 +64,7 @@ bool ParseCalendarTime(const DbChar* text, CalendarTime& time) noexcept
 /// Converts text in the character set of `users` for as long as it fits and is sound; terminates it.
 size_t WideFromLocale(locale_t users, const char* text, size_t length, DbChar* out, size_t room) noexcept
 {
+    if (room == 0) return 0;
     const locale_t callers = uselocale(users);
     const char* const end = text + length;
     mbstate_t state = {};
@@ -102,9 +105,12 @@ bool SplitDate(double days, CalendarTime& time) noexcept
 
 bool JoinDate(const CalendarTime& time, double& days) noexcept
 {
+    // The calendar's own types would cut larger numbers.
+    if (time.year < kFirstYear || time.year > kLastYear || time.month < 1 || time.month > 12) return false;
+    if (time.day < 1 || time.day > 31) return false;
     const year_month_day date(std::chrono::year(time.year), std::chrono::month(static_cast<unsigned>(time.month)),
                               std::chrono::day(static_cast<unsigned>(time.day)));
-    if (!date.ok() || time.year < 100 || time.year > 9999) return false;
+    if (!date.ok()) return false;
     if (time.hour < 0 || time.hour > 23 || time.minute < 0 || time.minute > 59 || time.second < 0 || time.second > 59) {
         return false;
     }

@@ -28,10 +28,13 @@ bool IsInCalendar(double days) noexcept
 
 bool IsValid(const CalendarTime& time) noexcept
 {
+    // The calendar's own types would cut larger numbers.
+    if (time.year < kFirstYear || time.year > kLastYear || time.month < 1 || time.month > 12) return false;
+    if (time.day < 1 || time.day > 31) return false;
     const year_month_day date(std::chrono::year(time.year), std::chrono::month(static_cast<unsigned>(time.month)),
                               std::chrono::day(static_cast<unsigned>(time.day)));
-    return date.ok() && time.year >= kFirstYear && time.year <= kLastYear && time.hour >= 0 && time.hour <= 23 &&
-           time.minute >= 0 && time.minute <= 59 && time.second >= 0 && time.second <= 59;
+    return date.ok() && time.hour >= 0 && time.hour <= 23 && time.minute >= 0 && time.minute <= 59 &&
+           time.second >= 0 && time.second <= 59;
 }
 
 }  // namespace

@@ -6,8 +6,14 @@
 
 namespace kesta::platform {
 
-void* AllocateForCaller(size_t bytes) noexcept { return CoTaskMemAlloc(bytes); }
+void* AllocateForCaller(size_t bytes) noexcept
+{
+    return CoTaskMemAlloc(bytes);
+}
 
-void* ReallocateForCaller(void* memory, size_t bytes) noexcept { return CoTaskMemRealloc(memory, bytes); }
+void* ReallocateForCaller(void* memory, size_t bytes) noexcept
+{
+    return CoTaskMemRealloc(memory, bytes);
+}
 
 }  // namespace kesta::platform
