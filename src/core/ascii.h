@@ -67,14 +67,24 @@ inline bool IsAsciiBlock(const char* text) noexcept
     return ((words[0] | words[1]) & 0x8080808080808080) == 0;
 }
 
+/// Calls `block(place)` until blocks have covered a text of at least one block. The last one ends with the text and so
+/// overlaps the one before; stops when `block` says false.
+template <class Block>
+bool ForEachBlock(size_t length, Block&& block)
+{
+    for (size_t place = 0; place + kWidenedBlock < length; place += kWidenedBlock) {
+        if (!block(place)) return false;
+    }
+    return block(length - kWidenedBlock);
+}
+
 inline bool IsAscii(std::string_view text) noexcept
 {
-    size_t done = 0;
-    for (; text.size() - done >= kWidenedBlock; done += kWidenedBlock) {
-        if (!IsAsciiBlock(text.data() + done)) return false;
+    if (text.size() >= kWidenedBlock) {
+        return ForEachBlock(text.size(), [text](size_t place) { return IsAsciiBlock(text.data() + place); });
     }
-    for (; done < text.size(); ++done) {
-        if (static_cast<unsigned char>(text[done]) >= 0x80) return false;
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) >= 0x80) return false;
     }
     return true;
 }
@@ -87,9 +97,14 @@ inline void WidenAsciiBlock(const char* __restrict text, DbChar* __restrict out)
 /// Widens an ASCII text.
 inline void WidenAscii(std::string_view text, DbChar* out) noexcept
 {
-    size_t done = 0;
-    for (; text.size() - done >= kWidenedBlock; done += kWidenedBlock) WidenAsciiBlock(text.data() + done, out + done);
-    for (; done < text.size(); ++done) out[done] = static_cast<DbChar>(static_cast<unsigned char>(text[done]));
+    if (text.size() >= kWidenedBlock) {
+        ForEachBlock(text.size(), [text, out](size_t place) {
+            WidenAsciiBlock(text.data() + place, out + place);
+            return true;
+        });
+        return;
+    }
+    for (size_t i = 0; i < text.size(); ++i) out[i] = static_cast<DbChar>(static_cast<unsigned char>(text[i]));
 }
 
 }  // namespace kesta

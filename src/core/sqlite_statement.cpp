@@ -1,11 +1,13 @@
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <climits>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "core/ascii.h"
 #include "core/caller_memory.h"
 #include "core/connection.h"
 #include "core/dates.h"
@@ -14,6 +16,8 @@
 
 namespace kesta {
 namespace {
+
+constexpr size_t kShortText = 1024;
 
 /// The column's text up to its first zero byte, in UTF-8, in which the file stores it.
 std::string_view Utf8Column(sqlite3_stmt* statement, int column)
@@ -72,12 +76,19 @@ DbChar* Statement::newText(int column) const
 {
     const std::string_view text = Utf8Column(statement_, column);
     if (text.empty()) return nullptr;
-    // Converted straight into its final place, which saves the detour over SQLite's own conversion. What SQLite makes
-    // of bytes that are no UTF-8 only SQLite knows.
-    const std::optional<size_t> units = WideLength(text);
-    if (!units.has_value()) return DuplicateText(WideColumn(statement_, column));
-    DbChar* copy = NewText(*units);
-    WidenUtf8(text, copy, *units);
+    // SQLite's own conversion is a detour: most texts are ASCII and are widened straight into their final place, others
+    // are mostly short enough for the stack.
+    if (IsAscii(text)) {
+        DbChar* copy = NewText(text.size());
+        WidenAscii(text, copy);
+        return copy;
+    }
+    DbChar units[kShortText];
+    const std::optional<size_t> length = text.size() <= kShortText ? WidenUtf8(text, units) : std::nullopt;
+    // What becomes of bytes that are no UTF-8 only SQLite knows.
+    if (!length.has_value()) return DuplicateText(WideColumn(statement_, column));
+    DbChar* copy = NewText(*length);
+    std::copy_n(units, *length, copy);
     return copy;
 }
 
