@@ -25,7 +25,8 @@
  * MEMORY. Records that the caller fills stay the caller's, texts included. A list record starts as {0, NULL}; the
  * library fills it, owns the array and its texts, and frees them when the same record is passed to a function with
  * a list of that kind again. The contents must not be freed or changed by the caller. Asking for the list of a phone
- * that is not known empties the record, which is how a caller gives the memory back. Texts in a single record that
+ * that is not known empties the record, which is how a caller gives the memory back; only a list of main folders, which
+ * no phone has a part in, keeps its seven elements until the process ends. Texts in a single record that
  * the library filled belong to the library too; who frees them is said at the function.
  *
  * TRACE. Each call writes its steps as lines that start with "DB TRACE >> " to the debug output: OutputDebugStringW on
@@ -742,10 +743,10 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetDeletedFolder(const DbChar *im
 
 /**
  * Lists picture and video folders of a phone as one. A folder tracked for both appears once where the walk through the
- * two lists pairs them, with summed figures; it is selected when either is, and deleted when both are. Both are walked
- * in the order in which they were first recorded, as if they were sorted by path, and the walk ends with the picture
- * folders: folders behind that are left out. The order is fixed, but neither by path nor by time. With no video folders
- * the picture folders come as they are. Who needs all folders asks DB_IMAGE_GetFolders and DB_VIDEO_GetFolders.
+ * two lists pairs them, with summed figures; it is selected when either is, and deleted when both are. The walk ends
+ * with the picture folders: video folders that sort behind all of them are left out. With no video folders the picture
+ * folders come as they are. The order is fixed, but neither by path nor by time. Who needs all folders asks
+ * DB_IMAGE_GetFolders and DB_VIDEO_GetFolders.
  *
  * @param list  emptied, then filled
  * @return 0; 1 one of the two could not be read (the picture folders alone are listed when it was the videos)
@@ -803,7 +804,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_AddPlaylist(const DbChar *imei
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_ClearAll(const DbChar *imei);
 
 /**
- * Lists the playlists of a phone in the order in which they were added.
+ * Lists the playlists of a phone, by name (in the byte order of UTF-8).
  *
  * @param list  emptied, then filled; without playlists it holds an array of no elements
  * @return 0; 1 unknown phone, or a query failed; an SQLite code when reading the rows ended with it
@@ -853,7 +854,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetAddedPlaylist(const DbChar 
  * becomes kPlaylistDeleted.
  *
  * @param playlist  only Name is read
- * @return 0 done; 1 the playlist is in another state, unknown phone, or a statement failed
+ * @return 0 done, also when the playlist is unknown; 1 the playlist is in another state, unknown phone, or a statement
+ *         failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetDeletedPlaylist(const DbChar *imei,
                                                                      const PlaylistRecord *playlist);
@@ -868,7 +870,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetUpdatedPlaylist(const DbCha
                                                                      const PlaylistRecord *playlist);
 
 /**
- * Reads the file names of a playlist, the last one stored first.
+ * Reads the file names of a playlist, by file name (in the byte order of UTF-8); the order in which they were stored is
+ * not kept.
  *
  * @param names  the caller's array: the names are appended to what it holds, and the caller frees all of it
  * @return 0; 1 the query failed
@@ -877,8 +880,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_GetListFilesname(const DbChar 
                                                                   FileNameArray *names);
 
 /**
- * Replaces the file names of a playlist. They are stored from the last to the first; a name that occurs twice is stored
- * once. The phone need not be known.
+ * Replaces the file names of a playlist. A name that occurs twice is stored once. The phone need not be known.
  *
  * @param names  read only; null elements are stored as empty names
  * @return 0, whether the statements succeeded or not; 1 closed database
@@ -904,7 +906,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_DeleteList(const DbChar *imei,
  * Records a backup. A path recorded already, for whichever phone, gets the new PhonePath, Size and ModifiedTime.
  *
  * @param backup  Path, PhonePath, Size and ModifiedTime are read; bcID becomes the record's id, -1 on failure
- * @return 0 recorded; 183 the path was recorded already; 1 unknown phone, or a statement failed
+ * @return 0 recorded; 183 the path was recorded already (bcID is -1 when refreshing it failed); 1 unknown phone, or a
+ *         statement failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_AddBackup(const DbChar *imei, BackupRecord *backup);
 
@@ -1114,7 +1117,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetItems(PimItemList *list, const DbCh
  *
  * @param item        PimID, Type, Data and DataLength are read; the memory stays the caller's
  * @param folderPath  the folder's Path (not its PimID); null or empty: the root level
- * @return 0 added; 1 unknown folder, the PimID exists already, or the statement failed
+ * @return 0 added; 1 unknown folder, the PimID exists already, a negative DataLength, or the statement failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_AddItem(const PimItemRecord *item, const DbChar *folderPath);
 
@@ -1122,7 +1125,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_AddItem(const PimItemRecord *item, con
  * Writes the contents of an item; type and folder stay.
  *
  * @param item  PimID selects; Data and DataLength are read
- * @return 0 written; 1 unknown item, or the statement failed
+ * @return 0 written; 1 unknown item, a negative DataLength, or the statement failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_UpdateItem(const PimItemRecord *item);
 

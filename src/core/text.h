@@ -12,7 +12,7 @@ namespace kesta {
 /// What stands where a text that is not escaped is missing.
 inline constexpr std::string_view kNoText = "(null)";
 
-/// The most characters that escaping a text yields; a doubled apostrophe at the very end may add one.
+/// The most characters that escaping a text yields; of a doubled apostrophe at the very end only the first may remain.
 inline constexpr size_t kEscapedUnits = 40958;
 
 inline constexpr DbChar kApostrophe = static_cast<DbChar>('\'');
@@ -44,8 +44,9 @@ void EscapeSqlText(const DbChar* text, DbChar until, Sink&& sink)
         if (text != run) sink(run, static_cast<size_t>(text - run));
         if (*text == kApostrophe && written < kEscapedUnits) {
             static constexpr DbChar kTwice[] = {kApostrophe, kApostrophe};
-            sink(kTwice, 2);
-            written += 2;
+            const size_t taken = written + 2 <= kEscapedUnits ? 2 : 1;
+            sink(kTwice, taken);
+            written += taken;
             ++text;
         }
     }

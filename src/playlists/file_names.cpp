@@ -50,7 +50,7 @@ ResultCode SetListFilesname(Connection& db, Trail trail, const DbChar* imei, con
                         Escaped{list})) != SqliteCode::kOk) {
         trail.error(1);
     }
-    // Deliberate: from the last to the first, and so they are read back.
+    // Deliberate: from the last to the first. Reading goes by the table's key and does not show it.
     const std::span<DbChar* const> elements = Elements(names.Items, names.Count);
     for (auto name = elements.rbegin(); name != elements.rend(); ++name) {
         if (db.exec(WideSql("INSERT INTO tPFilename ([IMEI], [Listname], [Filename]) VALUES ('%s', '%s', '%s');",
