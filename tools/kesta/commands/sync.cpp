@@ -1,0 +1,259 @@
+#include <fmt/format.h>
+
+#include <chrono>
+#include <cstdio>
+
+#include "carry_out.h"
+#include "commands/commands.h"
+#include "commands/sync_folders.h"
+#include "journal.h"
+#include "last_run.h"
+#include "marker.h"
+#include "os/system.h"
+#include "text.h"
+
+namespace kesta {
+namespace {
+
+// A reason why the run cannot even begin.
+class Refusal : public std::exception {
+public:
+    Refusal(ExitCode code, std::string text) : code_(code), text_(std::move(text)) {}
+    [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
+    [[nodiscard]] ExitCode code() const { return code_; }
+
+private:
+    ExitCode code_;
+    std::string text_;
+};
+
+ExitCode CodeOfPhoneFailure(const os::Status& status)
+{
+    switch (status.failure()) {
+        case os::Failure::kBusy:
+            return ExitCode::kAnotherSync;
+        case os::Failure::kReadOnly:
+        case os::Failure::kDenied:
+            return ExitCode::kPhoneReadOnly;
+        case os::Failure::kFull:
+            return ExitCode::kPhoneFull;
+        default:
+            return ExitCode::kFailure;
+    }
+}
+
+void Require(const os::Status& status, const std::string& what)
+{
+    if (!status.ok()) throw Refusal(CodeOfPhoneFailure(status), fmt::format("{}: {}", what, status.text()));
+}
+
+class SyncRun {
+public:
+    SyncRun(const SyncOptions& options, PhoneFolder& phone, Progress& progress)
+        : options_(options), phone_(phone), progress_(progress), folders_(ChooseFolders(options, phone))
+    {
+    }
+
+    ExitCode run()
+    {
+        if (!options_.dryRun) lock();
+        identify();
+        Books books;
+        isKnown_ = !marker_.imei.empty() && books.phone(marker_.imei).has_value();
+        if (!options_.dryRun) announce(books);
+        greet();
+        try {
+            const auto plans = plan(books);
+            if (options_.dryRun)
+                foretell(plans);
+            else
+                CarryOut(books, marker_.imei, phone_, progress_, summary_).run(plans);
+        } catch (const BooksError& failure) {
+            summary_.stopWith(ExitCode::kBooks, failure.what());
+        } catch (const PhoneError& failure) {
+            summary_.stopWith(ExitCode::kPhoneGone, failure.what());
+        }
+        progress_.finish();
+        if (!options_.dryRun) closeBooks(books);
+        const auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started_).count();
+        progress_.say(Describe(summary_, options_.dryRun, seconds));
+        return summary_.exitCode();
+    }
+
+private:
+    void lock()
+    {
+        const os::Status status = lock_.acquire(phone_.root());
+        if (status.failure() == os::Failure::kBusy)
+            throw Refusal(ExitCode::kAnotherSync, "another sync of this phone is running");
+        Require(status, "the phone cannot be locked");
+        Require(os::CheckWritable(phone_.root()), "the phone cannot be written");
+    }
+
+    // Settles which phone this is, from the marker and the command line.
+    void identify()
+    {
+        std::optional<Marker> found;
+        Require(ReadMarker(phone_, found), fmt::format("the phone's file {} cannot be used", kMarkerName));
+        isMarked_ = found.has_value();
+        if (isMarked_) {
+            marker_ = *found;
+            if (options_.imei && *options_.imei != marker_.imei)
+                throw Refusal(ExitCode::kFailure, fmt::format("this folder is the phone {} ({}), not {}", marker_.imei,
+                                                              marker_.name, *options_.imei));
+        } else if (options_.imei) {
+            marker_.imei = *options_.imei;
+        } else if (!options_.dryRun) {
+            marker_.imei = MakeImei(os::RandomNumber());
+        }
+        if (!isMarked_) {
+            const std::string name = os::NameOf(phone_.root());
+            marker_.name = options_.name.value_or(name.empty() || !IsValidUtf8(name) ? "phone" : name);
+        }
+    }
+
+    void announce(Books& books)
+    {
+        const bool isRenamed = options_.name && isMarked_ && *options_.name != marker_.name;
+        if (isRenamed) marker_.name = *options_.name;
+        if (!isMarked_ || isRenamed) Require(WriteMarker(phone_, marker_), "the phone cannot be marked");
+        books.announce(marker_.imei, marker_.name);
+        if (isKnown_ && options_.name) books.rename(marker_.imei, *options_.name);
+    }
+
+    void greet()
+    {
+        const std::string imei = marker_.imei.empty() ? "new, its IMEI is made up by the first sync" : marker_.imei;
+        progress_.say(fmt::format("Phone     {} ({}){}", Printable(marker_.name), Printable(imei),
+                                  options_.dryRun ? ", dry run: nothing is changed" : ""));
+    }
+
+    std::vector<CategoryPlan> plan(Books& books)
+    {
+        std::array<CategoryState, kCategories.size()> states;
+        std::vector<std::string> places;
+        for (const Category category : kCategories) {
+            CategoryState& state = states[static_cast<std::size_t>(category)];
+            if (options_.dryRun && !isKnown_) continue;
+            state.known = books.folders(marker_.imei, category);
+            state.recorded = books.files(marker_.imei, category);
+            for (const RecordedFile& file : state.recorded) places.push_back(file.phonePath);
+        }
+        takeUpLeftovers(places);
+        for (const Category category : kCategories) {
+            const auto index = static_cast<std::size_t>(category);
+            ScanChosen(category, folders_[index], phone_, states[index], progress_, summary_);
+            if (summary_.stopped()) return {};
+            if (!options_.dryRun) EnterFolders(books, marker_.imei, category, states[index], summary_);
+        }
+        std::vector<CategoryPlan> plans;
+        for (const Category category : kCategories) {
+            CategoryState& state = states[static_cast<std::size_t>(category)];
+            PlanInput input{category, {}, std::move(state.known), std::move(state.recorded), options_.force};
+            for (const FolderScan& scan : state.scans) input.folders.push_back(&scan);
+            if (!input.folders.empty()) plans.push_back(PlanCategory(input, phone_));
+        }
+        for (const CategoryPlan& plan : plans) {
+            summary_.unchanged += plan.unchanged;
+            summary_.heldBack += plan.heldBack;
+        }
+        return plans;
+    }
+
+    void takeUpLeftovers(const std::vector<std::string>& places)
+    {
+        Leftovers leftovers;
+        if (os::Status status = FindLeftovers(phone_, places, leftovers); !status.ok())
+            return summary_.stopWith(CodeOfPhoneFailure(status),
+                                     "the phone's journal cannot be read: " + status.text());
+        if (!leftovers.journalFound && leftovers.temporaryFiles.empty()) return;
+        const std::size_t files = leftovers.temporaryFiles.size() + leftovers.unknownFiles.size();
+        if (options_.dryRun) {
+            summary_.notes.push_back(
+                fmt::format("the last run was cut short; {} of it would be removed.", Counted(files, "leftover")));
+            return;
+        }
+        if (os::Status status = RemoveLeftovers(phone_, leftovers); !status.ok())
+            return summary_.stopWith(CodeOfPhoneFailure(status),
+                                     "what the last run left on the phone cannot be removed: " + status.text());
+        summary_.notes.push_back(
+            fmt::format("the last run was cut short; {} of it removed.", Counted(files, "leftover")));
+    }
+
+    void foretell(const std::vector<CategoryPlan>& plans)
+    {
+        for (const CategoryPlan& plan : plans) {
+            for (const Action& action : plan.removals) foretell("remove", action, summary_.removed);
+            for (const Action& action : plan.copies) {
+                if (action.kind == ActionKind::kAdopt) {
+                    foretell("record", action, summary_.adopted);
+                    continue;
+                }
+                const bool isUpdate = action.kind == ActionKind::kUpdate;
+                foretell(isUpdate ? "update" : "copy", action, isUpdate ? summary_.updated : summary_.copied);
+                summary_.bytes += action.size;
+            }
+        }
+    }
+
+    void foretell(const char* verb, const Action& action, std::size_t& count)
+    {
+        ++count;
+        const std::string& place = action.file.phonePath.empty() ? action.file.path : action.file.phonePath;
+        if (!options_.quiet) progress_.say(fmt::format("{:<9} {}", verb, Printable(place)));
+    }
+
+    void closeBooks(Books& books)
+    {
+        const auto now = BooksTime(os::Now());
+        const int code = static_cast<int>(summary_.exitCode());
+        const std::int32_t result = now ? books.setLastSync(marker_.imei, *now, code) : 1;
+        if (result != 0)
+            summary_.stopWith(ExitCode::kBooks, "the end of the run cannot be recorded: " + ResultText(result));
+        if (!now) return;
+        const os::Status saved = SaveLastRun(marker_.imei, {*now, code, reason()});
+        if (!saved.ok())
+            summary_.notes.push_back("how the run ended cannot be noted for kesta status: " + saved.text());
+    }
+
+    [[nodiscard]] std::string reason() const
+    {
+        if (summary_.stopped()) return summary_.stopReason;
+        if (!summary_.failures.empty()) return fmt::format("{} failed", Counted(summary_.failures.size(), "item"));
+        if (summary_.heldBack > 0) return fmt::format("{} held back", Counted(summary_.heldBack, "removal"));
+        return {};
+    }
+
+    const SyncOptions& options_;
+    PhoneFolder& phone_;
+    Progress& progress_;
+    ChosenFolders folders_;
+    os::DirectoryLock lock_;
+    Marker marker_;
+    bool isMarked_ = false;
+    bool isKnown_ = false;
+    Summary summary_;
+    std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
+};
+
+}  // namespace
+
+ExitCode RunSync(const SyncOptions& options)
+{
+    try {
+        std::string root;
+        Require(os::CanonicalPath(options.phone, root), fmt::format("the phone folder {}", options.phone));
+        PhoneFolder phone(root);
+        Require(phone.open(), fmt::format("the phone folder {}", options.phone));
+        os::CatchInterrupts();
+        Progress progress(options.quiet && !os::IsTerminal() ? Progress::Style::kQuiet
+                          : os::IsTerminal()                 ? Progress::Style::kBar
+                                                             : Progress::Style::kLines);
+        return SyncRun(options, phone, progress).run();
+    } catch (const Refusal& refusal) {
+        (void)std::fprintf(stderr, "kesta: %s\n", Printable(refusal.what()).c_str());
+        return refusal.code();
+    }
+}
+
+}  // namespace kesta

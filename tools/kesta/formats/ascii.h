@@ -1,0 +1,63 @@
+// Letters without regard to their case, in ASCII only: the keywords of all formats here are ASCII.
+#pragma once
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace kesta::formats {
+
+[[nodiscard]] constexpr char ToUpper(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+[[nodiscard]] constexpr bool IsLetter(char c)
+{
+    return ToUpper(c) >= 'A' && ToUpper(c) <= 'Z';
+}
+[[nodiscard]] constexpr bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+[[nodiscard]] constexpr bool IsBlank(char c)
+{
+    return c == ' ' || c == '\t';
+}
+[[nodiscard]] constexpr bool IsSpace(char c)
+{
+    return IsBlank(c) || c == '\r' || c == '\n' || c == '\f' || c == '\v';
+}
+
+[[nodiscard]] inline std::string ToUpper(std::string_view text)
+{
+    std::string upper(text);
+    std::ranges::transform(upper, upper.begin(), [](char c) { return ToUpper(c); });
+    return upper;
+}
+
+[[nodiscard]] constexpr bool EqualsIgnoringCase(std::string_view a, std::string_view b)
+{
+    return std::ranges::equal(a, b, [](char x, char y) { return ToUpper(x) == ToUpper(y); });
+}
+
+[[nodiscard]] constexpr bool StartsIgnoringCase(std::string_view text, std::string_view start)
+{
+    return EqualsIgnoringCase(text.substr(0, start.size()), start);
+}
+
+[[nodiscard]] constexpr std::string_view Trimmed(std::string_view text)
+{
+    while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
+    return text;
+}
+
+/// The value of a hexadecimal digit; -1 for any other character.
+[[nodiscard]] constexpr int HexValue(char c)
+{
+    if (IsDigit(c)) return c - '0';
+    const char upper = ToUpper(c);
+    return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
+}
+
+}  // namespace kesta::formats

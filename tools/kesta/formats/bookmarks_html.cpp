@@ -1,0 +1,149 @@
+#include <charconv>
+
+#include "formats/ascii.h"
+#include "formats/bookmarks.h"
+#include "formats/charset.h"
+#include "formats/html_document.h"
+
+namespace kesta::formats {
+namespace {
+
+/// Goes through a tree in the order of the text, without recursion: a document decides how deep its tree is.
+/// enter and leave are called for elements, text for text.
+template <class Enter, class Leave, class Text>
+void Walk(const GumboNode& root, Enter&& enter, Leave&& leave, Text&& text)
+{
+    struct Place {
+        const GumboNode* node;
+        unsigned next;
+    };
+    std::vector<Place> path;
+    enter(root);
+    path.push_back({&root, 0});
+    while (!path.empty()) {
+        Place& place = path.back();
+        const GumboVector& children = place.node->v.element.children;
+        if (place.next == children.length) {
+            leave(*place.node);
+            path.pop_back();
+            continue;
+        }
+        const auto& child = *static_cast<const GumboNode*>(children.data[place.next++]);
+        if (child.type == GUMBO_NODE_ELEMENT || child.type == GUMBO_NODE_TEMPLATE) {
+            enter(child);
+            path.push_back({&child, 0});
+        } else if (child.type != GUMBO_NODE_COMMENT) {
+            text(child.v.text.text);
+        }
+    }
+}
+
+std::string TextOf(const GumboNode& element)
+{
+    std::string all;
+    const auto nothing = [](const GumboNode&) {};
+    Walk(element, nothing, nothing, [&](const char* text) { all += text; });
+    return CleanTitle(all);
+}
+
+const char* AttributeOf(const GumboNode& element, const char* name)
+{
+    const GumboAttribute* attribute = gumbo_get_attribute(&element.v.element.attributes, name);
+    return attribute ? attribute->value : nullptr;
+}
+
+/// Seconds since 1970. Some exports write milliseconds or microseconds; as seconds these would lie beyond the year
+/// 5000.
+std::optional<std::int64_t> DateOf(const GumboNode& link)
+{
+    const char* attribute = AttributeOf(link, "add_date");
+    if (!attribute) return {};
+    const std::string_view text = Trimmed(attribute);
+    std::int64_t date = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), date);
+    if (error != std::errc() || end != text.data() + text.size() || date <= 0) return {};
+    while (date >= 100'000'000'000) date /= 1000;
+    return date;
+}
+
+/// Folders are H3 headings, each with the list that follows it.
+class HtmlBookmarkReader {
+public:
+    explicit HtmlBookmarkReader(Bookmarks& result) : result_(result) {}
+
+    void read(const GumboNode& root)
+    {
+        Walk(
+            root, [&](const GumboNode& element) { enter(element); }, [&](const GumboNode& element) { leave(element); },
+            [](const char*) {});
+    }
+    [[nodiscard]] bool sawList() const { return sawList_; }
+
+private:
+    void enter(const GumboNode& element)
+    {
+        switch (element.v.element.tag) {
+            case GUMBO_TAG_H3:
+                heading_ = TextOf(element);
+                break;
+            case GUMBO_TAG_DL:
+                sawList_ = true;
+                named_.push_back(heading_.has_value());
+                if (heading_) folders_.push_back(std::move(*heading_));
+                heading_.reset();
+                break;
+            case GUMBO_TAG_A:
+                heading_.reset();
+                addLink(element);
+                break;
+            default:
+                break;
+        }
+    }
+
+    void leave(const GumboNode& element)
+    {
+        if (element.v.element.tag != GUMBO_TAG_DL) return;
+        if (named_.back()) folders_.pop_back();
+        named_.pop_back();
+        heading_.reset();
+    }
+
+    void addLink(const GumboNode& link)
+    {
+        const char* address = AttributeOf(link, "href");
+        if (!address) return;
+        Bookmark bookmark{TextOf(link), CleanUrl(address), LinkKind::kOther, folders_, DateOf(link)};
+        if (bookmark.url.empty()) return;
+        bookmark.kind = KindOfLink(bookmark.url);
+        result_.bookmarks.push_back(std::move(bookmark));
+    }
+
+    Bookmarks& result_;
+    std::optional<std::string> heading_;  // of the list to come
+    std::vector<bool> named_;             // for each open list
+    std::vector<std::string> folders_;
+    bool sawList_ = false;
+};
+
+}  // namespace
+
+Bookmarks ParseBookmarksHtml(std::string_view file)
+{
+    const std::string text = FromUtf8OrLatin1(WithoutByteOrderMark(file));
+    Bookmarks result;
+    const HtmlDocument document(text);
+    if (!document.root()) {
+        result.problems.push_back({0, "the document is nested too deeply"});
+        return result;
+    }
+    HtmlBookmarkReader reader(result);
+    reader.read(*document.root());
+    if (!reader.sawList() && !StartsIgnoringCase(document.documentType(), "netscape-bookmark")) {
+        result.bookmarks.clear();
+        result.problems.push_back({0, "not a bookmark file"});
+    }
+    return result;
+}
+
+}  // namespace kesta::formats

@@ -1,0 +1,125 @@
+#include "formats/icalendar.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <utility>
+
+#include "formats/charset.h"
+#include "formats/digest.h"
+#include "formats/entry_uids.h"
+#include "formats/icalendar_reader.h"
+
+namespace kesta::formats {
+namespace {
+
+/// What belongs to one UID.
+struct Series {
+    const RawCalendar* calendar;  // of the first part
+    std::vector<const Component*> parts;
+    std::vector<const Component*> timeZones;  // each TZID once
+    std::set<std::string> timeZoneIds;
+    CalendarEntry entry;
+};
+
+void AddPart(Series& series, const RawCalendar& calendar, const Component& part)
+{
+    series.parts.push_back(&part);
+    for (const Component& zone : calendar.timeZones)
+        if (part.usedTimeZones.contains(zone.timeZoneId) && series.timeZoneIds.insert(zone.timeZoneId).second)
+            series.timeZones.push_back(&zone);
+}
+
+void AppendWhole(std::string& bytes, std::string_view part, std::string_view lineBreak)
+{
+    bytes += part;
+    if (!part.empty() && part.back() != '\n' && part.back() != '\r') bytes += lineBreak;
+}
+
+/// The parts with a calendar of their own around them.
+std::string CompleteCalendar(const Series& series)
+{
+    const std::string_view lineBreak = series.calendar->lineBreak;
+    const std::string& head = series.calendar->head;
+    std::string bytes;
+    const auto line = [&](std::string_view text) { bytes.append(text).append(lineBreak); };
+    line("BEGIN:VCALENDAR");
+    // A calendar is not valid without these two.
+    if (head.find("VERSION") == std::string::npos) line("VERSION:2.0");
+    if (head.find("PRODID") == std::string::npos) line("PRODID:-//KESTA//KESTA//EN");
+    bytes += head;
+    for (const Component* zone : series.timeZones) AppendWhole(bytes, zone->bytes, lineBreak);
+    for (const Component* part : series.parts) AppendWhole(bytes, part->bytes, lineBreak);
+    line("END:VCALENDAR");
+    return bytes;
+}
+
+std::string DigestOf(const Series& series)
+{
+    std::string canonical;
+    for (const Component* zone : series.timeZones) canonical += zone->canonical;
+    for (const Component* part : series.parts) canonical += part->canonical;
+    return Digest(canonical);
+}
+
+std::optional<std::int64_t> LatestChange(const Series& series)
+{
+    std::optional<std::int64_t> modified, stamped;
+    for (const Component* part : series.parts) {
+        modified = std::max(modified, part->lastModified);
+        stamped = std::max(stamped, part->stamped);
+    }
+    return modified ? modified : stamped;
+}
+
+CalendarEntry Finish(Series&& series, EntryUids& uids)
+{
+    CalendarEntry& entry = series.entry;
+    const auto isWhole = [](const Component* part) { return part->recurrenceId.empty(); };
+    const auto whole = std::ranges::find_if(series.parts, isWhole);
+    const Component& main = whole == series.parts.end() ? *series.parts.front() : **whole;
+    entry.kind = main.kind.value_or(CalendarEntryKind::kEvent);
+    entry.summary = main.summary;
+    entry.calendar = series.calendar->name;
+    entry.line = series.parts.front()->line;
+    for (const Component* part : series.parts)
+        if (!isWhole(part)) entry.recurrenceIds.push_back(part->recurrenceId);
+    entry.modified = LatestChange(series);
+    entry.bytes = CompleteCalendar(series);
+    entry.digest = DigestOf(series);
+    entry.uid = main.uid;
+    entry.uidDerived = entry.uid.empty();
+    if (entry.uidDerived) entry.uid = uids.derive(entry.digest);
+    return std::move(entry);
+}
+
+}  // namespace
+
+Calendars ParseCalendars(std::string_view file)
+{
+    const std::string text = WithoutByteOrderMark(file);
+    RawCalendars raw = ReadCalendars(text);
+
+    std::vector<Series> all;
+    std::map<std::pair<std::string, std::string>, std::size_t> places;  // by calendar name and UID
+    Calendars result;
+    for (const RawCalendar& calendar : raw.calendars) {
+        if (std::ranges::find(result.names, calendar.name) == result.names.end()) result.names.push_back(calendar.name);
+        for (const Component& part : calendar.entries) {
+            // Without a UID nothing says what belongs together.
+            const bool known = !part.uid.empty() && places.contains({calendar.name, part.uid});
+            const std::size_t place = known ? places[{calendar.name, part.uid}] : all.size();
+            if (!known) {
+                all.push_back({&calendar, {}, {}, {}, {}});
+                if (!part.uid.empty()) places[{calendar.name, part.uid}] = place;
+            }
+            AddPart(all[place], calendar, part);
+        }
+    }
+    EntryUids uids;
+    for (Series& series : all) result.entries.push_back(Finish(std::move(series), uids));
+    result.problems = std::move(raw.problems);
+    return result;
+}
+
+}  // namespace kesta::formats

@@ -1,0 +1,137 @@
+#include "formats/playlist.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "formats/ascii.h"
+#include "formats/charset.h"
+
+namespace kesta::formats {
+namespace {
+
+constexpr std::string_view kHeader = "#EXTM3U";
+constexpr std::string_view kInfo = "#EXTINF:";
+constexpr std::string_view kTitle = "#PLAYLIST:";
+
+std::string OneLine(std::string_view text)
+{
+    std::string line = FromUtf8OrLatin1(text);
+    std::ranges::replace_if(
+        line, [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+    return std::string(Trimmed(line));
+}
+
+/// "123,Artist - Title", where attributes with quoted values may stand before the comma.
+void ReadInfo(std::string_view info, PlaylistEntry& entry)
+{
+    int seconds = 0;
+    const std::string_view number = Trimmed(info);
+    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), seconds);
+    entry.seconds = error == std::errc() && seconds >= 0 ? std::optional(seconds) : std::nullopt;
+
+    bool quoted = false;
+    for (std::size_t i = 0; i < info.size(); ++i) {
+        if (info[i] == '"') quoted = !quoted;
+        if (info[i] != ',' || quoted) continue;
+        entry.title = OneLine(info.substr(i + 1));
+        return;
+    }
+    entry.title.clear();
+}
+
+class PlaylistReader {
+public:
+    Playlist run(std::string_view text) &&
+    {
+        while (!text.empty()) {
+            const std::size_t length = std::min(text.find_first_of("\r\n"), text.size());
+            ++line_;
+            take(text.substr(0, length));
+            text.remove_prefix(length);
+            text.remove_prefix(std::min<std::size_t>(text.starts_with("\r\n") ? 2 : 1, text.size()));
+        }
+        return std::move(playlist_);
+    }
+
+private:
+    void take(std::string_view line)
+    {
+        const std::string_view trimmed = Trimmed(line);
+        if (trimmed.empty()) return;
+        // A name may begin with blanks, but no player means one by an indented directive.
+        if (StartsIgnoringCase(trimmed, "#EXT")) line = trimmed;
+        if (line.front() == '#') {
+            if (StartsIgnoringCase(line, kInfo)) ReadInfo(line.substr(kInfo.size()), next_);
+            if (StartsIgnoringCase(line, kTitle) && playlist_.title.empty())
+                playlist_.title = OneLine(line.substr(kTitle.size()));
+            return;
+        }
+        if (auto location = ParseLocation(line)) {
+            next_.location = std::move(*location);
+            next_.line = line_;
+            playlist_.entries.push_back(std::move(next_));
+        } else {
+            playlist_.problems.push_back({line_, "not the name of a file"});
+        }
+        next_ = {};
+    }
+
+    Playlist playlist_;
+    PlaylistEntry next_;  // what was said about the entry to come
+    std::size_t line_ = 0;
+};
+
+bool IsWritable(const Location& location)
+{
+    return !location.text.empty() && IsUtf8(location.text) &&
+           location.text.find_first_of(std::string_view("\r\n\0", 3)) == std::string::npos;
+}
+
+/// A name that would be read as something else gets "./" in front, which is dropped on reading.
+std::string LineOf(const Location& location)
+{
+    if (location.kind != LocationKind::kRelative ||
+        (location.text.front() != '#' && ParseLocation(location.text) == location))
+        return location.text;
+    return "./" + location.text;
+}
+
+}  // namespace
+
+bool IsPlaylistName(std::string_view fileName)
+{
+    const std::string name = ToUpper(fileName);
+    return name.ends_with(".M3U") || name.ends_with(".M3U8");
+}
+
+PlaylistEncoding EncodingOf(std::string_view fileName)
+{
+    return ToUpper(fileName).ends_with(".M3U8") ? PlaylistEncoding::kUtf8 : PlaylistEncoding::kByValidity;
+}
+
+Playlist ParsePlaylist(std::string_view file, PlaylistEncoding encoding)
+{
+    const std::string bytes = WithoutByteOrderMark(file);
+    Playlist playlist = PlaylistReader().run(FromUtf8OrLatin1(bytes));
+    if (encoding == PlaylistEncoding::kUtf8 && !IsUtf8(bytes))
+        playlist.problems.insert(playlist.problems.begin(), {0, "not UTF-8, read as Latin-1"});
+    return playlist;
+}
+
+std::optional<std::string> WritePlaylist(std::string_view title, std::span<const PlaylistEntry> entries)
+{
+    std::string text = std::string(kHeader) + '\n';
+    if (const std::string line = OneLine(title); !line.empty()) text.append(kTitle).append(line) += '\n';
+    for (const PlaylistEntry& entry : entries) {
+        if (!IsWritable(entry.location)) return {};
+        if (entry.seconds || !OneLine(entry.title).empty())
+            text.append(kInfo)
+                .append(std::to_string(entry.seconds.value_or(-1)))
+                .append(",")
+                .append(OneLine(entry.title)) += '\n';
+        text.append(LineOf(entry.location)) += '\n';
+    }
+    return text;
+}
+
+}  // namespace kesta::formats

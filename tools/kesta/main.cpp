@@ -1,0 +1,45 @@
+// kesta: copies media folders to a phone and shows the books about it.
+
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include "books.h"
+#include "commands/commands.h"
+#include "os/system.h"
+#include "phone_folder.h"
+#include "text.h"
+
+namespace {
+
+struct Runner {
+    kesta::ExitCode operator()(const kesta::SyncOptions& options) const { return kesta::RunSync(options); }
+    kesta::ExitCode operator()(const kesta::StatusOptions& options) const { return kesta::RunStatus(options); }
+    kesta::ExitCode operator()(const kesta::FilesOptions& options) const { return kesta::RunFiles(options); }
+    kesta::ExitCode operator()(const kesta::TraceOptions&) const { return kesta::RunTrace(); }
+};
+
+int Report(kesta::ExitCode code, const std::exception& failure)
+{
+    (void)std::fprintf(stderr, "kesta: %s\n", kesta::Printable(failure.what()).c_str());
+    return static_cast<int>(code);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        kesta::os::PrepareOutput();
+        kesta::ExitCode exitCode = kesta::ExitCode::kSuccess;
+        const auto options = kesta::ParseOptions(kesta::os::Arguments(argc, argv), exitCode);
+        if (options) exitCode = std::visit(Runner(), *options);
+        return static_cast<int>(exitCode);
+    } catch (const kesta::BooksError& failure) {
+        return Report(kesta::ExitCode::kBooks, failure);
+    } catch (const kesta::PhoneError& failure) {
+        return Report(kesta::ExitCode::kPhoneGone, failure);
+    } catch (const std::exception& failure) {
+        return Report(kesta::ExitCode::kFailure, failure);
+    }
+}

@@ -1,0 +1,135 @@
+// Files and folders as the client needs them. Paths are UTF-8 with the system's own separator; on Windows they may be
+// longer than MAX_PATH. posix/ and windows/ implement it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "os/status.h"
+
+namespace kesta::os {
+
+#if defined(_WIN32)
+inline constexpr char kSeparator = '\\';
+#else
+inline constexpr char kSeparator = '/';
+#endif
+
+enum class FileKind { kFile, kDirectory, kOther };
+
+/// Names a file on this machine whatever path leads to it.
+struct FileId {
+    std::uint64_t volume = 0;
+    std::uint64_t number = 0;
+    friend auto operator<=>(const FileId&, const FileId&) = default;
+};
+
+/// Seconds since 1970 (UTC) and the part of a second.
+struct FileTime {
+    std::int64_t seconds = 0;
+    std::int32_t nanoseconds = 0;
+    friend auto operator<=>(const FileTime&, const FileTime&) = default;
+};
+
+struct FileInfo {
+    FileKind kind = FileKind::kOther;
+    std::uint64_t size = 0;
+    FileTime modified;
+    FileId id;
+};
+
+struct DirectoryEntry {
+    std::string name;   // what could be converted, when the name is not valid
+    bool valid = true;  // false: the name is no valid text and cannot be written down in the books
+    bool isLink = false;
+};
+
+/// Follows links.
+Status ReadInfo(const std::string& path, FileInfo& info);
+/// Does not follow a link at the end of the path; such a link is of kind kOther.
+Status ReadInfoOfLink(const std::string& path, FileInfo& info);
+/// Without "." and "..", in no particular order.
+Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entries);
+/// Absolute, without links, "." and "..". Fails when there is nothing at the path.
+Status CanonicalPath(const std::string& path, std::string& canonical);
+/// Absolute, whether or not there is anything at the path.
+std::string AbsolutePath(const std::string& path);
+/// Whether something can be created in the folder, as far as permissions and the file system tell.
+Status CheckWritable(const std::string& directory);
+
+Status MakeDirectory(const std::string& path);
+Status RemoveFile(const std::string& path);
+Status RemoveEmptyDirectory(const std::string& path);
+/// Replaces the target when it is there. Both must lie in the same folder.
+Status Rename(const std::string& from, const std::string& to);
+/// Makes what was created, renamed or removed in the folder survive a power failure, where the system has a way to.
+Status FlushDirectory(const std::string& path);
+
+std::string Join(std::string_view directory, std::string_view name);
+/// The part before the last separator; the path itself when there is none or it is a root.
+std::string ParentOf(const std::string& path);
+/// The last component; empty for a root.
+std::string NameOf(const std::string& path);
+
+/// A file being read.
+class InputFile {
+public:
+    InputFile() = default;
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+    ~InputFile();
+
+    Status open(const std::string& path);
+    Status readInfo(FileInfo& info) const;
+    /// Sets count to what was read, 0 at the end.
+    Status read(std::span<std::byte> buffer, std::size_t& count);
+
+private:
+    std::intptr_t handle_ = -1;
+};
+
+/// A file being written. Closed by the destructor; only close() tells whether everything was taken.
+class OutputFile {
+public:
+    OutputFile() = default;
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+    ~OutputFile();
+
+    /// Fails with kExists when something is at the path.
+    Status create(const std::string& path);
+    Status write(std::span<const std::byte> data);
+    Status setModified(FileTime time);
+    /// Makes the contents survive a power failure.
+    Status flush();
+    Status close();
+
+private:
+    std::intptr_t handle_ = -1;
+};
+
+/// Held by one process at a time; the system releases it when the process dies.
+class DirectoryLock {
+public:
+    DirectoryLock() = default;
+    DirectoryLock(const DirectoryLock&) = delete;
+    DirectoryLock& operator=(const DirectoryLock&) = delete;
+    ~DirectoryLock();
+
+    /// kBusy: another process holds it.
+    Status acquire(const std::string& directory);
+
+private:
+    std::intptr_t handle_ = -1;
+};
+
+/// The whole contents of a small file.
+Status ReadText(const std::string& path, std::string& text);
+/// Replaces the file's contents in one step: a reader sees the old or the new ones, also after a power failure.
+Status WriteText(const std::string& path, const std::string& temporary, std::string_view text);
+
+}  // namespace kesta::os

@@ -1,0 +1,122 @@
+#include "os/files.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "os/posix/errno_status.h"
+#include "text.h"
+
+namespace kesta::os {
+namespace {
+
+FileInfo ToInfo(const struct stat& raw)
+{
+    FileInfo info;
+    info.kind = S_ISREG(raw.st_mode) ? FileKind::kFile : S_ISDIR(raw.st_mode) ? FileKind::kDirectory : FileKind::kOther;
+    info.size = static_cast<std::uint64_t>(raw.st_size);
+    info.modified = {raw.st_mtim.tv_sec, static_cast<std::int32_t>(raw.st_mtim.tv_nsec)};
+    info.id = {raw.st_dev, raw.st_ino};
+    return info;
+}
+
+}  // namespace
+
+Status ReadInfo(const std::string& path, FileInfo& info)
+{
+    struct stat raw {};
+    if (stat(path.c_str(), &raw) != 0) return LastError();
+    info = ToInfo(raw);
+    return {};
+}
+
+Status ReadInfoOfLink(const std::string& path, FileInfo& info)
+{
+    struct stat raw {};
+    if (lstat(path.c_str(), &raw) != 0) return LastError();
+    info = ToInfo(raw);
+    return {};
+}
+
+Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entries)
+{
+    entries.clear();
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), closedir);
+    if (!directory) return LastError();
+    for (;;) {
+        errno = 0;
+        const dirent* raw = readdir(directory.get());
+        if (raw == nullptr) break;
+        std::string name = raw->d_name;
+        if (name == "." || name == "..") continue;
+        const bool valid = IsValidUtf8(name);
+        bool isLink = raw->d_type == DT_LNK;
+        if (raw->d_type == DT_UNKNOWN) {
+            struct stat info {};
+            isLink =
+                fstatat(dirfd(directory.get()), raw->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(info.st_mode);
+        }
+        entries.push_back({std::move(name), valid, isLink});
+    }
+    return errno == 0 ? Status() : LastError();
+}
+
+Status CanonicalPath(const std::string& path, std::string& canonical)
+{
+    const std::unique_ptr<char, void (*)(void*)> resolved(realpath(path.c_str(), nullptr), std::free);
+    if (!resolved) return LastError();
+    canonical = resolved.get();
+    return {};
+}
+
+std::string AbsolutePath(const std::string& path)
+{
+    if (!path.empty() && path.front() == '/') return path;
+    const std::unique_ptr<char, void (*)(void*)> here(getcwd(nullptr, 0), std::free);
+    return here ? Join(here.get(), path) : path;
+}
+
+Status CheckWritable(const std::string& directory)
+{
+    return access(directory.c_str(), W_OK | X_OK) == 0 ? Status() : LastError();
+}
+
+Status MakeDirectory(const std::string& path)
+{
+    return mkdir(path.c_str(), 0777) == 0 ? Status() : LastError();
+}
+
+Status RemoveFile(const std::string& path)
+{
+    return unlink(path.c_str()) == 0 ? Status() : LastError();
+}
+
+Status RemoveEmptyDirectory(const std::string& path)
+{
+    return rmdir(path.c_str()) == 0 ? Status() : LastError();
+}
+
+Status Rename(const std::string& from, const std::string& to)
+{
+    return std::rename(from.c_str(), to.c_str()) == 0 ? Status() : LastError();
+}
+
+Status FlushDirectory(const std::string& path)
+{
+    const int handle = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (handle < 0) return LastError();
+    const bool flushed = fsync(handle) == 0;
+    const int code = errno;
+    (void)close(handle);  // Nothing was written through it.
+    // Some file systems for removable media have nothing to flush for a folder and say so.
+    return flushed || code == EINVAL || code == ENOSYS || code == EOPNOTSUPP ? Status() : FromErrno(code);
+}
+
+}  // namespace kesta::os

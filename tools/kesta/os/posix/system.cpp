@@ -1,0 +1,112 @@
+#include "os/system.h"
+
+#include <locale.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <wctype.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <random>
+
+#include "os/files.h"
+
+namespace kesta::os {
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void NoteInterrupt(int)
+{
+    interrupted = 1;
+}
+
+}  // namespace
+
+std::vector<std::string> Arguments(int argc, char** argv)
+{
+    return {argv + 1, argv + argc};
+}
+
+std::int64_t Now()
+{
+    return std::time(nullptr);
+}
+
+std::optional<std::int64_t> LocalSeconds(std::int64_t utcSeconds)
+{
+    const std::time_t time = utcSeconds;
+    std::tm local{};
+    if (localtime_r(&time, &local) == nullptr) return std::nullopt;
+    using namespace std::chrono;
+    if (local.tm_year < -1800 || local.tm_year > 8099) return std::nullopt;
+    const year_month_day date{year(local.tm_year + 1900), month(static_cast<unsigned>(local.tm_mon + 1)),
+                              day(static_cast<unsigned>(local.tm_mday))};
+    const auto days = sys_days(date) - sys_days(year(1899) / December / 30);
+    return std::int64_t{days.count()} * 86400 + local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
+}
+
+char32_t UpperCase(char32_t character)
+{
+    static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    if (locale == nullptr) return character >= U'a' && character <= U'z' ? character - 32 : character;
+    return static_cast<char32_t>(towupper_l(static_cast<wint_t>(character), locale));
+}
+
+std::uint64_t RandomNumber()
+{
+    std::random_device device;
+    return (std::uint64_t{device()} << 32) | device();
+}
+
+std::string DataDirectory()
+{
+    const char* data = std::getenv("XDG_DATA_HOME");
+    if (data != nullptr && data[0] == '/') return data;
+    const char* home = std::getenv("HOME");
+    return home == nullptr ? std::string() : Join(home, ".local/share");
+}
+
+bool MakePrivateDirectories(const std::string& path)
+{
+    struct stat info {};
+    if (stat(path.c_str(), &info) == 0) return S_ISDIR(info.st_mode);
+    const std::string parent = ParentOf(path);
+    return parent != path && MakePrivateDirectories(parent) && mkdir(path.c_str(), 0700) == 0;
+}
+
+void CatchInterrupts()
+{
+    struct sigaction action {};
+    action.sa_handler = NoteInterrupt;
+    (void)sigemptyset(&action.sa_mask);
+    // No SA_RESTART: a viewer that waits for the next line is to wake up.
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) (void)sigaction(signal, &action, nullptr);
+}
+
+bool Interrupted()
+{
+    return interrupted != 0;
+}
+
+void PrepareOutput()
+{
+    // A reader that goes away (kesta ... | head) shows as a failed write, so that a sync still ends properly.
+    (void)std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool IsTerminal()
+{
+    return isatty(STDOUT_FILENO) == 1;
+}
+
+std::size_t TerminalWidth()
+{
+    winsize size{};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+}  // namespace kesta::os
