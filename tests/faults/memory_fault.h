@@ -1,0 +1,14 @@
+// Memory that runs out: the program's allocator with a fault at one allocation of choice.
+#pragma once
+
+namespace kesta::test {
+
+class MemoryFault {
+public:
+    /// Of this thread's allocations from now on the `nth` (the first is 0) fails, that one only.
+    static void arm(int nth) noexcept;
+    /// Ends the counting; whether an allocation has failed since arm().
+    static bool disarm() noexcept;
+};
+
+}  // namespace kesta::test

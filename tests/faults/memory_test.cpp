@@ -1,0 +1,285 @@
+// Memory runs out at every single allocation of a call: the call fails as documented, nothing leaks, the next one
+// works.
+#include <sqlite3.h>
+
+#include <functional>
+#include <set>
+
+#include "core/list.h"
+#include "core/text.h"
+#include "faults/memory_fault.h"
+#include "kesta_db/kesta_db.h"
+#include "library/main_folders.h"
+#include "library/phone_settings.h"
+#include "media/folder_records.h"
+#include "media/synced_files.h"
+#include "support/dates.h"
+#include "unit/module_under_test.h"
+
+namespace kesta {
+namespace {
+
+using test::MemoryFault;
+using test::Text;
+using test::W;
+
+constexpr char kImei[] = "351111";
+constexpr int32_t kNoMemory = 7;  // SQLite's code
+
+/// SQLite serves small wishes from a store of its own, which would keep them from the allocator. Said before its first
+/// use.
+const int kNoLookaside = sqlite3_config(SQLITE_CONFIG_LOOKASIDE, 0, 0);
+
+/// Arrays and texts that callers hold, by the trace. Lines are read without allocating.
+int held = 0;
+
+void CountMemoryLine(const DbChar* line, size_t length) noexcept
+{
+    const auto endsWith = [&](std::string_view end) {
+        if (length < end.size()) return false;
+        for (size_t i = 0; i < end.size(); ++i) {
+            if (line[length - end.size() + i] != static_cast<DbChar>(end[i])) return false;
+        }
+        return true;
+    };
+    if (endsWith(" NEW.\n")) ++held;
+    if (endsWith(" DELETE.\n")) --held;
+}
+
+class FailingMemory : public ModuleUnderTest {
+protected:
+    FailingMemory()
+    {
+        platform::services.writeTraceLine = &CountMemoryLine;
+        EXPECT_EQ(DB_LIB_PhoneDetected(W(kImei), W("x")), 1);
+        sql.exec(
+            "UPDATE tPhone SET [PhotoPath] = 'p', [CalPeriodStr] = 'c', [ContactFolderId] = 'f';"
+            "UPDATE tLibMainFolder SET [Setting] = 's';"
+            "INSERT INTO tMFolder ([PhoneID], [Path], [Flag], [AddTime]) VALUES (1, 'folder', 0, ''), (1, 'g', 0, '');"
+            "INSERT INTO tMFile VALUES (1, 'a', 'folder', 'q', '2024-01-01 00:00:00'), (1, 'b', 'folder', 'q', '')");
+        held = 0;
+        EXPECT_EQ(kNoLookaside, SQLITE_OK);
+    }
+
+    /// Lets the call meet the fault at its first, second, ... allocation, until it needs no more of them. Only
+    /// `results` may come out; `after` puts things back.
+    void atEveryAllocation(
+        const std::set<int32_t>& results, const std::function<int32_t()>& call,
+        const std::function<void()>& after = [] {})
+    {
+        int struck = 0;
+        for (int nth = 0;; ++nth) {
+            ASSERT_LT(nth, 5000);
+            MemoryFault::arm(nth);
+            const int32_t result = call();
+            const bool wasStruck = MemoryFault::disarm();
+            EXPECT_TRUE(results.contains(result)) << "result " << result << " at allocation " << nth;
+            after();
+            EXPECT_EQ(DB_LIB_PhoneDetected(W(kImei), W("")), 1) << nth;
+            if (!wasStruck) break;
+            ++struck;
+        }
+        EXPECT_GT(struck, 0);
+        EXPECT_EQ(sql.text("PRAGMA integrity_check"), "ok");
+    }
+
+    /// Arguments are made before the fault is armed.
+    const Text imei = W(kImei);
+    const Text folder = W("folder");
+};
+
+TEST_F(FailingMemory, GetSyncedFiles_AtEveryAllocation_LeavesAConsistentList)
+{
+    SyncedFileList list = {};
+    atEveryAllocation(
+        {0, 1, kNoMemory}, [&] { return DB_MUSIC_GetSyncedFiles(imei, nullptr, &list); },
+        [&] {
+            EXPECT_LE(list.Count, 2);
+            if (list.Items == nullptr) {
+                EXPECT_EQ(list.Count, 0);
+            }
+            for (int32_t i = 0; i < list.Count; ++i) EXPECT_NE(list.Items[i].Path, nullptr);
+        });
+    EXPECT_EQ(list.Count, 2);
+    EmptyList(list);
+    EXPECT_EQ(held, 0);
+}
+
+TEST_F(FailingMemory, GetFolders_AtEveryAllocation_LeavesAConsistentList)
+{
+    FolderList list = {};
+    atEveryAllocation(
+        {0, 1, kNoMemory}, [&] { return DB_MUSIC_GetFolders(imei, &list); }, [&] { EXPECT_LE(list.Count, 2); });
+    EXPECT_EQ(list.Count, 2);
+    EmptyList(list);
+    EXPECT_EQ(held, 0);
+}
+
+TEST_F(FailingMemory, GetAllMainFolders_AtEveryAllocation_LeavesAConsistentList)
+{
+    MainFolderList list = {};
+    atEveryAllocation(
+        {0, 1, kNoMemory}, [&] { return DB_LIB_GetAllMainFolders(&list); }, [&] { EXPECT_LE(list.Count, 7); });
+    EXPECT_EQ(list.Count, 7);
+    EmptyList(list);
+    EXPECT_EQ(held, 0);
+}
+
+TEST_F(FailingMemory, MainFoldersChanged_AtEveryAllocation_FailsWithAnEmptyList)
+{
+    MainFolderList list = {};
+    atEveryAllocation(
+        {0, 1}, [&] { return DB_LIB_MainFoldersChanged(&list); },
+        [&] { EXPECT_EQ(list.Count, list.Items == nullptr ? 0 : 4); });
+    EmptyList(list);
+    EXPECT_EQ(held, 0);
+}
+
+TEST_F(FailingMemory, GetAllPhones_AtEveryAllocation_LeavesAConsistentList)
+{
+    PhoneList list = {};
+    atEveryAllocation(
+        {0, 1, kNoMemory}, [&] { return DB_LIB_GetAllPhones(&list); }, [&] { EXPECT_LE(list.Count, 1); });
+    EXPECT_EQ(list.Count, 1);
+    EmptyList(list);
+    EXPECT_EQ(held, 0);
+}
+
+TEST_F(FailingMemory, GetPhoneSetting_AtEveryAllocation_LosesNoText)
+{
+    PhoneSettingRecord phone = {};
+    atEveryAllocation({0, 1}, [&] { return DB_LIB_GetPhoneSetting(imei, &phone); });
+    EXPECT_EQ(test::Utf8(phone.ContactFolderId), "f");
+    ResetPhoneSetting(phone);
+    EXPECT_EQ(held, 0);
+}
+
+TEST_F(FailingMemory, GetFolder_AtEveryAllocation_LosesNoText)
+{
+    FolderRecord found = {};
+    atEveryAllocation({0, 1}, [&] { return DB_MUSIC_GetFolder(imei, folder, &found); });
+    FreeText(found.Path);
+    EXPECT_EQ(held, 0);
+}
+
+TEST_F(FailingMemory, IsSyncedFile_AtEveryAllocation_LosesNoText)
+{
+    SyncedFileRecord found = {};
+    const Text path = W("a");
+    atEveryAllocation(
+        {0, 1}, [&] { return DB_MUSIC_IsSyncedFile(imei, path, &found); },
+        [&] {
+            for (DbChar** text : {&found.Path, &found.BasePath, &found.PhonePath}) FreeText(*text);
+        });
+    EXPECT_EQ(held, 0);
+}
+
+TEST_F(FailingMemory, SetAddedFile_AtEveryAllocation_GivesItsCode)
+{
+    Text path = W("new");
+    Text base = W("folder");
+    const SyncedFileRecord file = {test::Date(2024, 1, 1), path.get(), base.get(), base.get()};
+    int32_t last = -1;
+    atEveryAllocation(
+        {0, 1, kNoMemory}, [&] { return last = DB_MUSIC_SetAddedFile(imei, &file); },
+        [&] {
+            EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tMFile WHERE [Path] = 'new'"), last == 0 ? "1" : "0");
+            sql.exec("DELETE FROM tMFile WHERE [Path] = 'new'");
+        });
+}
+
+TEST_F(FailingMemory, WritingExports_AtEveryAllocation_FailWithOne)
+{
+    Text path = W("a");
+    const SyncedFileRecord file = {test::Date(2024, 1, 1), path.get(), path.get(), path.get()};
+    const MainFolderRecord mainFolder = {1000, 5, 6, nullptr, 0};
+    Text imeiOfRecord(kImei);
+    PhoneSettingRecord phone = {};
+    phone.IMEI = imeiOfRecord.get();
+    const DateValue time = test::Date(2024, 1, 1);
+    FolderRecord folderRecord = {};
+    folderRecord.Path = path.get();
+    const std::set<int32_t> results = {0, 1};
+    atEveryAllocation(results, [&] { return DB_LIB_UpdateMainFolderInfo(&mainFolder); });
+    atEveryAllocation({1}, [&] { return DB_LIB_RefreshStatistics(); });
+    atEveryAllocation(results, [&] { return DB_LIB_SetPhoneSetting(&phone); });
+    atEveryAllocation(results, [&] { return DB_LIB_SetFolderSelected(imei, 1000, 1); });
+    atEveryAllocation(results, [&] { return DB_LIB_SetLastSyncTime(imei, &time, 1, 1); });
+    atEveryAllocation(results, [&] { return DB_LIB_SetSDType(imei, 1, 2); });
+    atEveryAllocation({0}, [&] { return DB_LIB_ClearSyncHistory(imei); });
+    atEveryAllocation(results, [&] { return DB_MUSIC_AddFolder(imei, &folderRecord); });
+    atEveryAllocation(results, [&] { return DB_MUSIC_ClearAll(imei); });
+    atEveryAllocation(results, [&] { return DB_MUSIC_SetFolderSelected(imei, folder, 0); });
+    atEveryAllocation(results, [&] { return DB_MUSIC_SetFolderDeleted(imei, folder, 1); });
+    atEveryAllocation(results, [&] { return DB_MUSIC_SetUpdatedFile(imei, &file); });
+    atEveryAllocation(results, [&] { return DB_MUSIC_SetDeletedFile(imei, &file); });
+    atEveryAllocation(results, [&] { return DB_MUSIC_SetDeletedFolder(imei, folder); });
+}
+
+TEST_F(FailingMemory, ReadingExports_AtEveryAllocation_GiveTheirPresets)
+{
+    int32_t type = 0;
+    int32_t oldType = 0;
+    DateValue time = {};
+    atEveryAllocation({0, 1}, [&] { return DB_LIB_IsFolderSelected(imei, 1000); });
+    atEveryAllocation({0, 1}, [&] { return DB_LIB_GetLastSyncTime(imei, &time); });
+    atEveryAllocation({0, 1}, [&] { return DB_LIB_GetSDType(imei, &type, &oldType); });
+    atEveryAllocation({1}, [&] { return DB_MUSIC_IsFolderSelected(imei, folder); });
+    atEveryAllocation({1}, [&] { return DB_MUSIC_IsFolderDeleted(imei, folder); });
+}
+
+TEST_F(FailingMemory, PhoneDetected_AtEveryAllocation_IsMinusOneOrAPhone)
+{
+    const Text fresh = W("352222");
+    const Text name = W("y");
+    int32_t last = 0;
+    for (int nth = 0;; ++nth) {
+        ASSERT_LT(nth, 5000);
+        MemoryFault::arm(nth);
+        last = DB_LIB_PhoneDetected(fresh, name);
+        const bool wasStruck = MemoryFault::disarm();
+        // 1 is what an exception after the insertion leaves.
+        EXPECT_TRUE(last == -1 || last >= 1) << nth;
+        if (last == -1) {
+            EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tPhone"), "1") << nth;
+        }
+        sql.exec("DELETE FROM tPhone WHERE [ID] <> 1; DELETE FROM tSyncContents WHERE [phoneID] <> 1");
+        if (!wasStruck) break;
+    }
+    EXPECT_GT(last, 1);
+    EXPECT_EQ(held, 0);
+}
+
+TEST_F(FailingMemory, Open_AtEveryAllocation_FailsOrOpensASoundFile)
+{
+    for (int nth = 0;; ++nth) {
+        ASSERT_LT(nth, 20000);
+        TheModule().DbConnection.close();
+        TheModule().noteOpen();
+        MemoryFault::arm(nth);
+        const int32_t result = DB_Open();
+        const bool wasStruck = MemoryFault::disarm();
+        EXPECT_TRUE(result == 0 || result == 1 || result == kNoMemory || result == 8398) << result;
+        EXPECT_EQ(TheModule().DbConnection.isOpen(), result == 0) << nth;
+        ASSERT_EQ(DB_Open(), 0);
+        ASSERT_EQ(DB_LIB_PhoneDetected(imei, folder), 1) << "the file was thrown away at allocation " << nth;
+        if (!wasStruck) break;
+    }
+}
+
+TEST_F(FailingMemory, TraceLine_TooLongForTheStack_IsLostAndNothingElse)
+{
+    const Text path = W(std::string(5000, 'x'));
+    static int lines = 0;
+    platform::services.writeTraceLine = [](const DbChar*, size_t) noexcept { ++lines; };
+    lines = 0;
+    MemoryFault::arm(0);
+    DbTrace("%s\n", Plain{path});
+    EXPECT_TRUE(MemoryFault::disarm());
+    EXPECT_EQ(lines, 0);
+    DbTrace("%s\n", Plain{path});
+    EXPECT_EQ(lines, 1);
+}
+
+}  // namespace
+}  // namespace kesta

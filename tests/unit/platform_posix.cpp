@@ -1,0 +1,244 @@
+// What is decided here alone: where data lies, who may see it, which dates are read, where a mutex lives.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <future>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/calendar.h"
+#include "platform/files.h"
+#include "platform/named_mutex.h"
+#include "platform/services.h"
+#include "support/data_folder.h"
+#include "support/text.h"
+#include "support/trace_source.h"
+
+namespace kesta::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Sets a variable, or takes it away, until the end of the test.
+class Variable {
+public:
+    Variable(const char* name, const char* value) : name_(name)
+    {
+        if (const char* before = std::getenv(name)) before_ = before;
+        set(value);
+    }
+    ~Variable() { set(before_.has_value() ? before_->c_str() : nullptr); }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+
+private:
+    void set(const char* value) const { value != nullptr ? setenv(name_, value, 1) : unsetenv(name_); }
+
+    const char* name_;
+    std::optional<std::string> before_;
+};
+
+mode_t ModeOf(const fs::path& path)
+{
+    struct stat status = {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777;
+}
+
+class PosixFolders : public ::testing::Test {
+protected:
+    void SetUp() override { umask_ = umask(0); }
+    void TearDown() override { umask(umask_); }
+
+    test::DataFolder data;
+
+private:
+    mode_t umask_ = 0;
+};
+
+TEST_F(PosixFolders, CreateFolder_IsPrivateToTheUser)
+{
+    CreateFolder(data.applicationData() / "made");
+    EXPECT_EQ(ModeOf(data.applicationData() / "made"), 0700u);
+}
+
+TEST_F(PosixFolders, NamedFolderMissing_IsMadeWithEveryoneAboveIt)
+{
+    const fs::path named = data.applicationData() / "a" / "b";
+    const Variable folder("XDG_DATA_HOME", named.c_str());
+    Path found;
+    ASSERT_TRUE(ApplicationDataFolder(found));
+    EXPECT_EQ(found, named);
+    EXPECT_EQ(ModeOf(named), 0700u);
+    EXPECT_EQ(ModeOf(named.parent_path()), 0700u);
+}
+
+TEST_F(PosixFolders, NamedFolderWithSlashAtItsEnd_IsTheSame)
+{
+    const Variable folder("XDG_DATA_HOME", (data.applicationData().string() + "/").c_str());
+    Path found;
+    ASSERT_TRUE(ApplicationDataFolder(found));
+    EXPECT_EQ(found, data.applicationData());
+}
+
+TEST_F(PosixFolders, NamedFolderCannotBeMade_False)
+{
+    const Variable folder("XDG_DATA_HOME", "/dev/null/data");
+    Path found;
+    EXPECT_FALSE(ApplicationDataFolder(found));
+}
+
+class HomeFolder : public PosixFolders, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(HomeFolder, NoAbsoluteFolderNamed_LiesBelowHome)
+{
+    const Variable named("XDG_DATA_HOME", GetParam());
+    const Variable home("HOME", data.runtimeFolder().c_str());
+    Path found;
+    ASSERT_TRUE(ApplicationDataFolder(found));
+    EXPECT_EQ(found, data.runtimeFolder() / ".local" / "share");
+    EXPECT_EQ(ModeOf(found), 0700u);
+}
+
+INSTANTIATE_TEST_SUITE_P(MissingEmptyOrRelative, HomeFolder, ::testing::Values(nullptr, "", "relative/folder"));
+
+TEST_F(PosixFolders, NoHomeEither_TheUsersEntryTellsIt)
+{
+    const passwd* user = getpwuid(geteuid());
+    ASSERT_NE(user, nullptr);
+    const fs::path expected = fs::path(user->pw_dir) / ".local" / "share";
+    const bool hadFolder = fs::exists(expected);
+    const bool hadParent = fs::exists(expected.parent_path());
+    const Variable named("XDG_DATA_HOME", nullptr);
+    const Variable home("HOME", nullptr);
+    Path found;
+    EXPECT_TRUE(ApplicationDataFolder(found));
+    EXPECT_EQ(found, expected);
+    EXPECT_TRUE(fs::is_directory(expected));
+    // The user's own folders are left as they were.
+    if (!hadFolder) fs::remove(expected);
+    if (!hadParent) fs::remove(expected.parent_path());
+}
+
+TEST(PosixDates, OnlyTheStoredFormsAreRead)
+{
+    for (const char* text : {"2024-13-01 00:00:00", "2024-2-9 1:2:3", "24-02-29", "0099-12-31 00:00:00", "2024/02/29",
+                             "29.02.2024", "2024-02-29 12:34", "2024-02-29  12:34:56", " 2024-02-29", "2024-02-29 ",
+                             "12:34", "2024-02-29 12:34:5x", "２０２４-02-29"}) {
+        double days = 0.0;
+        EXPECT_EQ(ParseDate(test::Text(text), days), DateParse::kTypeMismatch) << text;
+    }
+}
+
+TEST(PosixDates, LocaleDate_FollowsTheUsersLocale)
+{
+    const Variable locale("LC_ALL", "C.UTF-8");
+    std::array<DbChar, 64> text = {};
+    EXPECT_EQ(LocaleDate(45351.5, text.data(), text.size()), 17u);
+    EXPECT_EQ(test::Utf8(text.data()), "02/29/24 12:00:00");
+}
+
+/// A name of its own for each test, and nothing left of it afterwards.
+class PosixMutex : public ::testing::Test {
+protected:
+    void SetUp() override { shm_unlink(object.c_str()); }
+    void TearDown() override
+    {
+        mutex.close();
+        shm_unlink(object.c_str());
+    }
+
+    void expectExclusion()
+    {
+        mutex.lock();
+        std::future<void> other = std::async(std::launch::async, [this] {
+            mutex.lock();
+            mutex.unlock();
+        });
+        EXPECT_EQ(other.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
+        mutex.unlock();
+        EXPECT_EQ(other.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    }
+
+    const std::string name = "KESTA_TEST_MUTEX_" + std::to_string(getpid());
+    const std::string object = "/" + name + "." + std::to_string(geteuid());
+    NamedMutex mutex;
+};
+
+TEST_F(PosixMutex, Object_IsPrivateToTheUser)
+{
+    mutex.open(name.c_str());
+    EXPECT_EQ(ModeOf("/dev/shm" + object), 0600u);
+}
+
+TEST_F(PosixMutex, EmptyObjectLeftByADeadMaker_IsSetUp)
+{
+    const int file = shm_open(object.c_str(), O_RDWR | O_CREAT, 0600);
+    ASSERT_GE(file, 0);
+    close(file);
+    mutex.open(name.c_str());
+    expectExclusion();
+}
+
+TEST_F(PosixMutex, ObjectOfAnotherUser_IsNotTrusted)
+{
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give a file away";
+    const int file = shm_open(object.c_str(), O_RDWR | O_CREAT, 0666);
+    ASSERT_GE(file, 0);
+    ASSERT_EQ(fchown(file, 65534, 65534), 0);
+    close(file);
+    mutex.open(name.c_str());
+    expectExclusion();
+    EXPECT_EQ(fs::file_size("/dev/shm" + object), 0u);
+}
+
+TEST_F(PosixMutex, NoSharedMemoryToBeHad_StillSerialisesThisProcess)
+{
+    mutex.open("no/such/name");
+    expectExclusion();
+}
+
+TEST(PosixTrace, NoViewer_NobodyReads)
+{
+    const test::DataFolder data;
+    OpenTrace();
+    EXPECT_FALSE(services.traceIsRead());
+    CloseTrace();
+    EXPECT_FALSE(services.traceIsRead());
+}
+
+TEST(PosixTrace, LineOfTheLongestStatement_ArrivesWholeAndInUtf8)
+{
+    const test::DataFolder data;
+    const auto source = test::TraceSource::open(data.runtimeFolder());
+    OpenTrace();
+    ASSERT_TRUE(services.traceIsRead());
+    std::string line;
+    for (int i = 0; i < 41000; ++i) line += "\u4E2D";
+    const test::Text text(line);
+    BeginTracedCall();
+    services.writeTraceLine(text, text.length());
+    CloseTrace();
+    const std::vector<std::string> lines = source->take();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_TRUE(lines[0] == line) << lines[0].size();
+}
+
+TEST(PosixTrace, RuntimeFolderTooLongForASocket_NobodyReads)
+{
+    const test::DataFolder data;
+    const Variable folder("XDG_RUNTIME_DIR", ("/" + std::string(200, 'x')).c_str());
+    OpenTrace();
+    EXPECT_FALSE(services.traceIsRead());
+    CloseTrace();
+}
+
+}  // namespace
+}  // namespace kesta::platform
