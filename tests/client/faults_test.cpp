@@ -1,0 +1,198 @@
+// System calls that fail, and the process dying at each of them in turn.
+#include <cerrno>
+#include <csignal>
+#include <fstream>
+
+#include "client_fixture.h"
+
+namespace kesta::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class FaultsTest : public ClientTest {
+protected:
+    static Environment faults(Environment faults)
+    {
+        faults["LD_PRELOAD"] = KESTA_CLIENT_FAULTS;
+        // The sanitizers' runtime need not come first: the faults call nothing of it.
+        const char* options = std::getenv("ASAN_OPTIONS");
+        faults["ASAN_OPTIONS"] = std::string(options == nullptr ? "" : options) + ":verify_asan_link_order=0";
+        return faults;
+    }
+    static Environment failing(int code, const std::string& path, int skip = 0)
+    {
+        return faults({{"KESTA_FAULT_ERRNO", std::to_string(code)},
+                       {"KESTA_FAULT_PATH", path},
+                       {"KESTA_FAULT_SKIP", std::to_string(skip)}});
+    }
+    // A phone with something to copy, to update, to remove and to leave.
+    void givenWork()
+    {
+        fs::remove_all(phone());
+        fs::remove_all(pc("Rock"));
+        fs::remove_all(data().applicationData() / "NORVIK");
+        fs::create_directories(phone());
+        for (const char* name : {"old/gone", "changed", "stays", "stays2"})
+            givenFile(std::string("Rock/") + name, name);
+        ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+        removeFile("Rock/old/gone");
+        fs::remove(pc("Rock/old"));
+        changeFile("Rock/changed", "another text");
+        givenFile("Rock/new/er", "brand new");
+        givenFile("Rock/new 2", "brand new as well");
+    }
+};
+
+TEST_F(FaultsTest, KilledAtEachCall_TheNextRunEndsInOrder)
+{
+    givenWork();
+    const std::string counted = (work() / "count").string();
+    ASSERT_EQ(sync({"--music", pc("Rock")}, faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
+    long calls = 0;
+    std::ifstream(counted) >> calls;
+    ASSERT_GT(calls, 40) << "the calls are not seen";
+    for (long call = 1; call <= calls; ++call) {
+        SCOPED_TRACE("killed at call " + std::to_string(call) + " of " + std::to_string(calls));
+        givenWork();
+        const Ended killed = sync({"--music", pc("Rock")}, faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
+        ASSERT_EQ(killed.exitCode, -SIGKILL) << killed.out << killed.err;
+        // What was on its way may be gone or changed by the time of the next run.
+        if (call % 3 == 1) removeFile("Rock/new/er");
+        if (call % 3 == 2) changeFile("Rock/new 2", "changed again");
+        const Ended run = sync({"--music", pc("Rock")});
+        ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
+        expectInOrder();
+        ASSERT_THAT(phonePaths(), SizeIs(call % 3 == 1 ? 4 : 5));
+        EXPECT_FALSE(fs::exists(phone("Music/Rock/old")));
+        EXPECT_EQ(fs::exists(phone("Music/Rock/new")), call % 3 != 1);
+        ASSERT_FALSE(HasFailure());
+    }
+}
+
+TEST_F(FaultsTest, FirstRunKilledAtEachCall_TheNextRunEndsInOrder)
+{
+    const auto fresh = [&] {
+        fs::remove_all(phone());
+        fs::remove_all(data().applicationData() / "NORVIK");
+        fs::create_directories(phone());
+        EXPECT_EQ(client({"status"}).exitCode, 0);  // The books themselves are made before.
+    };
+    givenFile("Rock/a", "a");
+    fresh();
+    const std::string counted = (work() / "count").string();
+    const std::vector<std::string> arguments{"sync", "--phone", phone(), "--music", pc("Rock")};
+    ASSERT_EQ(client(arguments, faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
+    long calls = 0;
+    std::ifstream(counted) >> calls;
+    for (long call = 1; call <= calls; ++call) {
+        SCOPED_TRACE("killed at call " + std::to_string(call) + " of " + std::to_string(calls));
+        fresh();
+        ASSERT_EQ(client(arguments, faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}})).exitCode, -SIGKILL);
+        ASSERT_EQ(client(arguments).exitCode, 0);
+        EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a"));
+        EXPECT_THAT(ownFiles(), IsEmpty());
+        EXPECT_EQ(books().text("SELECT COUNT(*), (SELECT COUNT(*) FROM tMFile) FROM tPhone"), "1|1");
+        ASSERT_FALSE(HasFailure());
+    }
+}
+
+TEST_F(FaultsTest, PhoneFullInTheMiddleOfAFile_LeavesNoPartOfIt)
+{
+    givenFile("Rock/a", std::string(5'000'000, 'a'));
+    Environment full = failing(ENOSPC, "Rock/.kesta-part", 3);
+    full["KESTA_FAULT_CALL"] = "write";
+    const Ended run = sync({"--music", pc("Rock")}, full);
+    EXPECT_EQ(run.exitCode, 5) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("the phone is full"));
+    EXPECT_THAT(phonePaths(), IsEmpty());
+    expectInOrder();
+}
+
+TEST_F(FaultsTest, PhoneFullForTheJournal_StopsBeforeCopying)
+{
+    givenFile("Rock/a", "a");
+    ASSERT_EQ(sync({}).exitCode, 0);
+    Environment full = failing(ENOSPC, ".kesta-part");
+    full["KESTA_FAULT_CALL"] = "write";
+    const Ended run = sync({"--music", pc("Rock")}, full);
+    EXPECT_EQ(run.exitCode, 5) << run.out;
+    EXPECT_THAT(recorded(), IsEmpty());
+    EXPECT_THAT(ownFiles(), IsEmpty());
+}
+
+TEST_F(FaultsTest, PhoneThatTurnsReadOnly_Stops)
+{
+    givenFile("Rock/a", "a");
+    givenFile("Rock/b", "b");
+    const Ended run = sync({"--music", pc("Rock")}, failing(EROFS, "Music/Rock/b"));
+    EXPECT_EQ(run.exitCode, 6) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("the phone is read-only"));
+    EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a"));
+    expectInOrder();
+}
+
+TEST_F(FaultsTest, OneFileThatCannotBeWritten_DoesNotStopTheRest)
+{
+    givenFile("Rock/a", "a");
+    givenFile("Rock/b", "b");
+    givenFile("Rock/c", "c");
+    const Ended run = sync({"--music", pc("Rock")}, failing(EIO, "Music/Rock/b"));
+    EXPECT_EQ(run.exitCode, 3) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("it cannot be written to the phone: Input/output error"));
+    EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a", "Music/Rock/c"));
+    expectInOrder();
+}
+
+TEST_F(FaultsTest, FileThatCannotBeRemoved_StaysInTheBooks)
+{
+    for (const char* name : {"a", "b", "c"}) givenFile(std::string("Rock/") + name, name);
+    (void)sync({"--music", pc("Rock")});
+    removeFile("Rock/b");
+    const Ended run = sync({"--music", pc("Rock")}, failing(EIO, "Music/Rock/b"));
+    EXPECT_EQ(run.exitCode, 3) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("it cannot be removed from the phone"));
+    EXPECT_THAT(recorded(), SizeIs(3));
+    EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    expectInOrder();
+}
+
+TEST_F(FaultsTest, FileThatVanishesBeforeItsTurn_IsReported)
+{
+    givenFile("Rock/a", "a");
+    givenFile("Rock/b", "b");
+    const Ended run = sync({"--music", pc("Rock")}, faults({{"KESTA_FAULT_VANISH", pc("Rock/a")}}));
+    EXPECT_EQ(run.exitCode, 3) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("Rock/a: it went away before it could be copied"));
+    EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/b"));
+    expectInOrder();
+}
+
+TEST_F(FaultsTest, PhoneWithoutTimes_IsSyncedAllTheSame)
+{
+    givenFile("Rock/a", "a");
+    Environment noTimes = failing(EPERM, ".kesta-part");
+    noTimes["KESTA_FAULT_CALL"] = "futimens";
+    const Ended run = sync({"--music", pc("Rock")}, noTimes);
+    EXPECT_THAT(run.out, HasSubstr("the phone did not take the modification time of 1 file"));
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("1 unchanged"));
+}
+
+TEST_F(FaultsTest, BooksThatCannotBeWritten_StopTheRun)
+{
+    givenFile("Rock/a", "a");
+    (void)sync({"--music", pc("Rock")});
+    givenFile("Rock/b", "b");
+    givenFile("Rock/c", "c");
+    const Ended run = sync({"--music", pc("Rock")}, failing(ENOSPC, "KESTA_DB.s3db-journal", 4));
+    EXPECT_EQ(run.exitCode, 8) << run.out << run.err;
+    EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    expectInOrder();
+}
+
+}  // namespace
+}  // namespace kesta::test

@@ -1,0 +1,99 @@
+// Which phone it is, and who may sync it.
+#include "client_fixture.h"
+#include "os/files.h"
+
+namespace kesta::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+using SyncPhoneTest = ClientTest;
+
+nlohmann::json Marker(const std::string& path)
+{
+    return nlohmann::json::parse(std::ifstream(Path(path)));
+}
+
+TEST_F(SyncPhoneTest, WithoutImei_OneIsMadeUpAndKept)
+{
+    givenFile("Rock/a.mp3", "first");
+    EXPECT_EQ(client({"sync", "--phone", phone(), "--music", pc("Rock")}).exitCode, 0);
+    const auto imei = Marker(phone(".kesta-phone")).at("imei").get<std::string>();
+    EXPECT_EQ(imei.find_first_not_of("0123456789"), std::string::npos) << imei;
+    EXPECT_EQ(imei.size(), 15u);
+    EXPECT_EQ(books().text("SELECT [IMEI], [Name] FROM tPhone"), imei + "|phone");
+    const Ended again = client({"sync", "--phone", phone(), "--music", pc("Rock")});
+    EXPECT_THAT(again.out, HasSubstr("1 unchanged"));
+    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPhone"), "1");
+}
+
+TEST_F(SyncPhoneTest, ImeiThatContradictsTheMarker_IsRefused)
+{
+    givenFile("Rock/a.mp3", "first");
+    (void)sync({"--name", "Ann", "--music", pc("Rock")});
+    const Ended run = client({"sync", "--phone", phone(), "--imei", "352222", "--music", pc("Rock")});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, HasSubstr("this folder is the phone 351111 (Ann), not 352222"));
+    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPhone"), "1");
+}
+
+TEST_F(SyncPhoneTest, ImeiThatTheBooksCannotTake_IsRefused)
+{
+    for (const char* imei : {"35'1111", "", "35 1111", "35\n", "3\u00e9"}) {
+        const Ended run = client({"sync", "--phone", phone(), "--imei", imei});
+        EXPECT_EQ(run.exitCode, 2) << imei;
+        EXPECT_THAT(run.err, HasSubstr("IMEI")) << imei;
+    }
+    EXPECT_TRUE(fs::is_empty(Path(phone())));
+}
+
+TEST_F(SyncPhoneTest, DamagedMarker_IsReportedAndKept)
+{
+    for (const char* contents : {"", "{", "[]", "{\"imei\": 5}", "{\"imei\": \"it's\"}"}) {
+        std::ofstream(Path(phone(".kesta-phone"))) << contents;
+        const Ended run = client({"sync", "--phone", phone()});
+        EXPECT_EQ(run.exitCode, 1) << contents;
+        EXPECT_THAT(run.err, HasSubstr("the phone's file .kesta-phone cannot be used")) << contents;
+        EXPECT_EQ(fs::file_size(Path(phone(".kesta-phone"))), std::string(contents).size());
+        fs::remove(Path(phone(".kesta-phone")));
+    }
+}
+
+TEST_F(SyncPhoneTest, NewName_IsTakenOver)
+{
+    (void)sync({"--name", "Ann"});
+    books().exec("UPDATE tPhone SET [PhotoPath] = 'C:\\Photos', [AutoSync] = 1");
+    EXPECT_EQ(sync({"--name", "Bob's"}).exitCode, 0);
+    EXPECT_EQ(Marker(phone(".kesta-phone")).at("name"), "Bob's");
+    EXPECT_EQ(books().text("SELECT [Name], [PhotoPath], [AutoSync] FROM tPhone"), "Bob's|C:\\Photos|1");
+    EXPECT_EQ(sync({}).exitCode, 0);
+    EXPECT_EQ(status().at("name"), "Bob's");
+}
+
+TEST_F(SyncPhoneTest, MissingPhoneFolder_IsReported)
+{
+    const Ended run = client({"sync", "--phone", phone("nowhere"), "--music", pc()});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, HasSubstr("the phone folder"));
+    givenFile("file", "x");
+    EXPECT_EQ(client({"sync", "--phone", pc("file")}).exitCode, 1);
+}
+
+TEST_F(SyncPhoneTest, AnotherSyncOfThePhone_IsWaitedForByNobody)
+{
+    givenFile("Rock/a.mp3", "first");
+    {
+        os::DirectoryLock other;
+        ASSERT_TRUE(other.acquire(phone()).ok());
+        const Ended run = sync({"--music", pc("Rock")});
+        EXPECT_EQ(run.exitCode, 7);
+        EXPECT_THAT(run.err, HasSubstr("another sync of this phone is running"));
+        EXPECT_THAT(phonePaths(), IsEmpty());
+    }
+    EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    EXPECT_THAT(ownFiles(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace kesta::test

@@ -1,0 +1,97 @@
+// Text and dates at the client's edges.
+#include "text.h"
+
+#include <gtest/gtest.h>
+
+#include "dates.h"
+
+namespace kesta {
+namespace {
+
+DbText Units(std::initializer_list<unsigned> units)
+{
+    DbText text;
+    for (const unsigned unit : units) text += static_cast<DbChar>(unit);
+    return text;
+}
+
+TEST(TextTest, ToDbText_ConvertsEveryLength)
+{
+    EXPECT_EQ(ToDbText(""), DbText());
+    EXPECT_EQ(ToDbText("a\u00e4\u20ac\U0001F600"), Units({'a', 0xE4, 0x20AC, 0xD83D, 0xDE00}));
+    EXPECT_EQ(ToDbText("\uFFFF\U00010000\U0010FFFF"), Units({0xFFFF, 0xD800, 0xDC00, 0xDBFF, 0xDFFF}));
+}
+
+TEST(TextTest, ToDbText_RefusesWhatIsNotUtf8)
+{
+    for (const char* text :
+         {"\x80", "\xff", "\xc3", "\xc0\x80", "\xc1\xbf", "\xe0\x80\x80", "\xed\xa0\x80", "\xed\xbf\xbf",
+          "\xf0\x80\x80\x80", "\xf4\x90\x80\x80", "\xf5\x80\x80\x80", "\xe2\x82", "\xe2\x28\xa1"}) {
+        EXPECT_FALSE(ToDbText(text)) << Printable(text);
+        EXPECT_FALSE(IsValidUtf8(text)) << Printable(text);
+    }
+    EXPECT_FALSE(ToDbText(std::string_view("a\0b", 3)));
+}
+
+TEST(TextTest, FromDbText_ReplacesLoneSurrogates)
+{
+    EXPECT_EQ(FromDbText(nullptr), "");
+    EXPECT_EQ(FromDbText(Units({'a', 0xE4, 0x20AC, 0xD83D, 0xDE00}).c_str()), "a\u00e4\u20ac\U0001F600");
+    EXPECT_EQ(FromDbText(Units({0xD83D, 'a', 0xDE00, 0xD83D}).c_str()), "\uFFFDa\uFFFD\uFFFD");
+}
+
+TEST(TextTest, Printable_ShowsWhatATerminalWouldObey)
+{
+    EXPECT_EQ(Printable("plain \u00e4 \U0001F600"), "plain \u00e4 \U0001F600");
+    EXPECT_EQ(Printable("\x1b[31m\n\t\x7f"), "\\u001b[31m\\u000a\\u0009\\u007f");
+    EXPECT_EQ(Printable("\u009b\u202e\u2066"), "\\u009b\\u202e\\u2066");
+    EXPECT_EQ(Printable("\xff\xc3"), "\\xff\\xc3");
+}
+
+TEST(TextTest, DisplayWidth_CountsColumns)
+{
+    EXPECT_EQ(DisplayWidth("abc"), 3u);
+    EXPECT_EQ(DisplayWidth("\u65e5\u672c"), 4u);
+    EXPECT_EQ(DisplayWidth("e\u0301"), 1u);
+    EXPECT_EQ(DisplayWidth("\U0001F600"), 2u);
+}
+
+TEST(DatesTest, DateValue_KeepsSecondsBothWays)
+{
+    const std::pair<LocalTime, double> table[] = {{0, 0.0},
+                                                  {86400, 1.0},
+                                                  {86400 + 21600, 1.25},
+                                                  {-86400, -1.0},
+                                                  {-86400 + 21600, -1.25},  // the fraction runs forward in the day
+                                                  {-1, -1.0 - 86399.0 / 86400}};
+    for (const auto& [time, days] : table) {
+        EXPECT_DOUBLE_EQ(ToDateValue(time).Days, days);
+        EXPECT_EQ(ToDateValue(time).Status, kDateValid);
+        EXPECT_EQ(FromDateValue(ToDateValue(time)), time);
+    }
+    for (LocalTime time = 3'900'000'000; time < 3'900'000'000 + 100'000; time += 7)
+        ASSERT_EQ(FromDateValue(ToDateValue(time)), time);
+    EXPECT_EQ(ToDateValue(std::nullopt).Status, kDateNull);
+    EXPECT_FALSE(FromDateValue({1.0, kDateInvalid}));
+    EXPECT_FALSE(FromDateValue({1e300, kDateValid}));
+}
+
+TEST(DatesTest, FormatLocalTime_WritesTheCalendar)
+{
+    EXPECT_EQ(FormatLocalTime(0), "1899-12-30 00:00:00");
+    EXPECT_EQ(FormatLocalTime(2 * 86400 + 3661), "1900-01-01 01:01:01");
+    EXPECT_EQ(FormatLocalTime(-1), "1899-12-29 23:59:59");
+    EXPECT_EQ(FormatLocalTime(45658LL * 86400), "2025-01-01 00:00:00");
+}
+
+TEST(DatesTest, BooksTime_KnowsItsYears)
+{
+    const auto time = BooksTime(1'000'000'000);  // 9 September 2001, 01:46:40 UTC
+    ASSERT_TRUE(time);
+    EXPECT_LE(std::abs(*time - (37143LL * 86400 + 6400)), 15 * 3600) << "no time zone is further away";
+    EXPECT_FALSE(BooksTime(400'000'000'000));
+    EXPECT_FALSE(BooksTime(-70'000'000'000));
+}
+
+}  // namespace
+}  // namespace kesta

@@ -1,0 +1,141 @@
+#include <gmock/gmock.h>
+
+#include "formats/bookmarks.h"
+
+namespace kesta::formats {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr std::string_view kType = "<!DOCTYPE NETSCAPE-Bookmark-file-1>\n";
+
+Bookmarks Html(std::string_view body)
+{
+    return ParseBookmarks(std::string(kType).append(body));
+}
+
+TEST(BookmarksHtml, FoldersNestAndEnd)
+{
+    const Bookmarks result = Html(
+        "<H1>Menu</H1><DL><p><DT><H3 ADD_DATE=\"1\">Bar &amp; more</H3>\n<DL><p>\n"
+        "<DT><A HREF=\"https://one.example/?a=1&amp;b=2\" ADD_DATE=\"1600000001\">One\n  &lt;only&gt;</A>\n"
+        "<DD>About it\n<DT><H3>Inner</H3><DL><p><DT><A HREF=http://two.example>Zw&ouml;i</A></DL><p></DL><p>"
+        "<DT><A HREF=\"http://three.example/\">Three</A></DL>");
+    EXPECT_THAT(result.problems, IsEmpty());
+    EXPECT_THAT(
+        result.bookmarks,
+        ElementsAre(Bookmark{"One <only>", "https://one.example/?a=1&b=2", LinkKind::kWeb, {"Bar & more"}, 1600000001},
+                    Bookmark{"Zwöi", "http://two.example", LinkKind::kWeb, {"Bar & more", "Inner"}, {}},
+                    Bookmark{"Three", "http://three.example/", LinkKind::kWeb, {}, {}}));
+}
+
+TEST(BookmarksHtml, UnclosedTags)
+{
+    const Bookmarks result = Html("<DL><DT><H3>F</H3><DL><DT><A HREF=http://a/>A<DT><A HREF=http://b/>B");
+    ASSERT_THAT(result.bookmarks, SizeIs(2));
+    EXPECT_EQ(result.bookmarks[0].title, "A");
+    EXPECT_THAT(result.bookmarks[1].folders, ElementsAre("F"));
+}
+
+TEST(BookmarksHtml, EmptyFolder_GivesItsNameToNoOtherList)
+{
+    const Bookmarks result =
+        Html("<DL><DT><H3>Empty</H3><DT><A HREF=http://a/>A</A><DL><DT><A HREF=http://b/>B</A></DL></DL>");
+    ASSERT_THAT(result.bookmarks, SizeIs(2));
+    EXPECT_THAT(result.bookmarks[1].folders, IsEmpty());
+}
+
+TEST(BookmarksHtml, Dates)
+{
+    const std::pair<const char*, std::optional<std::int64_t>> cases[] = {{"1600000000", 1600000000},
+                                                                         {"1600000000123", 1600000000},
+                                                                         {"1600000000123456", 1600000000},
+                                                                         {" 5 ", 5},
+                                                                         {"0", {}},
+                                                                         {"soon", {}},
+                                                                         {"-3", {}},
+                                                                         {"99999999999999999999", {}}};
+    for (const auto& [text, date] : cases) {
+        const Bookmarks result = Html("<DL><A HREF=x:y ADD_DATE=\"" + std::string(text) + "\">T</A></DL>");
+        ASSERT_THAT(result.bookmarks, SizeIs(1));
+        EXPECT_EQ(result.bookmarks[0].added, date) << text;
+    }
+}
+
+TEST(BookmarksHtml, EncodingsAndAddresses)
+{
+    EXPECT_EQ(Html("<DL><A HREF=\" http://a/\n b \">\xC4</A></DL>").bookmarks,
+              (std::vector<Bookmark>{{"Ä", "http://a/ b", LinkKind::kWeb, {}, {}}}));
+    EXPECT_THAT(Html("<DL><A NAME=x>no address</A><A HREF=\"\">none either</A></DL>").bookmarks, IsEmpty());
+}
+
+TEST(BookmarksHtml, OtherDocuments_AreNoBookmarkFiles)
+{
+    for (const char* text : {"", "<html><a href=http://x/>x</a></html>", "plain text"}) {
+        const Bookmarks result = ParseBookmarks(text);
+        EXPECT_THAT(result.bookmarks, IsEmpty()) << text;
+        EXPECT_THAT(result.problems, ElementsAre(Problem{0, "not a bookmark file"})) << text;
+    }
+    EXPECT_THAT(Html("").problems, IsEmpty());
+}
+
+TEST(BookmarksHtml, TooDeep_IsReportedAndNotParsed)
+{
+    std::string deep;
+    for (int i = 0; i < 200'000; ++i) deep += "<DL><DT>";
+    EXPECT_THAT(Html(deep).problems, SizeIs(1));
+    std::string heavy = "<p>";
+    for (int i = 0; i < 500; ++i) heavy += "<b id=" + std::to_string(i) + ">";
+    for (int i = 0; i < 50'000; ++i) heavy += "<p>x";
+    EXPECT_THAT(Html(heavy).problems, SizeIs(1));
+}
+
+TEST(Bookmarks, KindOfLink)
+{
+    const std::pair<const char*, LinkKind> cases[] = {
+        {"http://x/", LinkKind::kWeb},      {"HTTPS://x/", LinkKind::kWeb},
+        {"ftp://x/", LinkKind::kWeb},       {"JavaScript:alert(1)", LinkKind::kScript},
+        {"place:sort=8", LinkKind::kPlace}, {"data:text/html,x", LinkKind::kData},
+        {"file:///x", LinkKind::kOther},    {"mailto:a@b", LinkKind::kOther},
+        {"httpd", LinkKind::kOther}};
+    for (const auto& [url, kind] : cases) EXPECT_EQ(KindOfLink(url), kind) << url;
+}
+
+TEST(BookmarksJson, RootsFoldersAndDates)
+{
+    const Bookmarks result = ParseBookmarks(
+        R"( {"checksum":"0","roots":{"bookmark_bar":{"children":[
+        {"date_added":"13244473600000000","name":"One","type":"url","url":"https://one.example/"},
+        {"children":[{"date_added":"0","name":"S\u00e4\u0000x","type":"url","url":"javascript:x"}],"name":"In","type":"folder"}],
+        "name":"Bar","type":"folder"},"other":{"children":[],"name":"Other","type":"folder"},
+        "sync_transaction_version":"1","trash":{"children":[{"name":"T","type":"url","url":"http://t/"}],"name":"Trash","type":"folder"}},"version":1})");
+    EXPECT_THAT(result.problems, IsEmpty());
+    EXPECT_THAT(result.bookmarks,
+                ElementsAre(Bookmark{"One", "https://one.example/", LinkKind::kWeb, {"Bar"}, 1600000000},
+                            Bookmark{"Sä x", "javascript:x", LinkKind::kScript, {"Bar", "In"}, {}}));
+}
+
+TEST(BookmarksJson, DamagedEntries_AreReportedAndTheRestIsRead)
+{
+    const Bookmarks result = ParseBookmarks(
+        R"({"roots":{"bar":{"type":"folder","name":"B","children":[1,{"type":"odd"},{"type":"url","name":"N"},
+        {"type":"folder","name":"F"},{"type":"url","url":"http://a/","name":7,"date_added":3}]}}})");
+    EXPECT_THAT(result.problems, SizeIs(4));
+    EXPECT_THAT(result.bookmarks, ElementsAre(Bookmark{"", "http://a/", LinkKind::kWeb, {"B"}, {}}));
+}
+
+TEST(BookmarksJson, NoBookmarkFile)
+{
+    EXPECT_THAT(ParseBookmarks("{").problems, ElementsAre(Problem{0, "not valid JSON"}));
+    EXPECT_THAT(ParseBookmarks("{}").problems, ElementsAre(Problem{0, "not a bookmark file"}));
+    EXPECT_THAT(ParseBookmarks(R"({"roots":3})").problems, ElementsAre(Problem{0, "not a bookmark file"}));
+    std::string deep = R"({"roots":{"b":)";
+    for (int i = 0; i < 100'000; ++i) deep += R"({"type":"folder","children":[)";
+    for (int i = 0; i < 100'000; ++i) deep += "]}";
+    EXPECT_THAT(ParseBookmarks(deep + "}}").problems, ElementsAre(Problem{0, "folders are nested too deeply"}));
+}
+
+}  // namespace
+}  // namespace kesta::formats

@@ -1,0 +1,128 @@
+// The fuzzers' properties over the seeds and over mutations of them: a fixed sequence, the same in every run.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "fuzz/properties.h"
+
+namespace kesta::test {
+namespace {
+
+using Check = void (*)(std::string_view);
+
+struct Target {
+    const char* name;
+    Check check;
+    std::vector<std::string> words;  // what makes a difference to this reader
+};
+
+std::ostream& operator<<(std::ostream& out, const Target& target)
+{
+    return out << target.name;
+}
+
+std::vector<std::string> Seeds(const std::string& folder)
+{
+    std::vector<std::filesystem::path> files;
+    for (const auto& file : std::filesystem::directory_iterator(std::string(KESTA_FUZZ_SEEDS) + "/" + folder))
+        files.push_back(file.path());
+    std::ranges::sort(files);
+    std::vector<std::string> seeds;
+    for (const auto& file : files) {
+        std::ifstream in(file, std::ios::binary);
+        std::ostringstream contents;
+        contents << in.rdbuf();
+        seeds.push_back(contents.str());
+    }
+    return seeds;
+}
+
+class Mutator {
+public:
+    explicit Mutator(const Target& target, std::vector<std::string> seeds) : target_(target), seeds_(std::move(seeds))
+    {
+    }
+
+    std::string next()
+    {
+        std::string text = seeds_[below(seeds_.size())];
+        for (std::size_t changes = 1 + below(6); changes > 0; --changes) change(text);
+        return text;
+    }
+
+private:
+    // The standard's distributions differ between libraries, its engines do not.
+    std::size_t below(std::size_t limit) { return limit == 0 ? 0 : random_() % limit; }
+
+    void change(std::string& text)
+    {
+        const std::size_t at = below(text.size() + 1);
+        const std::size_t length = below(20);
+        switch (below(6)) {
+            case 0:
+                text.erase(at, length);
+                break;
+            case 1:
+                text.insert(at, target_.words[below(target_.words.size())]);
+                break;
+            case 2:
+                if (at < text.size()) text[at] = static_cast<char>(below(256));
+                break;
+            case 3:
+                text.insert(at, text.substr(below(text.size() + 1), 8 * length));
+                break;
+            case 4:
+                text.resize(at);
+                break;
+            default: {
+                const std::string& other = seeds_[below(seeds_.size())];
+                text.insert(at, other.substr(below(other.size() + 1)));
+            }
+        }
+    }
+
+    const Target& target_;
+    std::vector<std::string> seeds_;
+    std::mt19937 random_{20240229};
+};
+
+class Properties : public testing::TestWithParam<Target> {};
+
+TEST_P(Properties, HoldForSeedsAndMutations)
+{
+    const std::vector<std::string> seeds = Seeds(GetParam().name);
+    ASSERT_FALSE(seeds.empty());
+    for (const std::string& seed : seeds) GetParam().check(seed);
+    GetParam().check("");
+    Mutator mutator(GetParam(), seeds);
+    for (int i = 0; i < 20'000; ++i) GetParam().check(mutator.next());
+}
+
+INSTANTIATE_TEST_SUITE_P(Readers, Properties,
+                         testing::Values(Target{"playlist",
+                                                CheckPlaylist,
+                                                {"\n", "\r", "#EXTINF:1,", "file:///", "C:\\", "\\\\", "//", "./",
+                                                 "%0A", "#", " ", "\xFF\xFE"}},
+                                         Target{"bookmarks",
+                                                CheckBookmarks,
+                                                {"<DL>", "</DL>", "<DT>", "<A HREF=x>", "</A>", "<H3>", "</H3>", "&#0;",
+                                                 "{", "}", "[", "\"", "<template>", "<svg>"}},
+                                         Target{"cards",
+                                                CheckCards,
+                                                {"\n", "\n ", "=\n", "BEGIN:VCARD\n", "END:VCARD\n", ";", ":", "\"",
+                                                 "AGENT:\n", "ENCODING=QUOTED-PRINTABLE", "=00", "UID:\n"}},
+                                         Target{"calendars",
+                                                CheckCalendars,
+                                                {"\n", "\n ", "BEGIN:VEVENT\n", "END:VEVENT\n", "BEGIN:VCALENDAR\n",
+                                                 "END:VCALENDAR\n", "BEGIN:VTIMEZONE\n", "BEGIN:VODD\n",
+                                                 ";TZID=", "UID:1@x\n", "VERSION:1.0\n", "X-WR-CALNAME:x\n", "=\n"}}),
+                         [](const auto& target) { return std::string(target.param.name); });
+
+}  // namespace
+}  // namespace kesta::test

@@ -1,0 +1,99 @@
+#include "fuzz/properties.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "formats/bookmarks.h"
+#include "formats/charset.h"
+#include "formats/icalendar.h"
+#include "formats/playlist.h"
+#include "formats/vcard.h"
+
+namespace kesta::test {
+namespace {
+
+using namespace kesta::formats;
+
+void Require(bool holds, const char* property, std::string_view input)
+{
+    if (holds) return;
+    std::fprintf(stderr, "Does not hold: %s, for these %zu bytes:\n%.*s\n", property, input.size(),
+                 static_cast<int>(input.size()), input.data());
+    std::abort();
+}
+
+bool IsText(std::string_view text)
+{
+    return IsUtf8(text) && text.find('\0') == std::string_view::npos;
+}
+
+}  // namespace
+
+void CheckPlaylist(std::string_view file)
+{
+    const Playlist playlist = ParsePlaylist(file, PlaylistEncoding::kByValidity);
+    for (const PlaylistEntry& entry : playlist.entries)
+        Require(IsText(entry.location.text) && IsText(entry.title), "locations and titles are text", file);
+    const auto written = WritePlaylist(playlist.title, playlist.entries);
+    const bool named = written.has_value();
+    if (!named) {
+        // Only a URL with an escaped line break names a file that no playlist can hold.
+        bool hasBreak = false;
+        for (const PlaylistEntry& entry : playlist.entries)
+            hasBreak = hasBreak || entry.location.text.find_first_of("\r\n") != std::string::npos;
+        Require(hasBreak, "what was read can be written", file);
+        return;
+    }
+    const Playlist again = ParsePlaylist(*written, PlaylistEncoding::kUtf8);
+    Require(again.problems.empty() && again.title == playlist.title, "what was written is read back", file);
+    Require(again.entries.size() == playlist.entries.size(), "no entry is lost by writing", file);
+    for (std::size_t i = 0; i < again.entries.size(); ++i) {
+        PlaylistEntry expected = playlist.entries[i];
+        expected.line = again.entries[i].line;
+        Require(again.entries[i] == expected, "an entry is read back as it was written", file);
+    }
+}
+
+void CheckBookmarks(std::string_view file)
+{
+    for (const Bookmark& bookmark : ParseBookmarks(file).bookmarks) {
+        Require(!bookmark.url.empty() && IsText(bookmark.url) && IsText(bookmark.title), "addresses are text", file);
+        for (const std::string& folder : bookmark.folders) Require(IsText(folder), "folders are text", file);
+        Require(bookmark.kind == KindOfLink(bookmark.url), "the kind is the address's", file);
+    }
+}
+
+void CheckCards(std::string_view file)
+{
+    const std::string text = WithoutByteOrderMark(file);
+    const Cards cards = ParseCards(file);
+    Require(!cards.cards.empty() || !cards.problems.empty(), "nothing found is a problem", file);
+    for (const Card& card : cards.cards) {
+        Require(!card.uid.empty() && IsText(card.uid) && IsText(card.name), "UIDs and names are text", file);
+        Require(text.find(card.bytes) != std::string::npos, "a card is kept word for word", file);
+        const Cards again = ParseCards(card.bytes);
+        Require(again.problems.empty() && again.cards.size() == 1, "a card stands by itself", file);
+        Require(again.cards[0].digest == card.digest && again.cards[0].name == card.name, "a card stays the same",
+                file);
+        Require(card.uidDerived || again.cards[0].uid == card.uid, "a card keeps its UID", file);
+    }
+}
+
+void CheckCalendars(std::string_view file)
+{
+    const Calendars calendars = ParseCalendars(file);
+    Require(!calendars.names.empty() || !calendars.problems.empty(), "nothing found is a problem", file);
+    for (const CalendarEntry& entry : calendars.entries) {
+        Require(!entry.uid.empty() && IsText(entry.uid) && IsText(entry.summary), "UIDs and titles are text", file);
+        const Calendars again = ParseCalendars(entry.bytes);
+        Require(again.problems.empty() && again.entries.size() == 1, "an entry stands by itself", file);
+        Require(again.entries[0].digest == entry.digest, "an entry stays the same", file);
+        Require(again.entries[0].modified == entry.modified, "an entry keeps its time", file);
+        Require(again.entries[0].recurrenceIds == entry.recurrenceIds, "an entry keeps its occurrences", file);
+        Require(entry.uidDerived || again.entries[0].uid == entry.uid, "an entry keeps its UID", file);
+        Require(again.entries[0].bytes == entry.bytes, "a complete calendar is complete", file);
+    }
+}
+
+}  // namespace kesta::test
