@@ -1,0 +1,66 @@
+// Runs the benchmarked loops for callgrind, which counts instructions within them only. Each loop ends with a dump that
+// bears its name: "<operation> <side> <files> <times> <goal>".
+//
+//   kesta_instructions FILES...
+#include <valgrind/callgrind.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "operations.h"
+
+namespace kesta::bench {
+namespace {
+
+/// Once round before counting, so that what happens only the first time does not count.
+void WarmUp(Work& work, const OperationTraits& traits)
+{
+    work.run(0);
+    if (!traits.writes) return;
+    work.undo();
+}
+
+void Count(const Scene& scene, const OperationTraits& traits, Side side)
+{
+    const std::unique_ptr<Work> work = MakeWork(scene, traits, side);
+    WarmUp(*work, traits);
+    const size_t times = traits.perRun < 100 ? traits.perRun : 100;
+    CALLGRIND_START_INSTRUMENTATION;
+    CALLGRIND_ZERO_STATS;
+    CALLGRIND_TOGGLE_COLLECT;
+    for (size_t i = 0; i < times; ++i) work->run(i);
+    CALLGRIND_TOGGLE_COLLECT;
+    char name[128];
+    std::snprintf(name, sizeof name, "%s%s %s %zu %zu %.2f", traits.name,
+                  scene.letters() == Letters::kAscii ? "" : "/non-ascii", side == Side::kLibrary ? "library" : "floor",
+                  scene.files(), times, traits.goal);
+    CALLGRIND_DUMP_STATS_AT(name);
+    CALLGRIND_STOP_INSTRUMENTATION;
+    work->undo();
+}
+
+void CountAll(size_t files, Letters letters)
+{
+    const Scene scene("/dev/shm", files, letters);
+    for (const OperationTraits& traits : kOperations) {
+        for (const Side side : {Side::kLibrary, Side::kFloor}) Count(scene, traits, side);
+    }
+}
+
+}  // namespace
+}  // namespace kesta::bench
+
+int main(int argc, char** argv)
+{
+    using namespace kesta::bench;
+    if (argc < 2 || RUNNING_ON_VALGRIND == 0) {
+        std::fprintf(stderr, "usage: bench/instructions.sh [BUILD-FOLDER [FILES...]]\n");
+        return 2;
+    }
+    for (int i = 1; i < argc; ++i) {
+        for (const Letters letters : {Letters::kAscii, Letters::kAny}) {
+            CountAll(std::strtoul(argv[i], nullptr, 10), letters);
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,43 @@
+#include "library.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "scene.h"
+
+namespace kesta::bench {
+
+Library::Library(const Scene& scene)
+{
+    // Neither the user's books nor the user's viewer of the trace.
+    setenv("XDG_DATA_HOME", scene.dataHome().c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", scene.dataHome().c_str(), 1);
+    handle_ = dlopen(KESTA_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    Require(handle_ != nullptr, "loading " KESTA_LIBRARY);
+    decltype(&DB_Open) open = nullptr;
+    find(open, "DB_Open");
+    find(PhoneDetected, "DB_LIB_PhoneDetected");
+    find(SetAddedFile, "DB_MUSIC_SetAddedFile");
+    find(SetDeletedFile, "DB_MUSIC_SetDeletedFile");
+    find(IsSyncedFile, "DB_MUSIC_IsSyncedFile");
+    find(GetSyncedFiles, "DB_MUSIC_GetSyncedFiles");
+    Require(open() == 0, "opening the books");
+    Require(std::filesystem::exists(scene.database()), "books in the private folder");
+}
+
+Library::~Library()
+{
+    dlclose(handle_);
+    Require(dlopen(KESTA_LIBRARY, RTLD_NOW | RTLD_NOLOAD) == nullptr, "unloading the library");
+}
+
+template <class Function>
+void Library::find(Function& function, const char* name)
+{
+    function = reinterpret_cast<Function>(dlsym(handle_, name));
+    Require(function != nullptr, name);
+}
+
+}  // namespace kesta::bench

@@ -1,0 +1,31 @@
+// The library under measurement, loaded for one scene and unloaded again: it opens the books of its scene while it is
+// being loaded, and so never those of the user.
+#pragma once
+
+#include "kesta_db/kesta_db.h"
+
+namespace kesta::bench {
+
+class Scene;
+
+class Library {
+public:
+    explicit Library(const Scene& scene);
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+    ~Library();
+
+    decltype(&DB_LIB_PhoneDetected) PhoneDetected;
+    decltype(&DB_MUSIC_SetAddedFile) SetAddedFile;
+    decltype(&DB_MUSIC_SetDeletedFile) SetDeletedFile;
+    decltype(&DB_MUSIC_IsSyncedFile) IsSyncedFile;
+    decltype(&DB_MUSIC_GetSyncedFiles) GetSyncedFiles;
+
+private:
+    template <class Function>
+    void find(Function& function, const char* name);
+
+    void* handle_;
+};
+
+}  // namespace kesta::bench
