@@ -2,7 +2,10 @@
 add_library(kesta_options INTERFACE)
 target_compile_options(kesta_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
-    -Wnull-dereference -Wformat=2 -Werror)
+    -Wnull-dereference -Wformat=2)
+if(PROJECT_IS_TOP_LEVEL)
+    target_compile_options(kesta_options INTERFACE -Werror)
+endif()
 # For C sources the C++-only warnings would be errors themselves.
 get_target_property(options kesta_options INTERFACE_COMPILE_OPTIONS)
 list(REMOVE_ITEM options -Wold-style-cast -Wnon-virtual-dtor)

@@ -14,7 +14,7 @@ set(KESTA_SQLITE_PACKAGE_VERSION 13.2.0)  # SQLite 3.54.1
 set(KESTA_SQLITE_SHA256 40487589df3496f2ee0079d22b73c63fccebe7db0e8ee9a2c42421861e321e0b)
 
 # One copy serves all presets.
-set(deps ${CMAKE_SOURCE_DIR}/build/_deps)
+set(deps ${PROJECT_SOURCE_DIR}/build/_deps)
 set(archive ${deps}/${KESTA_SQLITE_PACKAGE}-${KESTA_SQLITE_PACKAGE_VERSION}.tgz)
 set(sqlite ${deps}/sqlite-${KESTA_SQLITE_PACKAGE_VERSION})
 
@@ -89,7 +89,7 @@ add_library(kesta_sqlite_counting STATIC EXCLUDE_FROM_ALL ${profile}/counting.c)
 kesta_sqlite_settings(kesta_sqlite_counting)
 target_compile_options(kesta_sqlite_counting PRIVATE -w -fprofile-generate -fprofile-update=single ${place})
 
-add_executable(kesta_sqlite_training EXCLUDE_FROM_ALL ${CMAKE_SOURCE_DIR}/cmake/sqlite_training.c)
+add_executable(kesta_sqlite_training EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/cmake/sqlite_training.c)
 set_target_properties(kesta_sqlite_training PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${profile})
 target_link_libraries(kesta_sqlite_training PRIVATE kesta_sqlite_counting m)
 target_link_options(kesta_sqlite_training PRIVATE -fprofile-generate)

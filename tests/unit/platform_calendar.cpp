@@ -158,6 +158,11 @@ struct Parsed {
     DateValue expected;
 };
 
+void PrintTo(const Parsed& parsed, std::ostream* out)
+{
+    *out << parsed.text;
+}
+
 class ParseDateTable : public ::testing::TestWithParam<Parsed> {};
 
 TEST_P(ParseDateTable, GivesTheDay)

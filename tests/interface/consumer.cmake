@@ -1,0 +1,20 @@
+# Installs BUILD to a prefix of its own and builds the consumer against it; runs it where it can.
+#   cmake -DBUILD=... -DFOLDER=... [-DTOOLCHAIN=...] [-DRUN=ON] -P consumer.cmake
+file(REMOVE_RECURSE ${FOLDER})
+set(install ${CMAKE_COMMAND} --install ${BUILD} --prefix ${FOLDER}/prefix)
+set(configure ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${FOLDER}/build -G Ninja
+    -DCMAKE_BUILD_TYPE=Release -DKESTA_DB_DIR=${FOLDER}/prefix/lib/cmake/KESTA_DB -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN})
+set(build ${CMAKE_COMMAND} --build ${FOLDER}/build)
+set(steps install configure build)
+if(RUN)
+    set(ENV{XDG_DATA_HOME} ${FOLDER}/data)
+    set(run_c ${FOLDER}/build/consumer_c)
+    set(run_cpp ${FOLDER}/build/consumer_cpp)
+    list(APPEND steps run_c run_cpp)
+endif()
+foreach(step IN LISTS steps)
+    execute_process(COMMAND ${${step}} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    if(result)
+        message(FATAL_ERROR "${step} failed (${result}):\n${output}")
+    endif()
+endforeach()
