@@ -4,8 +4,11 @@
 
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "operations.h"
 #include "ratio_table.h"
@@ -16,22 +19,21 @@ namespace {
 /// Scenes take long to make: one that is asked for again is still there.
 class SceneKeeper {
 public:
-    const Scene& get(const std::filesystem::path& place, size_t files, Letters letters)
+    const Scene& get(const std::filesystem::path& place, Family family, size_t entries, Letters letters)
     {
-        const std::string name = place.string() + std::to_string(files) + (letters == Letters::kAscii ? "a" : "b");
-        std::unique_ptr<Scene>& scene = scenes_[name];
-        if (scene == nullptr) scene = std::make_unique<Scene>(place, files, letters);
+        std::unique_ptr<Scene>& scene = scenes_[{place, family, entries, letters}];
+        if (scene == nullptr) scene = std::make_unique<Scene>(place, family, entries, letters);
         return *scene;
     }
 
 private:
-    std::map<std::string, std::unique_ptr<Scene>> scenes_;
+    std::map<std::tuple<std::filesystem::path, Family, size_t, Letters>, std::unique_ptr<Scene>> scenes_;
 };
 
 struct Case {
     const OperationTraits* traits;
     std::filesystem::path place;
-    size_t files;
+    size_t entries;
     Letters letters;
     Side side;
 };
@@ -39,13 +41,13 @@ struct Case {
 void Run(benchmark::State& state, SceneKeeper& scenes, const Case& self)
 {
     const std::unique_ptr<Work> work =
-        MakeWork(scenes.get(self.place, self.files, self.letters), *self.traits, self.side);
-    if (!self.traits->writes) work->run(0);  // fills the page cache
+        MakeWork(scenes.get(self.place, self.traits->family, self.entries, self.letters), *self.traits, self.side);
+    if (!self.traits->writes()) work->run(0);  // fills the page cache
     size_t i = 0;
     for (auto _ : state) work->run(i++);
     work->undo();
-    if (self.traits->operation == Operation::kListAll) {
-        state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(self.files));
+    if (self.traits->kind == Kind::kList) {
+        state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(self.entries));
     }
 }
 
@@ -55,13 +57,27 @@ void Register(SceneKeeper& scenes, const char* placeName, const Case& both)
         Case self = both;
         self.side = side;
         const std::string name = std::string(self.traits->name) + "/" + placeName + "/" +
-                                 (self.letters == Letters::kAscii ? "" : "non-ascii/") + std::to_string(self.files) +
+                                 (self.letters == Letters::kAscii ? "" : "non-ascii/") + std::to_string(self.entries) +
                                  (side == Side::kLibrary ? "/library" : "/floor");
         auto* registered = benchmark::RegisterBenchmark(
             name.c_str(), [&scenes, self](benchmark::State& state) { Run(state, scenes, self); });
         registered->UseRealTime()->Repetitions(5);
         // The books grow with each of them, so that both sides must do it equally often.
-        if (self.traits->writes) registered->Iterations(static_cast<benchmark::IterationCount>(self.traits->perRun));
+        if (self.traits->writes()) registered->Iterations(static_cast<benchmark::IterationCount>(self.traits->perRun));
+    }
+}
+
+std::vector<size_t> SizesOf(Family family)
+{
+    switch (family) {
+        case Family::kMedia:
+            return {1'000, 10'000, 100'000};
+        case Family::kPlaylists:
+            return {1'000};
+        case Family::kBookmarks:
+            return {1'000, 10'000};
+        default:
+            return {10'000};
     }
 }
 
@@ -69,11 +85,15 @@ void RegisterAll(SceneKeeper& scenes, const std::filesystem::path& disk)
 {
     const std::filesystem::path memory = "/dev/shm";
     for (const OperationTraits& traits : kOperations) {
-        for (const size_t files : {size_t{1'000}, size_t{10'000}, size_t{100'000}}) {
-            Register(scenes, "shm", {&traits, memory, files, Letters::kAscii, {}});
-            if (traits.writes) Register(scenes, "disk", {&traits, disk, files, Letters::kAscii, {}});
+        for (const size_t entries : SizesOf(traits.family)) {
+            Register(scenes, "shm", {&traits, memory, entries, Letters::kAscii, {}});
+            // A log is saved in as many transactions as it has entries: on a disk that is a matter of minutes.
+            if (traits.writes() && traits.operation != Operation::kSavePimLog) {
+                Register(scenes, "disk", {&traits, disk, entries, Letters::kAscii, {}});
+            }
         }
-        Register(scenes, "shm", {&traits, memory, 10'000, Letters::kAny, {}});
+        const size_t entries = traits.family == Family::kPlaylists ? 1'000 : 10'000;
+        Register(scenes, "shm", {&traits, memory, entries, Letters::kAny, {}});
     }
 }
 

@@ -1,7 +1,7 @@
 // Runs the benchmarked loops for callgrind, which counts instructions within them only. Each loop ends with a dump that
-// bears its name: "<operation> <side> <files> <times> <goal>".
+// bears its name: "<operation> <side> <entries> <times> <goal>".
 //
-//   kesta_instructions FILES...
+//   kesta_instructions ENTRIES...
 #include <valgrind/callgrind.h>
 
 #include <cstdio>
@@ -16,7 +16,7 @@ namespace {
 void WarmUp(Work& work, const OperationTraits& traits)
 {
     work.run(0);
-    if (!traits.writes) return;
+    if (!traits.writes()) return;
     work.undo();
 }
 
@@ -33,17 +33,20 @@ void Count(const Scene& scene, const OperationTraits& traits, Side side)
     char name[128];
     std::snprintf(name, sizeof name, "%s%s %s %zu %zu %.2f", traits.name,
                   scene.letters() == Letters::kAscii ? "" : "/non-ascii", side == Side::kLibrary ? "library" : "floor",
-                  scene.files(), times, traits.goal);
+                  scene.entries(), times, traits.goal);
     CALLGRIND_DUMP_STATS_AT(name);
     CALLGRIND_STOP_INSTRUMENTATION;
     work->undo();
 }
 
-void CountAll(size_t files, Letters letters)
+void CountAll(size_t entries, Letters letters)
 {
-    const Scene scene("/dev/shm", files, letters);
-    for (const OperationTraits& traits : kOperations) {
-        for (const Side side : {Side::kLibrary, Side::kFloor}) Count(scene, traits, side);
+    for (const Family family : kFamilies) {
+        const Scene scene("/dev/shm", family, entries, letters);
+        for (const OperationTraits& traits : kOperations) {
+            if (traits.family != family) continue;
+            for (const Side side : {Side::kLibrary, Side::kFloor}) Count(scene, traits, side);
+        }
     }
 }
 
@@ -54,7 +57,7 @@ int main(int argc, char** argv)
 {
     using namespace kesta::bench;
     if (argc < 2 || RUNNING_ON_VALGRIND == 0) {
-        std::fprintf(stderr, "usage: bench/instructions.sh [BUILD-FOLDER [FILES...]]\n");
+        std::fprintf(stderr, "usage: bench/instructions.sh [BUILD-FOLDER [ENTRIES...]]\n");
         return 2;
     }
     for (int i = 1; i < argc; ++i) {

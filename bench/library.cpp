@@ -20,9 +20,18 @@ Library::Library(const Scene& scene)
     find(open, "DB_Open");
     find(PhoneDetected, "DB_LIB_PhoneDetected");
     find(SetAddedFile, "DB_MUSIC_SetAddedFile");
-    find(SetDeletedFile, "DB_MUSIC_SetDeletedFile");
     find(IsSyncedFile, "DB_MUSIC_IsSyncedFile");
     find(GetSyncedFiles, "DB_MUSIC_GetSyncedFiles");
+    find(AddPlaylist, "DB_PLAYERMUSIC_AddPlaylist");
+    find(GetPlaylists, "DB_PLAYERMUSIC_GetPlaylists");
+    find(SetAddedMark, "DB_BOOKMARK_SetAddedMark");
+    find(IsSyncedMark, "DB_BOOKMARK_IsSyncedMark");
+    find(GetSyncedMark, "DB_BOOKMARK_GetSyncedMark");
+    find(GetSyncedMarks, "DB_BOOKMARK_GetSyncedMarks");
+    find(AddItem, "DB_PIM_AddItem");
+    find(GetItems, "DB_PIM_GetItems");
+    find(SaveLog, "DB_PIMLOG_SaveLog");
+    find(ReadLog, "DB_PIMLOG_ReadLog");
     Require(open() == 0, "opening the books");
     Require(std::filesystem::exists(scene.database()), "books in the private folder");
 }

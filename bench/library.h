@@ -17,9 +17,18 @@ public:
 
     decltype(&DB_LIB_PhoneDetected) PhoneDetected;
     decltype(&DB_MUSIC_SetAddedFile) SetAddedFile;
-    decltype(&DB_MUSIC_SetDeletedFile) SetDeletedFile;
     decltype(&DB_MUSIC_IsSyncedFile) IsSyncedFile;
     decltype(&DB_MUSIC_GetSyncedFiles) GetSyncedFiles;
+    decltype(&DB_PLAYERMUSIC_AddPlaylist) AddPlaylist;
+    decltype(&DB_PLAYERMUSIC_GetPlaylists) GetPlaylists;
+    decltype(&DB_BOOKMARK_SetAddedMark) SetAddedMark;
+    decltype(&DB_BOOKMARK_IsSyncedMark) IsSyncedMark;
+    decltype(&DB_BOOKMARK_GetSyncedMark) GetSyncedMark;
+    decltype(&DB_BOOKMARK_GetSyncedMarks) GetSyncedMarks;
+    decltype(&DB_PIM_AddItem) AddItem;
+    decltype(&DB_PIM_GetItems) GetItems;
+    decltype(&DB_PIMLOG_SaveLog) SaveLog;
+    decltype(&DB_PIMLOG_ReadLog) ReadLog;
 
 private:
     template <class Function>

@@ -3,30 +3,81 @@
 
 #include <cstddef>
 #include <memory>
-#include <vector>
 
 #include "scene.h"
 
 namespace kesta::bench {
 
-enum class Operation { kRecord, kLookUp, kListAll, kListFolder, kAnnounceKnown, kAnnounceNew };
-enum class Side { kLibrary, kFloor };
+enum class Operation {
+    kRecord,
+    kLookUp,
+    kListAll,
+    kListFolder,
+    kAnnounceKnown,
+    kAnnounceNew,
+    kAddNewPlaylist,
+    kAddUnchangedPlaylist,
+    kAddChangedPlaylist,
+    kListPlaylists,
+    kAddMark,
+    kLookUpMark,
+    kReadMark,
+    kListMarks,
+    kAddPimItem,
+    kListPimItems,
+    kSavePimLog,
+    kReadPimLog,
+};
+
+enum class Kind {
+    kWriter,  // its time hangs on the disk, and the books change
+    kReader,
+    kList,     // a reader whose work grows with the entries
+    kListPart  // a list of some of them
+};
+
+/// The second floor leaves texts in the form in which the file has them: without a conversion, which allocates.
+enum class Side { kLibrary, kFloor, kUtf8Floor };
 
 struct OperationTraits {
     Operation operation;
+    Family family;
     const char* name;
-    double goal;    // instructions, as a ratio to the floor
-    bool writes;    // its time hangs on the disk, and the books grow
-    size_t perRun;  // how often it is done in a row; for a writer no more than that
+    double goal;  // instructions, as a ratio to the floor
+    Kind kind;
+    size_t perRun;       // how often it is done in a row; for a writer no more than that
+    size_t allocations;  // how many are allowed beyond the floor's and those of a list
+
+    [[nodiscard]] constexpr bool writes() const { return kind == Kind::kWriter; }
 };
 
 inline constexpr OperationTraits kOperations[] = {
-    {Operation::kRecord, "record", 1.05, true, 500},
-    {Operation::kLookUp, "look-up", 1.15, false, 500},
-    {Operation::kListAll, "list-all", 1.10, false, 1},
-    {Operation::kListFolder, "list-folder", 1.02, false, 4},
-    {Operation::kAnnounceKnown, "announce-known", 1.05, false, 500},
-    {Operation::kAnnounceNew, "announce-new", 1.05, true, 50},
+    {Operation::kRecord, Family::kMedia, "record", 1.05, Kind::kWriter, 500, 0},
+    {Operation::kLookUp, Family::kMedia, "look-up", 1.15, Kind::kReader, 500, 3},
+    {Operation::kListAll, Family::kMedia, "list-all", 1.10, Kind::kList, 1, 0},
+    {Operation::kListFolder, Family::kMedia, "list-folder", 1.02, Kind::kListPart, 4, 0},
+    {Operation::kAnnounceKnown, Family::kMedia, "announce-known", 1.05, Kind::kReader, 500, 0},
+    // The array of main folders.
+    {Operation::kAnnounceNew, Family::kMedia, "announce-new", 1.05, Kind::kWriter, 50, 1},
+    {Operation::kAddNewPlaylist, Family::kPlaylists, "add-playlist:new", 1.05, Kind::kWriter, 100, 0},
+    {Operation::kAddUnchangedPlaylist, Family::kPlaylists, "add-playlist:unchanged", 1.05, Kind::kWriter, 100, 0},
+    {Operation::kAddChangedPlaylist, Family::kPlaylists, "add-playlist:changed", 1.05, Kind::kWriter, 100, 0},
+    {Operation::kListPlaylists, Family::kPlaylists, "list-playlists", 1.10, Kind::kList, 1, 0},
+    {Operation::kAddMark, Family::kBookmarks, "add-mark", 1.05, Kind::kWriter, 500, 0},
+    {Operation::kLookUpMark, Family::kBookmarks, "look-up-mark", 1.15, Kind::kReader, 500, 0},
+    {Operation::kReadMark, Family::kBookmarks, "read-mark", 1.15, Kind::kReader, 500, 3},
+    {Operation::kListMarks, Family::kBookmarks, "list-marks", 1.10, Kind::kList, 1, 0},
+    {Operation::kAddPimItem, Family::kPim, "add-pim-item", 1.05, Kind::kWriter, 500, 0},
+    // The work area for the items' ids.
+    {Operation::kListPimItems, Family::kPim, "list-pim-items", 1.10, Kind::kList, 1, 1},
+    {Operation::kSavePimLog, Family::kPim, "save-pim-log", 1.05, Kind::kWriter, 1, 0},
+    {Operation::kReadPimLog, Family::kPim, "read-pim-log", 1.10, Kind::kList, 1, 0},
+};
+
+/// What a list that the library has handed out consists of.
+struct ListSize {
+    size_t pieces = 0;  // texts and blobs
+    size_t bytes = 0;   // of the records and of the pieces
 };
 
 /// An operation on one side, ready to be done again and again. Nothing is prepared within run().
@@ -37,6 +88,10 @@ public:
     virtual void run(size_t i) = 0;
     /// Takes back what a writer has written.
     virtual void undo() {}
+    /// The list that the library has handed out last.
+    [[nodiscard]] virtual ListSize list() const { return {}; }
+    /// Frees it.
+    virtual void dropList() {}
 };
 
 std::unique_ptr<Work> MakeWork(const Scene& scene, const OperationTraits& traits, Side side);

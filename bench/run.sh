@@ -2,7 +2,7 @@
 # Benchmarks of a build, as ./dev bench runs them.
 #
 #   bench/run.sh BUILD-FOLDER [OPTIONS]            times beside the floor; OPTIONS are those of Google Benchmark
-#   bench/run.sh BUILD-FOLDER --instructions [FILES...]   instructions instead of times
+#   bench/run.sh BUILD-FOLDER --instructions [ENTRIES...]   instructions instead of times
 #   bench/run.sh BUILD-FOLDER --allocations        what the library allocates beyond SQLite
 set -eu
 

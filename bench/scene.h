@@ -1,32 +1,15 @@
-// The books on which the benchmarks run: one phone with a number of recorded files, made in a folder that is deleted
-// afterwards. Names are those of a music collection, 60 to 110 characters long, and the same in every run.
+// The books on which the benchmarks run, made in a folder that is deleted afterwards.
 #pragma once
 
 #include <cstddef>
 #include <filesystem>
 #include <string>
 
+#include "entries.h"
+
 namespace kesta::bench {
 
-enum class Letters { kAscii, kAny };
-
-struct File {
-    std::u16string path;
-    std::u16string basePath;
-    std::u16string phonePath;
-    double modified;           // as DateValue has it
-    std::string modifiedText;  // as the database has it
-};
-
-inline constexpr size_t kFilesPerFolder = 20;
 inline constexpr char16_t kImei[] = u"352099001761481";
-
-/// The n-th file of the collection.
-File MakeFile(size_t n, Letters letters);
-/// A file that is not in the collection yet, in a folder that is.
-File MakeNewFile(size_t n, size_t files, Letters letters);
-
-std::string Utf8(const std::u16string& text);
 
 /// A folder of its own below `place`, deleted with everything in it.
 class PrivateFolder {
@@ -44,22 +27,28 @@ private:
 /// Stops the program when a step of a benchmark did not do what it was to do: its time would mean nothing.
 void Require(bool condition, const char* what);
 
-/// Two equal databases of `files` files: one that the library opens, one for the bare statements.
+/// What the books of a scene are about. They have one phone and are otherwise empty.
+enum class Family { kMedia, kPlaylists, kBookmarks, kPim };
+inline constexpr Family kFamilies[] = {Family::kMedia, Family::kPlaylists, Family::kBookmarks, Family::kPim};
+
+/// Two equal databases with a number of entries: one that the library opens, one for the bare statements.
 class Scene {
 public:
-    Scene(const std::filesystem::path& place, size_t files, Letters letters);
+    Scene(const std::filesystem::path& place, Family family, size_t entries, Letters letters);
 
     [[nodiscard]] std::filesystem::path dataHome() const { return folder_.path() / "library"; }
     /// The library's database.
     [[nodiscard]] std::filesystem::path database() const;
     [[nodiscard]] std::filesystem::path bareDatabase() const { return folder_.path() / "bare.s3db"; }
-    [[nodiscard]] size_t files() const { return files_; }
-    [[nodiscard]] size_t folders() const { return (files_ + kFilesPerFolder - 1) / kFilesPerFolder; }
+    [[nodiscard]] Family family() const { return family_; }
+    /// Files, playlists, bookmarks, or contacts and the entries of a log of them.
+    [[nodiscard]] size_t entries() const { return entries_; }
     [[nodiscard]] Letters letters() const { return letters_; }
 
 private:
     PrivateFolder folder_;
-    size_t files_;
+    Family family_;
+    size_t entries_;
     Letters letters_;
 };
 

@@ -6,12 +6,19 @@ set -euo pipefail
 build=$(cd "$1" && pwd)
 failed=0
 
+# run PROGRAM LEAK-CHECK [ARGUMENTS...]: as many processes as there are processors share the program's tests.
 run() {
-    local program=$1 leaks=$2
+    local program=$1 leaks=$2 shards shard pids=()
     shift 2
+    shards=$(nproc)
     printf '\n== valgrind %s\n' "$program"
-    valgrind --quiet --error-exitcode=9 --leak-check="$leaks" --errors-for-leak-kinds=definite,indirect \
-        --show-leak-kinds=definite,indirect --num-callers=20 "$build/$program" --gtest_brief=1 "$@" || failed=1
+    for ((shard = 0; shard < shards; ++shard)); do
+        GTEST_TOTAL_SHARDS=$shards GTEST_SHARD_INDEX=$shard valgrind --quiet --error-exitcode=9 --leak-check="$leaks" \
+            --errors-for-leak-kinds=definite,indirect --show-leak-kinds=definite,indirect --num-callers=20 \
+            "$build/$program" --gtest_brief=1 "$@" &
+        pids+=($!)
+    done
+    for pid in "${pids[@]}"; do wait "$pid" || failed=1; done
 }
 
 run kesta_unit_tests full

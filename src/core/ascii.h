@@ -3,6 +3,8 @@
 // and memory checkers have nothing to object to.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -17,37 +19,41 @@ constexpr bool IsAscii(DbChar unit)
     return unit < 0x80;
 }
 
-/// Whether eight units are ASCII and neither `stop` nor `until`.
-inline bool IsPlainBlock(const DbChar* text, DbChar stop, DbChar until) noexcept
+inline constexpr size_t kNarrowedBlock = 8;
+
+/// Narrows eight units. Returns how many of them come before the first that is no ASCII, `stop` or `until`, which are
+/// ASCII themselves.
+inline size_t NarrowAsciiBlock(const DbChar* __restrict text, DbChar stop, DbChar until, char* __restrict out) noexcept
 {
-    constexpr uint64_t kEach = 0x0001000100010001;
-    constexpr uint64_t kHigh = 0x8000 * kEach;
-    static_assert(sizeof(DbChar) == sizeof(uint16_t));
+    static_assert(std::endian::native == std::endian::little && sizeof(DbChar) == sizeof(uint16_t));
+    for (size_t i = 0; i < kNarrowedBlock; ++i) out[i] = static_cast<char>(text[i]);
     uint64_t words[2];
     std::memcpy(words, text, sizeof words);
-    uint64_t other = 0;
-    for (const uint64_t word : words) {
-        // Zero where the unit is the one looked for. Taking 1 away sets a high bit that was clear only if there is a
-        // zero.
-        const uint64_t stops = word ^ (kEach * stop);
-        const uint64_t untils = word ^ (kEach * until);
-        other |= word & (0xFF80 * kEach);
-        other |= (((stops - kEach) & ~stops) | ((untils - kEach) & ~untils)) & kHigh;
-    }
-    return other == 0;
+    const uint64_t others[2] = {words[0] & 0xFF80FF80FF80FF80, words[1] & 0xFF80FF80FF80FF80};
+
+    constexpr uint64_t kEach = 0x0101010101010101;
+    uint64_t bytes = 0;
+    std::memcpy(&bytes, out, sizeof bytes);
+    // Zero where the byte is the one looked for. Taking 1 away sets a high bit that was clear only if there is a zero;
+    // what it sets wrongly lies above the first zero. A wider unit may be found too: it ends the text as well.
+    const uint64_t stops = bytes ^ (kEach * stop);
+    const uint64_t untils = bytes ^ (kEach * until);
+    const uint64_t found = (((stops - kEach) & ~stops) | ((untils - kEach) & ~untils)) & (0x80 * kEach);
+
+    if ((others[0] | others[1] | found) == 0) return kNarrowedBlock;
+    const int other = others[0] != 0 ? std::countr_zero(others[0]) : 64 + std::countr_zero(others[1]);
+    return static_cast<size_t>(std::min(other / 16, std::countr_zero(found) / 8));
 }
 
 /// Copies characters that are one byte in UTF-8 and in every ANSI code page, and stops after `length` of them or before
-/// the first other one, `stop` or `until`. Returns how many.
+/// the first other one, `stop` or `until`. Returns how many; behind them, within `length`, anything may be left.
 inline size_t CopyAscii(const DbChar* text, size_t length, DbChar stop, DbChar until, char* out) noexcept
 {
-    constexpr size_t kBlock = 8;
-    const auto narrowBlock = [](const DbChar* __restrict from, char* __restrict to) {
-        for (size_t i = 0; i < kBlock; ++i) to[i] = static_cast<char>(from[i]);
-    };
     size_t done = 0;
-    for (; length - done >= kBlock && IsPlainBlock(text + done, stop, until); done += kBlock) {
-        narrowBlock(text + done, out + done);
+    while (length - done >= kNarrowedBlock) {
+        const size_t plain = NarrowAsciiBlock(text + done, stop, until, out + done);
+        done += plain;
+        if (plain < kNarrowedBlock) return done;
     }
     for (; done < length; ++done) {
         const DbChar unit = text[done];

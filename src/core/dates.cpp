@@ -10,9 +10,11 @@ namespace {
 
 constexpr std::string_view kStoredForm = "0000-00-00 00:00:00";
 
-void WriteDigits(char* out, int value, int digits)
+void WriteTwo(char* out, int value)
 {
-    for (int i = digits; i-- > 0; value /= 10) out[i] = static_cast<char>('0' + value % 10);
+    const auto number = static_cast<unsigned>(value);  // cheaper to divide
+    out[0] = static_cast<char>('0' + number / 10);
+    out[1] = static_cast<char>('0' + number % 10);
 }
 
 /// Reads digits at fixed places and remembers whether anything else was among them.
@@ -47,12 +49,13 @@ DateText FormatDateTime(const DateValue& date) noexcept
     }
     result.length_ = kStoredForm.copy(result.text_, kStoredForm.size());
     char* text = result.text_;
-    WriteDigits(text, time.year, 4);
-    WriteDigits(text + 5, time.month, 2);
-    WriteDigits(text + 8, time.day, 2);
-    WriteDigits(text + 11, time.hour, 2);
-    WriteDigits(text + 14, time.minute, 2);
-    WriteDigits(text + 17, time.second, 2);
+    WriteTwo(text, time.year / 100);
+    WriteTwo(text + 2, time.year % 100);
+    WriteTwo(text + 5, time.month);
+    WriteTwo(text + 8, time.day);
+    WriteTwo(text + 11, time.hour);
+    WriteTwo(text + 14, time.minute);
+    WriteTwo(text + 17, time.second);
     return result;
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cassert>
 #include <charconv>
-#include <cstring>
 #include <new>
 
 #include "core/ascii.h"
@@ -31,16 +30,6 @@ Sql::Sql() : begin_(TheModule().takeStatementBuffer()), end_(begin_)
 Sql::~Sql()
 {
     TheModule().giveStatementBufferBack();
-}
-
-void Sql::literal(std::string_view text)
-{
-    if (text.size() > room()) {
-        tooLong_ = true;
-        return;
-    }
-    std::memcpy(end_, text.data(), text.size());
-    end_ += text.size();
 }
 
 /// Copies a text up to its end or `until`: what is ASCII as it is, `doubled` twice, and the rest through `narrow`.

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "core/dates.h"
@@ -44,7 +45,16 @@ public:
     }
 
     // How each kind of argument goes in; called by Format.
-    void literal(std::string_view text);
+    /// Inline, for the pieces of a format are short and of lengths that the compiler knows.
+    void literal(std::string_view text)
+    {
+        if (text.size() > room()) {
+            tooLong_ = true;
+            return;
+        }
+        std::memcpy(end_, text.data(), text.size());
+        end_ += text.size();
+    }
     void put(const Name& name) { literal(name.text); }
     void put(const DateText& date) { literal(date.view()); }
     void put(const Plain& text);

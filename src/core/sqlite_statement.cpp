@@ -23,9 +23,7 @@ constexpr size_t kShortText = 1024;
 std::string_view Utf8Column(sqlite3_stmt* statement, int column)
 {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-    if (text == nullptr) return {};
-    const std::string_view whole(text, static_cast<size_t>(sqlite3_column_bytes(statement, column)));
-    return whole.substr(0, whole.find('\0'));
+    return text != nullptr ? std::string_view(text) : std::string_view();
 }
 
 const DbChar* WideColumn(sqlite3_stmt* statement, int column)

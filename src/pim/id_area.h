@@ -45,7 +45,8 @@ private:
 /// The memory for the items of one call, told in the trace.
 class ItemSlots {
 public:
-    ItemSlots() : memory_(static_cast<int32_t*>(std::calloc(kSlots, sizeof(int32_t))))
+    // Not cleared: the C library would do it by hand when it takes the memory out of what was freed before.
+    ItemSlots() : memory_(static_cast<int32_t*>(std::malloc(kSlots * sizeof(int32_t))))
     {
         if (memory_ == nullptr) throw std::bad_alloc();
         TraceNew(memory_);

@@ -26,17 +26,24 @@ char32_t NextCodePoint(const DbChar*& text, const DbChar* end) noexcept
     return IsLead(unit) || IsTrail(unit) ? kReplacement : unit;
 }
 
+constexpr ptrdiff_t kMostBytes = 4;
+
+ptrdiff_t BytesOf(char32_t character) noexcept
+{
+    return character < 0x80 ? 1 : character < 0x800 ? 2 : character < 0x10000 ? 3 : kMostBytes;
+}
+
 }  // namespace
 
 size_t Utf8FromWide(const DbChar* text, size_t length, char* out, size_t room) noexcept
 {
     const DbChar* const end = text + length;
     char* const begin = out;
+    const char* const full = out + room;
     while (text != end) {
-        char bytes[4];
-        const char* last = utf8::unchecked::append(NextCodePoint(text, end), bytes);
-        if (static_cast<size_t>(out - begin) + static_cast<size_t>(last - bytes) > room) return kDoesNotFit;
-        for (const char* byte = bytes; byte != last; ++byte) *out++ = *byte;
+        const char32_t character = NextCodePoint(text, end);
+        if (full - out < kMostBytes && full - out < BytesOf(character)) return kDoesNotFit;
+        out = utf8::unchecked::append(character, out);
     }
     return static_cast<size_t>(out - begin);
 }
