@@ -118,64 +118,64 @@ int32_t SetDeletedFolder(const char* name, const Category& category, const DbCha
 using namespace kesta;
 
 // Only stamps out the names that must exist.
-#define CATEGORY_EXPORTS(FAMILY, kCategory)                                                                          \
-    int32_t DB_##FAMILY##_AddFolder(const DbChar* imei, const FolderRecord* folder)                                  \
-    {                                                                                                                \
-        return category::AddFolder("DB_" #FAMILY "_AddFolder", kCategory, imei, folder);                             \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_ClearAll(const DbChar* imei)                                                               \
-    {                                                                                                                \
-        return category::ClearAll("DB_" #FAMILY "_ClearAll", kCategory, imei);                                       \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_GetFolders(const DbChar* imei, FolderList* list)                                           \
-    {                                                                                                                \
-        return category::GetFolders("DB_" #FAMILY "_GetFolders", kCategory, imei, list);                             \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_GetFolder(const DbChar* imei, const DbChar* path, FolderRecord* folder)                    \
-    {                                                                                                                \
-        return category::GetFolder("DB_" #FAMILY "_GetFolder", kCategory, imei, path, folder);                       \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_IsFolderSelected(const DbChar* imei, const DbChar* path)                                   \
-    {                                                                                                                \
-        return category::IsFolderSelected("DB_" #FAMILY "_IsFolderSelected", kCategory, imei, path);                 \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_SetFolderSelected(const DbChar* imei, const DbChar* path, int32_t selected)                \
-    {                                                                                                                \
-        return category::SetFolderSelected("DB_" #FAMILY "_SetFolderSelected", kCategory, imei, path, selected);     \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_IsFolderDeleted(const DbChar* imei, const DbChar* path)                                    \
-    {                                                                                                                \
-        return category::IsFolderDeleted("DB_" #FAMILY "_IsFolderDeleted", kCategory, imei, path);                   \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_SetFolderDeleted(const DbChar* imei, const DbChar* path, int32_t deleted)                  \
-    {                                                                                                                \
-        return category::SetFolderDeleted("DB_" #FAMILY "_SetFolderDeleted", kCategory, imei, path, deleted);        \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_IsSyncedFile(const DbChar* imei, const DbChar* path, SyncedFileRecord* file)               \
-    {                                                                                                                \
-        return IsSyncedFile("DB_" #FAMILY "_IsSyncedFile", kCategory.fileView, imei, path, file);                    \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_GetSyncedFiles(const DbChar* imei, const DbChar* folder, SyncedFileList* list)             \
-    {                                                                                                                \
-        return category::GetSyncedFiles("DB_" #FAMILY "_GetSyncedFiles", kCategory, imei, folder, list);             \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_SetAddedFile(const DbChar* imei, const SyncedFileRecord* file)                             \
-    {                                                                                                                \
-        return RecordFile("DB_" #FAMILY "_SetAddedFile", DB_INTERNAL_SetAddedFile, kCategory.fileTable, imei, file); \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_SetDeletedFile(const DbChar* imei, const SyncedFileRecord* file)                           \
-    {                                                                                                                \
-        return RecordFile("DB_" #FAMILY "_SetDeletedFile", DB_INTERNAL_SetDeletedFile, kCategory.fileTable, imei,    \
-                          file);                                                                                     \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_SetUpdatedFile(const DbChar* imei, const SyncedFileRecord* file)                           \
-    {                                                                                                                \
-        return RecordFile("DB_" #FAMILY "_SetUpdatedFile", DB_INTERNAL_SetUpdatedFile, kCategory.fileTable, imei,    \
-                          file);                                                                                     \
-    }                                                                                                                \
-    int32_t DB_##FAMILY##_SetDeletedFolder(const DbChar* imei, const DbChar* path)                                   \
-    {                                                                                                                \
-        return category::SetDeletedFolder("DB_" #FAMILY "_SetDeletedFolder", kCategory, imei, path);                 \
+#define CATEGORY_EXPORTS(FAMILY, kCategory)                                                                            \
+    int32_t DB_##FAMILY##_AddFolder(const DbChar* imei, const FolderRecord* folder)                                    \
+    {                                                                                                                  \
+        return category::AddFolder("DB_" #FAMILY "_AddFolder", kCategory, imei, folder);                               \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_ClearAll(const DbChar* imei)                                                                 \
+    {                                                                                                                  \
+        return category::ClearAll("DB_" #FAMILY "_ClearAll", kCategory, imei);                                         \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_GetFolders(const DbChar* imei, FolderList* list)                                             \
+    {                                                                                                                  \
+        return category::GetFolders("DB_" #FAMILY "_GetFolders", kCategory, imei, list);                               \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_GetFolder(const DbChar* imei, const DbChar* path, FolderRecord* folder)                      \
+    {                                                                                                                  \
+        return category::GetFolder("DB_" #FAMILY "_GetFolder", kCategory, imei, path, folder);                         \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_IsFolderSelected(const DbChar* imei, const DbChar* path)                                     \
+    {                                                                                                                  \
+        return category::IsFolderSelected("DB_" #FAMILY "_IsFolderSelected", kCategory, imei, path);                   \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_SetFolderSelected(const DbChar* imei, const DbChar* path, int32_t selected)                  \
+    {                                                                                                                  \
+        return category::SetFolderSelected("DB_" #FAMILY "_SetFolderSelected", kCategory, imei, path, selected);       \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_IsFolderDeleted(const DbChar* imei, const DbChar* path)                                      \
+    {                                                                                                                  \
+        return category::IsFolderDeleted("DB_" #FAMILY "_IsFolderDeleted", kCategory, imei, path);                     \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_SetFolderDeleted(const DbChar* imei, const DbChar* path, int32_t deleted)                    \
+    {                                                                                                                  \
+        return category::SetFolderDeleted("DB_" #FAMILY "_SetFolderDeleted", kCategory, imei, path, deleted);          \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_IsSyncedFile(const DbChar* imei, const DbChar* path, SyncedFileRecord* file)                 \
+    {                                                                                                                  \
+        return IsSyncedFile("DB_" #FAMILY "_IsSyncedFile", (kCategory).fileView, imei, path, file);                    \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_GetSyncedFiles(const DbChar* imei, const DbChar* folder, SyncedFileList* list)               \
+    {                                                                                                                  \
+        return category::GetSyncedFiles("DB_" #FAMILY "_GetSyncedFiles", kCategory, imei, folder, list);               \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_SetAddedFile(const DbChar* imei, const SyncedFileRecord* file)                               \
+    {                                                                                                                  \
+        return RecordFile("DB_" #FAMILY "_SetAddedFile", DB_INTERNAL_SetAddedFile, (kCategory).fileTable, imei, file); \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_SetDeletedFile(const DbChar* imei, const SyncedFileRecord* file)                             \
+    {                                                                                                                  \
+        return RecordFile("DB_" #FAMILY "_SetDeletedFile", DB_INTERNAL_SetDeletedFile, (kCategory).fileTable, imei,    \
+                          file);                                                                                       \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_SetUpdatedFile(const DbChar* imei, const SyncedFileRecord* file)                             \
+    {                                                                                                                  \
+        return RecordFile("DB_" #FAMILY "_SetUpdatedFile", DB_INTERNAL_SetUpdatedFile, (kCategory).fileTable, imei,    \
+                          file);                                                                                       \
+    }                                                                                                                  \
+    int32_t DB_##FAMILY##_SetDeletedFolder(const DbChar* imei, const DbChar* path)                                     \
+    {                                                                                                                  \
+        return category::SetDeletedFolder("DB_" #FAMILY "_SetDeletedFolder", kCategory, imei, path);                   \
     }
 
 extern "C" {
