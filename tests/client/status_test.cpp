@@ -22,7 +22,8 @@ TEST_F(StatusTest, UnknownImei_IsAnError)
 {
     for (const auto& arguments : {std::vector<std::string>{"status", "--imei", "999"},
                                   {"status", "--imei", "999", "--json"},
-                                  {"files", "--imei", "999", "--category", "music"}}) {
+                                  {"files", "--imei", "999", "--category", "music"},
+                                  {"files", "--imei", "999", "--category", "log", "--json"}}) {
         const Ended run = client(arguments);
         EXPECT_EQ(run.exitCode, 1);
         EXPECT_THAT(run.err, HasSubstr("no phone with the IMEI 999 is known"));
@@ -115,7 +116,7 @@ TEST_F(StatusTest, Files_CanBeLimitedToAFolder)
 TEST_F(StatusTest, Help_HasExamplesAndExitCodes)
 {
     EXPECT_EQ(client({"--help"}).exitCode, 0);
-    for (const char* command : {"sync", "status", "files", "trace"}) {
+    for (const char* command : {"sync", "status", "files", "why", "settings", "trace"}) {
         const Ended run = client({command, "--help"});
         EXPECT_EQ(run.exitCode, 0);
         EXPECT_THAT(run.out, HasSubstr("Examples:\n  kesta " + std::string(command)));
@@ -130,7 +131,10 @@ TEST_F(StatusTest, MistakesOnTheCommandLine_AreUsageErrors)
                                   {"sync"},
                                   {"sync", "--phone", phone(), "stray"},
                                   {"files", "--imei", "1", "--category", "songs"},
-                                  {"files", "--category", "music"}}) {
+                                  {"files", "--category", "music"},
+                                  {"settings", "auto_sync=yes"},
+                                  {"settings", "--imei", "1", "--select"},
+                                  {"why"}}) {
         const Ended run = client(arguments);
         EXPECT_EQ(run.exitCode, 2) << testing::PrintToString(arguments);
         EXPECT_THAT(run.err, HasSubstr("Try kesta --help"));

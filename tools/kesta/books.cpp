@@ -4,12 +4,18 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 
-#include "text.h"
+#include "books/calls.h"
+#include "books/settings_record.h"
 
 namespace kesta {
 namespace {
+
+using calls::kNoPhone;
+using calls::OwnedList;
+using calls::OwnedSettings;
+using calls::ReadList;
+using calls::Text;
 
 struct Family {
     const char* name;
@@ -36,52 +42,6 @@ const Family& FamilyOf(Category category)
 }
 #undef KESTA_FAMILY
 
-// Asking for something of a phone that does not exist makes the library take back what the record holds.
-constexpr DbChar kNoPhone[] = {'n', 'o', ' ', 'p', 'h', 'o', 'n', 'e', 0};
-
-// A list record that gives its contents back.
-template <class List>
-class OwnedList {
-public:
-    explicit OwnedList(std::function<void(List*)> release) : release_(std::move(release)) {}
-    OwnedList(const OwnedList&) = delete;
-    OwnedList& operator=(const OwnedList&) = delete;
-    ~OwnedList()
-    {
-        if (list_.Items != nullptr) release_(&list_);
-    }
-    [[nodiscard]] List* get() { return &list_; }
-    [[nodiscard]] auto begin() const { return list_.Items; }
-    [[nodiscard]] auto end() const { return list_.Items + list_.Count; }
-    [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(list_.Count); }
-
-private:
-    List list_{0, nullptr};
-    std::function<void(List*)> release_;
-};
-
-DbText Text(const std::string& utf8)
-{
-    auto text = ToDbText(utf8);
-    if (!text) throw BooksError(fmt::format("'{}' is not valid text", Printable(utf8)));
-    return *std::move(text);
-}
-
-[[noreturn]] void Fail(std::string_view call, std::int32_t code)
-{
-    throw BooksError(fmt::format("{} failed: {}", call, ResultText(code)));
-}
-
-// Another process may add a row between the library's count and its query; the list is then asked for again.
-template <class Call>
-void ReadList(std::string_view call, const Call& read)
-{
-    constexpr std::int32_t kOneRowTooMany = 100;
-    std::int32_t code = read();
-    for (int again = 0; code == kOneRowTooMany && again < 10; ++again) code = read();
-    if (code != 0) Fail(call, code);
-}
-
 PhoneSettings ToSettings(const PhoneSettingRecord& record)
 {
     PhoneSettings phone;
@@ -91,6 +51,10 @@ PhoneSettings ToSettings(const PhoneSettingRecord& record)
     phone.docPath = FromDbText(record.DocPath);
     phone.wifiMac = FromDbText(record.WifiMAC);
     phone.calendarPeriodText = FromDbText(record.CalPeriodStr);
+    phone.contactFolder = FromDbText(record.ContactFolderId);
+    phone.calendarFolder = FromDbText(record.CalendarFolderId);
+    phone.contactProfile = FromDbText(record.ContactProfile);
+    phone.calendarProfile = FromDbText(record.CalendarProfile);
     phone.autoSync = record.AutoSync != 0;
     phone.autoBackup = record.AutoBackup != 0;
     phone.allowWifi = record.AllowWifi != 0;
@@ -112,28 +76,6 @@ PhoneSettings ToSettings(const PhoneSettingRecord& record)
     phone.needMount = record.NeedMount != 0;
     return phone;
 }
-
-// A settings record that gives its texts back.
-class OwnedSettings {
-public:
-    OwnedSettings() = default;
-    OwnedSettings(const OwnedSettings&) = delete;
-    OwnedSettings& operator=(const OwnedSettings&) = delete;
-    ~OwnedSettings()
-    {
-        if (filled_) (void)DB_LIB_GetPhoneSetting(kNoPhone, &record_);  // Answers 1 after it has emptied the record.
-    }
-    [[nodiscard]] bool read(const std::string& imei)
-    {
-        filled_ = true;
-        return DB_LIB_GetPhoneSetting(Text(imei).c_str(), &record_) == 0;
-    }
-    [[nodiscard]] const PhoneSettingRecord& record() const { return record_; }
-
-private:
-    PhoneSettingRecord record_{};
-    bool filled_ = false;
-};
 
 // The library only reads the texts of a record that the caller fills; its fields are not const because it also
 // hands such records out.
@@ -221,21 +163,15 @@ void Books::rename(const std::string& imei, const std::string& name)
     OwnedSettings settings;
     if (!settings.read(imei)) throw BooksError("DB_LIB_GetPhoneSetting failed: the phone's settings cannot be read");
     DbText newName = Text(name);
-    PhoneSettingRecord record = settings.record();
+    PhoneSettingRecord record = settings.unchanged();
     record.Name = newName.data();
-    // Null leaves the column as it is, and a date that was never set must not become the text of an invalid one.
-    record.PhotoPath = record.DocPath = record.WifiMAC = record.CalPeriodStr = nullptr;
-    record.ContactFolderId = record.CalendarFolderId = record.ContactProfile = record.CalendarProfile = nullptr;
-    for (DateValue* date : {&record.CalStart, &record.CalEnd})
-        if (date->Status != kDateValid) *date = {0.0, kDateNull};
-    if (const std::int32_t code = DB_LIB_SetPhoneSetting(&record); code != 0) Fail("DB_LIB_SetPhoneSetting", code);
+    calls::Require("DB_LIB_SetPhoneSetting", DB_LIB_SetPhoneSetting(&record));
 }
 
 std::optional<LocalTime> Books::lastSync(const std::string& imei)
 {
     DateValue time{0.0, kDateNull};
-    if (const std::int32_t code = DB_LIB_GetLastSyncTime(Text(imei).c_str(), &time); code != 0)
-        Fail("DB_LIB_GetLastSyncTime", code);
+    calls::Require("DB_LIB_GetLastSyncTime", DB_LIB_GetLastSyncTime(Text(imei).c_str(), &time));
     return FromDateValue(time);
 }
 
@@ -252,14 +188,7 @@ std::vector<RecordedFolder> Books::folders(const std::string& imei, Category cat
     OwnedList<FolderList> list([&](FolderList* record) { (void)family.getFolders(kNoPhone, record); });
     const DbText phone = Text(imei);
     ReadList(fmt::format("{}_GetFolders", family.name), [&] { return family.getFolders(phone.c_str(), list.get()); });
-    std::vector<RecordedFolder> folders;
-    folders.reserve(list.size());
-    for (const FolderRecord& record : list) {
-        folders.push_back({record.RowId, FromDbText(record.Path), record.Count, record.Size, record.TotalSize,
-                           record.Selected != 0, record.Deleted != 0, record.Sized != 0,
-                           FromDateValue(record.AddTime)});
-    }
-    return folders;
+    return calls::ToFolders(list);
 }
 
 std::vector<RecordedFile> Books::files(const std::string& imei, Category category)

@@ -1,4 +1,5 @@
-// The library's exports with owners for what they hand out and UTF-8 for their texts. The only file that calls them.
+// The library's exports with owners for what they hand out and UTF-8 for their texts: the opening of the books, phones
+// and media. The other families stand in books/; nothing else calls exports.
 #pragma once
 
 #include <kesta_db/kesta_db.h>
@@ -22,6 +23,7 @@ public:
 
 struct PhoneSettings {
     std::string imei, name, photoPath, docPath, wifiMac, calendarPeriodText;
+    std::string contactFolder, calendarFolder, contactProfile, calendarProfile;
     bool autoSync = false, autoBackup = false, allowWifi = false;
     std::int32_t contactPreferSide = 0, calendarPreferSide = 0;
     std::int32_t contactProgram = 0, calendarProgram = 0, calendarPeriod = 0;

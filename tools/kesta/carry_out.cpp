@@ -5,6 +5,7 @@
 #include "copy_file.h"
 #include "journal.h"
 #include "os/system.h"
+#include "phone_failure.h"
 #include "text.h"
 
 namespace kesta {
@@ -14,6 +15,47 @@ constexpr std::int32_t kRecordedAlready = 19;
 constexpr std::int32_t kStatementTooLong = 18;
 
 }  // namespace
+
+std::int32_t MediaRecords::add(const Action& action)
+{
+    return books_.addFile(imei_, action.category, action.file);
+}
+
+std::int32_t MediaRecords::update(const Action& action)
+{
+    return books_.updateFile(imei_, action.category, action.file);
+}
+
+std::int32_t MediaRecords::remove(const Action& action)
+{
+    return books_.removeFile(imei_, action.category, action.file.path);
+}
+
+bool MediaRecords::holds(const Action& action)
+{
+    return books_.isRecorded(imei_, action.category, action.file);
+}
+
+void Foretell(const std::vector<CategoryPlan>& plans, bool quiet, Progress& progress, Summary& summary)
+{
+    const auto foretell = [&](const char* verb, const Action& action, std::size_t& count) {
+        ++count;
+        const std::string& place = action.file.phonePath.empty() ? action.file.path : action.file.phonePath;
+        if (!quiet) progress.say(fmt::format("{:<9} {}", verb, Printable(place)));
+    };
+    for (const CategoryPlan& plan : plans) {
+        for (const Action& action : plan.removals) foretell("remove", action, summary.removed);
+        for (const Action& action : plan.copies) {
+            if (action.kind == ActionKind::kAdopt) {
+                foretell("record", action, summary.adopted);
+                continue;
+            }
+            const bool isUpdate = action.kind == ActionKind::kUpdate;
+            foretell(isUpdate ? "update" : "copy", action, isUpdate ? summary.updated : summary.copied);
+            summary.bytes += action.size;
+        }
+    }
+}
 
 void CarryOut::run(const std::vector<CategoryPlan>& plans)
 {
@@ -60,7 +102,7 @@ void CarryOut::remove(const Action& action)
         if (os::Status status = phone_.tidyAbove(place); !status.ok())
             summary_.fail(place, "the empty folder above it cannot be removed from the phone: " + status.text());
     }
-    if (const std::int32_t code = books_.removeFile(imei_, action.category, action.file.path); code != 0) {
+    if (const std::int32_t code = records_.remove(action); code != 0) {
         summary_.fail(action.file.path, "it cannot be taken out of the books: " + ResultText(code));
         return summary_.stopWith(ExitCode::kBooks, "the books cannot be written");
     }
@@ -70,11 +112,12 @@ void CarryOut::remove(const Action& action)
 
 void CarryOut::copyAll(const std::vector<CategoryPlan>& plans)
 {
-    std::size_t files = 0;
-    for (const CategoryPlan& plan : plans) files += plan.copies.size();
-    if (files == 0) return;
+    std::vector<std::string> places;
+    for (const CategoryPlan& plan : plans)
+        for (const Action& action : plan.copies) places.push_back(action.file.phonePath);
+    if (places.empty()) return;
     if (!summary_.stopped()) {
-        if (os::Status status = WriteJournal(phone_, plans); !status.ok()) {
+        if (os::Status status = WriteJournal(phone_, places); !status.ok()) {
             summary_.fail(std::string(kJournalName), "it cannot be written to the phone: " + status.text());
             stopOnPhoneFailure(status, std::string(kJournalName));
             summary_.stopWith(ExitCode::kFailure, "the phone cannot be written");
@@ -143,13 +186,13 @@ void CarryOut::copyContents(const Action& action)
 void CarryOut::record(const Action& action)
 {
     std::int32_t code = 0;
-    if (action.kind != ActionKind::kUpdate) code = books_.addFile(imei_, action.category, action.file);
-    if (action.kind == ActionKind::kUpdate) code = books_.updateFile(imei_, action.category, action.file);
+    if (action.kind != ActionKind::kUpdate) code = records_.add(action);
+    if (action.kind == ActionKind::kUpdate) code = records_.update(action);
     // Recorded in the meantime by somebody else, as a rule: what counts is what lies on the phone now. But the row can
     // also have been refused for another reason, and updating a row that is not there succeeds.
     if (code == kRecordedAlready) {
-        const std::int32_t updated = books_.updateFile(imei_, action.category, action.file);
-        if (updated != 0 || books_.isRecorded(imei_, action.category, action.file)) code = updated;
+        const std::int32_t updated = records_.update(action);
+        if (updated != 0 || records_.holds(action)) code = updated;
     }
     if (code == 0) {
         const bool isUpdate = action.kind == ActionKind::kUpdate;
@@ -172,11 +215,8 @@ void CarryOut::record(const Action& action)
 
 void CarryOut::stopOnPhoneFailure(const os::Status& status, const std::string& path)
 {
-    if (!phone_.isStillThere()) return summary_.stopWith(ExitCode::kPhoneGone, "the phone went away");
-    if (status.failure() == os::Failure::kFull) return summary_.stopWith(ExitCode::kPhoneFull, "the phone is full");
-    if (status.failure() == os::Failure::kReadOnly)
-        return summary_.stopWith(ExitCode::kPhoneReadOnly, "the phone is read-only");
-    progress_.endFile("failed", path, 0);
+    StopOnPhoneFailure(phone_, status, summary_);
+    if (!summary_.stopped()) progress_.endFile("failed", path, 0);
 }
 
 }  // namespace kesta

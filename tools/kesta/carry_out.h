@@ -12,10 +12,38 @@
 
 namespace kesta {
 
+/// Where the books keep what is carried out. The methods return the library's codes.
+class FileRecords {
+public:
+    virtual ~FileRecords() = default;
+    [[nodiscard]] virtual std::int32_t add(const Action& action) = 0;
+    [[nodiscard]] virtual std::int32_t update(const Action& action) = 0;
+    [[nodiscard]] virtual std::int32_t remove(const Action& action) = 0;
+    /// Whether exactly this is recorded. For doubtful cases only.
+    [[nodiscard]] virtual bool holds(const Action& action) = 0;
+};
+
+/// The files of the media folders.
+class MediaRecords : public FileRecords {
+public:
+    MediaRecords(Books& books, std::string imei) : books_(books), imei_(std::move(imei)) {}
+    [[nodiscard]] std::int32_t add(const Action& action) override;
+    [[nodiscard]] std::int32_t update(const Action& action) override;
+    [[nodiscard]] std::int32_t remove(const Action& action) override;
+    [[nodiscard]] bool holds(const Action& action) override;
+
+private:
+    Books& books_;
+    std::string imei_;
+};
+
+/// Says and counts what carrying the plans out would do.
+void Foretell(const std::vector<CategoryPlan>& plans, bool quiet, Progress& progress, Summary& summary);
+
 class CarryOut {
 public:
-    CarryOut(Books& books, std::string imei, PhoneFolder& phone, Progress& progress, Summary& summary)
-        : books_(books), imei_(std::move(imei)), phone_(phone), progress_(progress), summary_(summary)
+    CarryOut(FileRecords& records, PhoneFolder& phone, Progress& progress, Summary& summary)
+        : records_(records), phone_(phone), progress_(progress), summary_(summary)
     {
     }
 
@@ -32,8 +60,7 @@ private:
     [[nodiscard]] bool mayGoOn();
     void stopOnPhoneFailure(const os::Status& status, const std::string& path);
 
-    Books& books_;
-    std::string imei_;
+    FileRecords& records_;
     PhoneFolder& phone_;
     Progress& progress_;
     Summary& summary_;

@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
 # Shows a sync of real files in books of its own, which are gone afterwards.
 #
-# Without arguments it gathers documents, pictures and sounds of this system, syncs them to a folder that plays the phone,
-# syncs again, then changes and removes a file. Arguments go on to "kesta sync"; folders named there are synced instead,
-# twice, and nothing in them is touched. KESTA names the client.
+# Without arguments it gathers documents, pictures and sounds of this system, makes playlists, bookmarks, contacts and a
+# calendar, syncs it all to a folder that plays the phone, syncs again, then changes some of it. Arguments go on to
+# "kesta sync"; what is named there is synced instead, twice, and nothing in it is touched. KESTA names the client.
 set -euo pipefail
 : "${KESTA:?names the client to show}"
+KESTA=$(realpath "$KESTA")
+samples_script=$(realpath "$(dirname "$0")")/demo_samples.sh
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/kesta-demo.XXXXXX")
 trap 'rm -rf "$work"' EXIT
@@ -27,6 +29,14 @@ sync() {
     printf ' %q' "$@"
     printf '\n'
     "$KESTA" sync "${sync_options[@]}" "$@" || failures=1
+}
+
+# What the user would type, and what comes of it.
+show() {
+    printf '$ kesta'
+    printf ' %q' "$@"
+    printf '\n'
+    "$KESTA" "$@" || failures=1
 }
 
 show_status() {
@@ -56,7 +66,9 @@ demo_of_own_files() {
     for argument in "$@"; do
         case "$argument" in
             --phone | --phone=*) has_phone=yes ;;
-            --music | --music=* | --images | --images=* | --videos | --videos=* | --documents | --documents=*)
+            --music | --music=* | --images | --images=* | --videos | --videos=* | --documents | --documents=* | \
+                --playlists | --playlists=* | --bookmarks | --bookmarks=* | --contacts | --contacts=* | \
+                --calendar | --calendar=*)
                 has_folders=yes
                 ;;
         esac
@@ -67,7 +79,8 @@ demo_of_own_files() {
     fi
     if [ $has_folders = no ]; then
         gather_system_files
-        arguments+=("${system_folders[@]}")
+        make_samples
+        arguments+=("${system_folders[@]}" "${samples[@]}")
     fi
     step "First sync"
     sync "${arguments[@]}"
@@ -98,9 +111,24 @@ gather_system_files() {
     done
 }
 
+samples=()
+make_samples() {
+    local sounds=()
+    [ ! -d "$work/pc/Sounds" ] || mapfile -t sounds < <(find "$work/pc/Sounds" -type f | sort | sed -n 1,3p)
+    "$samples_script" "$work/pc" "${sounds[@]}"
+    samples=(--playlists "$work/pc/Playlists" --bookmarks "$work/pc/bookmarks.html"
+        --contacts "$work/pc/friends.vcf" --calendar "$work/pc/home.ics")
+    printf 'Made for the demo: 2 playlists, 4 bookmarks, 3 contacts, 3 calendar entries\n'
+}
+
 demo_of_system_files() {
     gather_system_files
-    local arguments=(--phone "$work/phone" --name "Demo phone" "${system_folders[@]}")
+    make_samples
+    local imei=004999010640000
+    local families=("${system_folders[@]}" "${samples[@]}")
+    # From here on the commands are as short as a user would type them.
+    cd "$work"
+    local arguments=(--phone phone --imei $imei --name "Demo phone" "${families[@]#"$work/"}")
 
     step "First sync: everything is new"
     sync "${arguments[@]}"
@@ -109,18 +137,34 @@ demo_of_system_files() {
     sync "${arguments[@]}"
 
     local changed removed
-    changed=$(find "$work/pc" -type f | sort | sed -n 1p)
-    removed=$(find "$work/pc" -type f | sort | sed -n 2p)
-    step "One file changes and another one goes"
-    printf 'changed  %s\nremoved  %s\n' "${changed#"$work/pc/"}" "${removed#"$work/pc/"}"
+    changed=$(find pc/Documents pc/Pictures -type f 2>/dev/null | sort | sed -n 1p)
+    removed=$(find pc/Documents pc/Pictures -type f 2>/dev/null | sort | sed -n 2p)
+    step "One file changes, one goes, a song leaves a playlist, a contact has a new address, a bookmark is added"
+    printf 'changed  %s\nremoved  %s\n' "$changed" "$removed"
     printf 'one more line\n' >>"$changed"
     rm -f "$removed"
+    sed -i '/high\.wav/d' pc/Playlists/Favourites.m3u8
+    sed -i 's/ann@example\.com/ann@example.org/' pc/friends.vcf
+    sed -i 's|^</DL><p>$|    <DT><A HREF="https://news.example.com/">News</A>\n</DL><p>|' pc/bookmarks.html
+    mkdir Backups
 
-    step "Third sync: one update, one removal"
-    sync "${arguments[@]}"
+    step "Third sync: only that is done, and the phone is backed up"
+    sync "${arguments[@]}" --backup Backups
     show_status
-    printf 'The phone holds %d files, among them:\n' "$(find "$work/phone" -type f ! -name '.kesta-*' | wc -l)"
-    find "$work/phone" -type f ! -name '.kesta-*' -printf '  %P\n' | sort | awk 'NR % 60 == 1'
+
+    step "What is recorded of playlists and contacts"
+    show files --imei $imei --category playlists
+    show files --imei $imei --category contacts
+
+    step "Why a file is on the phone, or is not"
+    show why "$changed"
+    show why "$removed"
+    show why pc/Tones/low.wav
+
+    step "Pictures are no longer wanted on this phone: a sync leaves them as they are"
+    show settings --imei $imei select.gallery=no
+    sync --phone phone --images pc/Pictures
+    printf '\nThe phone holds %d files.\n' "$(find phone -type f ! -name '.kesta-*' | wc -l)"
 }
 
 if [ $# -gt 0 ]; then
@@ -128,4 +172,5 @@ if [ $# -gt 0 ]; then
 else
     demo_of_system_files
 fi
+[ $failures -ne 0 ] || printf '\nEverything has gone well.\n'
 exit $failures

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "names.h"
+#include "phone_layout.h"
 
 namespace kesta {
 namespace {
@@ -17,16 +18,16 @@ std::string JournalPath(const PhoneFolder& phone)
 
 bool IsPlace(const std::string& line)
 {
-    return std::any_of(kCategories.begin(), kCategories.end(), [&](Category c) { return IsPhonePath(line, c); });
+    return IsPhonePath(line, kPlaylistFolder) || IsPhonePath(line, kBookmarkFolder) ||
+           std::any_of(kCategories.begin(), kCategories.end(), [&](Category c) { return IsPhonePath(line, c); });
 }
 
 }  // namespace
 
-os::Status WriteJournal(const PhoneFolder& phone, const std::vector<CategoryPlan>& plans)
+os::Status WriteJournal(const PhoneFolder& phone, const std::vector<std::string>& places)
 {
     std::string text;
-    for (const CategoryPlan& plan : plans)
-        for (const Action& action : plan.copies) text += action.file.phonePath + '\n';
+    for (const std::string& place : places) text += place + '\n';
     return os::WriteText(JournalPath(phone), phone.native(std::string(kTemporaryName)), text);
 }
 

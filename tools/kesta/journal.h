@@ -20,7 +20,7 @@ struct Leftovers {
 };
 
 /// Replaces the journal.
-os::Status WriteJournal(const PhoneFolder& phone, const std::vector<CategoryPlan>& plans);
+os::Status WriteJournal(const PhoneFolder& phone, const std::vector<std::string>& places);
 os::Status RemoveJournal(const PhoneFolder& phone);
 
 /// What a killed run has left behind. recordedPlaces: the phone paths of all recorded files.

@@ -1,4 +1,4 @@
-// kesta: copies media folders to a phone and shows the books about it.
+// kesta: brings a phone up to date with the PC and shows the books about it.
 
 #include <cstdio>
 #include <exception>
@@ -16,6 +16,8 @@ struct Runner {
     kesta::ExitCode operator()(const kesta::SyncOptions& options) const { return kesta::RunSync(options); }
     kesta::ExitCode operator()(const kesta::StatusOptions& options) const { return kesta::RunStatus(options); }
     kesta::ExitCode operator()(const kesta::FilesOptions& options) const { return kesta::RunFiles(options); }
+    kesta::ExitCode operator()(const kesta::WhyOptions& options) const { return kesta::RunWhy(options); }
+    kesta::ExitCode operator()(const kesta::SettingsOptions& options) const { return kesta::RunSettings(options); }
     kesta::ExitCode operator()(const kesta::TraceOptions&) const { return kesta::RunTrace(); }
 };
 

@@ -109,8 +109,13 @@ std::vector<std::string> SplitPath(std::string_view path)
 
 bool IsPhonePath(std::string_view path, Category category)
 {
+    return IsPhonePath(path, PhoneFolderOf(category));
+}
+
+bool IsPhonePath(std::string_view path, std::string_view folder)
+{
+    if (!path.starts_with(folder) || !path.substr(folder.size()).starts_with('/')) return false;
     const auto parts = SplitPath(path);
-    if (parts.size() < 2 || parts.front() != PhoneFolderOf(category)) return false;
     return std::all_of(parts.begin(), parts.end(), [](const std::string& part) {
         return !part.empty() && part != "." && part != ".." && IsValidUtf8(part) && SafeName(part) == part;
     });

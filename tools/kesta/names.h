@@ -25,5 +25,7 @@ inline constexpr std::string_view kTemporaryName = ".kesta-part";
 [[nodiscard]] std::vector<std::string> SplitPath(std::string_view path);
 /// Whether the path lies below the category's folder and names nothing outside of it, whoever wrote it down.
 [[nodiscard]] bool IsPhonePath(std::string_view path, Category category);
+/// The same for any other folder of the phone.
+[[nodiscard]] bool IsPhonePath(std::string_view path, std::string_view folder);
 
 }  // namespace kesta

@@ -13,12 +13,6 @@ namespace {
 // FAT keeps times to two seconds only.
 constexpr std::int64_t kTimeTolerance = 2;
 
-bool IsSameFile(const PhoneFile& there, const ScannedFile& file)
-{
-    return there.entry == PhoneEntry::kFile && there.size == file.size &&
-           std::abs(there.modifiedSeconds - file.modified.seconds) <= kTimeTolerance;
-}
-
 std::string NameForRoot(const std::string& folder)
 {
     const std::string name = os::NameOf(folder);
@@ -28,7 +22,13 @@ std::string NameForRoot(const std::string& folder)
 
 }  // namespace
 
-bool PhoneNames::reserve(const std::string& phonePath)
+bool IsSameFile(const PhoneFile& there, std::uint64_t size, std::int64_t modifiedSeconds)
+{
+    return there.entry == PhoneEntry::kFile && there.size == size &&
+           std::abs(there.modifiedSeconds - modifiedSeconds) <= kTimeTolerance;
+}
+
+bool PhonePlaces::reserve(const std::string& phonePath)
 {
     const std::string key = CaseKey(phonePath);
     if (folders_.contains(key) || !files_.insert(key).second) return false;
@@ -37,12 +37,12 @@ bool PhoneNames::reserve(const std::string& phonePath)
     return true;
 }
 
-void PhoneNames::free(const std::string& phonePath)
+void PhonePlaces::free(const std::string& phonePath)
 {
     freed_.insert(CaseKey(phonePath));
 }
 
-bool PhoneNames::isReserved(const std::string& phonePath) const
+bool PhonePlaces::isReserved(const std::string& phonePath) const
 {
     return files_.contains(CaseKey(phonePath));
 }
@@ -77,7 +77,7 @@ void PhoneNames::chooseRoots(const PlanInput& input)
     }
 }
 
-std::string PhoneNames::allocateFolder(const std::string& parent, const std::string& name)
+std::string PhonePlaces::allocateFolder(const std::string& parent, const std::string& name)
 {
     std::string path = parent + '/' + name;
     for (unsigned attempt = 0;; ++attempt) {
@@ -92,10 +92,10 @@ std::string PhoneNames::allocateFolder(const std::string& parent, const std::str
     }
 }
 
-PhoneNames::Place PhoneNames::allocate(const std::string& folder, const ScannedFile& file)
+PhonePlaces::Place PhonePlaces::allocate(const std::vector<std::string>& parts, const std::string& seed,
+                                         const IsSame& isSame)
 {
-    const auto parts = SplitPath(file.relative);
-    std::string directory = allocateFolder(std::string(PhoneFolderOf(category_)), roots_.at(folder));
+    std::string directory = top_;
     for (std::size_t i = 0; i + 1 < parts.size(); ++i) directory = allocateFolder(directory, SafeName(parts[i]));
     const std::string name = SafeName(parts.back());
     std::string path = directory + '/' + name;
@@ -103,13 +103,22 @@ PhoneNames::Place PhoneNames::allocate(const std::string& folder, const ScannedF
         const std::string key = CaseKey(path);
         if (!files_.contains(key) && !folders_.contains(key)) {
             const PhoneFile there = isFreed(key) ? PhoneFile{} : phone_.find(path);
-            if (there.entry == PhoneEntry::kNothing || IsSameFile(there, file)) {
+            if (there.entry == PhoneEntry::kNothing || isSame(path, there)) {
                 files_.insert(key);
                 return {path, there.entry == PhoneEntry::kFile};
             }
         }
-        path = fmt::format("{}/{}", directory, MarkedName(name, file.path, attempt));
+        path = fmt::format("{}/{}", directory, MarkedName(name, seed, attempt));
     }
+}
+
+PhoneNames::Place PhoneNames::allocate(const std::string& folder, const ScannedFile& file)
+{
+    std::vector<std::string> parts = SplitPath(file.relative);
+    parts.insert(parts.begin(), roots_.at(folder));
+    return PhonePlaces::allocate(parts, file.path, [&](const std::string&, const PhoneFile& there) {
+        return IsSameFile(there, file.size, file.modified.seconds);
+    });
 }
 
 }  // namespace kesta

@@ -2,6 +2,7 @@
 // nothing that somebody else put on the phone is overwritten.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -11,9 +12,10 @@
 
 namespace kesta {
 
-class PhoneNames {
+/// The places of one folder of the phone.
+class PhonePlaces {
 public:
-    PhoneNames(Category category, const PhoneView& phone) : category_(category), phone_(phone) {}
+    PhonePlaces(std::string top, const PhoneView& phone) : top_(std::move(top)), phone_(phone) {}
 
     /// Says that the place belongs to a recorded file. False when another one has it already.
     bool reserve(const std::string& phonePath);
@@ -21,27 +23,46 @@ public:
     void free(const std::string& phonePath);
     [[nodiscard]] bool isReserved(const std::string& phonePath) const;
 
-    /// Fixes the folder on the phone for each chosen folder: where its recorded files lie, else its own name, with a
-    /// mark when another folder has that name.
-    void chooseRoots(const PlanInput& input);
-
     struct Place {
         std::string phonePath;
         bool sameFileIsThere = false;
     };
-    /// A place for a file that has none yet, by the same rule in every run.
-    [[nodiscard]] Place allocate(const std::string& folder, const ScannedFile& file);
+    using IsSame = std::function<bool(const std::string& phonePath, const PhoneFile& there)>;
+    /// A place below the top folder for a file that has none yet, by the same rule in every run. The parts are the
+    /// names of its folders and its own; they are made safe. Of files with one name the seed tells them apart.
+    [[nodiscard]] Place allocate(const std::vector<std::string>& parts, const std::string& seed, const IsSame& isSame);
 
 private:
     [[nodiscard]] std::string allocateFolder(const std::string& parent, const std::string& name);
     [[nodiscard]] bool isFreed(const std::string& key) const { return freed_.contains(key) && !files_.contains(key); }
 
-    Category category_;
+    std::string top_;
     const PhoneView& phone_;
-    std::set<std::string> files_;               // case keys
-    std::set<std::string> folders_;             // case keys
-    std::set<std::string> freed_;               // case keys
+    std::set<std::string> files_;    // case keys
+    std::set<std::string> folders_;  // case keys
+    std::set<std::string> freed_;    // case keys
+};
+
+/// The places of a category: each chosen folder has a folder of its own on the phone.
+class PhoneNames : public PhonePlaces {
+public:
+    PhoneNames(Category category, const PhoneView& phone)
+        : PhonePlaces(std::string(PhoneFolderOf(category)), phone), category_(category)
+    {
+    }
+
+    /// Fixes the folder on the phone for each chosen folder: where its recorded files lie, else its own name, with a
+    /// mark when another folder has that name.
+    void chooseRoots(const PlanInput& input);
+
+    [[nodiscard]] Place allocate(const std::string& folder, const ScannedFile& file);
+
+private:
+    Category category_;
     std::map<std::string, std::string> roots_;  // chosen folder to name on the phone
 };
+
+/// Whether a file on the phone can be taken for the PC's, by size and time.
+[[nodiscard]] bool IsSameFile(const PhoneFile& there, std::uint64_t size, std::int64_t modifiedSeconds);
 
 }  // namespace kesta

@@ -78,6 +78,8 @@ void Progress::start(std::size_t files, std::uint64_t bytes)
 {
     files_ = files;
     bytes_ = bytes;
+    filesDone_ = 0;
+    bytesDone_ = bytesOfFile_ = bytesMoved_ = 0;
     started_ = Clock::now();
     draw(true);
 }

@@ -21,11 +21,24 @@ void Summary::stopWith(ExitCode code, std::string reason)
     stopReason = std::move(reason);
 }
 
+FamilyCounts& Summary::beginFamily(std::string title, const char* noun)
+{
+    families.push_back({std::move(title), noun});
+    return families.back();
+}
+
+std::size_t Summary::allHeldBack() const
+{
+    std::size_t all = heldBack;
+    for (const FamilyCounts& family : families) all += family.heldBack;
+    return all;
+}
+
 ExitCode Summary::exitCode() const
 {
     if (stopped()) return stop;
     if (!failures.empty()) return ExitCode::kIncomplete;
-    return heldBack > 0 ? ExitCode::kHeldBack : ExitCode::kSuccess;
+    return allHeldBack() > 0 ? ExitCode::kHeldBack : ExitCode::kSuccess;
 }
 
 std::string Counted(std::size_t count, const char* noun)
@@ -64,6 +77,13 @@ std::string Describe(const Summary& summary, bool dryRun, double seconds)
                        "Add --force if that is what you want.\n",
                        Counted(summary.heldBack, "file"));
     }
+    for (const FamilyCounts& family : summary.families) {
+        if (family.heldBack == 0) continue;
+        fmt::format_to(out,
+                       "Held back: {} to be removed from the phone, more than half of those recorded. "
+                       "Add --force if that is what you want.\n",
+                       Counted(family.heldBack, family.noun));
+    }
     if (summary.stopped()) fmt::format_to(out, "Stopped: {}\n", Printable(summary.stopReason));
     fmt::format_to(out, "{}: {} copied, {} updated, {} removed, {} unchanged, {} failed",
                    dryRun ? "A sync would give" : "Summary", summary.copied, summary.updated, summary.removed,
@@ -74,6 +94,10 @@ std::string Describe(const Summary& summary, bool dryRun, double seconds)
         fmt::format_to(out, " ({} to copy)", FormatSize(summary.bytes));
     else
         fmt::format_to(out, " ({} in {:.1f} s)", FormatSize(summary.bytes), seconds);
+    for (const FamilyCounts& family : summary.families) {
+        fmt::format_to(out, "\n{}: {} added, {} updated, {} removed, {} unchanged", family.title, family.added,
+                       family.updated, family.removed, family.unchanged);
+    }
     return fmt::to_string(text);
 }
 

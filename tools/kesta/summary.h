@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -14,10 +15,19 @@ struct FailedItem {
     std::string reason;
 };
 
+/// Lists, marks or entries, which are no files on the phone.
+struct FamilyCounts {
+    std::string title;          // "Playlists"
+    const char* noun = "item";  // of one of them: "playlist"
+    std::size_t added = 0, updated = 0, removed = 0, unchanged = 0;
+    std::size_t heldBack = 0;  // removals left out, since they are more than half of what is recorded
+};
+
 struct Summary {
     std::size_t copied = 0, updated = 0, adopted = 0, removed = 0, unchanged = 0, heldBack = 0;
     std::size_t notReached = 0;  // planned, but the run ended before
     std::uint64_t bytes = 0;
+    std::deque<FamilyCounts> families;  // in the order of their turn; a reference into it stays good
     std::vector<FailedItem> failures;
     std::vector<std::string> notes;
     ExitCode stop = ExitCode::kSuccess;  // why the run ended early
@@ -27,6 +37,9 @@ struct Summary {
     /// The first reason counts.
     void stopWith(ExitCode code, std::string reason);
     [[nodiscard]] bool stopped() const { return stop != ExitCode::kSuccess; }
+    /// Begins the counts of another family.
+    FamilyCounts& beginFamily(std::string title, const char* noun);
+    [[nodiscard]] std::size_t allHeldBack() const;
     [[nodiscard]] ExitCode exitCode() const;
 };
 

@@ -8,6 +8,8 @@ namespace kesta {
 [[nodiscard]] ExitCode RunSync(const SyncOptions& options);
 [[nodiscard]] ExitCode RunStatus(const StatusOptions& options);
 [[nodiscard]] ExitCode RunFiles(const FilesOptions& options);
+[[nodiscard]] ExitCode RunWhy(const WhyOptions& options);
+[[nodiscard]] ExitCode RunSettings(const SettingsOptions& options);
 [[nodiscard]] ExitCode RunTrace();
 
 }  // namespace kesta

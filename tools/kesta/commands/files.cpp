@@ -1,11 +1,19 @@
 #include <fmt/format.h>
 
 #include <cstdio>
-#include <nlohmann/json.hpp>
+#include <set>
 
 #include "books.h"
+#include "books/backups.h"
+#include "books/bookmarks.h"
+#include "books/gallery.h"
+#include "books/playlists.h"
 #include "commands/commands.h"
-#include "os/files.h"
+#include "commands/json.h"
+#include "commands/pc_path.h"
+#include "commands/phone_status.h"
+#include "commands/pim_tree.h"
+#include "commands/states.h"
 #include "output.h"
 #include "summary.h"
 #include "table.h"
@@ -14,49 +22,217 @@
 namespace kesta {
 namespace {
 
-// The books know a folder by its canonical path; one that is gone from the PC is asked for as it stands there.
-bool IsFolder(const std::string& basePath, const std::string& given)
+// What a category holds, in both forms.
+struct Listing {
+    Json json = Json::object();
+    std::string text;  // ends with the number of what is listed
+};
+
+std::string TimeText(const std::optional<LocalTime>& time)
 {
-    std::string canonical;
-    return basePath == given || basePath == os::AbsolutePath(given) ||
-           (os::CanonicalPath(given, canonical).ok() && basePath == canonical);
+    return time ? FormatLocalTime(*time) : std::string("unknown");
+}
+
+std::string EndOf(std::size_t count, const char* noun)
+{
+    return count == 0 ? std::string("Nothing is recorded here.\n") : Counted(count, noun) + "\n";
+}
+
+Listing ListMedia(Books& books, const FilesOptions& options, Category category)
+{
+    std::vector<RecordedFile> files = books.files(options.imei, category);
+    if (options.folder)
+        std::erase_if(files, [&](const RecordedFile& file) { return !IsNamed(file.basePath, *options.folder); });
+    Listing listing;
+    listing.json["files"] = Json::array();
+    Table table({"Modified", "File", "On the phone"});
+    for (const RecordedFile& file : files) {
+        listing.json["files"].push_back(FileJson(file, "folder"));
+        table.add({TimeText(file.modified), file.path, file.phonePath});
+    }
+    if (!files.empty()) listing.text = table.text("");
+    listing.text += EndOf(files.size(), "file");
+    return listing;
+}
+
+Listing ListGallery(Books& books, const FilesOptions& options)
+{
+    std::vector<RecordedFolder> folders = GalleryBooks(books).folders(options.imei);
+    if (options.folder)
+        std::erase_if(folders, [&](const RecordedFolder& folder) { return !IsNamed(folder.path, *options.folder); });
+    Listing listing;
+    listing.json["folders"] = Json::array();
+    Table table({"Folder", ">Files", ">Size", "Added", "State"});
+    for (const RecordedFolder& folder : folders) {
+        listing.json["folders"].push_back(GalleryFolderJson(folder));
+        table.add({folder.path, std::to_string(folder.count), SizeText(folder.size), TimeText(folder.added),
+                   StateOf(folder)});
+    }
+    if (!folders.empty()) listing.text = table.text("");
+    listing.text += EndOf(folders.size(), "folder");
+    return listing;
+}
+
+Listing ListPlaylists(Books& books, const FilesOptions& options)
+{
+    PlaylistBooks playlists(books, options.imei);
+    Listing listing;
+    listing.json["playlists"] = Json::array();
+    std::size_t count = 0;
+    for (const RecordedPlaylist& list : playlists.lists()) {
+        if (options.folder && list.name != *options.folder) continue;
+        ++count;
+        const std::vector<std::string> members = playlists.members(list.name);
+        Json json = PlaylistJson(list);
+        json["members"] = members;
+        listing.json["playlists"].push_back(std::move(json));
+        listing.text += fmt::format("{}: {}{}\n", Printable(list.name), StateOf(list),
+                                    list.idInPhone ? ", as " + Printable(*list.idInPhone) : std::string());
+        for (const std::string& member : members) listing.text += fmt::format("  {}\n", Printable(member));
+    }
+    listing.json["files"] = Json::array();
+    Table table({"Copied for playlists", "Playlist", "On the phone"});
+    std::size_t copied = 0;
+    for (const RecordedFile& file : playlists.files()) {
+        if (options.folder && file.basePath != *options.folder) continue;
+        ++copied;
+        listing.json["files"].push_back(FileJson(file, "playlist"));
+        table.add({file.path, file.basePath, file.phonePath});
+    }
+    if (copied > 0) listing.text += "\n" + table.text("");
+    listing.text += EndOf(count, "playlist");
+    return listing;
+}
+
+Listing ListBookmarks(Books& books, const FilesOptions& options)
+{
+    const auto phone = books.phone(options.imei);
+    const std::vector<RecordedMark> marks = BookmarkBooks(books, options.imei).marks();
+    Listing listing;
+    listing.json["type"] = phone ? phone->bookmarkType : 0;
+    listing.json["bookmarks"] = Json::array();
+    Table table({"Title", "URL"});
+    for (const RecordedMark& mark : marks) {
+        listing.json["bookmarks"].push_back(
+            {{"title", mark.title}, {"url", mark.url}, {"id_on_phone", mark.idOnPhone}, {"flag", mark.flag}});
+        table.add({mark.title, mark.url});
+    }
+    if (!marks.empty()) listing.text = table.text("");
+    listing.text += EndOf(marks.size(), "bookmark");
+    return listing;
+}
+
+Listing ListBackups(Books& books, const FilesOptions& options)
+{
+    const auto backups = BackupBooks(books).of(options.imei);
+    Listing listing;
+    listing.json["backups"] = nullptr;
+    if (!backups) {
+        listing.text = "The books have no table for backups: archives are not recorded in them.\n";
+        return listing;
+    }
+    listing.json["backups"] = Json::array();
+    Table table({"Made", "Archive", ">Size", "Of"});
+    for (const RecordedBackup& backup : *backups) {
+        listing.json["backups"].push_back(BackupJson(backup));
+        table.add({TimeText(backup.modified), backup.path, SizeText(backup.size), backup.phonePath});
+    }
+    if (!backups->empty()) listing.text = table.text("");
+    listing.text += EndOf(backups->size(), "backup");
+    return listing;
+}
+
+Listing ListPim(Books& books, const FilesOptions& options, PimKind kind)
+{
+    std::set<std::string> onPhone;
+    for (PimLogRow& row : PimBooks(books).log(options.imei, kind)) onPhone.insert(std::move(row.guid));
+    Listing listing;
+    listing.json["folders"] = Json::array();
+    std::size_t count = 0;
+    for (const PimNode& node : ReadPimTree(books, kind)) {
+        if (options.folder && node.folder.path != *options.folder && node.name != *options.folder) continue;
+        Json json = PimTreeJson({node}).at(0);
+        json["items"] = Json::array();
+        listing.text += fmt::format("{}{}: {}\n", std::string(2 * node.depth, ' '), Printable(node.name),
+                                    CountedEntries(node.items.size()));
+        for (const PimItem& item : node.items) {
+            const std::string title = TitleOfEntry(kind, item);
+            const bool isOnPhone = onPhone.contains(item.id);
+            json["items"].push_back(
+                {{"id", item.id}, {"title", title}, {"size", item.data.size()}, {"on_phone", isOnPhone}});
+            listing.text += fmt::format("{}{}{}\n", std::string(2 * node.depth + 2, ' '),
+                                        title.empty() ? "(without a name)" : Printable(title),
+                                        isOnPhone ? "" : " (not on this phone)");
+        }
+        count += node.items.size();
+        listing.json["folders"].push_back(std::move(json));
+    }
+    listing.text += count == 0 ? std::string("Nothing is recorded here.\n") : CountedEntries(count) + "\n";
+    return listing;
+}
+
+Listing ListLog(Books& books, const FilesOptions& options)
+{
+    PimBooks pim(books);
+    Listing listing;
+    Table table({"Kind", "Entry", "On the phone as", "Changed on the PC", "Changed on the phone"});
+    std::size_t count = 0;
+    for (const PimKind kind : kPimKinds) {
+        Json entries = Json::array();
+        for (const PimLogRow& row : pim.log(options.imei, kind)) {
+            ++count;
+            entries.push_back({{"id", row.guid},
+                               {"id_on_phone", row.luid},
+                               {"pc_time", TimeJson(row.pcTime)},
+                               {"phone_time", TimeJson(row.phoneTime)}});
+            table.add({std::string(KeyOf(kind)), row.guid, row.luid, TimeText(row.pcTime), TimeText(row.phoneTime)});
+        }
+        listing.json[std::string(KeyOf(kind))] = {{"profile", pim.logProfile(options.imei, kind)},
+                                                  {"entries", std::move(entries)}};
+    }
+    if (count > 0) listing.text = table.text("");
+    listing.text += count == 0 ? std::string("Nothing is recorded here.\n") : CountedEntries(count) + "\n";
+    return listing;
+}
+
+Listing List(Books& books, const FilesOptions& options)
+{
+    if (const auto category = CategoryOfKey(options.category)) return ListMedia(books, options, *category);
+    if (const auto kind = PimKindOfKey(options.category)) return ListPim(books, options, *kind);
+    if (options.category == "gallery") return ListGallery(books, options);
+    if (options.category == "playlists") return ListPlaylists(books, options);
+    if (options.category == "bookmarks") return ListBookmarks(books, options);
+    if (options.category == "backups") return ListBackups(books, options);
+    return ListLog(books, options);
+}
+
+// Bookmarks, backups and the log have no folders.
+bool HasFolders(const std::string& category)
+{
+    return category != "bookmarks" && category != "backups" && category != "log";
 }
 
 }  // namespace
 
 ExitCode RunFiles(const FilesOptions& options)
 {
+    if (options.folder && !HasFolders(options.category)) {
+        (void)std::fprintf(stderr, "kesta: --folder has no meaning for %s\n", options.category.c_str());
+        return ExitCode::kUsage;
+    }
     Books books;
     if (!books.phone(options.imei)) {
         (void)std::fprintf(stderr, "kesta: no phone with the IMEI %s is known\n", Printable(options.imei).c_str());
         return ExitCode::kFailure;
     }
-    std::vector<RecordedFile> files = books.files(options.imei, options.category);
-    if (options.folder)
-        std::erase_if(files, [&](const RecordedFile& file) { return !IsFolder(file.basePath, *options.folder); });
-
-    if (options.json) {
-        nlohmann::ordered_json json{
-            {"imei", options.imei}, {"category", KeyOf(options.category)}, {"files", nlohmann::ordered_json::array()}};
-        for (const RecordedFile& file : files) {
-            nlohmann::ordered_json modified = nullptr;
-            if (file.modified) modified = FormatLocalTime(*file.modified);
-            json["files"].push_back({{"path", file.path},
-                                     {"folder", file.basePath},
-                                     {"phone_path", file.phonePath},
-                                     {"modified", std::move(modified)}});
-        }
-        Print(fmt::format("{}\n", json.dump(4)));
+    Listing listing = List(books, options);
+    if (!options.json) {
+        Print(listing.text);
         return ExitCode::kSuccess;
     }
-    if (files.empty()) {
-        Print("Nothing is recorded here.\n");
-        return ExitCode::kSuccess;
-    }
-    Table table({"Modified", "File", "On the phone"});
-    for (const RecordedFile& file : files)
-        table.add({file.modified ? FormatLocalTime(*file.modified) : "unknown", file.path, file.phonePath});
-    Print(fmt::format("{}{}\n", table.text(""), Counted(files.size(), "file")));
+    Json json{{"imei", options.imei}, {"category", options.category}};
+    json.update(listing.json);
+    PrintJson(json);
     return ExitCode::kSuccess;
 }
 

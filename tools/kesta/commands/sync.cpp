@@ -3,13 +3,19 @@
 #include <chrono>
 #include <cstdio>
 
+#include "backup/phone_backup.h"
+#include "bookmarks/sync_bookmarks.h"
 #include "carry_out.h"
 #include "commands/commands.h"
 #include "commands/sync_folders.h"
 #include "journal.h"
 #include "last_run.h"
+#include "main_folder_choice.h"
 #include "marker.h"
+#include "names.h"
 #include "os/system.h"
+#include "playlists/sync_playlists.h"
+#include "sync_pim.h"
 #include "text.h"
 
 namespace kesta {
@@ -59,15 +65,20 @@ public:
         if (!options_.dryRun) lock();
         identify();
         Books books;
-        isKnown_ = !marker_.imei.empty() && books.phone(marker_.imei).has_value();
+        const auto known = marker_.imei.empty() ? std::nullopt : books.phone(marker_.imei);
+        isKnown_ = known.has_value();
+        // The user may have changed it in the books since the phone was marked.
+        if (known && !options_.name && !known->name.empty()) marker_.name = known->name;
         if (!options_.dryRun) announce(books);
         greet();
         try {
+            MainFolderChoice(books, marker_.imei, isMarked_, options_.dryRun).apply(folders_, options_, summary_);
             const auto plans = plan(books);
             if (options_.dryRun)
-                foretell(plans);
+                Foretell(plans, options_.quiet, progress_, summary_);
             else
-                CarryOut(books, marker_.imei, phone_, progress_, summary_).run(plans);
+                carryOut(books, plans);
+            syncFamilies(books, plans);
         } catch (const BooksError& failure) {
             summary_.stopWith(ExitCode::kBooks, failure.what());
         } catch (const PhoneError& failure) {
@@ -139,6 +150,10 @@ private:
             state.recorded = books.files(marker_.imei, category);
             for (const RecordedFile& file : state.recorded) places.push_back(file.phonePath);
         }
+        if (isKnown_) {
+            for (std::string& place : PlacesOfPlaylists(books, marker_.imei)) places.push_back(std::move(place));
+            for (std::string& place : PlacesOfBookmarks(books, marker_.imei)) places.push_back(std::move(place));
+        }
         takeUpLeftovers(places);
         for (const Category category : kCategories) {
             const auto index = static_cast<std::size_t>(category);
@@ -180,27 +195,39 @@ private:
             fmt::format("the last run was cut short; {} of it removed.", Counted(files, "leftover")));
     }
 
-    void foretell(const std::vector<CategoryPlan>& plans)
+    void carryOut(Books& books, const std::vector<CategoryPlan>& plans)
     {
-        for (const CategoryPlan& plan : plans) {
-            for (const Action& action : plan.removals) foretell("remove", action, summary_.removed);
-            for (const Action& action : plan.copies) {
-                if (action.kind == ActionKind::kAdopt) {
-                    foretell("record", action, summary_.adopted);
-                    continue;
-                }
-                const bool isUpdate = action.kind == ActionKind::kUpdate;
-                foretell(isUpdate ? "update" : "copy", action, isUpdate ? summary_.updated : summary_.copied);
-                summary_.bytes += action.size;
-            }
-        }
+        MediaRecords records(books, marker_.imei);
+        CarryOut(records, phone_, progress_, summary_).run(plans);
     }
 
-    void foretell(const char* verb, const Action& action, std::size_t& count)
+    // What is no folder of media. A run that was stopped stops here, too; the backup comes last, to hold it all.
+    void syncFamilies(Books& books, const std::vector<CategoryPlan>& plans)
     {
-        ++count;
-        const std::string& place = action.file.phonePath.empty() ? action.file.path : action.file.phonePath;
-        if (!options_.quiet) progress_.say(fmt::format("{:<9} {}", verb, Printable(place)));
+        if (options_.playlists && !summary_.stopped())
+            SyncPlaylists(books, marker_.imei, phone_, options_, placesOfMedia(books, plans), progress_, summary_);
+        if (options_.bookmarks && !summary_.stopped())
+            SyncBookmarks(books, marker_.imei, phone_, options_, progress_, summary_);
+        if ((!options_.contacts.empty() || !options_.calendars.empty()) && !summary_.stopped())
+            SyncPim(books, marker_.imei, phone_, options_, progress_, summary_);
+        if (options_.backup && !summary_.stopped()) BackUpPhone(books, marker_, phone_, options_, progress_, summary_);
+    }
+
+    // Where the media lie after this run.
+    MediaPlaces placesOfMedia(Books& books, const std::vector<CategoryPlan>& plans)
+    {
+        MediaPlaces places;
+        for (const Category category : kCategories) {
+            if (options_.dryRun && !isKnown_) break;
+            for (const RecordedFile& file : books.files(marker_.imei, category))
+                if (IsPhonePath(file.phonePath, category)) places[file.path] = {file.phonePath, false};
+        }
+        if (!options_.dryRun) return places;
+        for (const CategoryPlan& plan : plans) {
+            for (const Action& action : plan.removals) places.erase(action.file.path);
+            for (const Action& action : plan.copies) places[action.file.path] = {action.file.phonePath, true};
+        }
+        return places;
     }
 
     void closeBooks(Books& books)
@@ -220,11 +247,12 @@ private:
     {
         if (summary_.stopped()) return summary_.stopReason;
         if (!summary_.failures.empty()) return fmt::format("{} failed", Counted(summary_.failures.size(), "item"));
-        if (summary_.heldBack > 0) return fmt::format("{} held back", Counted(summary_.heldBack, "removal"));
+        if (const std::size_t all = summary_.allHeldBack(); all > 0)
+            return fmt::format("{} held back", Counted(all, "removal"));
         return {};
     }
 
-    const SyncOptions& options_;
+    SyncOptions options_;  // without what the phone takes no part in
     PhoneFolder& phone_;
     Progress& progress_;
     ChosenFolders folders_;

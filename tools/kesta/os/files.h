@@ -87,6 +87,8 @@ public:
     Status readInfo(FileInfo& info) const;
     /// Sets count to what was read, 0 at the end.
     Status read(std::span<std::byte> buffer, std::size_t& count);
+    /// Where the next read begins.
+    Status seek(std::uint64_t position);
 
 private:
     std::intptr_t handle_ = -1;

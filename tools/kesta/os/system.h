@@ -21,6 +21,9 @@ std::optional<std::int64_t> LocalSeconds(std::int64_t utcSeconds);
 char32_t UpperCase(char32_t character);
 std::uint64_t RandomNumber();
 
+/// Frees memory that passes from one module of the process to another.
+void FreeShared(void* memory);
+
 /// The folder for the user's application data, where the library keeps its database too; empty when there is none.
 std::string DataDirectory();
 /// Creates the folder and those above it, for this user alone.

@@ -53,6 +53,11 @@ Status InputFile::read(std::span<std::byte> buffer, std::size_t& count)
     }
 }
 
+Status InputFile::seek(std::uint64_t position)
+{
+    return lseek(Descriptor(handle_), static_cast<off_t>(position), SEEK_SET) >= 0 ? Status() : LastError();
+}
+
 OutputFile::~OutputFile()
 {
     if (handle_ >= 0) (void)::close(Descriptor(handle_));

@@ -55,6 +55,13 @@ Status InputFile::read(std::span<std::byte> buffer, std::size_t& count)
     return {};
 }
 
+Status InputFile::seek(std::uint64_t position)
+{
+    LARGE_INTEGER place;
+    place.QuadPart = static_cast<LONGLONG>(position);
+    return SetFilePointerEx(ToHandle(handle_), place, nullptr, FILE_BEGIN) ? Status() : LastError();
+}
+
 OutputFile::~OutputFile()
 {
     Close(handle_);

@@ -80,6 +80,11 @@ std::uint64_t RandomNumber()
     return number;
 }
 
+void FreeShared(void* memory)
+{
+    CoTaskMemFree(memory);
+}
+
 std::string DataDirectory()
 {
     wchar_t path[MAX_PATH];

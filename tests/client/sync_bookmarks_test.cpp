@@ -1,0 +1,262 @@
+// Bookmarks: one file on the phone, a record for each mark.
+#include "bookmarks/bookmark_file.h"
+#include "client_fixture.h"
+#include "formats/bookmarks.h"
+
+namespace kesta::test {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr const char* kPlace = "Bookmarks/bookmarks.html";
+
+class SyncBookmarksTest : public ClientTest {
+protected:
+    void givenMarks(const std::string& items)
+    {
+        givenFile("marks.html",
+                  "<!DOCTYPE NETSCAPE-Bookmark-file-1>\n<TITLE>Bookmarks</TITLE>\n<DL><p>\n" + items + "</DL><p>\n");
+    }
+    static std::string mark(const std::string& title, const std::string& url)
+    {
+        return "<DT><A HREF=\"" + url + "\">" + title + "</A>\n";
+    }
+    Ended syncMarks(std::vector<std::string> more = {})
+    {
+        more.insert(more.begin(), {"--bookmarks", pc("marks.html")});
+        return sync(more);
+    }
+    [[nodiscard]] std::string rows() const
+    {
+        return books().text(
+            "SELECT [Title], [Path], [PhoneMID], [Id], [Flag], [Type] FROM tBFile ORDER BY [Type], [Id]");
+    }
+    [[nodiscard]] std::vector<std::string> urlsOnPhone(const std::string& place = kPlace) const
+    {
+        std::vector<std::string> urls;
+        for (const formats::Bookmark& mark : formats::ParseBookmarks(phoneFiles().at(place)).bookmarks)
+            urls.push_back(mark.url);
+        return urls;
+    }
+};
+
+TEST(BookmarkFileTest, Contents_AreReadBackAsTheyWere)
+{
+    const std::vector<FileMark> marks{
+        {"<b>\"x\"</b> & 'y'", "https://a.example/?q=1&amp;z=\"<>", {"A & B", "C"}, 17, "b1"},
+        {"", "https://b.example/", {"A & B"}, {}, ""},
+        {"\u65e5\u672c", "https://c.example/", {}, {}, "b2"},
+        {"again", "https://d.example/", {"A & B", "D"}, 18, "b3"}};
+    const std::string text = BookmarkFileText(marks);
+    const formats::Bookmarks read = formats::ParseBookmarks(text);
+    EXPECT_THAT(read.problems, IsEmpty());
+    ASSERT_EQ(read.bookmarks.size(), marks.size());
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        EXPECT_EQ(read.bookmarks[i].title, marks[i].title.empty() ? marks[i].url : marks[i].title);
+        EXPECT_EQ(read.bookmarks[i].url, marks[i].url);
+        EXPECT_EQ(read.bookmarks[i].folders, marks[i].folders);
+        EXPECT_EQ(read.bookmarks[i].added, marks[i].added);
+    }
+    EXPECT_THAT(text, HasSubstr(" ID=\"b1\""));
+}
+
+TEST_F(SyncBookmarksTest, NewMarks_GoToThePhoneInTheirFolders)
+{
+    givenMarks("<DT><H3>News &amp; more</H3><DL><p>" + mark("A&#39;s", "https://a.example/") + "</DL><p>" +
+               mark("B", "https://b.example/"));
+    const Ended run = syncMarks();
+    EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Bookmarks: 2 added, 0 updated, 0 removed, 0 unchanged"));
+    EXPECT_EQ(rows(),
+              "A's|https://a.example/|Bookmarks/bookmarks.html#b1|1|0|1\n"
+              "B|https://b.example/|Bookmarks/bookmarks.html#b2|2|0|1");
+    const auto onPhone = formats::ParseBookmarks(phoneFiles().at(kPlace)).bookmarks;
+    ASSERT_EQ(onPhone.size(), 2u);
+    EXPECT_THAT(onPhone[0].folders, ElementsAre("News & more"));
+    EXPECT_THAT(ownFiles(), IsEmpty());
+}
+
+TEST_F(SyncBookmarksTest, ChromiumsJson_IsReadAsWell)
+{
+    givenFile("marks.html", R"({"roots": {"bookmark_bar": {"type": "folder", "name": "Bar", "children": [
+        {"type": "url", "name": "A", "url": "https://a.example/"}]}}, "version": 1})");
+    EXPECT_EQ(syncMarks().exitCode, 0);
+    EXPECT_THAT(urlsOnPhone(), ElementsAre("https://a.example/"));
+}
+
+TEST_F(SyncBookmarksTest, SecondRun_WritesNothing)
+{
+    givenMarks(mark("A", "https://a.example/"));
+    (void)syncMarks();
+    const auto time = fs::last_write_time(Path(phone(kPlace)));
+    const Ended run = syncMarks();
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_THAT(run.out, HasSubstr("Bookmarks: 0 added, 0 updated, 0 removed, 1 unchanged"));
+    EXPECT_EQ(fs::last_write_time(Path(phone(kPlace))), time);
+}
+
+TEST_F(SyncBookmarksTest, NewChangedAndGone_AreToldApart)
+{
+    givenMarks(mark("A", "https://a.example/") + mark("B", "https://b.example/") + mark("C", "https://c.example/"));
+    (void)syncMarks();
+    givenMarks(mark("D", "https://d.example/") + mark("C", "https://c.example/") + mark("New B", "https://b.example/"));
+    const Ended run = syncMarks();
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("Bookmarks: 1 added, 1 updated, 1 removed, 1 unchanged"));
+    EXPECT_EQ(rows(),
+              "New B|https://b.example/|Bookmarks/bookmarks.html#b2|2|0|1\n"
+              "C|https://c.example/|Bookmarks/bookmarks.html#b3|3|0|1\n"
+              "D|https://d.example/|Bookmarks/bookmarks.html#b4|4|0|1");
+    EXPECT_THAT(urlsOnPhone(), ElementsAre("https://d.example/", "https://c.example/", "https://b.example/"));
+}
+
+TEST_F(SyncBookmarksTest, UrlGivenTwice_HasOneRecord)
+{
+    givenMarks(mark("A", "https://a.example/") + mark("Also A", "https://a.example/"));
+    EXPECT_EQ(syncMarks().exitCode, 0);
+    EXPECT_EQ(rows(), "A|https://a.example/|Bookmarks/bookmarks.html#b1|1|0|1");
+    EXPECT_THAT(urlsOnPhone(), ElementsAre("https://a.example/", "https://a.example/"));
+    EXPECT_THAT(syncMarks().out, HasSubstr("0 updated, 0 removed, 1 unchanged"));
+}
+
+TEST_F(SyncBookmarksTest, FileThatIsMissing_RemovesNothing)
+{
+    givenMarks(mark("A", "https://a.example/"));
+    (void)syncMarks();
+    const std::string before = rows();
+    removeFile("marks.html");
+    const Ended run = syncMarks({"--force"});
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_THAT(run.out, HasSubstr("it cannot be read"));
+    EXPECT_EQ(rows(), before);
+    EXPECT_THAT(urlsOnPhone(), ElementsAre("https://a.example/"));
+}
+
+TEST_F(SyncBookmarksTest, FileThatIsNotUnderstood_RemovesNothing)
+{
+    givenMarks("<DT><H3>F</H3><DL><p>" + mark("A", "https://a.example/") + "</DL><p>");
+    (void)syncMarks();
+    const std::string before = rows();
+    givenFile("marks.html", "{\"roots\": {\"bookmark_bar\": {\"type\": \"folder\", ");
+    const Ended run = syncMarks({"--force"});
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_THAT(run.out, HasSubstr("no bookmark is removed"));
+    EXPECT_EQ(rows(), before);
+    const auto onPhone = formats::ParseBookmarks(phoneFiles().at(kPlace)).bookmarks;
+    ASSERT_EQ(onPhone.size(), 1u);
+    EXPECT_THAT(onPhone[0].folders, ElementsAre("F")) << "where it stood";
+}
+
+TEST_F(SyncBookmarksTest, MoreThanHalfGone_IsHeldBackUntilForced)
+{
+    givenMarks(mark("A", "https://a.example/") + mark("B", "https://b.example/") + mark("C", "https://c.example/"));
+    (void)syncMarks();
+    givenMarks(mark("A", "https://a.example/"));
+    const Ended held = syncMarks();
+    EXPECT_EQ(held.exitCode, 4);
+    EXPECT_THAT(held.out, HasSubstr("Held back: 2 bookmarks to be removed"));
+    EXPECT_THAT(urlsOnPhone(),
+                testing::UnorderedElementsAre("https://a.example/", "https://b.example/", "https://c.example/"));
+    EXPECT_EQ(syncMarks({"--force"}).exitCode, 0);
+    EXPECT_THAT(urlsOnPhone(), ElementsAre("https://a.example/"));
+    givenMarks("");
+    EXPECT_EQ(syncMarks({"--force"}).exitCode, 0);
+    EXPECT_THAT(phonePaths(), IsEmpty());
+    EXPECT_EQ(rows(), "");
+}
+
+TEST_F(SyncBookmarksTest, EachBookmarkType_HasMarksAndAFileOfItsOwn)
+{
+    givenMarks(mark("A", "https://a.example/"));
+    (void)syncMarks();
+    books().exec("UPDATE tPhone SET [BookMarkType] = 2");
+    givenMarks(mark("B", "https://b.example/"));
+    const Ended run = syncMarks();
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("Bookmarks: 1 added, 0 updated, 0 removed"));
+    EXPECT_EQ(rows(),
+              "A|https://a.example/|Bookmarks/bookmarks.html#b1|1|0|1\n"
+              "B|https://b.example/|Bookmarks/bookmarks-2.html#b1|1|0|2");
+    EXPECT_THAT(urlsOnPhone(), ElementsAre("https://a.example/"));
+    EXPECT_THAT(urlsOnPhone("Bookmarks/bookmarks-2.html"), ElementsAre("https://b.example/"));
+}
+
+TEST_F(SyncBookmarksTest, FileOfTheUserOnThePhone_IsNeverTouched)
+{
+    fs::create_directories(Path(phone("Bookmarks")));
+    std::ofstream(Path(phone(kPlace))) << "mine";
+    givenMarks(mark("A", "https://a.example/"));
+    EXPECT_EQ(syncMarks().exitCode, 0);
+    EXPECT_EQ(phoneFiles().at(kPlace), "mine");
+    EXPECT_THAT(phonePaths(), testing::SizeIs(2));
+    EXPECT_THAT(syncMarks().out, HasSubstr("0 added, 0 updated, 0 removed, 1 unchanged"));
+    givenMarks("");
+    EXPECT_EQ(syncMarks({"--force"}).exitCode, 0);
+    EXPECT_THAT(phonePaths(), ElementsAre(kPlace));
+}
+
+TEST_F(SyncBookmarksTest, LostBooks_AreFilledFromWhatIsThere)
+{
+    givenMarks(mark("A", "https://a.example/"));
+    (void)syncMarks();
+    const auto time = fs::last_write_time(Path(phone(kPlace)));
+    books().exec("DELETE FROM tBFile");
+    EXPECT_THAT(syncMarks().out, HasSubstr("Bookmarks: 1 added"));
+    EXPECT_THAT(phonePaths(), ElementsAre(kPlace));
+    EXPECT_EQ(fs::last_write_time(Path(phone(kPlace))), time);
+}
+
+TEST_F(SyncBookmarksTest, FileChangedOnThePhone_IsWrittenAgain)
+{
+    givenMarks(mark("A", "https://a.example/"));
+    (void)syncMarks();
+    std::ofstream(Path(phone(kPlace))) << "scribble";
+    EXPECT_EQ(syncMarks().exitCode, 0);
+    EXPECT_THAT(urlsOnPhone(), ElementsAre("https://a.example/"));
+}
+
+TEST_F(SyncBookmarksTest, RecordsFromElsewhere_AreNotFollowed)
+{
+    givenMarks(mark("A", "https://a.example/"));
+    (void)syncMarks();
+    givenFile("precious", "keep me");
+    books().exec("UPDATE tBFile SET [PhoneMID] = '../pc/precious#b1'");
+    EXPECT_EQ(syncMarks().exitCode, 0);
+    EXPECT_EQ(rows(), "A|https://a.example/|Bookmarks/bookmarks.html#b1|1|0|1");
+    givenMarks("");
+    EXPECT_EQ(syncMarks({"--force"}).exitCode, 0);
+    EXPECT_TRUE(fs::exists(Path(pc("precious"))));
+}
+
+TEST_F(SyncBookmarksTest, WhatIsNoUseOrTooLong_IsLeftOutAndSaid)
+{
+    const std::string longUrl = "https://a.example/" + std::string(45'000, 'x');
+    givenMarks(mark("J", "javascript:alert(1)") + mark("L", longUrl) + mark("B", "https://b.example/"));
+    const Ended run = syncMarks();
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_THAT(run.out, AllOf(HasSubstr("1 bookmark left out that is no page of the web"),
+                               HasSubstr("too long for the books")));
+    EXPECT_THAT(urlsOnPhone(), ElementsAre("https://b.example/"));
+}
+
+TEST_F(SyncBookmarksTest, DryRun_ForetellsAndChangesNothing)
+{
+    givenMarks(mark("A", "https://a.example/") + mark("B", "https://b.example/"));
+    EXPECT_THAT(syncMarks({"--dry-run"}).out, HasSubstr("Bookmarks: 2 added"));
+    EXPECT_THAT(phonePaths(), IsEmpty());
+    (void)syncMarks();
+    const std::string before = rows();
+    givenMarks(mark("New A", "https://a.example/") + mark("C", "https://c.example/"));
+    const Ended dry = syncMarks({"--dry-run"});
+    EXPECT_THAT(dry.out, AllOf(HasSubstr("add       https://c.example/"), HasSubstr("update    https://a.example/"),
+                               HasSubstr("remove    https://b.example/"), HasSubstr("1 added, 1 updated, 1 removed")));
+    EXPECT_EQ(rows(), before);
+    EXPECT_THAT(urlsOnPhone(), ElementsAre("https://a.example/", "https://b.example/"));
+}
+
+}  // namespace
+}  // namespace kesta::test

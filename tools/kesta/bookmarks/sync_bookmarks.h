@@ -1,0 +1,22 @@
+// The bookmarks of one run: one file on the phone that any browser opens, and a record in the books for each mark.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "books.h"
+#include "commands/options.h"
+#include "phone_folder.h"
+#include "progress.h"
+#include "summary.h"
+
+namespace kesta {
+
+/// Brings the phone's bookmark file in line with the file that the options name. A dry run changes nothing.
+void SyncBookmarks(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+                   Progress& progress, Summary& summary);
+
+/// The phone paths that the books know of bookmark files.
+[[nodiscard]] std::vector<std::string> PlacesOfBookmarks(Books& books, const std::string& imei);
+
+}  // namespace kesta

@@ -1,0 +1,56 @@
+#include "commands/json.h"
+
+#include "books/main_folders.h"
+#include "output.h"
+#include "phone_settings.h"
+
+namespace kesta {
+namespace {
+
+struct Value {
+    const PhoneSettings& settings;
+    Json operator()(TextSetting field) const { return settings.*field; }
+    Json operator()(TruthSetting field) const { return settings.*field; }
+    Json operator()(NumberSetting field) const { return settings.*field; }
+    Json operator()(DateSetting field) const { return TimeJson(settings.*field); }
+};
+
+}  // namespace
+
+Json TimeJson(const std::optional<LocalTime>& time)
+{
+    if (!time) return nullptr;
+    return FormatLocalTime(*time);
+}
+
+Json SettingsJson(const PhoneSettings& settings)
+{
+    Json json = Json::object();
+    for (const Setting& setting : AllSettings())
+        json[std::string(setting.name)] = std::visit(Value{settings}, setting.field);
+    return json;
+}
+
+Json MainFoldersJson(Books& books, const std::string& imei)
+{
+    MainFolderBooks mainFolders(books);
+    Json json = Json::object();
+    for (const MainFolder folder : kMainFolders)
+        json[std::string(KeyOf(folder))] = mainFolders.isSelected(imei, folder);
+    return json;
+}
+
+Json FileJson(const RecordedFile& file, const char* nameOfBase)
+{
+    return {{"path", file.path},
+            {nameOfBase, file.basePath},
+            {"phone_path", file.phonePath},
+            {"modified", TimeJson(file.modified)}};
+}
+
+void PrintJson(const Json& json)
+{
+    Print(json.dump(4) + "\n");
+}
+
+}  // namespace kesta

@@ -1,0 +1,16 @@
+// Folders and files that the user names, as the books know them.
+#pragma once
+
+#include <string>
+
+namespace kesta {
+
+/// The books know folders and files by their canonical path. Of a path at whose end there is nothing any more the part
+/// that is still there counts.
+[[nodiscard]] std::string BooksPath(const std::string& given);
+/// Whether a recorded path is what the user names: canonically, or letter by letter as it stands in the books.
+[[nodiscard]] bool IsNamed(const std::string& recorded, const std::string& given);
+/// Whether the path is the folder or lies below it.
+[[nodiscard]] bool LiesIn(const std::string& path, const std::string& folder);
+
+}  // namespace kesta

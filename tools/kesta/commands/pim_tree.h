@@ -1,0 +1,29 @@
+// The store of contacts and calendar entries as a tree. All phones share it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "books/pim.h"
+#include "commands/json.h"
+
+namespace kesta {
+
+struct PimNode {
+    PimFolder folder;
+    std::string name;  // the folder's path without that of the folder above
+    std::size_t depth = 0;
+    std::vector<PimItem> items;
+};
+
+/// Each folder before those below it.
+[[nodiscard]] std::vector<PimNode> ReadPimTree(Books& books, PimKind kind);
+[[nodiscard]] Json PimTreeJson(const std::vector<PimNode>& tree);
+/// With a line for each folder and the number of its entries.
+[[nodiscard]] std::string PimTreeText(const std::vector<PimNode>& tree, const std::string& indent);
+/// What the entry calls itself; empty when it cannot be read.
+[[nodiscard]] std::string TitleOfEntry(PimKind kind, const PimItem& item);
+/// "1 entry", "2 entries"
+[[nodiscard]] std::string CountedEntries(std::size_t count);
+
+}  // namespace kesta

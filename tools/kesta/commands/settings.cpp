@@ -1,0 +1,251 @@
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+
+#include "books.h"
+#include "books/main_folders.h"
+#include "books/playlists.h"
+#include "books/settings.h"
+#include "commands/commands.h"
+#include "commands/json.h"
+#include "commands/pc_path.h"
+#include "output.h"
+#include "phone_settings.h"
+#include "text.h"
+
+namespace kesta {
+namespace {
+
+constexpr std::string_view kSelectPrefix = "select.";
+
+// A change that cannot be made; none is made then.
+class Refusal : public std::runtime_error {
+public:
+    Refusal(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
+    [[nodiscard]] ExitCode code() const { return code_; }
+
+private:
+    ExitCode code_;
+};
+
+struct FolderChange {
+    Category category = Category::kMusic;
+    std::string path;
+    bool selected = true;
+};
+
+// Everything that the command line asks for, checked against the books.
+struct Changes {
+    PhoneSettings settings;          // as they are to be
+    std::vector<std::string> names;  // of the settings given
+    std::map<MainFolder, bool> mainFolders;
+    std::vector<FolderChange> folders;
+    std::vector<Selection> playlists;
+};
+
+std::string SelectNameOf(MainFolder folder)
+{
+    return fmt::format("{}{}", kSelectPrefix, KeyOf(folder));
+}
+
+[[noreturn]] void RefuseName(const std::string& name)
+{
+    std::vector<std::string> names;
+    for (const Setting& setting : AllSettings())
+        if (setting.isWritable) names.emplace_back(setting.name);
+    for (const MainFolder folder : kMainFolders) names.push_back(SelectNameOf(folder));
+    const std::vector<std::string> near = NearNames(name, names);
+    const std::string hint = near.empty() ? "" : fmt::format(" Did you mean {}?", fmt::join(near, " or "));
+    throw Refusal(ExitCode::kUsage, fmt::format("there is no setting {}.{}\nThe settings are {}.", Printable(name),
+                                                hint, fmt::join(names, ", ")));
+}
+
+void ReadChange(const std::string& change, Changes& changes)
+{
+    const auto equals = change.find('=');
+    const std::string name = change.substr(0, equals);
+    if (equals == std::string::npos)
+        throw Refusal(ExitCode::kUsage, fmt::format("{} is no change: write NAME=VALUE", Printable(change)));
+    const std::string value = change.substr(equals + 1);
+    const auto refuseValue = [&](const std::string& problem) {
+        throw Refusal(ExitCode::kUsage, fmt::format("{} cannot be '{}': {}", name, Printable(value), problem));
+    };
+    for (const MainFolder folder : kMainFolders) {
+        if (name != SelectNameOf(folder)) continue;
+        const auto selected = ParseTruth(value);
+        if (!selected) refuseValue("it is yes or no");
+        if (!changes.mainFolders.emplace(folder, *selected).second)
+            throw Refusal(ExitCode::kUsage, fmt::format("{} is given twice", name));
+        return;
+    }
+    const Setting* setting = FindSetting(name);
+    if (setting == nullptr) RefuseName(name);
+    if (const std::string problem = TakeSetting(changes.settings, *setting, value); !problem.empty())
+        refuseValue(problem);
+    if (std::find(changes.names.begin(), changes.names.end(), name) != changes.names.end())
+        throw Refusal(ExitCode::kUsage, fmt::format("{} is given twice", name));
+    changes.names.push_back(name);
+}
+
+void ReadFolder(Books& books, const std::string& imei, const Selection& selection, Changes& changes)
+{
+    bool isKnown = false;
+    for (const Category category : kCategories) {
+        for (const RecordedFolder& folder : books.folders(imei, category)) {
+            if (!IsNamed(folder.path, selection.what)) continue;
+            isKnown = true;
+            const bool contradicts =
+                std::any_of(changes.folders.begin(), changes.folders.end(), [&](const FolderChange& change) {
+                    return change.category == category && change.path == folder.path &&
+                           change.selected != selection.selected;
+                });
+            if (contradicts)
+                throw Refusal(ExitCode::kUsage,
+                              fmt::format("{} is selected and deselected at once", Printable(folder.path)));
+            changes.folders.push_back({category, folder.path, selection.selected});
+        }
+    }
+    if (!isKnown)
+        throw Refusal(ExitCode::kFailure, fmt::format("the books know no folder {} of this phone: it becomes known by "
+                                                      "its first sync",
+                                                      Printable(selection.what)));
+}
+
+void ReadPlaylist(const std::vector<RecordedPlaylist>& lists, const Selection& selection, Changes& changes)
+{
+    if (std::none_of(lists.begin(), lists.end(), [&](const auto& list) { return list.name == selection.what; }))
+        throw Refusal(ExitCode::kFailure,
+                      fmt::format("the books know no playlist {} of this phone", Printable(selection.what)));
+    if (std::any_of(changes.playlists.begin(), changes.playlists.end(), [&](const Selection& other) {
+            return other.what == selection.what && other.selected != selection.selected;
+        }))
+        throw Refusal(ExitCode::kUsage,
+                      fmt::format("{} is selected and deselected at once", Printable(selection.what)));
+    changes.playlists.push_back(selection);
+}
+
+Changes ReadChanges(Books& books, const SettingsOptions& options, const PhoneSettings& present)
+{
+    Changes changes;
+    changes.settings = present;
+    for (const std::string& change : options.changes) ReadChange(change, changes);
+    for (const Selection& selection : options.folders) ReadFolder(books, options.imei, selection, changes);
+    if (!options.playlists.empty()) {
+        const std::vector<RecordedPlaylist> lists = PlaylistBooks(books, options.imei).lists();
+        for (const Selection& selection : options.playlists) ReadPlaylist(lists, selection, changes);
+    }
+    return changes;
+}
+
+void Expect(bool stored, const std::string& what, std::int32_t code)
+{
+    if (stored) return;
+    throw BooksError(
+        fmt::format("{} could not be changed{}", Printable(what), code == 0 ? std::string() : ": " + ResultText(code)));
+}
+
+// The library says of some of these that they went well when they did not, so the books have to tell.
+void Make(Books& books, const Changes& changes, const PhoneSettings& before)
+{
+    const std::string& imei = before.imei;
+    SettingsBooks settings(books, imei);
+    if (!changes.names.empty()) {
+        const std::int32_t code = settings.write(before, changes.settings);
+        const auto after = books.phone(imei);
+        for (const std::string& name : changes.names) {
+            const Setting& setting = *FindSetting(name);
+            Expect(code == 0 && after && ShowSetting(*after, setting) == ShowSetting(changes.settings, setting), name,
+                   code);
+        }
+    }
+    MainFolderBooks mainFolders(books);
+    for (const auto& [folder, selected] : changes.mainFolders) {
+        const std::int32_t code = mainFolders.select(imei, folder, selected);
+        Expect(code == 0 && mainFolders.isSelected(imei, folder) == selected, SelectNameOf(folder), code);
+    }
+    for (const FolderChange& change : changes.folders) {
+        const std::int32_t code = settings.selectFolder(change.category, change.path, change.selected);
+        Expect(code == 0, change.path, code);
+    }
+    for (const Selection& selection : changes.playlists) {
+        const std::int32_t code = settings.selectPlaylist(selection.what, selection.selected);
+        Expect(code == 0, selection.what, code);
+    }
+}
+
+std::string Quoted(const std::string& value)
+{
+    return value.empty() ? "(empty)" : Printable(value);
+}
+
+const char* SelectedText(bool selected)
+{
+    return selected ? "selected" : "not selected";
+}
+
+void ShowAll(Books& books, const PhoneSettings& phone)
+{
+    std::string text = fmt::format("{} (IMEI {})\n", Printable(phone.name), Printable(phone.imei));
+    for (const Setting& setting : AllSettings())
+        text += fmt::format("  {:<27} {}\n", setting.name, Quoted(ShowSetting(phone, setting)));
+    for (const MainFolder folder : kMainFolders)
+        text += fmt::format("  {:<27} {}\n", SelectNameOf(folder),
+                            MainFolderBooks(books).isSelected(phone.imei, folder) ? "yes" : "no");
+    Print(text);
+}
+
+void ShowChanges(const Changes& changes, const PhoneSettings& before)
+{
+    std::string text = fmt::format("{} (IMEI {})\n", Printable(changes.settings.name), Printable(before.imei));
+    for (const std::string& name : changes.names) {
+        const Setting& setting = *FindSetting(name);
+        text += fmt::format("  {}: {}, before: {}\n", name, Quoted(ShowSetting(changes.settings, setting)),
+                            Quoted(ShowSetting(before, setting)));
+    }
+    for (const auto& [folder, selected] : changes.mainFolders)
+        text += fmt::format("  main folder {}: {}\n", KeyOf(folder), SelectedText(selected));
+    for (const FolderChange& change : changes.folders)
+        text += fmt::format("  {} ({}): {}\n", Printable(change.path), KeyOf(change.category),
+                            SelectedText(change.selected));
+    for (const Selection& selection : changes.playlists)
+        text += fmt::format("  playlist {}: {}\n", Printable(selection.what), SelectedText(selection.selected));
+    Print(text);
+}
+
+}  // namespace
+
+ExitCode RunSettings(const SettingsOptions& options)
+{
+    Books books;
+    auto phone = books.phone(options.imei);
+    if (!phone) {
+        (void)std::fprintf(stderr, "kesta: no phone with the IMEI %s is known\n", Printable(options.imei).c_str());
+        return ExitCode::kFailure;
+    }
+    const bool isToChange = !options.changes.empty() || !options.folders.empty() || !options.playlists.empty();
+    try {
+        if (isToChange) {
+            const Changes changes = ReadChanges(books, options, *phone);
+            Make(books, changes, *phone);
+            if (!options.json) ShowChanges(changes, *phone);
+            phone = books.phone(options.imei);
+        }
+    } catch (const Refusal& refusal) {
+        (void)std::fprintf(stderr, "kesta: %s\n", refusal.what());
+        return refusal.code();
+    }
+    if (!phone) throw BooksError("the phone is gone from the books");
+    if (options.json) {
+        PrintJson({{"imei", phone->imei},
+                   {"settings", SettingsJson(*phone)},
+                   {"main_folders", MainFoldersJson(books, phone->imei)}});
+    } else if (!isToChange) {
+        ShowAll(books, *phone);
+    }
+    return ExitCode::kSuccess;
+}
+
+}  // namespace kesta

@@ -1,0 +1,118 @@
+#include <fmt/format.h>
+
+#include <cstdio>
+
+#include "books.h"
+#include "commands/commands.h"
+#include "commands/json.h"
+#include "commands/why_reasons.h"
+#include "output.h"
+#include "summary.h"
+#include "text.h"
+
+namespace kesta {
+namespace {
+
+const char* KeyOf(PcEntry::Kind kind)
+{
+    switch (kind) {
+        case PcEntry::Kind::kMissing:
+            return "missing";
+        case PcEntry::Kind::kFile:
+            return "file";
+        case PcEntry::Kind::kFolder:
+            return "folder";
+        case PcEntry::Kind::kOther:
+            return "other";
+        case PcEntry::Kind::kUnreadable:
+            break;
+    }
+    return "unreadable";
+}
+
+std::string PcText(const PcEntry& entry)
+{
+    switch (entry.kind) {
+        case PcEntry::Kind::kMissing:
+            return "not on the PC";
+        case PcEntry::Kind::kFile:
+            return fmt::format("a file of {}, changed {}", FormatSize(entry.size),
+                               entry.modified ? FormatLocalTime(*entry.modified) : "at an unknown time");
+        case PcEntry::Kind::kFolder:
+            return "a folder";
+        case PcEntry::Kind::kOther:
+            return "neither a file nor a folder";
+        case PcEntry::Kind::kUnreadable:
+            break;
+    }
+    return "cannot be looked at on the PC";
+}
+
+std::string Verdict(const Explanation& explanation)
+{
+    if (!explanation.phonePaths.empty()) return "on the phone";
+    if (explanation.filesOnPhone > 0) return Counted(explanation.filesOnPhone, "file") + " on the phone";
+    return "not on the phone";
+}
+
+Json ToJson(const PhoneSettings& phone, const Explanation& explanation)
+{
+    Json json{{"imei", phone.imei},
+              {"name", phone.name},
+              {"on_phone", !explanation.phonePaths.empty() || explanation.filesOnPhone > 0},
+              {"phone_paths", explanation.phonePaths},
+              {"files_on_phone", explanation.filesOnPhone + explanation.phonePaths.size()},
+              {"reasons", Json::array()},
+              {"playlists", Json::array()}};
+    for (const Reason& reason : explanation.reasons)
+        json["reasons"].push_back({{"reason", reason.key}, {"text", reason.text}});
+    for (const NamingPlaylist& list : explanation.playlists)
+        json["playlists"].push_back({{"name", list.name}, {"state", list.state}});
+    return json;
+}
+
+std::string ToText(const PhoneSettings& phone, const Explanation& explanation)
+{
+    std::string text =
+        fmt::format("{} (IMEI {}): {}\n", Printable(phone.name), Printable(phone.imei), Verdict(explanation));
+    for (const Reason& reason : explanation.reasons) text += fmt::format("  {}\n", Printable(reason.text));
+    return text;
+}
+
+}  // namespace
+
+ExitCode RunWhy(const WhyOptions& options)
+{
+    Books books;
+    std::vector<PhoneSettings> phones;
+    if (options.imei) {
+        auto phone = books.phone(*options.imei);
+        if (!phone) {
+            (void)std::fprintf(stderr, "kesta: no phone with the IMEI %s is known\n", Printable(*options.imei).c_str());
+            return ExitCode::kFailure;
+        }
+        phones.push_back(*std::move(phone));
+    } else {
+        phones = books.phones();
+    }
+    const PcEntry entry = ReadPcEntry(options.path);
+    if (options.json) {
+        Json json{{"path", entry.path},
+                  {"on_pc", {{"kind", KeyOf(entry.kind)}, {"size", nullptr}, {"modified", nullptr}}},
+                  {"phones", Json::array()}};
+        if (entry.kind == PcEntry::Kind::kFile) {
+            json["on_pc"]["size"] = entry.size;
+            json["on_pc"]["modified"] = TimeJson(entry.modified);
+        }
+        for (const PhoneSettings& phone : phones)
+            json["phones"].push_back(ToJson(phone, Explain(books, phone.imei, entry)));
+        PrintJson(json);
+        return ExitCode::kSuccess;
+    }
+    Print(fmt::format("{}: {}\n", Printable(entry.path), PcText(entry)));
+    if (phones.empty()) Print("No phone has been synced yet. Begin with: kesta sync --help\n");
+    for (const PhoneSettings& phone : phones) Print(ToText(phone, Explain(books, phone.imei, entry)));
+    return ExitCode::kSuccess;
+}
+
+}  // namespace kesta

@@ -1,0 +1,44 @@
+// What the books of one phone say of a file or folder of the PC, and why it is or is not on the phone.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "books.h"
+#include "os/files.h"
+
+namespace kesta {
+
+/// What is at the path now.
+struct PcEntry {
+    enum class Kind { kMissing, kFile, kFolder, kOther, kUnreadable };
+    Kind kind = Kind::kMissing;
+    std::string path;  // as the books would know it
+    std::uint64_t size = 0;
+    std::optional<LocalTime> modified;
+};
+
+[[nodiscard]] PcEntry ReadPcEntry(const std::string& given);
+
+struct Reason {
+    std::string key;   // for programs: "folder_not_selected"
+    std::string text;  // for people
+};
+
+/// A playlist that names the file.
+struct NamingPlaylist {
+    std::string name, state;
+};
+
+struct Explanation {
+    std::vector<std::string> phonePaths;  // where the books say that it lies
+    std::size_t filesOnPhone = 0;         // of a folder: of it and of those below it
+    std::vector<Reason> reasons;
+    std::vector<NamingPlaylist> playlists;
+};
+
+[[nodiscard]] Explanation Explain(Books& books, const std::string& imei, const PcEntry& entry);
+
+}  // namespace kesta

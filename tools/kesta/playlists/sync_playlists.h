@@ -1,0 +1,23 @@
+// The playlists of one run: the lists on the phone, the music that they need, and the books about both.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "books.h"
+#include "commands/options.h"
+#include "phone_folder.h"
+#include "playlists/playlist_plan.h"
+#include "progress.h"
+#include "summary.h"
+
+namespace kesta {
+
+/// Brings the phone's playlists in line with those of the folder that the options name. A dry run changes nothing.
+void SyncPlaylists(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+                   const MediaPlaces& media, Progress& progress, Summary& summary);
+
+/// The phone paths that the books know of lists and of their music.
+[[nodiscard]] std::vector<std::string> PlacesOfPlaylists(Books& books, const std::string& imei);
+
+}  // namespace kesta
