@@ -1,5 +1,5 @@
 // Copying one file: the source may change or go, the place may be taken.
-#include "copy_file.h"
+#include "phone/copy_file.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

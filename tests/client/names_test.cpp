@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "marker.h"
+#include "phone/marker.h"
 
 namespace kesta {
 namespace {

@@ -1,5 +1,5 @@
 // Settings by name, dates as the user writes them, and names that are near to one another.
-#include "phone_settings.h"
+#include "commands/phone_settings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -7,9 +7,9 @@
 #include "formats/icalendar.h"
 #include "formats/vcard.h"
 #include "os/files.h"
+#include "pim/pim_source.h"
+#include "pim/pim_text.h"
 #include "pim_samples.h"
-#include "pim_source.h"
-#include "pim_text.h"
 
 namespace kesta::test {
 namespace {

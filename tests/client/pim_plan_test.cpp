@@ -7,10 +7,10 @@
 
 #include "formats/vcard.h"
 #include "os/files.h"
-#include "pim_phone_plan.h"
+#include "pim/pim_phone_plan.h"
+#include "pim/pim_source.h"
+#include "pim/pim_store_plan.h"
 #include "pim_samples.h"
-#include "pim_source.h"
-#include "pim_store_plan.h"
 
 namespace kesta::test {
 namespace {

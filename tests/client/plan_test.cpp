@@ -1,5 +1,5 @@
 // What a sync would do, from made-up PCs, books and phones.
-#include "plan.h"
+#include "media/plan.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // Reading a folder of the PC.
-#include "scan.h"
+#include "media/scan.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

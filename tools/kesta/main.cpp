@@ -4,10 +4,10 @@
 #include <exception>
 #include <string>
 
-#include "books.h"
+#include "books/books.h"
 #include "commands/commands.h"
 #include "os/system.h"
-#include "phone_folder.h"
+#include "phone/phone_folder.h"
 #include "text.h"
 
 namespace {

@@ -1,10 +1,10 @@
 // A copy of all that is on the phone, as one archive on the PC.
 #pragma once
 
-#include "books.h"
-#include "commands/options.h"
-#include "marker.h"
-#include "phone_folder.h"
+#include "books/books.h"
+#include "options.h"
+#include "phone/marker.h"
+#include "phone/phone_folder.h"
 #include "progress.h"
 #include "summary.h"
 

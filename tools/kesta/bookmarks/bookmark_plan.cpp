@@ -8,7 +8,7 @@
 #include <unordered_set>
 
 #include "names.h"
-#include "phone_layout.h"
+#include "phone/phone_layout.h"
 
 namespace kesta {
 namespace {

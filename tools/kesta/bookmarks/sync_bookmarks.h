@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "books.h"
-#include "commands/options.h"
-#include "phone_folder.h"
+#include "books/books.h"
+#include "options.h"
+#include "phone/phone_folder.h"
 #include "progress.h"
 #include "summary.h"
 

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "books.h"
+#include "books/books.h"
 #include "text.h"
 
 namespace kesta::calls {

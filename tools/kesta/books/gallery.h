@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "books.h"
+#include "books/books.h"
 
 namespace kesta {
 

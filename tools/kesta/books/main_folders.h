@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "books.h"
+#include "books/books.h"
 
 namespace kesta {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "books.h"
-#include "pim_kind.h"
+#include "books/books.h"
+#include "books/pim_kind.h"
 
 namespace kesta {
 

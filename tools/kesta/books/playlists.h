@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "books.h"
+#include "books/books.h"
 
 namespace kesta {
 

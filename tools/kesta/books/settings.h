@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "books.h"
+#include "books/books.h"
 
 namespace kesta {
 

@@ -1,9 +1,18 @@
-// One function for each command. What goes wrong beyond its exit code comes as an exception to the program's start.
+// The command line, and one function for each command. What goes wrong beyond its exit code comes as an exception to
+// the program's start.
 #pragma once
 
-#include "commands/options.h"
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "exit_codes.h"
+#include "options.h"
 
 namespace kesta {
+
+/// Nothing when there is nothing to run: help or a mistake has been printed, and exitCode says which.
+[[nodiscard]] std::optional<Options> ParseOptions(std::vector<std::string> arguments, ExitCode& exitCode);
 
 [[nodiscard]] ExitCode RunSync(const SyncOptions& options);
 [[nodiscard]] ExitCode RunStatus(const StatusOptions& options);

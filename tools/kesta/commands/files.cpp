@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <set>
 
-#include "books.h"
 #include "books/backups.h"
 #include "books/bookmarks.h"
+#include "books/books.h"
 #include "books/gallery.h"
 #include "books/playlists.h"
 #include "commands/commands.h"

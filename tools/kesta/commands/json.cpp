@@ -1,8 +1,8 @@
 #include "commands/json.h"
 
 #include "books/main_folders.h"
+#include "commands/phone_settings.h"
 #include "output.h"
-#include "phone_settings.h"
 
 namespace kesta {
 namespace {

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "books.h"
+#include "books/books.h"
 
 namespace kesta {
 

@@ -1,7 +1,7 @@
 // The command line's options, a group for each command.
 #pragma once
 
-#include "commands/options.h"
+#include "options.h"
 
 namespace CLI {
 class App;

@@ -1,4 +1,4 @@
-#include "commands/options.h"
+#include "commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "books.h"
 #include "books/backups.h"
+#include "books/books.h"
 #include "books/main_folders.h"
+#include "books/pim_kind.h"
 #include "books/playlists.h"
 #include "commands/json.h"
 #include "last_run.h"
-#include "pim_kind.h"
 
 namespace kesta {
 

@@ -5,15 +5,15 @@
 #include <cstdio>
 #include <map>
 
-#include "books.h"
+#include "books/books.h"
 #include "books/main_folders.h"
 #include "books/playlists.h"
 #include "books/settings.h"
 #include "commands/commands.h"
 #include "commands/json.h"
 #include "commands/pc_path.h"
+#include "commands/phone_settings.h"
 #include "output.h"
-#include "phone_settings.h"
 #include "text.h"
 
 namespace kesta {

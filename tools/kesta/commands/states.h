@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "books.h"
+#include "books/books.h"
 #include "books/playlists.h"
 
 namespace kesta {

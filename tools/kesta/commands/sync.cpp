@@ -5,17 +5,17 @@
 
 #include "backup/phone_backup.h"
 #include "bookmarks/sync_bookmarks.h"
-#include "carry_out.h"
 #include "commands/commands.h"
+#include "commands/main_folder_choice.h"
 #include "commands/sync_folders.h"
-#include "journal.h"
 #include "last_run.h"
-#include "main_folder_choice.h"
-#include "marker.h"
+#include "media/carry_out.h"
 #include "names.h"
 #include "os/system.h"
+#include "phone/journal.h"
+#include "phone/marker.h"
+#include "pim/sync_pim.h"
 #include "playlists/sync_playlists.h"
-#include "sync_pim.h"
 #include "text.h"
 
 namespace kesta {

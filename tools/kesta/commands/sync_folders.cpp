@@ -5,16 +5,12 @@
 #include <algorithm>
 #include <limits>
 
+#include "commands/pc_path.h"
 #include "os/system.h"
 #include "text.h"
 
 namespace kesta {
 namespace {
-
-bool LiesIn(const std::string& path, const std::string& folder)
-{
-    return path == folder || path.starts_with(os::Join(folder, ""));
-}
 
 std::string TryCanonical(const std::string& path)
 {

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "books.h"
-#include "commands/options.h"
-#include "phone_folder.h"
+#include "books/books.h"
+#include "media/scan.h"
+#include "options.h"
+#include "phone/phone_folder.h"
 #include "progress.h"
-#include "scan.h"
 #include "summary.h"
 
 namespace kesta {

@@ -1,7 +1,7 @@
 #include <CLI/CLI.hpp>
 
 #include "commands/option_groups.h"
-#include "marker.h"
+#include "phone/marker.h"
 #include "text.h"
 
 namespace kesta {

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "books.h"
+#include "books/books.h"
 #include "commands/commands.h"
 #include "commands/json.h"
 #include "commands/why_reasons.h"

@@ -11,7 +11,7 @@
 #include "commands/pc_path.h"
 #include "commands/pim_tree.h"
 #include "commands/states.h"
-#include "pim_entry.h"
+#include "pim/pim_entry.h"
 #include "summary.h"
 #include "text.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "books.h"
+#include "books/books.h"
 #include "os/files.h"
 
 namespace kesta {

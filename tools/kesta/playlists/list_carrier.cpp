@@ -4,11 +4,11 @@
 
 #include <algorithm>
 
-#include "journal.h"
 #include "names.h"
 #include "os/system.h"
-#include "phone_failure.h"
-#include "phone_layout.h"
+#include "phone/journal.h"
+#include "phone/phone_failure.h"
+#include "phone/phone_layout.h"
 
 namespace kesta {
 namespace {

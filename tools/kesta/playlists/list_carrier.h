@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "books/playlists.h"
-#include "phone_folder.h"
-#include "phone_names.h"
+#include "phone/phone_folder.h"
+#include "phone/phone_places.h"
 #include "playlists/list_text.h"
 #include "playlists/playlist_plan.h"
 #include "progress.h"

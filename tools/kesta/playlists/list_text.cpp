@@ -3,7 +3,7 @@
 #include <unordered_set>
 
 #include "formats/digest.h"
-#include "phone_layout.h"
+#include "phone/phone_layout.h"
 
 namespace kesta {
 namespace {

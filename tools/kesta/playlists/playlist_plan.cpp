@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "names.h"
-#include "phone_layout.h"
-#include "phone_names.h"
+#include "phone/phone_layout.h"
+#include "phone/phone_places.h"
 
 namespace kesta {
 namespace {

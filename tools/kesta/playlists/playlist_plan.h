@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "books/playlists.h"
-#include "plan.h"
+#include "media/plan.h"
 #include "playlists/pc_playlists.h"
 
 namespace kesta {

@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "carry_out.h"
-#include "journal.h"
+#include "media/carry_out.h"
 #include "names.h"
 #include "os/system.h"
-#include "phone_failure.h"
-#include "phone_layout.h"
+#include "phone/journal.h"
+#include "phone/phone_failure.h"
+#include "phone/phone_layout.h"
 #include "playlists/list_carrier.h"
 #include "text.h"
 

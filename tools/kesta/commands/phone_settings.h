@@ -1,0 +1,40 @@
+// The settings of a phone by name: how they are shown, and how the user's text becomes a value.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "books/books.h"
+
+namespace kesta {
+
+using TextSetting = std::string PhoneSettings::*;
+using TruthSetting = bool PhoneSettings::*;
+using NumberSetting = std::int32_t PhoneSettings::*;
+using DateSetting = std::optional<LocalTime> PhoneSettings::*;
+
+struct Setting {
+    std::string_view name;
+    std::variant<TextSetting, TruthSetting, NumberSetting, DateSetting> field;
+    bool isWritable = true;
+};
+
+/// In the order in which they are shown.
+[[nodiscard]] std::span<const Setting> AllSettings();
+/// Null for an unknown name.
+[[nodiscard]] const Setting* FindSetting(std::string_view name);
+/// "yes", "2", "2026-01-31 00:00:00"; empty for a text or date that is not set.
+[[nodiscard]] std::string ShowSetting(const PhoneSettings& settings, const Setting& setting);
+/// Why the text is no value of this setting; empty when it is and has been taken.
+[[nodiscard]] std::string TakeSetting(PhoneSettings& settings, const Setting& setting, const std::string& text);
+
+/// yes, no, true, false, on, off, 1 and 0, in either case; nothing for anything else.
+[[nodiscard]] std::optional<bool> ParseTruth(std::string_view text);
+/// Those of the names that somebody who wrote this may have meant, the nearest first.
+[[nodiscard]] std::vector<std::string> NearNames(std::string_view written, std::span<const std::string> names);
+
+}  // namespace kesta

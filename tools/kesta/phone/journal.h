@@ -1,0 +1,32 @@
+// Says in the phone's root, before the first file is copied, which places on the phone the run is going to fill. A run
+// that was killed between a file's arrival and its record leaves one file that nobody knows: the next run finds it
+// here.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "phone/phone_folder.h"
+
+namespace kesta {
+
+inline constexpr std::string_view kJournalName = ".kesta-journal";
+
+struct Leftovers {
+    std::vector<std::string> temporaryFiles;  // native paths
+    std::vector<std::string> unknownFiles;    // phone paths
+    std::vector<std::string> foldersOf;       // phone paths whose folders may have been made for nothing
+    bool journalFound = false;
+};
+
+/// Replaces the journal.
+os::Status WriteJournal(const PhoneFolder& phone, const std::vector<std::string>& places);
+os::Status RemoveJournal(const PhoneFolder& phone);
+
+/// What a killed run has left behind. recordedPlaces: the phone paths of all recorded files.
+os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string>& recordedPlaces,
+                         Leftovers& leftovers);
+/// Removes it, and the journal.
+os::Status RemoveLeftovers(PhoneFolder& phone, const Leftovers& leftovers);
+
+}  // namespace kesta

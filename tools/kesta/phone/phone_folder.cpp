@@ -1,0 +1,126 @@
+#include "phone/phone_folder.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "text.h"
+
+namespace kesta {
+namespace {
+
+// Calls the visitor with each folder above the file, from the outermost inwards, until it returns false.
+template <class Visitor>
+void VisitFolders(const std::string& phonePath, const Visitor& visit)
+{
+    for (auto slash = phonePath.find('/'); slash != std::string::npos; slash = phonePath.find('/', slash + 1))
+        if (!visit(phonePath.substr(0, slash))) return;
+}
+
+os::Status NoFolder(const std::string& phonePath)
+{
+    return {os::Failure::kOther, fmt::format("'{}' on the phone is no folder", Printable(phonePath))};
+}
+
+}  // namespace
+
+os::Status PhoneFolder::open()
+{
+    os::FileInfo info;
+    if (os::Status status = os::ReadInfo(root_, info); !status.ok()) return status;
+    if (info.kind != os::FileKind::kDirectory) return {os::Failure::kOther, "it is not a folder"};
+    id_ = info.id;
+    return {};
+}
+
+bool PhoneFolder::isStillThere() const
+{
+    os::FileInfo info;
+    return os::ReadInfo(root_, info).ok() && info.id == id_;
+}
+
+std::string PhoneFolder::native(const std::string& phonePath) const
+{
+    std::string path = phonePath;
+    std::replace(path.begin(), path.end(), '/', os::kSeparator);
+    return os::Join(root_, path);
+}
+
+PhoneFile PhoneFolder::find(const std::string& phonePath) const
+{
+    os::FileInfo info;
+    if (os::Status status = os::ReadInfoOfLink(native(phonePath), info); !status.ok()) {
+        // What the phone cannot name is not there; copying it will give the reason.
+        if (status.failure() == os::Failure::kMissing || status.failure() == os::Failure::kTooLong) return {};
+        throw PhoneError(fmt::format("the phone cannot be read: {}: {}", Printable(phonePath), status.text()));
+    }
+    return {info.kind == os::FileKind::kFile ? PhoneEntry::kFile : PhoneEntry::kOther, info.size,
+            info.modified.seconds};
+}
+
+os::Status PhoneFolder::checkWay(const std::string& phonePath, Way& way) const
+{
+    way = Way::kPlain;
+    os::Status result;
+    VisitFolders(phonePath, [&](const std::string& folder) {
+        os::FileInfo info;
+        result = os::ReadInfoOfLink(native(folder), info);
+        if (result.failure() == os::Failure::kMissing) {
+            way = Way::kMissing;
+            result = {};
+            return false;
+        }
+        // A link could lead back to the PC, and what is removed there is nobody's copy.
+        if (result.ok() && info.kind != os::FileKind::kDirectory) result = NoFolder(folder);
+        return result.ok();
+    });
+    return result;
+}
+
+os::Status PhoneFolder::makeFolders(const std::string& phonePath)
+{
+    os::Status result;
+    VisitFolders(phonePath, [&](const std::string& folder) {
+        if (checkedFolders_.contains(folder)) return true;
+        const std::string path = native(folder);
+        result = os::MakeDirectory(path);
+        if (result.ok()) {
+            result = os::FlushDirectory(os::ParentOf(path));
+        } else if (result.failure() == os::Failure::kExists) {
+            os::FileInfo info;
+            result = os::ReadInfoOfLink(path, info);
+            if (result.ok() && info.kind != os::FileKind::kDirectory) result = NoFolder(folder);
+        }
+        if (result.ok()) checkedFolders_.insert(folder);
+        return result.ok();
+    });
+    return result;
+}
+
+os::Status PhoneFolder::removeFile(const std::string& phonePath)
+{
+    Way way = Way::kPlain;
+    if (os::Status status = checkWay(phonePath, way); !status.ok()) return status;
+    if (way == Way::kMissing) return {};
+    const std::string path = native(phonePath);
+    if (os::Status status = os::RemoveFile(path); !status.ok())
+        return status.failure() == os::Failure::kMissing ? os::Status() : status;
+    return os::FlushDirectory(os::ParentOf(path));
+}
+
+os::Status PhoneFolder::tidyAbove(const std::string& phonePath)
+{
+    for (auto slash = phonePath.rfind('/'); slash != std::string::npos;) {
+        const std::string folder = phonePath.substr(0, slash);
+        slash = folder.rfind('/');
+        if (slash == std::string::npos) return {};  // The category's folder may be the phone's own.
+        checkedFolders_.erase(folder);
+        const os::Status status = os::RemoveEmptyDirectory(native(folder));
+        if (status.ok() || status.failure() == os::Failure::kMissing) continue;
+        const bool isInUse = status.failure() == os::Failure::kNotEmpty || status.failure() == os::Failure::kExists;
+        return isInUse ? os::Status() : status;
+    }
+    return {};
+}
+
+}  // namespace kesta

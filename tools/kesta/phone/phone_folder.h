@@ -1,0 +1,50 @@
+// The phone: any mounted folder. Phone paths have '/' between their components and begin below the folder.
+#pragma once
+
+#include <set>
+#include <stdexcept>
+#include <string>
+
+#include "os/files.h"
+#include "phone/phone_view.h"
+
+namespace kesta {
+
+/// The phone can no longer be read.
+class PhoneError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+class PhoneFolder : public PhoneView {
+public:
+    /// Takes a canonical path.
+    explicit PhoneFolder(std::string root) : root_(std::move(root)) {}
+
+    /// Must succeed before anything else is asked.
+    os::Status open();
+    [[nodiscard]] const std::string& root() const { return root_; }
+    [[nodiscard]] os::FileId id() const { return id_; }
+    /// False when the phone has gone, or when an empty mount point is in its place.
+    [[nodiscard]] bool isStillThere() const;
+
+    [[nodiscard]] std::string native(const std::string& phonePath) const;
+    [[nodiscard]] PhoneFile find(const std::string& phonePath) const override;
+
+    /// Creates the folders on the way to a file. Refuses a way that leads over a link.
+    os::Status makeFolders(const std::string& phonePath);
+    /// Removes a file for good; it is no failure when it is not there.
+    os::Status removeFile(const std::string& phonePath);
+    /// Removes the folders above a file that have become empty, up to the category's own.
+    os::Status tidyAbove(const std::string& phonePath);
+
+private:
+    enum class Way { kPlain, kMissing };
+    os::Status checkWay(const std::string& phonePath, Way& way) const;
+
+    std::string root_;
+    os::FileId id_;
+    std::set<std::string> checkedFolders_;
+};
+
+}  // namespace kesta

@@ -1,0 +1,49 @@
+// Gives every file its place on the phone, so that no two files meet in one place, not even where case is ignored, and
+// nothing that somebody else put on the phone is overwritten.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "phone/phone_view.h"
+
+namespace kesta {
+
+/// The places of one folder of the phone.
+class PhonePlaces {
+public:
+    PhonePlaces(std::string top, const PhoneView& phone) : top_(std::move(top)), phone_(phone) {}
+
+    /// Says that the place belongs to a recorded file. False when another one has it already.
+    bool reserve(const std::string& phonePath);
+    /// Says that what lies in the place is going to be removed first.
+    void free(const std::string& phonePath);
+    [[nodiscard]] bool isReserved(const std::string& phonePath) const;
+
+    struct Place {
+        std::string phonePath;
+        bool sameFileIsThere = false;
+    };
+    using IsSame = std::function<bool(const std::string& phonePath, const PhoneFile& there)>;
+    /// A place below the top folder for a file that has none yet, by the same rule in every run. The parts are the
+    /// names of its folders and its own; they are made safe. Of files with one name the seed tells them apart.
+    [[nodiscard]] Place allocate(const std::vector<std::string>& parts, const std::string& seed, const IsSame& isSame);
+
+private:
+    [[nodiscard]] std::string allocateFolder(const std::string& parent, const std::string& name);
+    [[nodiscard]] bool isFreed(const std::string& key) const { return freed_.contains(key) && !files_.contains(key); }
+
+    std::string top_;
+    const PhoneView& phone_;
+    std::set<std::string> files_;    // case keys
+    std::set<std::string> folders_;  // case keys
+    std::set<std::string> freed_;    // case keys
+};
+
+/// Whether a file on the phone can be taken for the PC's, by size and time.
+[[nodiscard]] bool IsSameFile(const PhoneFile& there, std::uint64_t size, std::int64_t modifiedSeconds);
+
+}  // namespace kesta

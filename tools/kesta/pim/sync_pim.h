@@ -1,0 +1,18 @@
+// Contacts and calendars: the books' store is brought up to the files of the PC, then the phone up to the store.
+#pragma once
+
+#include <string>
+
+#include "books/books.h"
+#include "options.h"
+#include "phone/phone_folder.h"
+#include "progress.h"
+#include "summary.h"
+
+namespace kesta {
+
+/// The phone must have been announced, but for a dry run. What fails goes to the summary.
+void SyncPim(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options, Progress& progress,
+             Summary& summary);
+
+}  // namespace kesta
