@@ -1,7 +1,6 @@
 # Target kesta_sqlite: SQLite 3 at one pinned version, linked statically, or the system's.
 #
-# The amalgamation comes out of the npm package better-sqlite3, which carries SQLite's own sources unchanged. Its
-# archive is checked against the hash below before anything in it is used.
+# The amalgamation comes out of the npm package better-sqlite3, which carries SQLite's own sources unchanged.
 if(KESTA_SYSTEM_SQLITE)
     find_package(SQLite3 3.37 REQUIRED)
     add_library(kesta_sqlite INTERFACE)
@@ -9,40 +8,11 @@ if(KESTA_SYSTEM_SQLITE)
     return()
 endif()
 
-set(KESTA_SQLITE_PACKAGE better-sqlite3)
-set(KESTA_SQLITE_PACKAGE_VERSION 13.2.0)  # SQLite 3.54.1
-set(KESTA_SQLITE_SHA256 40487589df3496f2ee0079d22b73c63fccebe7db0e8ee9a2c42421861e321e0b)
-
-# One copy serves all presets.
-set(deps ${PROJECT_SOURCE_DIR}/build/_deps)
-set(archive ${deps}/${KESTA_SQLITE_PACKAGE}-${KESTA_SQLITE_PACKAGE_VERSION}.tgz)
-set(sqlite ${deps}/sqlite-${KESTA_SQLITE_PACKAGE_VERSION})
-
-file(MAKE_DIRECTORY ${deps})
-file(LOCK ${deps}/sqlite.lock GUARD FILE TIMEOUT 300)
-if(NOT EXISTS ${archive})
-    find_program(KESTA_NPM npm REQUIRED)
-    message(STATUS "Fetching ${KESTA_SQLITE_PACKAGE} ${KESTA_SQLITE_PACKAGE_VERSION}")
-    execute_process(
-        COMMAND ${KESTA_NPM} pack --silent ${KESTA_SQLITE_PACKAGE}@${KESTA_SQLITE_PACKAGE_VERSION}
-        WORKING_DIRECTORY ${deps}
-        OUTPUT_QUIET ERROR_VARIABLE npm_errors RESULT_VARIABLE npm_result)
-    if(npm_result)
-        message(FATAL_ERROR "npm could not fetch SQLite's sources:\n${npm_errors}")
-    endif()
-endif()
-file(SHA256 ${archive} found)
-if(NOT found STREQUAL KESTA_SQLITE_SHA256)
-    file(REMOVE ${archive})
-    message(FATAL_ERROR "${archive} is not the archive expected: its SHA-256 is ${found}")
-endif()
-if(NOT EXISTS ${sqlite}/sqlite3.c)
-    file(ARCHIVE_EXTRACT INPUT ${archive} DESTINATION ${sqlite}.new PATTERNS "package/deps/sqlite3/sqlite3.[ch]")
-    file(REMOVE_RECURSE ${sqlite})
-    file(RENAME ${sqlite}.new/package/deps/sqlite3 ${sqlite})
-    file(REMOVE_RECURSE ${sqlite}.new)
-endif()
-file(LOCK ${deps}/sqlite.lock RELEASE)
+include(FetchFromNpm)
+kesta_fetch_from_npm(sqlite  # SQLite 3.54.1
+    PACKAGE better-sqlite3 VERSION 13.2.0
+    SHA256 40487589df3496f2ee0079d22b73c63fccebe7db0e8ee9a2c42421861e321e0b
+    FOLDER deps/sqlite3 FILES "sqlite3.[ch]")
 
 option(KESTA_SQLITE_PGO "Lay SQLite out by a profile that is taken while building" OFF)
 

@@ -139,6 +139,7 @@ TEST_F(FamiliesFaultsTest, Backup_KilledAtEachCall_LeavesWholeArchivesOnly)
     const auto whole = fs::file_size(fs::directory_iterator(work() / "backups")->path());
     long calls = 0;
     std::ifstream(counted) >> calls;
+    ASSERT_GT(calls, 10) << "the calls are not seen";
     for (long call = 1; call <= calls; ++call) {
         SCOPED_TRACE("killed at call " + std::to_string(call));
         (void)sync(arguments, faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));

@@ -132,8 +132,7 @@ os::Status ZipWriter::begin(const std::string& name, os::FileTime modified, std:
     entry.uncompressed_size = static_cast<std::int64_t>(size);
     entry.zip64 = size >= kNeeds64Bits ? MZ_ZIP64_FORCE : MZ_ZIP64_AUTO;
     entry.filename = name.c_str();
-    const os::Status status =
-        result(mz_zip_entry_write_open(zip_, &entry, isStored ? std::int16_t{0} : kLevel, 0, nullptr));
+    os::Status status = result(mz_zip_entry_write_open(zip_, &entry, isStored ? std::int16_t{0} : kLevel, 0, nullptr));
     if (status.ok()) entries_.push_back({name, 0, 0});
     return status;
 }

@@ -177,6 +177,7 @@ std::vector<std::string> PlaylistBooks::members(const std::string& list)
     calls::Require("DB_PLAYERMUSIC_GetListFilesname",
                    DB_PLAYERMUSIC_GetListFilesname(Text(imei_).c_str(), Text(list).c_str(), names.get()));
     std::vector<std::string> members;
+    members.reserve(static_cast<std::size_t>(names.get()->Count));
     for (std::int32_t i = 0; i < names.get()->Count; ++i) members.push_back(FromDbText(names.get()->Items[i]));
     return members;
 }
