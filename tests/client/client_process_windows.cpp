@@ -77,10 +77,11 @@ ClientProcess::ClientProcess(const std::filesystem::path& folder, const std::vec
     startup.hStdError = Create(impl_->err);
     const BOOL started = CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
                                         &startup, &impl_->process);
+    const DWORD error = GetLastError();
     (void)CloseHandle(startup.hStdOutput);
     (void)CloseHandle(startup.hStdError);
     for (const auto& [key, value] : environment) (void)SetEnvironmentVariableW(ToDbText(key).value().c_str(), nullptr);
-    if (!started) throw std::runtime_error("the client cannot be started");
+    if (!started) throw std::runtime_error("the client cannot be started: error " + std::to_string(error));
 }
 
 ClientProcess::~ClientProcess()

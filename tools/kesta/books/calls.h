@@ -106,4 +106,32 @@ void ReadList(std::string_view call, const Call& read)
     return folders;
 }
 
+[[nodiscard]] inline std::vector<RecordedFile> ToFiles(const OwnedList<SyncedFileList>& list)
+{
+    std::vector<RecordedFile> files;
+    files.reserve(list.size());
+    for (const SyncedFileRecord& record : list) {
+        files.push_back({FromDbText(record.Path), FromDbText(record.BasePath), FromDbText(record.PhonePath),
+                         FromDateValue(record.ModifiedTime)});
+    }
+    return files;
+}
+
+/// A file as an argument. The library only reads the texts of a record that the caller fills; its fields are not const
+/// because it also hands such records out.
+struct FileArguments {
+    explicit FileArguments(const RecordedFile& file)
+        : path(Text(file.path)),
+          basePath(Text(file.basePath)),
+          phonePath(Text(file.phonePath)),
+          record{ToDateValue(file.modified), path.data(), basePath.data(), phonePath.data()}
+    {
+    }
+    FileArguments(const FileArguments&) = delete;
+    FileArguments& operator=(const FileArguments&) = delete;
+
+    DbText path, basePath, phonePath;
+    SyncedFileRecord record;
+};
+
 }  // namespace kesta::calls

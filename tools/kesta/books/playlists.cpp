@@ -39,21 +39,6 @@ RecordedPlaylist Named(const std::string& name)
     return list;
 }
 
-struct FileArguments {
-    explicit FileArguments(const RecordedFile& file)
-        : path(Text(file.path)),
-          basePath(Text(file.basePath)),
-          phonePath(Text(file.phonePath)),
-          record{ToDateValue(file.modified), path.data(), basePath.data(), phonePath.data()}
-    {
-    }
-    FileArguments(const FileArguments&) = delete;
-    FileArguments& operator=(const FileArguments&) = delete;
-
-    DbText path, basePath, phonePath;
-    SyncedFileRecord record;
-};
-
 // Names that the library has put into the caller's array, in the memory that both sides have agreed upon.
 class OwnedNames {
 public:
@@ -144,30 +129,24 @@ std::vector<RecordedFile> PlaylistBooks::files()
     // The library lists the files of all playlists, whichever is named.
     calls::ReadList("DB_PLAYERMUSIC_GetSyncedFiles",
                     [&] { return DB_PLAYERMUSIC_GetSyncedFiles(phone.c_str(), nullptr, list.get()); });
-    std::vector<RecordedFile> files;
-    files.reserve(list.size());
-    for (const SyncedFileRecord& record : list) {
-        files.push_back({FromDbText(record.Path), FromDbText(record.BasePath), FromDbText(record.PhonePath),
-                         FromDateValue(record.ModifiedTime)});
-    }
-    return files;
+    return calls::ToFiles(list);
 }
 
 std::int32_t PlaylistBooks::addFile(const RecordedFile& file)
 {
-    const FileArguments arguments(file);
+    const calls::FileArguments arguments(file);
     return DB_PLAYERMUSIC_SetAddedFile(Text(imei_).c_str(), &arguments.record);
 }
 
 std::int32_t PlaylistBooks::updateFile(const RecordedFile& file)
 {
-    const FileArguments arguments(file);
+    const calls::FileArguments arguments(file);
     return DB_PLAYERMUSIC_SetUpdatedFile(Text(imei_).c_str(), &arguments.record);
 }
 
 std::int32_t PlaylistBooks::removeFile(const std::string& path)
 {
-    const FileArguments arguments(RecordedFile{path, {}, {}, {}});
+    const calls::FileArguments arguments(RecordedFile{path, {}, {}, {}});
     return DB_PLAYERMUSIC_SetDeletedFile(Text(imei_).c_str(), &arguments.record);
 }
 

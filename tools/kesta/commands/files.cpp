@@ -12,6 +12,7 @@
 #include "commands/json.h"
 #include "commands/pc_path.h"
 #include "commands/phone_status.h"
+#include "commands/phones.h"
 #include "commands/pim_tree.h"
 #include "commands/states.h"
 #include "output.h"
@@ -221,10 +222,7 @@ ExitCode RunFiles(const FilesOptions& options)
         return ExitCode::kUsage;
     }
     Books books;
-    if (!books.phone(options.imei)) {
-        (void)std::fprintf(stderr, "kesta: no phone with the IMEI %s is known\n", Printable(options.imei).c_str());
-        return ExitCode::kFailure;
-    }
+    (void)KnownPhone(books, options.imei);
     Listing listing = List(books, options);
     if (!options.json) {
         Print(listing.text);

@@ -13,6 +13,7 @@
 #include "commands/json.h"
 #include "commands/pc_path.h"
 #include "commands/phone_settings.h"
+#include "commands/phones.h"
 #include "output.h"
 #include "text.h"
 
@@ -220,30 +221,25 @@ void ShowChanges(const Changes& changes, const PhoneSettings& before)
 ExitCode RunSettings(const SettingsOptions& options)
 {
     Books books;
-    auto phone = books.phone(options.imei);
-    if (!phone) {
-        (void)std::fprintf(stderr, "kesta: no phone with the IMEI %s is known\n", Printable(options.imei).c_str());
-        return ExitCode::kFailure;
-    }
+    PhoneSettings phone = KnownPhone(books, options.imei);
     const bool isToChange = !options.changes.empty() || !options.folders.empty() || !options.playlists.empty();
     try {
         if (isToChange) {
-            const Changes changes = ReadChanges(books, options, *phone);
-            Make(books, changes, *phone);
-            if (!options.json) ShowChanges(changes, *phone);
-            phone = books.phone(options.imei);
+            const Changes changes = ReadChanges(books, options, phone);
+            Make(books, changes, phone);
+            if (!options.json) ShowChanges(changes, phone);
+            phone = KnownPhone(books, options.imei);
         }
     } catch (const Refusal& refusal) {
         (void)std::fprintf(stderr, "kesta: %s\n", refusal.what());
         return refusal.code();
     }
-    if (!phone) throw BooksError("the phone is gone from the books");
     if (options.json) {
-        PrintJson({{"imei", phone->imei},
-                   {"settings", SettingsJson(*phone)},
-                   {"main_folders", MainFoldersJson(books, phone->imei)}});
+        PrintJson({{"imei", phone.imei},
+                   {"settings", SettingsJson(phone)},
+                   {"main_folders", MainFoldersJson(books, phone.imei)}});
     } else if (!isToChange) {
-        ShowAll(books, *phone);
+        ShowAll(books, phone);
     }
     return ExitCode::kSuccess;
 }

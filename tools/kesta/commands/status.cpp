@@ -7,6 +7,7 @@
 #include "commands/commands.h"
 #include "commands/json.h"
 #include "commands/phone_status.h"
+#include "commands/phones.h"
 #include "commands/pim_tree.h"
 #include "output.h"
 #include "text.h"
@@ -49,17 +50,7 @@ void PrintAsText(Books& books, std::vector<PhoneSettings> phones)
 ExitCode RunStatus(const StatusOptions& options)
 {
     Books books;
-    std::vector<PhoneSettings> phones;
-    if (options.imei) {
-        auto phone = books.phone(*options.imei);
-        if (!phone) {
-            (void)std::fprintf(stderr, "kesta: no phone with the IMEI %s is known\n", Printable(*options.imei).c_str());
-            return ExitCode::kFailure;
-        }
-        phones.push_back(*std::move(phone));
-    } else {
-        phones = books.phones();
-    }
+    std::vector<PhoneSettings> phones = ChosenPhones(books, options.imei);
     if (options.json)
         PrintAsJson(books, std::move(phones));
     else

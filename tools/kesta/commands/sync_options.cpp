@@ -51,7 +51,7 @@ void AddSync(CLI::App& app, SyncOptions& options)
         ->type_name("DIR");
     app.add_flag("--dry-run", options.dryRun, "only say what would be done; change nothing");
     app.add_flag("--force", options.force,
-                 "remove even if it is more than half of a category, or of the lists or marks");
+                 "remove even if it is more than half of a category, or of the lists, marks or entries");
     app.add_flag("--quiet,-q", options.quiet, "no line for each file");
     app.footer(std::string(kSyncExamples) + kExitCodeHelp);
 }

@@ -5,6 +5,7 @@
 #include "books/books.h"
 #include "commands/commands.h"
 #include "commands/json.h"
+#include "commands/phones.h"
 #include "commands/why_reasons.h"
 #include "output.h"
 #include "summary.h"
@@ -84,17 +85,7 @@ std::string ToText(const PhoneSettings& phone, const Explanation& explanation)
 ExitCode RunWhy(const WhyOptions& options)
 {
     Books books;
-    std::vector<PhoneSettings> phones;
-    if (options.imei) {
-        auto phone = books.phone(*options.imei);
-        if (!phone) {
-            (void)std::fprintf(stderr, "kesta: no phone with the IMEI %s is known\n", Printable(*options.imei).c_str());
-            return ExitCode::kFailure;
-        }
-        phones.push_back(*std::move(phone));
-    } else {
-        phones = books.phones();
-    }
+    std::vector<PhoneSettings> phones = ChosenPhones(books, options.imei);
     const PcEntry entry = ReadPcEntry(options.path);
     if (options.json) {
         Json json{{"path", entry.path},

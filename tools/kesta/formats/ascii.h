@@ -1,4 +1,4 @@
-// Letters without regard to their case, in ASCII only: the keywords of all formats here are ASCII.
+// Letters without regard to their case, and hexadecimal digits, in ASCII only: the keywords of all formats are ASCII.
 #pragma once
 
 #include <algorithm>
@@ -58,6 +58,24 @@ namespace kesta::formats {
     if (IsDigit(c)) return c - '0';
     const char upper = ToUpper(c);
     return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
+}
+
+/// Puts the byte in the place of each mark and the two hexadecimal digits that follow it. A mark without them stands
+/// for itself.
+[[nodiscard]] inline std::string HexDecoded(std::string_view text, char mark)
+{
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const int high = text[i] == mark && i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
+        const int low = high >= 0 ? HexValue(text[i + 2]) : -1;
+        if (low < 0) {
+            bytes += text[i];
+            continue;
+        }
+        bytes += static_cast<char>(high << 4 | low);
+        i += 2;
+    }
+    return bytes;
 }
 
 }  // namespace kesta::formats

@@ -95,22 +95,6 @@ bool IsQuotedPrintable(const ContentLine& line)
     return false;
 }
 
-std::string FromQuotedPrintable(std::string_view text)
-{
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const int high = text[i] == '=' && i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
-        const int low = high >= 0 ? HexValue(text[i + 2]) : -1;
-        if (low < 0) {
-            bytes += text[i];
-            continue;
-        }
-        bytes += static_cast<char>(high << 4 | low);
-        i += 2;
-    }
-    return bytes;
-}
-
 std::string_view WithoutBreak(std::string_view line)
 {
     while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
@@ -199,7 +183,7 @@ const Parameter* FindParameter(const ContentLine& line, std::string_view name)
 std::string DecodedValue(const ContentLine& line)
 {
     const Parameter* charset = FindParameter(line, "CHARSET");
-    std::string value = FromNamedCharset(IsQuotedPrintable(line) ? FromQuotedPrintable(line.value) : line.value,
+    std::string value = FromNamedCharset(IsQuotedPrintable(line) ? HexDecoded(line.value, '=') : line.value,
                                          charset ? std::string_view(charset->values.front()) : std::string_view());
     std::ranges::replace(value, '\0', ' ');
     return value;

@@ -41,27 +41,10 @@ std::size_t SchemeLength(std::string_view text)
     return std::ranges::all_of(text.substr(0, length), fits) ? length : 0;
 }
 
-/// A percent sign that no two digits follow stands for itself.
-std::string PercentDecoded(std::string_view text)
-{
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const int high = text[i] == '%' && i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
-        const int low = high >= 0 ? HexValue(text[i + 2]) : -1;
-        if (low < 0) {
-            bytes += text[i];
-            continue;
-        }
-        bytes += static_cast<char>(high << 4 | low);
-        i += 2;
-    }
-    return FromUtf8OrLatin1(bytes);
-}
-
 /// What follows "file:". Players do not escape '?' and '#', so they are part of the name.
 std::optional<Location> FromFileUrl(std::string_view rest)
 {
-    std::string path = PercentDecoded(rest);
+    std::string path = FromUtf8OrLatin1(HexDecoded(rest, '%'));
     if (path.find('\0') != std::string::npos) return {};
     std::string host;
     if (path.starts_with("//")) {

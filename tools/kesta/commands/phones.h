@@ -1,0 +1,17 @@
+// The phones that a command is about.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "books/books.h"
+
+namespace kesta {
+
+/// Throws when the books do not know the phone.
+[[nodiscard]] PhoneSettings KnownPhone(Books& books, const std::string& imei);
+/// The phone that is named, else all of them.
+[[nodiscard]] std::vector<PhoneSettings> ChosenPhones(Books& books, const std::optional<std::string>& imei);
+
+}  // namespace kesta
