@@ -13,7 +13,8 @@
  * waited for up to about ten seconds per statement.
  *
  * TEXTS are zero-terminated UTF-16. A null pointer where a text is expected is taken as the empty text where the text
- * is quoted into the database, and as the six characters "(null)" where it stands for itself (every IMEI does).
+ * is quoted into the database, and as the six characters "(null)" where it stands for itself (every IMEI that chooses a
+ * phone does).
  * A statement may be 40,960 UTF-8 bytes long; a longer one is not run, and the call fails.
  *
  * RESULTS. Unless its comment says otherwise a function returns 0 for success and 1 for failure; 1 is also the answer
@@ -25,9 +26,9 @@
  * MEMORY. Records that the caller fills stay the caller's, texts included. A list record starts as {0, NULL}; the
  * library fills it, owns the array and its texts, and frees them when the same record is passed to a function with
  * a list of that kind again. The contents must not be freed or changed by the caller. Asking for the list of a phone
- * that is not known empties the record, which is how a caller gives the memory back; only a list of main folders, which
- * no phone has a part in, keeps its seven elements until the process ends. Texts in a single record that
- * the library filled belong to the library too; who frees them is said at the function.
+ * that is not known empties the record, which is how a caller gives the memory back; only the lists of main folders and
+ * of phones, which no phone is named for, keep their elements until the process ends. Texts in a single record that the
+ * library filled belong to the library too; who frees them is said at the function.
  *
  * TRACE. Each call writes its steps as lines that start with "DB TRACE >> " to the debug output: OutputDebugStringW on
  * Windows; elsewhere one datagram a line, in UTF-8, to the Unix socket $XDG_RUNTIME_DIR/kesta_db.trace (without
@@ -444,7 +445,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_SetPhoneSetting(const PhoneSettingReco
  *
  * @param imei    the phone, as announced to DB_LIB_PhoneDetected
  * @param record  emptied first, whatever the result: texts that an earlier call put there are freed, so it must start
- *                zeroed. To free the texts, pass it again with an IMEI that is not known
+ *                zeroed. None of them may be passed as imei. To free the texts, pass it again with an IMEI that is not
+ *                known
  * @return 0 filled; 1 unknown phone, or the query failed: the record is all zero
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetPhoneSetting(const DbChar *imei, PhoneSettingRecord *record);
@@ -744,8 +746,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetDeletedFolder(const DbChar *im
 /**
  * Lists picture and video folders of a phone as one. A folder tracked for both appears once where the walk through the
  * two lists pairs them, with summed figures; it is selected when either is, and deleted when both are. The walk ends
- * with the picture folders: video folders that sort behind all of them are left out. With no video folders the picture
- * folders come as they are. The order is fixed, but neither by path nor by time. Who needs all folders asks
+ * when either list is used up: folders of the other that sort behind are left out. With no folders of one kind those of
+ * the other come whole. The order is fixed, but neither by path nor by time. Who needs all folders asks
  * DB_IMAGE_GetFolders and DB_VIDEO_GetFolders.
  *
  * @param list  emptied, then filled
@@ -935,7 +937,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_DeleteBackup(int32_t bcID);
 /**
  * Tells whether a backup is recorded for a path.
  *
- * @return 1 it is; 0 it is not, or the query failed
+ * @return 1 it is; 0 it is not, the query failed, or the database is not open
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_FileExist(const DbChar *path);
 
@@ -964,7 +966,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_ClearAll(const DbChar *imei);
 /**
  * Tells whether a bookmark has been synced.
  *
- * @return 1 recorded; 0 not recorded, unknown phone, or the query failed
+ * @return 1 recorded; 0 not recorded, unknown phone, the query failed, or the database is not open
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_IsSyncedMark(const DbChar *imei, const DbChar *url);
 
@@ -981,7 +983,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_GetSyncedMarks(const DbChar *imei
  * Reads one bookmark.
  *
  * @param mark  its texts are freed first, whatever the result, so it must start zeroed; Id, Flag and Type stay as they
- *              are when nothing is found. To free the texts, pass it again with an unknown URL
+ *              are when nothing is found. To free the texts, pass it again with an unknown URL; none of them may be
+ *              passed as imei or url
  * @return 0 filled; 1 not recorded, or the query failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_GetSyncedMark(const DbChar *imei, const DbChar *url,
@@ -1016,8 +1019,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetUpdatedMark(const DbChar *imei
 /**
  * Reads the profile that a phone's contacts or calendar were last synced with.
  *
- * @param buffer  receives the text, however long it is: the caller makes room for the longest it ever stored; untouched
- *                when there is no log
+ * @param buffer  receives the text, however long it is: the caller makes room for the longest it ever stored; empty
+ *                when the log has no profile, untouched when there is no log
  * @param type    the kind of data, the caller's own number
  * @return 0 read, or no log; 1 unknown phone, or the query failed; else an SQLite code
  */
@@ -1051,7 +1054,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_ReadLog(const DbChar *imei, PimLog 
  * kept under no phone's number.
  *
  * @param log  read only; Items and the texts stay the caller's
- * @return 0, whether each item could be stored or not; 1 the log could not be found or created
+ * @return 0, whether each item could be stored or not; 1 the log could not be found or created, or Items is null though
+ *         Count is not 0 (a log without items is then left)
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_SaveLog(const DbChar *imei, const PimLog *log);
 
@@ -1080,8 +1084,10 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_AddFolder(const PimFolderRecord *folde
 /**
  * Reads one folder.
  *
- * @param folder  its texts are freed first, so it must start zeroed
- * @return 0 filled; 101 filled, but the folder above is gone; 1 unknown folder, or a query failed
+ * @param folder  its texts are freed first, whatever the result, so it must start zeroed; none of them may be passed as
+ *                pimID. To free the texts, pass it again with an empty one
+ * @return 0 filled; 101 filled, but the folder above is gone; 1 unknown or empty PimID, or a query failed; else an
+ *         SQLite code
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetFolder(PimFolderRecord *folder, const DbChar *pimID);
 
@@ -1089,14 +1095,14 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetFolder(PimFolderRecord *folder, con
  * Writes path and type of a folder; it stays where it is.
  *
  * @param folder  PimID selects; Path and Type are read
- * @return 0 written; 1 unknown folder, or the statement failed
+ * @return 0 written, or nothing to write for an empty PimID; 1 unknown folder, or the statement failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_UpdateFolder(const PimFolderRecord *folder);
 
 /**
  * Removes a folder. The folders below it and its items stay, and are no longer reached from the root.
  *
- * @return 0 removed; 1 unknown folder, or the statement failed
+ * @return 0 removed, or nothing to remove for an empty PimID; 1 unknown folder, or the statement failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_DeleteFolder(const DbChar *pimID);
 

@@ -6,7 +6,7 @@
 namespace kesta {
 
 /// Merges the video folders into the picture folders. Both are taken to be sorted by path, though they are read in
-/// table order: the walk ends with the pictures, and what is left then is dropped.
+/// table order: the walk ends with either of them, and what is left of the other is dropped.
 void MergeGallery(FolderList& pictures, const FolderList& videos);
 
 }  // namespace kesta

@@ -113,7 +113,6 @@ ResultCode AddFolder(Connection& db, Trail trail, const PimFolderRecord& folder,
 
 ResultCode GetFolder(Connection& db, PimFolderRecord& folder, const DbChar* pimId)
 {
-    Element<PimFolderRecord>::destroy(folder);
     return DB_INTERNAL_PIM_GetFolder(db, folder, DB_INTERNAL_PIM_GetFolderID(db, pimId));
 }
 

@@ -26,7 +26,7 @@ extern "C" int32_t DB_PIM_GetFolder(PimFolderRecord* folder, const DbChar* pimID
 {
     static constexpr Export kSelf = {"DB_PIM_GetFolder"};
     return RunExport(
-        kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(folder); },
+        kSelf, [] { TraceEnter(kSelf.name); }, [&] { Element<PimFolderRecord>::destroy(Required(folder)); },
         [&](Connection& db) { return pim::GetFolder(db, *folder, pimID); });
 }
 

@@ -9,7 +9,11 @@ namespace {
 /// Appends texts to a caller's array, which it grows with the caller's allocator.
 class Appender {
 public:
-    explicit Appender(FileNameArray& names) : names_(names), room_(names.Count) {}
+    explicit Appender(FileNameArray& names)
+        : names_(names), room_(static_cast<int32_t>(Elements(names.Items, names.Count).size()))
+    {
+        names_.Count = room_;
+    }
 
     /// The text that the trace announces is the one handed over; an empty one is handed over without a line.
     void append(const DbChar* text)

@@ -36,7 +36,9 @@ ResultCode DeleteUnlessOnPhone(Connection& db, Trail trail, int32_t phoneId, con
                                     "[IdInPhone] = '(null)');",
                                     kPlaylistTable, phoneId, Escaped{name})),
                     1);
-    return db.totalChanges() > before ? DeleteFilesOf(db, trail, phoneId, kPlaylistTable, name) : deleted;
+    if (db.totalChanges() == before) return deleted;
+    const ResultCode files = DeleteFilesOf(db, trail, phoneId, kPlaylistTable, name);
+    return deleted == ResultCode::kSuccess ? files : deleted;
 }
 
 }  // namespace

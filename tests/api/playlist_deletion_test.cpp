@@ -149,6 +149,15 @@ TEST_F(PlaylistDeletion, DeleteList_UnconfirmedRowCannotBeDeleted_FailsAndKeepsT
     EXPECT_THAT(trace.take(), ElementsAre(kEnter, kError, kFailed));
 }
 
+TEST_F(PlaylistDeletion, DeleteList_UnconfirmedRowGoesAndItsStatementFails_DeletesTheFilesAndFails)
+{
+    given(3);
+    sql.exec("CREATE TRIGGER refuse AFTER DELETE ON tPFolder BEGIN SELECT RAISE(FAIL, 'no'); END");
+    EXPECT_EQ(deleteRock(), 1);
+    EXPECT_EQ(rock(), "gone|0");
+    EXPECT_THAT(trace.take(), ElementsAre(kEnter, kError, kFailed));
+}
+
 TEST_F(PlaylistDeletion, DeleteList_FlagCannotBeSet_FailsUnderTheRoutinesName)
 {
     for (const int flag : {0, 2}) {

@@ -272,6 +272,28 @@ TEST_F(PlaylistNames, GetListFilesname_ReadingARowFails_KeepsTheRowsBeforeAndSuc
     EXPECT_THAT(names.texts(), ElementsAre("A"));
 }
 
+TEST_F(PlaylistNames, GetListFilesname_NegativeCount_IsTakenForNone)
+{
+    EXPECT_EQ(set(Names({"A", "B"})), 0);
+    trace.take();
+    Names names;
+    names.Count = -1;
+    EXPECT_EQ(lib.DB_PLAYERMUSIC_GetListFilesname(W(kImei), W("Rock"), &names), 0);
+    EXPECT_THAT(names.texts(), ElementsAre("A", "B"));
+}
+
+TEST_F(PlaylistNames, GetListFilesname_CountWithoutElements_TakesTheExceptionWay)
+{
+    EXPECT_EQ(set(Names({"A", "B"})), 0);
+    trace.take();
+    FileNameArray names = {2, nullptr};
+    EXPECT_EQ(lib.DB_PLAYERMUSIC_GetListFilesname(W(kImei), W("Rock"), &names), 1);
+    EXPECT_THAT(trace.take(), ElementsAre(kEnterGet, "An exception occured in DB_PLAYERMUSIC_GetListFilesname().",
+                                          "Exit DB_PLAYERMUSIC_GetListFilesname() with 1."));
+    EXPECT_EQ(names.Count, 2);
+    EXPECT_EQ(names.Items, nullptr);
+}
+
 TEST_F(PlaylistNames, GetListFilesname_NullArray_TakesTheExceptionWay)
 {
     EXPECT_EQ(set(Names({"A"})), 0);

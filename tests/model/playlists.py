@@ -130,9 +130,10 @@ class Playlists(Gallery):
             if flag != UNCONFIRMED:
                 return FAILURE
             before = self.db.total_changes()
-            if self.run(name, 1, row + " AND " + NOT_ON_PHONE + ";", phone, path):
-                return FAILURE
-            return self.run(*files) if self.db.total_changes() > before else 0
+            deleted = self.run(name, 1, row + " AND " + NOT_ON_PHONE + ";", phone, path)
+            if self.db.total_changes() == before:
+                return deleted
+            return self.run(*files) or deleted
         return self.frame(name, f"szName: {plain(list_name)}", FAILURE, body)
 
     # ---- the thin exports

@@ -145,6 +145,14 @@ TEST(PosixDates, LocaleDate_FollowsTheUsersLocale)
     EXPECT_EQ(test::Utf8(text.data()), "02/29/24 12:00:00");
 }
 
+TEST(PosixDates, LocaleDate_OfALocaleThatIsNotInstalled_IsAsInC)
+{
+    const Variable locale("LC_ALL", "xx_XX.UTF-8");
+    std::array<DbChar, 64> text = {};
+    EXPECT_EQ(LocaleDate(45351.5, text.data(), text.size()), 17u);
+    EXPECT_EQ(test::Utf8(text.data()), "02/29/24 12:00:00");
+}
+
 /// A name of its own for each test, and nothing left of it afterwards.
 class PosixMutex : public ::testing::Test {
 protected:

@@ -38,6 +38,14 @@ bool Skip(const DbChar*& text, DbChar expected) noexcept
     return true;
 }
 
+/// How the user writes times; as in C when the system lacks the locale that is asked for.
+locale_t UsersLocale() noexcept
+{
+    constexpr int kParts = LC_TIME_MASK | LC_CTYPE_MASK;
+    const locale_t users = newlocale(kParts, "", nullptr);
+    return users != nullptr ? users : newlocale(kParts, "C", nullptr);
+}
+
 /// "YYYY-MM-DD"
 bool ParseDay(const DbChar*& text, CalendarTime& time) noexcept
 {
@@ -149,9 +157,11 @@ size_t LocaleDate(double days, DbChar* out, size_t room) noexcept
     fields.tm_min = time.minute;
     fields.tm_sec = time.second;
     fields.tm_isdst = -1;
-    const auto serial = static_cast<int64_t>(std::floor(days));
-    fields.tm_wday = static_cast<int>(((serial - 1) % 7 + 7) % 7);  // day zero was a Saturday
-    const locale_t users = newlocale(LC_TIME_MASK | LC_CTYPE_MASK, "", nullptr);
+    const std::chrono::year year(time.year);
+    const sys_days day = year / time.month / time.day;
+    fields.tm_wday = static_cast<int>(std::chrono::weekday(day).c_encoding());
+    fields.tm_yday = static_cast<int>((day - sys_days(year / 1 / 1)).count());
+    const locale_t users = UsersLocale();
     if (users == nullptr) return 0;
     char text[256];
     const size_t length = strftime_l(text, sizeof text, "%x %X", &fields, users);
