@@ -65,7 +65,11 @@ private:
 class Archive {
 public:
     Archive() { mz_zip_create(&zip_); }
-    ~Archive() { mz_zip_delete(&zip_); }
+    ~Archive()
+    {
+        mz_zip_close(zip_);
+        mz_zip_delete(&zip_);
+    }
     Archive(const Archive&) = delete;
     Archive& operator=(const Archive&) = delete;
     [[nodiscard]] void* get() const { return zip_; }

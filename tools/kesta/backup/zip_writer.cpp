@@ -47,6 +47,9 @@ public:
     void* stream() { return &bridge_; }
     [[nodiscard]] const os::Status& status() const { return status_; }
 
+    /// What is still written goes nowhere.
+    void abandon() { status_ = {os::Failure::kOther, "the archive is abandoned"}; }
+
     os::Status finish()
     {
         drain();
@@ -102,7 +105,17 @@ ZipWriter::ZipWriter() : output_(std::make_unique<Output>())
 
 ZipWriter::~ZipWriter()
 {
-    if (zip_ != nullptr) mz_zip_delete(&zip_);
+    output_->abandon();
+    (void)close();
+}
+
+/// Closing frees what the library holds, and writes the directory of the archive.
+std::int32_t ZipWriter::close()
+{
+    if (zip_ == nullptr) return MZ_OK;
+    const std::int32_t code = mz_zip_close(zip_);
+    mz_zip_delete(&zip_);
+    return code;
 }
 
 os::Status ZipWriter::result(std::int32_t code) const
@@ -166,7 +179,7 @@ os::Status ZipWriter::endFile()
 
 os::Status ZipWriter::finish()
 {
-    if (os::Status status = result(mz_zip_close(zip_)); !status.ok()) return status;
+    if (os::Status status = result(close()); !status.ok()) return status;
     return output_->finish();
 }
 

@@ -43,6 +43,7 @@ private:
     class Output;
     os::Status begin(const std::string& name, os::FileTime modified, std::uint64_t size, bool isFolder);
     os::Status result(std::int32_t code) const;
+    std::int32_t close();
 
     std::unique_ptr<Output> output_;
     void* zip_ = nullptr;
