@@ -18,6 +18,7 @@ Table::Table(std::vector<std::string> headings)
 void Table::add(const std::vector<std::string>& cells)
 {
     std::vector<std::string> row;
+    row.reserve(cells.size());
     for (const std::string& cell : cells) row.push_back(Printable(cell));
     rows_.push_back(std::move(row));
 }

@@ -134,7 +134,7 @@ private:
     std::string path_;
     Descriptor socket_;
     struct stat file_ {};
-    std::array<char, 256 * 1024> buffer_{};
+    std::array<char, std::size_t{256} * 1024> buffer_{};
 };
 
 std::string TimeOfDay()

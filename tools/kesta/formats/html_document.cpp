@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 #include "formats/ascii.h"
 
@@ -47,7 +48,7 @@ public:
     explicit Memory(std::size_t limit) : left_(limit) {}
     ~Memory()
     {
-        while (first_.next != &first_) release(first_.next);
+        for (Block* block = first_.next; block != &first_;) std::free(std::exchange(block, block->next));
     }
     Memory(const Memory&) = delete;
     Memory& operator=(const Memory&) = delete;

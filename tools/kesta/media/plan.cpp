@@ -82,7 +82,7 @@ CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone)
         if (!IsPhonePath(file->phonePath, input.category) || names.isReserved(file->phonePath))
             action.file.phonePath.clear();
         else
-            names.free(file->phonePath);
+            names.release(file->phonePath);
         plan.removals.push_back(std::move(action));
     }
     names.chooseRoots(input);

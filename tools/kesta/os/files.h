@@ -25,7 +25,7 @@ enum class FileKind { kFile, kDirectory, kOther };
 struct FileId {
     std::uint64_t volume = 0;
     std::uint64_t number = 0;
-    friend auto operator<=>(const FileId&, const FileId&) = default;
+    friend auto operator<=>(const FileId&, const FileId&) = default;  // NOLINT(modernize-use-nullptr)
 };
 
 /// Seconds since 1970 (UTC) and the part of a second.

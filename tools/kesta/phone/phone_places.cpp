@@ -29,7 +29,7 @@ bool PhonePlaces::reserve(const std::string& phonePath)
     return true;
 }
 
-void PhonePlaces::free(const std::string& phonePath)
+void PhonePlaces::release(const std::string& phonePath)
 {
     freed_.insert(CaseKey(phonePath));
 }

@@ -20,7 +20,7 @@ public:
     /// Says that the place belongs to a recorded file. False when another one has it already.
     bool reserve(const std::string& phonePath);
     /// Says that what lies in the place is going to be removed first.
-    void free(const std::string& phonePath);
+    void release(const std::string& phonePath);
     [[nodiscard]] bool isReserved(const std::string& phonePath) const;
 
     struct Place {

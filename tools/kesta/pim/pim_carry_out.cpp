@@ -85,7 +85,7 @@ void PimCarryOut::writeJournal(const PimJournal& journal)
 }
 
 // Also after a run that was stopped: the logs are to say what the phone has.
-void PimCarryOut::saveLogs(const std::vector<PimWork>& works, PimJournal journal)
+void PimCarryOut::saveLogs(const std::vector<PimWork>& works, const PimJournal& journal)
 {
     PimJournal withRows = journal;
     for (const PimWork& work : works) withRows.rowsOf(work.kind) = RowsAfter(work);

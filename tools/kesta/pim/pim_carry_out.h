@@ -51,7 +51,7 @@ private:
     void checkStored(const PimWork& work, const PimStorePlan& plan, const std::string& failure);
     void writeJournal(const PimJournal& journal);
     [[nodiscard]] static PimJournal plannedPlaces(const std::vector<PimWork>& works);
-    void saveLogs(const std::vector<PimWork>& works, PimJournal journal);
+    void saveLogs(const std::vector<PimWork>& works, const PimJournal& journal);
     void writeFiles(std::vector<PimWork>& works);
     [[nodiscard]] bool carryOut(PimPhonePlan& plan);
     [[nodiscard]] bool write(PimPhonePlan& plan);

@@ -106,6 +106,7 @@ bool ListCarrier::write(const std::vector<ListWork>& all,
 {
     if (all.empty()) return true;
     std::vector<std::string> places;
+    places.reserve(all.size());
     for (const ListWork& work : all) places.push_back(work.place);
     if (os::Status status = WriteJournal(phone_, places); !status.ok()) {
         summary_.fail(std::string(kJournalName), "it cannot be written to the phone: " + status.text());

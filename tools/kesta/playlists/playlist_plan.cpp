@@ -150,7 +150,7 @@ private:
         if (!IsPhonePath(file.phonePath, kPlaylistMediaFolder) || places_.isReserved(file.phonePath))
             action.file.phonePath.clear();
         if (carried_.contains(file.path)) return plan_.superseded.removals.push_back(std::move(action));
-        if (!action.file.phonePath.empty()) places_.free(action.file.phonePath);
+        if (!action.file.phonePath.empty()) places_.release(action.file.phonePath);
         plan_.files.removals.push_back(std::move(action));
     }
 

@@ -249,6 +249,7 @@ private:
     {
         if (files.empty()) return true;
         std::vector<std::string> places;
+        places.reserve(files.size());
         for (const RecordedFile& file : files) places.push_back(file.phonePath);
         os::Status status = WriteJournal(phone_, places);
         if (!status.ok()) {

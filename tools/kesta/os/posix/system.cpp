@@ -46,7 +46,8 @@ std::optional<std::int64_t> LocalSeconds(std::int64_t utcSeconds)
     const year_month_day date{year(local.tm_year + 1900), month(static_cast<unsigned>(local.tm_mon + 1)),
                               day(static_cast<unsigned>(local.tm_mday))};
     const auto days = sys_days(date) - sys_days(year(1899) / December / 30);
-    return std::int64_t{days.count()} * 86400 + local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
+    return std::int64_t{days.count()} * 86400 + std::int64_t{local.tm_hour} * 3600 + std::int64_t{local.tm_min} * 60 +
+           local.tm_sec;
 }
 
 char32_t UpperCase(char32_t character)
