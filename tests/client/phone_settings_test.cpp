@@ -94,10 +94,10 @@ TEST(PhoneSettingsTest, NearNames_FindsMistakesAndParts_TheNearestFirst)
 TEST(PcPathTest, LiesIn_GoesByWholeNames)
 {
     const std::string folder = os::Join("music", "rock");
-    EXPECT_TRUE(LiesIn(folder, folder));
-    EXPECT_TRUE(LiesIn(os::Join(folder, "a.mp3"), folder));
-    EXPECT_FALSE(LiesIn(folder + "2", folder));
-    EXPECT_FALSE(LiesIn("music", folder));
+    EXPECT_TRUE(os::LiesIn(folder, folder));
+    EXPECT_TRUE(os::LiesIn(os::Join(folder, "a.mp3"), folder));
+    EXPECT_FALSE(os::LiesIn(folder + "2", folder));
+    EXPECT_FALSE(os::LiesIn("music", folder));
 }
 
 TEST(PcPathTest, BooksPath_OfSomethingGone_IsThatOfTheFolderThatIsLeft)

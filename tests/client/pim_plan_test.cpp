@@ -55,8 +55,9 @@ public:
     void plan(const std::vector<PimSource>& given, bool force = false)
     {
         sources = given;
-        store = PlanPimStore({kind_, sources, stored, force});
-        phone = PlanPimPhone({kind_, sources, store, log, owned, force}, *this);
+        RemovalGuard guard(force);
+        store = PlanPimStore({kind_, sources, stored, guard});
+        phone = PlanPimPhone({kind_, sources, store, log, owned, guard}, *this);
     }
 
     void apply()
@@ -356,12 +357,13 @@ TEST(PimPlan, Limits_AreSaid)
     const std::vector<PimSource> sources{Contacts(CardsText({{"1", "Ann"}, {"2", "Bob"}}), "/a/one.vcf"),
                                          Contacts(CardText("3", "Cay"), "/a/two.vcf")};
     const std::vector<StoredPimFolder> none;
-    const PimStorePlans folders = PlanPimStore({PimKind::kContacts, sources, none, false, 1, 100});
+    RemovalGuard guard(false);
+    const PimStorePlans folders = PlanPimStore({PimKind::kContacts, sources, none, guard, 1, 100});
     EXPECT_THAT(folders.folders, SizeIs(1));
     EXPECT_THAT(folders.refusedFolders, ElementsAre(sources[1].folders[0].id));
     EXPECT_THAT(folders.refusals, ElementsAre(AllOf(Field(&FailedItem::path, PcPath("/a/two.vcf")),
                                                     Field(&FailedItem::reason, HasSubstr("they take 1 folders")))));
-    const PimStorePlans items = PlanPimStore({PimKind::kContacts, sources, none, false, 10, 1});
+    const PimStorePlans items = PlanPimStore({PimKind::kContacts, sources, none, guard, 10, 1});
     EXPECT_THAT(items.folders.at(0).entries, SizeIs(1));
     EXPECT_THAT(items.refusals, ElementsAre(Field(&FailedItem::reason,
                                                   HasSubstr("1 of its entries are left out: the books take 1 in a"))));

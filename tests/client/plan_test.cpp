@@ -83,7 +83,8 @@ protected:
 
     std::map<std::string, FolderScan> scans_;
     std::vector<std::string> order_;
-    PlanInput input_;
+    RemovalGuard guard_{false};
+    PlanInput input_{Category::kMusic, {}, {}, {}, guard_};
     FakePhone phone_;
 
 private:
@@ -166,9 +167,23 @@ TEST_F(PlanTest, MoreThanHalf_IsHeldBackUnlessForced)
     recorded("Rock", "c", "Music/Rock/c");
     EXPECT_THAT(plan().removals, IsEmpty());
     EXPECT_EQ(plan().heldBack, 2u);
-    input_.force = true;
+    guard_ = RemovalGuard(true);
     EXPECT_THAT(plan().removals, SizeIs(2));
     EXPECT_EQ(plan().heldBack, 0u);
+}
+
+TEST_F(PlanTest, HeldBack_WhatIsAddedMeanwhileDoesNotCount)
+{
+    for (const char* name : {"a", "b", "c"}) recorded("Rock", name, std::string("Music/Rock/") + name);
+    givenFile("Rock", "a");
+    EXPECT_EQ(plan().heldBack, 2u);
+    for (const char* name : {"d", "e", "f", "g"}) {
+        givenFile("Rock", name);
+        recorded("Rock", name, std::string("Music/Rock/") + name);
+    }
+    EXPECT_EQ(plan().heldBack, 2u);
+    givenFile("Rock", "b");
+    EXPECT_THAT(plan().removals, SizeIs(1)) << "less than half of what was recorded before";
 }
 
 TEST_F(PlanTest, ManyFilesThatDifferInCase_GetPlacesThatDoNotCollide)

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,12 @@ struct Conversion {
     std::vector<unsigned> units;
     std::string utf8;
 };
+
+/// Googletest would print the bytes, and those between the fields are nobody's.
+[[maybe_unused]] void PrintTo(const Conversion& conversion, std::ostream* out)
+{
+    *out << conversion.name;
+}
 
 std::string NameOf(const ::testing::TestParamInfo<Conversion>& table)
 {

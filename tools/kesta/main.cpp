@@ -7,6 +7,7 @@
 #include "books/books.h"
 #include "commands/commands.h"
 #include "os/system.h"
+#include "output.h"
 #include "phone/phone_folder.h"
 #include "text.h"
 
@@ -36,6 +37,10 @@ int main(int argc, char** argv)
         kesta::ExitCode exitCode = kesta::ExitCode::kSuccess;
         const auto options = kesta::ParseOptions(kesta::os::Arguments(argc, argv), exitCode);
         if (options) exitCode = std::visit(Runner(), *options);
+        if (kesta::outputHasFailed && exitCode == kesta::ExitCode::kSuccess) {
+            (void)std::fputs("kesta: the output could not be written\n", stderr);
+            exitCode = kesta::ExitCode::kFailure;
+        }
         return static_cast<int>(exitCode);
     } catch (const kesta::BooksError& failure) {
         return Report(kesta::ExitCode::kBooks, failure);

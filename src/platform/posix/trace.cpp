@@ -1,4 +1,5 @@
 // The debug output: one datagram a line to the socket of a viewer that runs as the same user, if there is one.
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -57,6 +58,15 @@ bool Look() noexcept
 bool Send(const char* bytes, size_t length) noexcept
 {
     return send(viewer.socket, bytes, length, MSG_DONTWAIT | MSG_NOSIGNAL) >= 0;
+}
+
+/// The file under a number that no program mistakes for its own output, should that be closed.
+int AboveStandard(int file) noexcept
+{
+    if (file < 0 || file > STDERR_FILENO) return file;
+    const int other = fcntl(file, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    close(file);
+    return other;
 }
 
 /// Waits for the viewer to make room, as long as this call may still be held up.
@@ -134,7 +144,7 @@ void OpenTrace() noexcept
                             static_cast<unsigned>(geteuid()));
     if (length < 0 || static_cast<size_t>(length) >= sizeof viewer.address.sun_path) return;  // no viewer can bind it
     viewer.address.sun_family = AF_UNIX;
-    viewer.socket = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    viewer.socket = AboveStandard(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     if (viewer.socket < 0) return;
     const int buffer = 1 << 20;  // the longest line is a statement of 40,960 characters
     (void)setsockopt(viewer.socket, SOL_SOCKET, SO_SNDBUF, &buffer, sizeof buffer);

@@ -78,7 +78,7 @@ private:
         os::FileInfo info;
         if (status.ok()) status = os::ReadInfo(folder, info);
         if (status.ok() && info.kind != os::FileKind::kDirectory) status = {os::Failure::kOther, "it is not a folder"};
-        if (status.ok() && os::Join(folder, "").starts_with(os::Join(phone_.root(), "")))
+        if (status.ok() && os::LiesIn(folder, phone_.root()))
             status = {os::Failure::kOther, "it lies on the phone itself"};
         if (!status.ok()) {
             summary_.fail(*options_.backup, "the folder for backups cannot be used: " + status.text());
@@ -101,13 +101,22 @@ private:
         return true;
     }
 
+    // A phone whose IMEI begins with this one's and a hyphen has no year behind it.
+    [[nodiscard]] bool isOldPart(const std::string& name) const
+    {
+        const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+        const std::string_view date = name.starts_with(stem_) ? std::string_view(name).substr(stem_.size()) : "";
+        return date.size() > 4 && std::all_of(date.begin(), date.begin() + 4, isDigit) && date[4] == '-' &&
+               name.ends_with(fmt::format(".zip{}", kPartEnding));
+    }
+
     // Killed runs of this phone have left them; no other run is at it now.
     void removeOldParts()
     {
         std::vector<os::DirectoryEntry> entries;
         if (!os::ListDirectory(folder_, entries).ok()) return;  // Writing will tell why.
         for (const os::DirectoryEntry& entry : entries) {
-            if (!entry.name.starts_with(stem_) || !entry.name.ends_with(fmt::format(".zip{}", kPartEnding))) continue;
+            if (!isOldPart(entry.name)) continue;
             const std::string path = os::Join(folder_, entry.name);
             if (os::Status status = os::RemoveFile(path); !status.ok())
                 summary_.notes.push_back(fmt::format("{} of a run that was cut short cannot be removed: {}",

@@ -55,7 +55,7 @@ public:
             if (!seen_.contains(mark.url)) gone.push_back(mark);
         if (!input_.file.problems.empty()) {
             keep(gone);
-        } else if (gone.size() * 2 > input_.recorded.size() && !input_.force) {
+        } else if (input_.guard.holdsBack("bookmarks", gone.size(), input_.recorded.size())) {
             plan_.heldBack = gone.size();
             keep(gone);
         } else {

@@ -7,6 +7,7 @@
 #include "bookmarks/bookmark_file.h"
 #include "books/bookmarks.h"
 #include "formats/bookmarks.h"
+#include "removal_guard.h"
 
 namespace kesta {
 
@@ -15,7 +16,7 @@ struct BookmarkPlanInput {
     const std::vector<RecordedMark>& recorded;
     const formats::Bookmarks& onPhone;  // what the phone's file holds now; empty when there is none
     std::string place;                  // of the phone's file
-    bool force = false;                 // remove however much it is
+    RemovalGuard& guard;
 };
 
 struct BookmarkPlan {

@@ -18,13 +18,24 @@ namespace {
 constexpr std::int32_t kRecordedAlready = 19;
 constexpr std::int32_t kDefaultType = 1;  // of a phone that is new to the books
 
+os::Status ReadBookmarkFile(const std::string& path, std::string& text)
+{
+    constexpr std::uint64_t kLargest = 64'000'000;
+    os::FileInfo info;
+    if (os::Status status = os::ReadInfo(path, info); !status.ok()) return status;
+    if (info.kind != os::FileKind::kFile) return {os::Failure::kOther, "it is not a file"};
+    if (info.size > kLargest) return {os::Failure::kOther, "it is too large for a file of bookmarks"};
+    return os::ReadText(path, text);
+}
+
 class BookmarkSync {
 public:
     BookmarkSync(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                 Progress& progress, Summary& summary)
+                 RemovalGuard& guard, Progress& progress, Summary& summary)
         : marks_(books, imei),
           phone_(phone),
           options_(options),
+          guard_(guard),
           progress_(progress),
           summary_(summary),
           counts_(summary.beginFamily("Bookmarks", "bookmark"))
@@ -40,11 +51,11 @@ public:
         if (!readFile()) return;
         choosePlace();
         if (!readPhone()) return;
-        BookmarkPlan plan = PlanBookmarks({file_, recorded_, onPhone_, place_, options_.force});
+        BookmarkPlan plan = PlanBookmarks({file_, recorded_, onPhone_, place_, guard_});
         std::string text = BookmarkFileText(plan.contents);
         if (!isOurs_ && isThere_ && text != phoneText_) {  // Somebody else's file.
             moveAside();
-            plan = PlanBookmarks({file_, recorded_, {}, place_, options_.force});
+            plan = PlanBookmarks({file_, recorded_, {}, place_, guard_});
             text = BookmarkFileText(plan.contents);
         }
         tell(plan);
@@ -58,7 +69,7 @@ private:
     bool readFile()
     {
         std::string text;
-        if (os::Status status = os::ReadText(*options_.bookmarks, text); !status.ok()) {
+        if (os::Status status = ReadBookmarkFile(*options_.bookmarks, text); !status.ok()) {
             summary_.fail(*options_.bookmarks, "it cannot be read: " + status.text());
             return false;
         }
@@ -141,6 +152,7 @@ private:
     {
         if (os::Interrupted()) return summary_.stopWith(ExitCode::kInterrupted, "interrupted");
         if (!phone_.isStillThere()) return summary_.stopWith(ExitCode::kPhoneGone, "the phone went away");
+        guard_.save(summary_);
         if (!bringToPhone(plan, text)) return;
         progress_.start(plan.added.size() + plan.updated.size() + plan.removed.size(), 0);
         const bool isRecorded = record(plan);
@@ -208,6 +220,7 @@ private:
     BookmarkBooks marks_;
     PhoneFolder& phone_;
     const SyncOptions& options_;
+    RemovalGuard& guard_;
     Progress& progress_;
     Summary& summary_;
     FamilyCounts& counts_;
@@ -222,9 +235,9 @@ private:
 }  // namespace
 
 void SyncBookmarks(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                   Progress& progress, Summary& summary)
+                   RemovalGuard& guard, Progress& progress, Summary& summary)
 {
-    BookmarkSync(books, imei, phone, options, progress, summary).run();
+    BookmarkSync(books, imei, phone, options, guard, progress, summary).run();
 }
 
 std::vector<std::string> PlacesOfBookmarks(Books& books, const std::string& imei)

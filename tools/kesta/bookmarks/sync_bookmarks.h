@@ -8,13 +8,14 @@
 #include "options.h"
 #include "phone/phone_folder.h"
 #include "progress.h"
+#include "removal_guard.h"
 #include "summary.h"
 
 namespace kesta {
 
 /// Brings the phone's bookmark file in line with the file that the options name. A dry run changes nothing.
 void SyncBookmarks(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                   Progress& progress, Summary& summary);
+                   RemovalGuard& guard, Progress& progress, Summary& summary);
 
 /// The phone paths that the books know of bookmark files.
 [[nodiscard]] std::vector<std::string> PlacesOfBookmarks(Books& books, const std::string& imei);

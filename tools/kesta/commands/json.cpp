@@ -50,7 +50,8 @@ Json FileJson(const RecordedFile& file, const char* nameOfBase)
 
 void PrintJson(const Json& json)
 {
-    Print(json.dump(4) + "\n");
+    // Paths of the PC need not be text.
+    Print(json.dump(4, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
 }  // namespace kesta

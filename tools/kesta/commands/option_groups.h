@@ -1,6 +1,8 @@
 // The command line's options, a group for each command.
 #pragma once
 
+#include <string>
+
 #include "options.h"
 
 namespace CLI {
@@ -23,6 +25,12 @@ inline constexpr const char* kExitCodeHelp =
     "  8    the books cannot be read or written\n"
     "  9    stopped: the phone went away\n"
     "  130  interrupted\n";
+
+/// For paths. An empty one would stand for the current folder, which nobody means who writes "$UNSET".
+[[nodiscard]] inline std::string EmptyPathProblem(const std::string& path)
+{
+    return path.empty() ? "a path cannot be empty" : "";
+}
 
 void AddSync(CLI::App& app, SyncOptions& options);
 void AddStatus(CLI::App& app, StatusOptions& options);

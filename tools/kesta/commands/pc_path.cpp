@@ -24,9 +24,4 @@ bool IsNamed(const std::string& recorded, const std::string& given)
     return recorded == given || recorded == os::AbsolutePath(given) || recorded == BooksPath(given);
 }
 
-bool LiesIn(const std::string& path, const std::string& folder)
-{
-    return path == folder || path.starts_with(os::Join(folder, ""));
-}
-
 }  // namespace kesta

@@ -10,7 +10,5 @@ namespace kesta {
 [[nodiscard]] std::string BooksPath(const std::string& given);
 /// Whether a recorded path is what the user names: canonically, or letter by letter as it stands in the books.
 [[nodiscard]] bool IsNamed(const std::string& recorded, const std::string& given);
-/// Whether the path is the folder or lies below it.
-[[nodiscard]] bool LiesIn(const std::string& path, const std::string& folder);
 
 }  // namespace kesta

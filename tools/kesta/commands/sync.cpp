@@ -67,6 +67,11 @@ public:
         Books books;
         const auto known = marker_.imei.empty() ? std::nullopt : books.phone(marker_.imei);
         isKnown_ = known.has_value();
+        guard_.emplace(marker_.imei, options_.force);
+        if (isKnown_ && !isMarked_)
+            summary_.notes.push_back(
+                "the books know this phone, but the folder was not marked as it: if the phone was not mounted there, "
+                "remove the folder's contents and sync again.");
         // The user may have changed it in the books since the phone was marked.
         if (known && !options_.name && !known->name.empty()) marker_.name = known->name;
         if (!options_.dryRun) announce(books);
@@ -164,7 +169,7 @@ private:
         std::vector<CategoryPlan> plans;
         for (const Category category : kCategories) {
             CategoryState& state = states[static_cast<std::size_t>(category)];
-            PlanInput input{category, {}, std::move(state.known), std::move(state.recorded), options_.force};
+            PlanInput input{category, {}, std::move(state.known), std::move(state.recorded), *guard_};
             for (const FolderScan& scan : state.scans) input.folders.push_back(&scan);
             if (!input.folders.empty()) plans.push_back(PlanCategory(input, phone_));
         }
@@ -197,6 +202,7 @@ private:
 
     void carryOut(Books& books, const std::vector<CategoryPlan>& plans)
     {
+        guard_->save(summary_);
         MediaRecords records(books, marker_.imei);
         CarryOut(records, phone_, progress_, summary_).run(plans);
     }
@@ -205,11 +211,12 @@ private:
     void syncFamilies(Books& books, const std::vector<CategoryPlan>& plans)
     {
         if (options_.playlists && !summary_.stopped())
-            SyncPlaylists(books, marker_.imei, phone_, options_, placesOfMedia(books, plans), progress_, summary_);
+            SyncPlaylists(books, marker_.imei, phone_, options_, placesOfMedia(books, plans), *guard_, progress_,
+                          summary_);
         if (options_.bookmarks && !summary_.stopped())
-            SyncBookmarks(books, marker_.imei, phone_, options_, progress_, summary_);
+            SyncBookmarks(books, marker_.imei, phone_, options_, *guard_, progress_, summary_);
         if ((!options_.contacts.empty() || !options_.calendars.empty()) && !summary_.stopped())
-            SyncPim(books, marker_.imei, phone_, options_, progress_, summary_);
+            SyncPim(books, marker_.imei, phone_, options_, *guard_, progress_, summary_);
         if (options_.backup && !summary_.stopped()) BackUpPhone(books, marker_, phone_, options_, progress_, summary_);
     }
 
@@ -260,6 +267,7 @@ private:
     Marker marker_;
     bool isMarked_ = false;
     bool isKnown_ = false;
+    std::optional<RemovalGuard> guard_;  // once it is known which phone it is
     Summary summary_;
     std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
 };

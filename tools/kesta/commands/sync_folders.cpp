@@ -38,7 +38,7 @@ ChosenFolders ChooseFolders(const SyncOptions& options, const PhoneFolder& phone
     for (std::size_t category = 0; category < chosen.size(); ++category) {
         for (const std::string& given : options.folders[category]) {
             const std::string path = TryCanonical(given);
-            if (LiesIn(path, phone.root()))
+            if (os::LiesIn(path, phone.root()))
                 throw std::runtime_error(fmt::format("the folder {} lies on the phone itself", path));
             const bool isNew = std::none_of(chosen[category].begin(), chosen[category].end(),
                                             [&](const ChosenFolder& folder) { return folder.path == path; });
@@ -63,6 +63,10 @@ void ScanChosen(Category category, const std::vector<ChosenFolder>& folders, con
         if (known != state.known.end() && !known->selected) {
             summary.notes.push_back(
                 fmt::format("{} is not selected for this phone in the books: passed over.", Printable(folder.path)));
+            continue;
+        }
+        if (!IsValidUtf8(folder.path)) {
+            summary.fail(folder.path, "its path is not valid text");
             continue;
         }
         FolderScan scan = ScanFolder(folder.path, options);

@@ -67,7 +67,7 @@ private:
     {
         const RecordedFolder* innermost = nullptr;
         for (const RecordedFolder& folder : folders)
-            if (LiesIn(entry_.path, folder.path) &&
+            if (os::LiesIn(entry_.path, folder.path) &&
                 (innermost == nullptr || folder.path.size() > innermost->path.size()))
                 innermost = &folder;
         return innermost;
@@ -76,7 +76,7 @@ private:
     [[nodiscard]] std::size_t countBelow(const std::vector<RecordedFile>& files) const
     {
         return static_cast<std::size_t>(std::count_if(
-            files.begin(), files.end(), [&](const RecordedFile& file) { return LiesIn(file.path, entry_.path); }));
+            files.begin(), files.end(), [&](const RecordedFile& file) { return os::LiesIn(file.path, entry_.path); }));
     }
 
     // Why a sync passes the folder over; true when it does.
@@ -192,7 +192,7 @@ private:
             return;
         }
         for (const RecordedFolder& folder : folders)
-            if (LiesIn(folder.path, entry_.path))
+            if (os::LiesIn(folder.path, entry_.path))
                 say("holds_folder", fmt::format("It is not chosen itself, but holds {}, a folder of {} of this phone.",
                                                 folder.path, KeyOf(category)));
     }

@@ -126,6 +126,25 @@ private:
     bool sawList_ = false;
 };
 
+/// Whether a list is still open at the end, or a tag: the file was cut. Parsers of HTML close both without a word.
+bool IsCutShort(std::string_view text)
+{
+    int open = 0;
+    for (std::size_t i = text.find('<'); i != std::string_view::npos; i = text.find('<', i + 1)) {
+        const std::string_view rest = text.substr(i);
+        if (rest.starts_with("<!--")) {
+            const std::size_t end = rest.find("-->");
+            if (end == std::string_view::npos) return true;
+            i += end;
+            continue;
+        }
+        if (rest.find('>') == std::string_view::npos) return true;
+        if (StartsIgnoringCase(rest, "<dl") && !IsLetter(rest[3])) ++open;
+        if (StartsIgnoringCase(rest, "</dl")) --open;
+    }
+    return open > 0;
+}
+
 }  // namespace
 
 Bookmarks ParseBookmarksHtml(std::string_view file)
@@ -142,6 +161,8 @@ Bookmarks ParseBookmarksHtml(std::string_view file)
     if (!reader.sawList() && !StartsIgnoringCase(document.documentType(), "netscape-bookmark")) {
         result.bookmarks.clear();
         result.problems.push_back({0, "not a bookmark file"});
+    } else if (IsCutShort(text)) {
+        result.problems.push_back({0, "it ends before its lists do"});
     }
     return result;
 }

@@ -33,22 +33,22 @@ public:
     explicit GoneFiles(const PlanInput& input)
     {
         for (const FolderScan* folder : input.folders)
-            if (folder->complete) completeFolders_.emplace(folder->path, folder);
+            if (folder->complete) completeFolders_.push_back(folder);
     }
 
-    // Only what lay in a folder that was read to its end can be told to be gone.
+    // Only what lay in a folder that was read to its end can be told to be gone. It may have been chosen by the name of
+    // another folder, above or below.
     [[nodiscard]] bool isGone(const RecordedFile& file) const
     {
-        const auto folder = completeFolders_.find(file.basePath);
-        if (folder == completeFolders_.end()) return false;
-        const auto& problems = folder->second->problems;
-        return std::none_of(problems.begin(), problems.end(), [&](const ScanProblem& problem) {
-            return file.path == problem.path || file.path.starts_with(os::Join(problem.path, ""));
+        return std::any_of(completeFolders_.begin(), completeFolders_.end(), [&](const FolderScan* folder) {
+            if (file.basePath != folder->path && !os::LiesIn(file.path, folder->path)) return false;
+            return std::none_of(folder->problems.begin(), folder->problems.end(),
+                                [&](const ScanProblem& problem) { return os::LiesIn(file.path, problem.path); });
         });
     }
 
 private:
-    std::unordered_map<std::string, const FolderScan*> completeFolders_;
+    std::vector<const FolderScan*> completeFolders_;
 };
 
 }  // namespace
@@ -63,7 +63,7 @@ CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone)
     std::vector<const RecordedFile*> staying, leaving;
     for (const RecordedFile& file : input.recorded)
         (!wanted.contains(file.path) && gone.isGone(file) ? leaving : staying).push_back(&file);
-    if (leaving.size() * 2 > plan.recorded && !input.force) {
+    if (input.guard.holdsBack(std::string(KeyOf(input.category)), leaving.size(), plan.recorded)) {
         plan.heldBack = leaving.size();
         staying.insert(staying.end(), leaving.begin(), leaving.end());
         leaving.clear();

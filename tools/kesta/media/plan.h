@@ -10,6 +10,7 @@
 #include "category.h"
 #include "media/scan.h"
 #include "phone/phone_view.h"
+#include "removal_guard.h"
 
 namespace kesta {
 
@@ -32,7 +33,7 @@ struct PlanInput {
     std::vector<const FolderScan*> folders;  // the chosen ones that were found, in the user's order
     std::vector<RecordedFolder> known;       // all of the category
     std::vector<RecordedFile> recorded;      // all of the category
-    bool force = false;                      // remove however much it is
+    RemovalGuard& guard;
 };
 
 struct CategoryPlan {

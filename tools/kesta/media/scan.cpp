@@ -97,7 +97,7 @@ private:
     {
         std::string target;
         if (!os::CanonicalPath(link, target).ok()) return false;  // Reading the folder will tell why.
-        return scan_.path == target || scan_.path.starts_with(os::Join(target, ""));
+        return os::LiesIn(scan_.path, target);
     }
 
     FolderScan& scan_;

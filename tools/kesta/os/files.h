@@ -70,6 +70,8 @@ Status Rename(const std::string& from, const std::string& to);
 Status FlushDirectory(const std::string& path);
 
 std::string Join(std::string_view directory, std::string_view name);
+/// Whether the path is the folder or lies below it, by its name alone.
+bool LiesIn(std::string_view path, std::string_view folder);
 /// The part before the last separator; the path itself when there is none or it is a root.
 std::string ParentOf(const std::string& path);
 /// The last component; empty for a root.

@@ -27,6 +27,11 @@ std::string NameOf(const std::string& path)
     return last == std::string::npos ? path : path.substr(last + 1);
 }
 
+bool LiesIn(std::string_view path, std::string_view folder)
+{
+    return path == folder || path.starts_with(Join(folder, ""));
+}
+
 Status ReadText(const std::string& path, std::string& text)
 {
     text.clear();

@@ -55,14 +55,15 @@ os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string
         if (!recorded.contains(line) && phone.find(line).entry == PhoneEntry::kFile)
             leftovers.unknownFiles.push_back(line);
     }
-    // A killed run leaves at most one. More mean that these are not the books the files were recorded in: the files
-    // stay, and planning takes those in that are what the PC has.
-    if (leftovers.unknownFiles.size() > 1) leftovers.unknownFiles.clear();
     for (const std::string& folder : folders) {
         const std::string path = os::Join(folder, kTemporaryName);
         os::FileInfo info;
         if (os::ReadInfoOfLink(path, info).ok()) leftovers.temporaryFiles.push_back(path);
     }
+    // A killed run leaves at most one, and none when it was still copying. More mean that these are not the books the
+    // files were recorded in, or that the user has put files there: they stay, and planning takes those in that are
+    // what the PC has.
+    if (leftovers.unknownFiles.size() > 1 || !leftovers.temporaryFiles.empty()) leftovers.unknownFiles.clear();
     return {};
 }
 

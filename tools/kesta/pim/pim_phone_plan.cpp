@@ -113,7 +113,8 @@ private:
         if (rows != rows_.end()) plan.oldRows = rows->second;
         if (folder.entries.empty() && plan.oldRows.empty()) return;
         compare(folder, plan);
-        const bool areTooMany = plan.removed * 2 > plan.oldRows.size() && !input_.force;
+        const bool areTooMany =
+            source.complete && input_.guard.holdsBack("phone " + folder.folder.id, plan.removed, plan.oldRows.size());
         if (plan.removed > 0 && (areTooMany || !source.complete)) {
             leaveAlone(source, plan);
         } else if (folder.entries.empty()) {

@@ -11,6 +11,7 @@
 
 #include "phone/phone_view.h"
 #include "pim/pim_store_plan.h"
+#include "removal_guard.h"
 
 namespace kesta {
 
@@ -29,7 +30,7 @@ struct PimPhoneInput {
     const PimStorePlans& store;
     const std::vector<PimLogRow>& log;   // all of the kind
     const std::set<std::string>& owned;  // places that the last run, which was cut short, was about to write
-    bool force = false;                  // remove however much it is
+    RemovalGuard& guard;
 };
 
 enum class PimFileAction {

@@ -133,7 +133,8 @@ private:
         for (const PimEntry& entry : known)
             if (!seen.contains(entry.id)) leaving.push_back(&entry);
         std::sort(leaving.begin(), leaving.end(), [](const auto* a, const auto* b) { return a->id < b->id; });
-        const bool areTooMany = leaving.size() * 2 > known.size() && !input_.force;
+        const bool areTooMany =
+            plan.source->complete && input_.guard.holdsBack("store " + plan.folder.id, leaving.size(), known.size());
         for (const PimEntry* entry : leaving) {
             if (plan.source->complete && !areTooMany) {
                 plan.removed.push_back(entry->id);

@@ -9,6 +9,7 @@
 
 #include "pim/pim_entry.h"
 #include "pim/pim_source.h"
+#include "removal_guard.h"
 #include "summary.h"
 
 namespace kesta {
@@ -22,7 +23,7 @@ struct PimStoreInput {
     PimKind kind = PimKind::kContacts;
     const std::vector<PimSource>& sources;      // those that are not readable are left alone
     const std::vector<StoredPimFolder>& known;  // all of the kind; the entries are needed of the sources' folders only
-    bool force = false;                         // remove however much it is
+    RemovalGuard& guard;
     std::size_t folderLimit = kMostListedPimFolders - 1;  // the root takes part in a listing of the whole tree
     std::size_t itemLimit = kMostListedPimItems;
 };

@@ -44,9 +44,15 @@ private:
 
 class PimRun {
 public:
-    PimRun(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options, Progress& progress,
-           Summary& summary)
-        : pim_(books), imei_(imei), phone_(phone), options_(options), progress_(progress), summary_(summary)
+    PimRun(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options, RemovalGuard& guard,
+           Progress& progress, Summary& summary)
+        : pim_(books),
+          imei_(imei),
+          phone_(phone),
+          options_(options),
+          guard_(guard),
+          progress_(progress),
+          summary_(summary)
     {
         isKnown_ = !imei.empty() && books.phone(imei).has_value();
     }
@@ -60,10 +66,9 @@ public:
             const bool isGiven = !filesOf(kind).empty();
             if (isGiven || journal_) prepare(kind, isGiven, works);
         }
-        if (options_.dryRun)
-            foretell(works);
-        else
-            PimCarryOut(pim_, imei_, phone_, progress_, summary_).run(works, hasJournal_);
+        if (options_.dryRun) return foretell(works);
+        guard_.save(summary_);
+        PimCarryOut(pim_, imei_, phone_, progress_, summary_).run(works, hasJournal_);
     }
 
 private:
@@ -98,12 +103,12 @@ private:
             work.counts = &summary_.beginFamily(std::string(TitleOf(kind)), isContacts ? "contact" : "calendar item");
         readSources(work);
         readStore(work);
-        work.store = PlanPimStore({kind, work.sources, work.stored, options_.force});
+        work.store = PlanPimStore({kind, work.sources, work.stored, guard_});
         for (FailedItem& refusal : work.store.refusals) summary_.failures.push_back(std::move(refusal));
         static const std::set<std::string> kNone;
-        work.phone = PlanPimPhone(
-            {kind, work.sources, work.store, work.log, journal_ ? journal_->places : kNone, options_.force},
-            PhoneOfRun(phone_));
+        work.phone =
+            PlanPimPhone({kind, work.sources, work.store, work.log, journal_ ? journal_->places : kNone, guard_},
+                         PhoneOfRun(phone_));
         report(work);
         works.push_back(std::move(work));
     }
@@ -136,8 +141,10 @@ private:
             if (isRepeated) continue;
             PimSource& source = work.sources.emplace_back();
             source.path = path;
-            if (path.starts_with(os::Join(phone_.root(), "")))
+            if (os::LiesIn(path, phone_.root()))
                 source.problem = "it lies on the phone itself";
+            else if (!IsValidUtf8(path))
+                source.problem = "its path is not valid text";
             else
                 source = ReadPimSource(work.kind, path);
             if (!source.complete) summary_.fail(path, source.problem + "; nothing of it is removed");
@@ -196,6 +203,7 @@ private:
     std::string imei_;
     PhoneFolder& phone_;
     const SyncOptions& options_;
+    RemovalGuard& guard_;
     Progress& progress_;
     Summary& summary_;
     bool isKnown_ = false;
@@ -205,11 +213,11 @@ private:
 
 }  // namespace
 
-void SyncPim(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options, Progress& progress,
-             Summary& summary)
+void SyncPim(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options, RemovalGuard& guard,
+             Progress& progress, Summary& summary)
 {
     try {
-        PimRun(books, imei, phone, options, progress, summary).run();
+        PimRun(books, imei, phone, options, guard, progress, summary).run();
     } catch (const BooksError& failure) {
         summary.stopWith(ExitCode::kBooks, failure.what());
     } catch (const PhoneError& failure) {

@@ -7,12 +7,13 @@
 #include "options.h"
 #include "phone/phone_folder.h"
 #include "progress.h"
+#include "removal_guard.h"
 #include "summary.h"
 
 namespace kesta {
 
 /// The phone must have been announced, but for a dry run. What fails goes to the summary.
-void SyncPim(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options, Progress& progress,
-             Summary& summary);
+void SyncPim(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options, RemovalGuard& guard,
+             Progress& progress, Summary& summary);
 
 }  // namespace kesta

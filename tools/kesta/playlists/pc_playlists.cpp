@@ -6,6 +6,7 @@
 #include <map>
 
 #include "formats/ascii.h"
+#include "text.h"
 
 namespace kesta {
 namespace {
@@ -101,6 +102,7 @@ private:
         if (status.ok() && info.kind != os::FileKind::kFile) status = {os::Failure::kOther, "it is not a file"};
         std::string canonical;
         if (status.ok()) status = os::CanonicalPath(member.path, canonical);
+        if (status.ok() && !IsValidUtf8(canonical)) status = {os::Failure::kOther, "its path is not valid text"};
         if (!status.ok()) {
             member.path = withoutFile(member.path);
             report(list, member.entry.line, fmt::format("{}: {}", member.path, status.text()));

@@ -93,13 +93,15 @@ private:
     void holdBack()
     {
         const auto isOnPhone = [](const RecordedPlaylist& record) { return record.idInPhone.has_value(); };
-        const auto onPhone = std::count_if(input_.recorded.begin(), input_.recorded.end(), isOnPhone);
-        const auto losses = std::count_if(plan_.leaving.begin(), plan_.leaving.end(),
-                                          [&](const RecordedPlaylist* record) { return isOnPhone(*record); }) +
-                            std::count_if(plan_.lists.begin(), plan_.lists.end(),
-                                          [&](const ListToBring& bring) { return isEmptied(bring); });
-        if (losses * 2 <= onPhone || input_.force) return;
-        plan_.heldBack = static_cast<std::size_t>(losses);
+        const auto onPhone =
+            static_cast<std::size_t>(std::count_if(input_.recorded.begin(), input_.recorded.end(), isOnPhone));
+        const auto losses =
+            static_cast<std::size_t>(std::count_if(plan_.leaving.begin(), plan_.leaving.end(),
+                                                   [&](const RecordedPlaylist* record) { return isOnPhone(*record); }) +
+                                     std::count_if(plan_.lists.begin(), plan_.lists.end(),
+                                                   [&](const ListToBring& bring) { return isEmptied(bring); }));
+        if (!input_.guard.holdsBack("playlists", losses, onPhone)) return;
+        plan_.heldBack = losses;
         std::erase_if(plan_.leaving, [&](const RecordedPlaylist* record) {
             if (isOnPhone(*record)) keep(*record);
             return isOnPhone(*record);

@@ -10,6 +10,7 @@
 #include "books/playlists.h"
 #include "media/plan.h"
 #include "playlists/pc_playlists.h"
+#include "removal_guard.h"
 
 namespace kesta {
 
@@ -28,7 +29,7 @@ struct PlaylistPlanInput {
     const std::map<std::string, std::vector<std::string>>& members;  // of the recorded lists, as the phone has them
     const std::vector<RecordedFile>& files;                          // that were copied for playlists
     const MediaPlaces& media;
-    bool force = false;  // remove however much it is
+    RemovalGuard& guard;
 };
 
 /// A list that is to be on the phone as the PC has it.

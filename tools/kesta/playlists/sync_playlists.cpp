@@ -59,12 +59,13 @@ void Measure(const PcPlaylist& list, RecordedPlaylist& record)
 class PlaylistSync {
 public:
     PlaylistSync(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                 const MediaPlaces& media, Progress& progress, Summary& summary)
+                 const MediaPlaces& media, RemovalGuard& guard, Progress& progress, Summary& summary)
         : books_(books, imei),
           isKnown_(books.phone(imei).has_value()),
           phone_(phone),
           options_(options),
           media_(media),
+          guard_(guard),
           progress_(progress),
           summary_(summary),
           counts_(summary.beginFamily("Playlists", "playlist"))
@@ -79,8 +80,7 @@ public:
             if (isKnown_) members_[list.name] = books_.members(list.name);
         if (isKnown_) files_ = books_.files();
         takeInFilesOfThePhone();
-        const PlaylistPlan plan =
-            PlanPlaylists({pc_.lists, recorded_, members_, files_, media_, options_.force}, phone_);
+        const PlaylistPlan plan = PlanPlaylists({pc_.lists, recorded_, members_, files_, media_, guard_}, phone_);
         tell(plan);
         if (options_.dryRun)
             foretell(plan);
@@ -217,6 +217,7 @@ private:
     // Members come before the lists that name them. What only goes because media sync has it now goes last.
     void carryOut(const PlaylistPlan& plan)
     {
+        guard_.save(summary_);
         MemberRecords records(books_);
         if (!rehome(plan.rehomed)) return;
         CarryOut(records, phone_, progress_, summary_).run({plan.files});
@@ -273,6 +274,7 @@ private:
     PhoneFolder& phone_;
     const SyncOptions& options_;
     MediaPlaces media_;
+    RemovalGuard& guard_;
     Progress& progress_;
     Summary& summary_;
     FamilyCounts& counts_;
@@ -286,9 +288,9 @@ private:
 }  // namespace
 
 void SyncPlaylists(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                   const MediaPlaces& media, Progress& progress, Summary& summary)
+                   const MediaPlaces& media, RemovalGuard& guard, Progress& progress, Summary& summary)
 {
-    PlaylistSync(books, imei, phone, options, media, progress, summary).run();
+    PlaylistSync(books, imei, phone, options, media, guard, progress, summary).run();
 }
 
 std::vector<std::string> PlacesOfPlaylists(Books& books, const std::string& imei)

@@ -9,13 +9,14 @@
 #include "phone/phone_folder.h"
 #include "playlists/playlist_plan.h"
 #include "progress.h"
+#include "removal_guard.h"
 #include "summary.h"
 
 namespace kesta {
 
 /// Brings the phone's playlists in line with those of the folder that the options name. A dry run changes nothing.
 void SyncPlaylists(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                   const MediaPlaces& media, Progress& progress, Summary& summary);
+                   const MediaPlaces& media, RemovalGuard& guard, Progress& progress, Summary& summary);
 
 /// The phone paths that the books know of lists and of their music.
 [[nodiscard]] std::vector<std::string> PlacesOfPlaylists(Books& books, const std::string& imei);

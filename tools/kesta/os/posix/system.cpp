@@ -1,5 +1,6 @@
 #include "os/system.h"
 
+#include <fcntl.h>
 #include <locale.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -102,6 +103,9 @@ void PrepareOutput()
 {
     // A reader that goes away (kesta ... | head) shows as a failed write, so that a sync still ends properly.
     (void)std::signal(SIGPIPE, SIG_IGN);
+    // What is closed would go to the next file to be opened.
+    for (int standard = STDIN_FILENO; standard <= STDERR_FILENO; ++standard)
+        if (fcntl(standard, F_GETFD) == -1) (void)::open("/dev/null", O_RDWR);
 }
 
 bool IsTerminal()
