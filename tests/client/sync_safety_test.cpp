@@ -96,9 +96,9 @@ TEST_F(SyncSafetyTest, FileThatTheUserBrought_IsNoLeftoverOfARunKilledWhileCopyi
     givenFile("Rock/a", "a");
     ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
     // So a run leaves the phone that is killed while it copies b.
-    std::ofstream(Path(phone(".kesta-journal"))) << "Music/Rock/b\nMusic/Rock/c\n";
-    std::ofstream(Path(phone("Music/Rock/.kesta-part"))) << "half of b";
-    std::ofstream(Path(phone("Music/Rock/c"))) << "the user's own";
+    std::ofstream(Path(phone(".kesta-journal")), std::ios::binary) << "Music/Rock/b\nMusic/Rock/c\n";
+    std::ofstream(Path(phone("Music/Rock/.kesta-part")), std::ios::binary) << "half of b";
+    std::ofstream(Path(phone("Music/Rock/c")), std::ios::binary) << "the user's own";
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("1 leftover of it removed"));
