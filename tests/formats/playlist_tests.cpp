@@ -51,6 +51,8 @@ TEST(PlaylistLocation, Rules)
         {"file:///", std::nullopt},
         {"file:////", std::nullopt},
         {"file://", std::nullopt},
+        {"file://\\", std::nullopt},
+        {"file://localhost/", std::nullopt},
         {"a\0b"sv, std::nullopt},
         {"./", std::nullopt},
         {"\\\\", std::nullopt},

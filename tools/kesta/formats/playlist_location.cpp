@@ -55,10 +55,10 @@ std::optional<Location> FromFileUrl(std::string_view rest)
     // Some write file://C:/Music, which makes the drive look like a host.
     if (StartsWithDrive(host + path)) return Drive(host + path);
     if (path.starts_with('/') && StartsWithDrive(std::string_view(path).substr(1))) return Drive(path.substr(1));
-    if (!host.empty() && !EqualsIgnoringCase(host, "localhost"))
-        return Location{LocationKind::kServer, WithSlashes("//" + host + path)};
+    if (EqualsIgnoringCase(host, "localhost")) host.clear();
+    if (std::ranges::all_of(host + path, IsSeparator)) return {};
+    if (!host.empty()) return Location{LocationKind::kServer, WithSlashes("//" + host + path)};
     // Four slashes and more: a server's name that became part of the path.
-    if (std::ranges::all_of(path, IsSeparator)) return {};
     if (path.starts_with("//")) return Location{LocationKind::kServer, WithSlashes(path)};
     if (!path.starts_with('/')) return {};
     return Location{LocationKind::kAbsolute, std::move(path)};
