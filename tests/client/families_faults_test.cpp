@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "client_fixture.h"
+#include "fault_environment.h"
 
 namespace kesta::test {
 namespace {
@@ -17,17 +18,9 @@ using testing::SizeIs;
 
 class FamiliesFaultsTest : public ClientTest {
 protected:
-    static Environment faults(Environment faults)
-    {
-        faults["LD_PRELOAD"] = KESTA_CLIENT_FAULTS;
-        // The sanitizers' runtime need not come first: the faults call nothing of it.
-        const char* options = std::getenv("ASAN_OPTIONS");
-        faults["ASAN_OPTIONS"] = std::string(options == nullptr ? "" : options) + ":verify_asan_link_order=0";
-        return faults;
-    }
     static Environment failing(const std::string& call, int code, const std::string& path, int skip = 0)
     {
-        return faults({{"KESTA_FAULT_ERRNO", std::to_string(code)},
+        return Faults({{"KESTA_FAULT_ERRNO", std::to_string(code)},
                        {"KESTA_FAULT_CALL", call},
                        {"KESTA_FAULT_PATH", path},
                        {"KESTA_FAULT_SKIP", std::to_string(skip)}});
@@ -63,7 +56,7 @@ protected:
     {
         keep();
         const std::string counted = (work() / "count").string();
-        const Ended undisturbed = sync(arguments, faults({{"KESTA_FAULT_COUNT_FILE", counted}}));
+        const Ended undisturbed = sync(arguments, Faults({{"KESTA_FAULT_COUNT_FILE", counted}}));
         ASSERT_EQ(undisturbed.exitCode, 0) << undisturbed.out << undisturbed.err;
         const auto wantedFiles = phoneFiles();
         const std::string wantedRows = rows();
@@ -73,7 +66,7 @@ protected:
         for (long call = 1; call <= calls; ++call) {
             SCOPED_TRACE("killed at call " + std::to_string(call) + " of " + std::to_string(calls));
             restore();
-            const Ended killed = sync(arguments, faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
+            const Ended killed = sync(arguments, Faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
             ASSERT_EQ(killed.exitCode, -SIGKILL) << killed.out << killed.err;
             const Ended run = sync(arguments);
             ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
@@ -135,14 +128,14 @@ TEST_F(FamiliesFaultsTest, Backup_KilledAtEachCall_LeavesWholeArchivesOnly)
     const std::vector<std::string> arguments{"--backup", Utf8(work() / "backups")};
     ASSERT_EQ(sync({}).exitCode, 0);
     const std::string counted = (work() / "count").string();
-    ASSERT_EQ(sync(arguments, faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
+    ASSERT_EQ(sync(arguments, Faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
     const auto whole = fs::file_size(fs::directory_iterator(work() / "backups")->path());
     long calls = 0;
     std::ifstream(counted) >> calls;
     ASSERT_GT(calls, 10) << "the calls are not seen";
     for (long call = 1; call <= calls; ++call) {
         SCOPED_TRACE("killed at call " + std::to_string(call));
-        (void)sync(arguments, faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
+        (void)sync(arguments, Faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
         ASSERT_EQ(sync(arguments).exitCode, 0);
         for (const auto& entry : fs::directory_iterator(work() / "backups")) {
             EXPECT_EQ(entry.path().extension(), ".zip");

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "client_fixture.h"
+#include "fault_environment.h"
 
 namespace kesta::test {
 namespace {
@@ -15,17 +16,9 @@ using testing::SizeIs;
 
 class FaultsTest : public ClientTest {
 protected:
-    static Environment faults(Environment faults)
-    {
-        faults["LD_PRELOAD"] = KESTA_CLIENT_FAULTS;
-        // The sanitizers' runtime need not come first: the faults call nothing of it.
-        const char* options = std::getenv("ASAN_OPTIONS");
-        faults["ASAN_OPTIONS"] = std::string(options == nullptr ? "" : options) + ":verify_asan_link_order=0";
-        return faults;
-    }
     static Environment failing(int code, const std::string& path, int skip = 0)
     {
-        return faults({{"KESTA_FAULT_ERRNO", std::to_string(code)},
+        return Faults({{"KESTA_FAULT_ERRNO", std::to_string(code)},
                        {"KESTA_FAULT_PATH", path},
                        {"KESTA_FAULT_SKIP", std::to_string(skip)}});
     }
@@ -51,14 +44,14 @@ TEST_F(FaultsTest, KilledAtEachCall_TheNextRunEndsInOrder)
 {
     givenWork();
     const std::string counted = (work() / "count").string();
-    ASSERT_EQ(sync({"--music", pc("Rock")}, faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
+    ASSERT_EQ(sync({"--music", pc("Rock")}, Faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
     long calls = 0;
     std::ifstream(counted) >> calls;
     ASSERT_GT(calls, 40) << "the calls are not seen";
     for (long call = 1; call <= calls; ++call) {
         SCOPED_TRACE("killed at call " + std::to_string(call) + " of " + std::to_string(calls));
         givenWork();
-        const Ended killed = sync({"--music", pc("Rock")}, faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
+        const Ended killed = sync({"--music", pc("Rock")}, Faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
         ASSERT_EQ(killed.exitCode, -SIGKILL) << killed.out << killed.err;
         // What was on its way may be gone or changed by the time of the next run.
         if (call % 3 == 1) removeFile("Rock/new/er");
@@ -85,13 +78,13 @@ TEST_F(FaultsTest, FirstRunKilledAtEachCall_TheNextRunEndsInOrder)
     fresh();
     const std::string counted = (work() / "count").string();
     const std::vector<std::string> arguments{"sync", "--phone", phone(), "--music", pc("Rock")};
-    ASSERT_EQ(client(arguments, faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
+    ASSERT_EQ(client(arguments, Faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
     long calls = 0;
     std::ifstream(counted) >> calls;
     for (long call = 1; call <= calls; ++call) {
         SCOPED_TRACE("killed at call " + std::to_string(call) + " of " + std::to_string(calls));
         fresh();
-        ASSERT_EQ(client(arguments, faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}})).exitCode, -SIGKILL);
+        ASSERT_EQ(client(arguments, Faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}})).exitCode, -SIGKILL);
         ASSERT_EQ(client(arguments).exitCode, 0);
         EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a"));
         EXPECT_THAT(ownFiles(), IsEmpty());
@@ -164,7 +157,7 @@ TEST_F(FaultsTest, FileThatVanishesBeforeItsTurn_IsReported)
 {
     givenFile("Rock/a", "a");
     givenFile("Rock/b", "b");
-    const Ended run = sync({"--music", pc("Rock")}, faults({{"KESTA_FAULT_VANISH", pc("Rock/a")}}));
+    const Ended run = sync({"--music", pc("Rock")}, Faults({{"KESTA_FAULT_VANISH", pc("Rock/a")}}));
     EXPECT_EQ(run.exitCode, 3) << run.out;
     EXPECT_THAT(run.out, HasSubstr("Rock/a: it went away before it could be copied"));
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/b"));

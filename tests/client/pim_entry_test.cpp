@@ -2,14 +2,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "formats/icalendar.h"
 #include "formats/vcard.h"
-#include "os/files.h"
 #include "pim/pim_source.h"
 #include "pim/pim_text.h"
 #include "pim_samples.h"
+#include "pim_sources.h"
 
 namespace kesta::test {
 namespace {
@@ -35,23 +33,6 @@ std::size_t CountOf(const std::string& text, const std::string& part)
     std::size_t count = 0;
     for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
     return count;
-}
-
-/// With the separators of this system.
-std::string PcPath(std::string path)
-{
-    std::replace(path.begin(), path.end(), '/', os::kSeparator);
-    return path;
-}
-
-PimSource Contacts(const std::string& contents, const std::string& path = "/pc/friends.vcf")
-{
-    return MakePimSource(PimKind::kContacts, PcPath(path), contents, 3'900'000'000);
-}
-
-PimSource Calendars(const std::string& contents, const std::string& path = "/pc/cal.ics")
-{
-    return MakePimSource(PimKind::kCalendar, PcPath(path), contents, 3'900'000'000);
 }
 
 TEST(PimIds, AreShortPlainAndTakenApartAgain)

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <fstream>
 
+#include "fault_environment.h"
 #include "pim_fixture.h"
 
 namespace kesta::test {
@@ -14,16 +15,9 @@ using testing::IsEmpty;
 
 class PimFaultsTest : public PimTest {
 protected:
-    static Environment faults(Environment faults)
-    {
-        faults["LD_PRELOAD"] = KESTA_CLIENT_FAULTS;
-        const char* options = std::getenv("ASAN_OPTIONS");
-        faults["ASAN_OPTIONS"] = std::string(options == nullptr ? "" : options) + ":verify_asan_link_order=0";
-        return faults;
-    }
     static Environment failing(int code, const std::string& path, const std::string& call)
     {
-        return faults(
+        return Faults(
             {{"KESTA_FAULT_ERRNO", std::to_string(code)}, {"KESTA_FAULT_PATH", path}, {"KESTA_FAULT_CALL", call}});
     }
     [[nodiscard]] std::vector<std::string> arguments() const
@@ -72,7 +66,7 @@ TEST_F(PimFaultsTest, KilledAtEachCall_TheNextRunEndsInOrder)
     givenWork();
     keepState();
     const std::string counted = (work() / "count").string();
-    ASSERT_EQ(client(arguments(), faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
+    ASSERT_EQ(client(arguments(), Faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
     expectDone();
     long calls = 0;
     std::ifstream(counted) >> calls;
@@ -80,7 +74,7 @@ TEST_F(PimFaultsTest, KilledAtEachCall_TheNextRunEndsInOrder)
     for (long call = 1; call <= calls; ++call) {
         SCOPED_TRACE("killed at call " + std::to_string(call) + " of " + std::to_string(calls));
         restoreState();
-        const Ended killed = client(arguments(), faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
+        const Ended killed = client(arguments(), Faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
         ASSERT_EQ(killed.exitCode, -SIGKILL) << killed.out << killed.err;
         const Ended run = client(arguments());
         ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
@@ -97,7 +91,7 @@ TEST_F(PimFaultsTest, ChangedBetweenTheKillAndTheNextRun_EndsInOrder)
     const std::string counted = (work() / "count").string();
     ASSERT_EQ(syncContacts({"Friends.vcf"}).exitCode, 0);
     restoreState();
-    ASSERT_EQ(client(syncArguments({"--contacts", pc("Friends.vcf")}), faults({{"KESTA_FAULT_COUNT_FILE", counted}}))
+    ASSERT_EQ(client(syncArguments({"--contacts", pc("Friends.vcf")}), Faults({{"KESTA_FAULT_COUNT_FILE", counted}}))
                   .exitCode,
               0);
     long calls = 0;
@@ -107,7 +101,7 @@ TEST_F(PimFaultsTest, ChangedBetweenTheKillAndTheNextRun_EndsInOrder)
         restoreState();
         givenFile("Friends.vcf", CardText("1", "Ann"));
         ASSERT_EQ(client(syncArguments({"--contacts", pc("Friends.vcf")}),
-                         faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}))
+                         Faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}))
                       .exitCode,
                   -SIGKILL);
         givenFile("Friends.vcf", CardsText({{"1", "Anne"}, {"2", "Bob"}}));

@@ -2,15 +2,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
 
 #include "formats/vcard.h"
-#include "os/files.h"
 #include "pim/pim_phone_plan.h"
 #include "pim/pim_source.h"
 #include "pim/pim_store_plan.h"
 #include "pim_samples.h"
+#include "pim_sources.h"
 
 namespace kesta::test {
 namespace {
@@ -121,23 +120,6 @@ public:
 private:
     PimKind kind_;
 };
-
-/// With the separators of this system.
-std::string PcPath(std::string path)
-{
-    std::replace(path.begin(), path.end(), '/', os::kSeparator);
-    return path;
-}
-
-PimSource Contacts(const std::string& contents, const std::string& path = "/pc/friends.vcf")
-{
-    return MakePimSource(PimKind::kContacts, PcPath(path), contents, 3'900'000'000);
-}
-
-PimSource Calendars(const std::string& contents, const std::string& path = "/pc/cal.ics")
-{
-    return MakePimSource(PimKind::kCalendar, PcPath(path), contents, 3'900'000'000);
-}
 
 TEST(PimPlan, NewChangedGoneAndUnchanged)
 {
