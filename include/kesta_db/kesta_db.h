@@ -1055,7 +1055,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_ReadLog(const DbChar *imei, PimLog 
  *
  * @param log  read only; Items and the texts stay the caller's
  * @return 0, whether each item could be stored or not; 1 the log could not be found or created, or Items is null though
- *         Count is not 0 (a log without items is then left)
+ *         Count is above 0 (a log without items is then left)
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_SaveLog(const DbChar *imei, const PimLog *log);
 

@@ -110,6 +110,11 @@ nlohmann::json ClientTest::status()
     return nlohmann::json::parse(run.out).at("phones").at(0);
 }
 
+fs::path ClientTest::note(const std::string& name) const
+{
+    return data().applicationData() / "NORVIK" / "NORVIK Sync" / "Client" / name;
+}
+
 std::map<std::string, std::string> ClientTest::phoneFiles() const
 {
     std::map<std::string, std::string> files;

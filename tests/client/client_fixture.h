@@ -54,6 +54,8 @@ protected:
     void expectInOrder(const std::string& category = "music");
 
     [[nodiscard]] Sql books() const { return Sql(data_.databasePath()); }
+    /// A note of the client's own, beside the books.
+    [[nodiscard]] fs::path note(const std::string& name) const;
     [[nodiscard]] const fs::path& work() const { return work_; }
     [[nodiscard]] const DataFolder& data() const { return data_; }
 

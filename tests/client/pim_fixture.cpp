@@ -50,7 +50,7 @@ Entries PimTest::eventsIn(const std::string& path) const
 
 fs::path PimTest::journal(const std::string& imei) const
 {
-    return data().applicationData() / "NORVIK" / "NORVIK Sync" / "Client" / ("pim of " + imei + ".json");
+    return note("pim of " + imei + ".json");
 }
 
 void PimTest::expectBooksInOrder(const Entries& contacts, const Entries& events, const std::string& imei)

@@ -97,6 +97,20 @@ TEST_F(StatusTest, ErrorOfARunByAnotherProgram_IsUnknown)
     EXPECT_TRUE(status().at("last_error").is_null());
 }
 
+TEST_F(StatusTest, DamagedNoteOfTheLastRun_MeansThatItsErrorIsUnknown)
+{
+    (void)sync({});
+    const std::string start = R"({"imei": "351111", "time": ")" + status().at("last_sync").get<std::string>() + '"';
+    for (const std::string& text :
+         {std::string(R"({"imei": 351111})"), start + '}', start + R"(, "code": "0", "reason": ""})",
+          start + R"(, "code": 0, "reason": 7})", std::string("[]"), start}) {
+        std::ofstream(note("351111.json"), std::ios::binary) << text;
+        EXPECT_TRUE(status().at("last_error").is_null()) << text;
+    }
+    std::ofstream(note("351111.json"), std::ios::binary) << start + R"(, "code": 5, "reason": "why"})";
+    EXPECT_EQ(status().at("last_error").at("code"), 5);
+}
+
 TEST_F(StatusTest, Files_CanBeLimitedToAFolder)
 {
     givenFile("Rock/a.mp3", "first");

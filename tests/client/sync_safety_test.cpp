@@ -55,6 +55,19 @@ TEST_F(SyncSafetyTest, Files_ThatComeBack_EndTheHoldingBack)
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a", "Music/Rock/c"));
 }
 
+TEST_F(SyncSafetyTest, DamagedNoteOfWhatIsHeldBack_IsReplaced)
+{
+    for (const char* name : {"a", "b", "c"}) givenFile(std::string("Rock/") + name, name);
+    ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    for (const char* name : {"a", "b"}) removeFile(std::string("Rock/") + name);
+    for (const char* text : {"{\"imei\": 351111}", "{\"imei\": \"351111\", \"recorded\": 3}", "[]", "{"}) {
+        std::ofstream(note("351111.held-back.json"), std::ios::binary) << text;
+        const Ended run = sync({"--music", pc("Rock")});
+        EXPECT_EQ(run.exitCode, 4) << text << run.err;
+        EXPECT_THAT(run.out, HasSubstr("Held back: 2 files")) << text;
+    }
+}
+
 TEST_F(SyncSafetyTest, DryRun_NotesNothingOfWhatItHoldsBack)
 {
     for (const char* name : {"a", "b"}) givenFile(std::string("Rock/") + name, name);

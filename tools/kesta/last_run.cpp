@@ -27,10 +27,13 @@ std::optional<LastRun> LoadLastRun(const std::string& imei, LocalTime time)
 {
     std::string text;
     if (!os::ReadText(NotePath(imei), text).ok()) return std::nullopt;
-    const auto json = nlohmann::json::parse(text, nullptr, false);
-    if (!json.is_object() || json.value("imei", "") != imei || json.value("time", "") != FormatLocalTime(time))
-        return std::nullopt;
-    return LastRun{time, json.value("code", 0), json.value("reason", "")};
+    try {
+        const auto json = nlohmann::json::parse(text);
+        if (json.at("imei") != imei || json.at("time") != FormatLocalTime(time)) return std::nullopt;
+        return LastRun{time, json.at("code").get<int>(), json.at("reason").get<std::string>()};
+    } catch (const nlohmann::json::exception&) {
+        return std::nullopt;  // Anybody may have damaged it.
+    }
 }
 
 }  // namespace kesta

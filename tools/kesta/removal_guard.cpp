@@ -21,7 +21,9 @@ RemovalGuard::RemovalGuard(const std::string& imei, bool force) : imei_(imei), f
     std::string text;
     if (!os::ReadText(NotePath(imei), text).ok()) return;
     const auto json = nlohmann::json::parse(text, nullptr, false);
-    if (!json.is_object() || json.value("imei", "") != imei || !json.contains("recorded")) return;
+    // Anybody may have damaged it.
+    if (!json.is_object() || !json.contains("imei") || json["imei"] != imei || !json.contains("recorded")) return;
+    if (!json["recorded"].is_object()) return;
     for (const auto& [what, recorded] : json["recorded"].items())
         if (recorded.is_number_unsigned()) recordedBefore_.emplace(what, recorded.get<std::size_t>());
 }
