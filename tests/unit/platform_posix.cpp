@@ -4,6 +4,7 @@
 #include <pwd.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -237,6 +238,28 @@ TEST(PosixTrace, LineOfTheLongestStatement_ArrivesWholeAndInUtf8)
     const std::vector<std::string> lines = source->take();
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_TRUE(lines[0] == line) << lines[0].size();
+}
+
+TEST(PosixTrace, StandardStreamsClosed_StayClosed)
+{
+    const test::DataFolder data;
+    const auto source = test::TraceSource::open(data.runtimeFolder());
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) close(file);
+        OpenTrace();
+        int taken = 0;
+        for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            if (fcntl(file, F_GETFD) >= 0) ++taken;
+        services.writeTraceLine(test::W("seen"), 4);
+        _exit(services.traceIsRead() ? taken : 99);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(source->take(), std::vector<std::string>{"seen"});
 }
 
 TEST(PosixTrace, RuntimeFolderTooLongForASocket_NobodyReads)
