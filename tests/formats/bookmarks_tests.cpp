@@ -39,6 +39,21 @@ TEST(BookmarksHtml, UnclosedTags)
     EXPECT_THAT(result.bookmarks[1].folders, ElementsAre("F"));
 }
 
+TEST(BookmarksHtml, CutShort_IsReported)
+{
+    const std::string whole = "<DL><p><DT><A HREF=\"http://a/\">A</A><!-- <DL> --></DL><p>";
+    EXPECT_THAT(Html(whole).problems, IsEmpty());
+    for (const char* end : {"</DL", "<!-- <DL>", "HREF=", "A</A>"}) {
+        const Bookmarks result = Html(whole.substr(0, whole.find(end) + 4));
+        EXPECT_THAT(result.problems, ElementsAre(Problem{0, "it ends before its lists do"})) << end;
+    }
+}
+
+TEST(BookmarksHtml, MillionsOfTagsThatNeverEnd_AreReadInOnePass)
+{
+    EXPECT_THAT(Html("<DL><DT><A HREF=http://a/>A</A></DL>" + std::string(8'000'000, '<') + ">").problems, IsEmpty());
+}
+
 TEST(BookmarksHtml, EmptyFolder_GivesItsNameToNoOtherList)
 {
     const Bookmarks result =

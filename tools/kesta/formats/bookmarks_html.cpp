@@ -129,6 +129,7 @@ private:
 /// Whether a list is still open at the end, or a tag: the file was cut. Parsers of HTML close both without a word.
 bool IsCutShort(std::string_view text)
 {
+    const std::size_t lastEnd = text.rfind('>');
     int open = 0;
     for (std::size_t i = text.find('<'); i != std::string_view::npos; i = text.find('<', i + 1)) {
         const std::string_view rest = text.substr(i);
@@ -138,7 +139,7 @@ bool IsCutShort(std::string_view text)
             i += end;
             continue;
         }
-        if (rest.find('>') == std::string_view::npos) return true;
+        if (lastEnd == std::string_view::npos || lastEnd < i) return true;
         if (StartsIgnoringCase(rest, "<dl") && !IsLetter(rest[3])) ++open;
         if (StartsIgnoringCase(rest, "</dl")) --open;
     }
