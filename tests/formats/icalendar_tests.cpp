@@ -42,6 +42,26 @@ TEST(Calendars, EntryIsACompleteCalendarWithTheZonesItNeeds)
     EXPECT_EQ(entry.bytes, Calendar(std::string(kBerlin) + event));
 }
 
+TEST(Calendars, Zones_StandInTheOrderOfTheFile_TheFirstOfEachId)
+{
+    const std::string event =
+        Event("UID:1\r\nDTSTART;TZID=Asia/Tokyo:20200101T100000\r\nDTEND;TZID=Europe/Berlin:20200101T100000\r\n");
+    const std::string zones = std::string(kBerlin).append(kTokyo);
+    const std::string again = "BEGIN:VTIMEZONE\r\nTZID:Europe/Berlin\r\nX-SECOND:1\r\nEND:VTIMEZONE\r\n";
+    const Calendars result = ParseCalendars(Calendar(zones + again + event));
+    ASSERT_THAT(result.entries, SizeIs(1));
+    EXPECT_EQ(result.entries[0].bytes, Calendar(zones + event));
+}
+
+TEST(Calendars, ManyZonesAndManyEntries_AreReadInOnePass)
+{
+    std::string text;
+    for (int i = 0; i < 200'000; ++i) text += kBerlin;
+    for (int i = 0; i < 200'000; ++i)
+        text += Event("UID:" + std::to_string(i) + "\r\nDTSTART;TZID=Europe/Berlin:20200101T100000\r\n");
+    EXPECT_THAT(ParseCalendars(Calendar(text)).entries, SizeIs(200'000));
+}
+
 TEST(Calendars, ChangedOccurrences_BelongToTheirUid)
 {
     const std::string file = Calendar(

@@ -22,12 +22,24 @@ struct Series {
     CalendarEntry entry;
 };
 
-void AddPart(Series& series, const RawCalendar& calendar, const Component& part)
+/// The time zones of a calendar by their TZID, the first one of each.
+using TimeZones = std::map<std::string_view, const Component*>;
+
+TimeZones TimeZonesOf(const RawCalendar& calendar)
+{
+    TimeZones zones;
+    for (const Component& zone : calendar.timeZones) zones.emplace(zone.timeZoneId, &zone);
+    return zones;
+}
+
+void AddPart(Series& series, const TimeZones& zones, const Component& part)
 {
     series.parts.push_back(&part);
-    for (const Component& zone : calendar.timeZones)
-        if (part.usedTimeZones.contains(zone.timeZoneId) && series.timeZoneIds.insert(zone.timeZoneId).second)
-            series.timeZones.push_back(&zone);
+    const auto known = static_cast<std::ptrdiff_t>(series.timeZones.size());
+    for (const std::string& id : part.usedTimeZones)
+        if (const auto zone = zones.find(id); zone != zones.end() && series.timeZoneIds.insert(id).second)
+            series.timeZones.push_back(zone->second);
+    std::sort(series.timeZones.begin() + known, series.timeZones.end());  // in the order of the file
 }
 
 void AppendWhole(std::string& bytes, std::string_view part, std::string_view lineBreak)
@@ -105,6 +117,7 @@ Calendars ParseCalendars(std::string_view file)
     Calendars result;
     for (const RawCalendar& calendar : raw.calendars) {
         if (std::ranges::find(result.names, calendar.name) == result.names.end()) result.names.push_back(calendar.name);
+        const TimeZones zones = TimeZonesOf(calendar);
         for (const Component& part : calendar.entries) {
             // Without a UID nothing says what belongs together.
             const bool known = !part.uid.empty() && places.contains({calendar.name, part.uid});
@@ -113,7 +126,7 @@ Calendars ParseCalendars(std::string_view file)
                 all.push_back({&calendar, {}, {}, {}, {}});
                 if (!part.uid.empty()) places[{calendar.name, part.uid}] = place;
             }
-            AddPart(all[place], calendar, part);
+            AddPart(all[place], zones, part);
         }
     }
     EntryUids uids;
