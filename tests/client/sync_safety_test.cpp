@@ -65,6 +65,8 @@ TEST_F(SyncSafetyTest, DamagedNoteOfWhatIsHeldBack_IsReplaced)
         const Ended run = sync({"--music", pc("Rock")});
         EXPECT_EQ(run.exitCode, 4) << text << run.err;
         EXPECT_THAT(run.out, HasSubstr("Held back: 2 files")) << text;
+        std::ifstream replaced(note("351111.held-back.json"));
+        EXPECT_EQ(nlohmann::json::parse(replaced, nullptr, false)["recorded"]["music"], 3) << text;
     }
 }
 
