@@ -23,10 +23,9 @@ function(kesta_sqlite_settings target)
     target_compile_definitions(${target} PRIVATE
         # The library serialises every use of SQLite by its own lock.
         SQLITE_THREADSAFE=0
-        # Nothing here reads these figures, declared types, notices of progress, or a shared cache.
+        # Nothing here reads these figures, declared types, or a shared cache.
         SQLITE_DEFAULT_MEMSTATUS=0
         SQLITE_OMIT_DECLTYPE
-        SQLITE_OMIT_PROGRESS_CALLBACK
         SQLITE_OMIT_SHARED_CACHE
         SQLITE_OMIT_DEPRECATED
         SQLITE_LIKE_DOESNT_MATCH_BLOBS

@@ -41,7 +41,8 @@ public:
     [[nodiscard]] const DbChar* wideText(int column) const noexcept;
     [[nodiscard]] std::span<const uint8_t> blob(int column) const noexcept;
 
-    // Parameters, counted from 1. What is bound must live until the statement has been stepped.
+    // Parameters, counted from 1. What is bound must live until the statement has been stepped. A value that cannot be
+    // bound has the next step fail with that code.
     void bindBlob(int parameter, const void* data, int32_t length) noexcept;
     /// Null binds NULL.
     void bindText(int parameter, const DbChar* text);
@@ -49,26 +50,42 @@ public:
 private:
     friend class Connection;
     Statement(sqlite3_stmt* statement, SqliteCode code, bool kept) : statement_(statement), last_(code), kept_(kept) {}
+    void noteBinding(int code) noexcept;
 
     sqlite3_stmt* statement_;
     SqliteCode last_;
     bool kept_;  // stays compiled for the next time
+    bool bound_ = true;
 };
 
 class Connection {
 public:
+    // What a statement may cost at most: a thousand million steps, some ten seconds. The largest list of a database of
+    // ten million files takes a fifth of that; views and triggers that somebody else wrote into the file may never end.
+    static constexpr int32_t kStepsPerRound = 100'000;
+    static constexpr int32_t kMostRounds = 10'000;
+
     constexpr Connection() = default;
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
     ~Connection() { close(); }
 
-    /// Leaves a handle behind even in many failures, as SQLite does: ask isOpen().
-    SqliteCode open(const char* utf8Path) noexcept;
+    /// Leaves a handle behind even in many failures, as SQLite does: ask isOpen(). Through the system's files unless
+    /// another of SQLite's VFS is named.
+    SqliteCode open(const char* utf8Path, const char* vfsName = nullptr) noexcept;
     void close() noexcept;
+    /// Forgets the handle without closing it: after a fork it is the other process's.
+    void abandon() noexcept;
     [[nodiscard]] bool isOpen() const { return handle_ != nullptr; }
 
     /// Waits for other programs' locks with BusyRetry.
     void waitWhenBusy() noexcept;
+    /// Waits for them as long, without a line in the trace.
+    void waitSilently(int milliseconds) noexcept;
+    /// From now on statements may read and change rows and nothing else: any other fails to compile, with kRefused.
+    void allowRowsOnly() noexcept;
+    /// A statement that takes more rounds of kStepsPerRound steps is interrupted: its step fails with kInterrupted.
+    void limitRounds(int32_t rounds) noexcept { steps_.most = rounds; }
 
     /// Runs a statement, or several, whose rows nobody wants.
     SqliteCode exec(const Sql& sql) noexcept;
@@ -84,6 +101,13 @@ public:
     [[nodiscard]] int32_t totalChanges() const noexcept;
 
 private:
+    /// Of the statement that runs, in rounds.
+    struct Steps {
+        int32_t taken = 0;
+        int32_t most = kMostRounds;
+    };
+    static int countRound(void* steps) noexcept;
+
     struct Kept {
         std::array<char, 256> text;
         size_t length;
@@ -91,6 +115,7 @@ private:
     };
 
     sqlite3* handle_ = nullptr;
+    Steps steps_;
     std::array<Kept, 4> kept_ = {};
     size_t nextKept_ = 0;
 };

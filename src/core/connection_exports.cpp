@@ -32,6 +32,7 @@ ResultCode OpenDatabase(Module& module, Trail trail)
     const SqliteCode opened = db.open(path.utf8());
     if (opened == SqliteCode::kOk) {
         db.waitWhenBusy();
+        db.allowRowsOnly();
         module.noteOpen();
         return ResultCode::kSuccess;
     }

@@ -15,8 +15,8 @@ enum class [[nodiscard]] ResultCode : int32_t{
 
 /// SQLite's own codes, of which the library tells these apart.
 enum class [[nodiscard]] SqliteCode : int32_t{
-    kOk = 0,      kError = 1,       kBusy = 5,          kCorrupt = 11, kCannotOpen = 14,
-    kTooBig = 18, kConstraint = 19, kNotADatabase = 26, kRow = 100,    kDone = 101,
+    kOk = 0,      kError = 1,       kBusy = 5,     kInterrupted = 9,   kCorrupt = 11, kCannotOpen = 14,
+    kTooBig = 18, kConstraint = 19, kRefused = 23, kNotADatabase = 26, kRow = 100,    kDone = 101,
 };
 
 /// Some exports pass SQLite's code on as their result.

@@ -7,15 +7,40 @@
 #include "core/connection.h"
 
 namespace kesta {
+namespace {
 
-SqliteCode Connection::open(const char* utf8Path) noexcept
+/// What statements of rows consist of, in their triggers and views too.
+int AllowRows(void* /*unused*/, int action, const char* /*first*/, const char* /*second*/, const char* /*database*/,
+              const char* /*trigger*/) noexcept
+{
+    switch (action) {
+        case SQLITE_SELECT:
+        case SQLITE_READ:
+        case SQLITE_FUNCTION:
+        case SQLITE_RECURSIVE:
+        case SQLITE_INSERT:
+        case SQLITE_UPDATE:
+        case SQLITE_DELETE:
+            return SQLITE_OK;
+        default:
+            return SQLITE_DENY;
+    }
+}
+
+}  // namespace
+
+SqliteCode Connection::open(const char* utf8Path, const char* vfsName) noexcept
 {
     if (utf8Path == nullptr) return SqliteCode::kCannotOpen;
-    const auto code = static_cast<SqliteCode>(sqlite3_open(utf8Path, &handle_));
+    const auto code = static_cast<SqliteCode>(
+        sqlite3_open_v2(utf8Path, &handle_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, vfsName));
     if (code == SqliteCode::kOk) {
         // Caller's texts stand in the statements: none of them may reach another file or write to the schema directly.
+        // Nor is the schema trusted, which whoever can write the file can change.
         sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+        sqlite3_db_config(handle_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
         sqlite3_limit(handle_, SQLITE_LIMIT_ATTACHED, 0);
+        sqlite3_progress_handler(handle_, kStepsPerRound, &countRound, &steps_);
     }
     return code;
 }
@@ -30,13 +55,36 @@ void Connection::close() noexcept
     handle_ = nullptr;
 }
 
+void Connection::abandon() noexcept
+{
+    kept_ = {};
+    handle_ = nullptr;
+}
+
 void Connection::waitWhenBusy() noexcept
 {
     sqlite3_busy_handler(handle_, &BusyRetry, nullptr);
 }
 
+void Connection::waitSilently(int milliseconds) noexcept
+{
+    sqlite3_busy_timeout(handle_, milliseconds);
+}
+
+void Connection::allowRowsOnly() noexcept
+{
+    sqlite3_set_authorizer(handle_, &AllowRows, nullptr);
+}
+
+int Connection::countRound(void* steps) noexcept
+{
+    auto& counted = *static_cast<Steps*>(steps);
+    return ++counted.taken > counted.most ? 1 : 0;
+}
+
 SqliteCode Connection::exec(const char* text) noexcept
 {
+    steps_.taken = 0;
     return static_cast<SqliteCode>(sqlite3_exec(handle_, text, nullptr, nullptr, nullptr));
 }
 
@@ -48,6 +96,7 @@ SqliteCode Connection::exec(const Sql& sql) noexcept
 Statement Connection::prepare(const Sql& sql) noexcept
 {
     if (sql.tooLong()) return {nullptr, SqliteCode::kTooBig, false};
+    steps_.taken = 0;
     sqlite3_stmt* statement = nullptr;
     // The terminator counts, which spares SQLite a copy of the text.
     const int bytes = static_cast<int>(sql.text().size()) + 1;
@@ -62,6 +111,7 @@ Statement Connection::prepareKept(const Sql& sql) noexcept
     for (Kept& kept : kept_) {
         if (kept.statement != nullptr && kept.length == text.size() &&
             std::memcmp(kept.text.data(), text.data(), text.size()) == 0) {
+            steps_.taken = 0;
             return {kept.statement, SqliteCode::kOk, true};
         }
     }

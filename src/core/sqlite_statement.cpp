@@ -44,6 +44,7 @@ Statement::~Statement()
 
 bool Statement::step() noexcept
 {
+    if (!bound_) return false;
     last_ = static_cast<SqliteCode>(sqlite3_step(statement_));
     return last_ == SqliteCode::kRow;
 }
@@ -105,13 +106,13 @@ void Statement::bindBlob(int parameter, const void* data, int32_t length) noexce
 {
     // SQLite takes no data for NULL; data of no length is an empty blob.
     const void* start = data == nullptr && length == 0 ? "" : data;
-    sqlite3_bind_blob(statement_, parameter, start, length, SQLITE_STATIC);
+    noteBinding(sqlite3_bind_blob(statement_, parameter, start, length, SQLITE_STATIC));
 }
 
 void Statement::bindText(int parameter, const DbChar* text)
 {
     if (text == nullptr) {
-        sqlite3_bind_null(statement_, parameter);
+        noteBinding(sqlite3_bind_null(statement_, parameter));
         return;
     }
     const size_t length = LengthOf(text);
@@ -119,8 +120,15 @@ void Statement::bindText(int parameter, const DbChar* text)
     // SQLite copies here, for the repaired text does not outlive the call. Otherwise it would mistake a lone surrogate
     // and its neighbour for a pair.
     const std::basic_string<DbChar> sound = ReplaceLoneSurrogates({text, length});
-    sqlite3_bind_text16(statement_, parameter, sound.data(), static_cast<int>(length * sizeof(DbChar)),
-                        SQLITE_TRANSIENT);
+    noteBinding(sqlite3_bind_text16(statement_, parameter, sound.data(), static_cast<int>(length * sizeof(DbChar)),
+                                    SQLITE_TRANSIENT));
+}
+
+void Statement::noteBinding(int code) noexcept
+{
+    if (code == SQLITE_OK || !bound_) return;
+    bound_ = false;
+    last_ = static_cast<SqliteCode>(code);
 }
 
 }  // namespace kesta

@@ -216,6 +216,34 @@ TEST_F(FailingMemory, WritingExports_AtEveryAllocation_FailWithOne)
     atEveryAllocation(results, [&] { return DB_MUSIC_SetDeletedFolder(imei, folder); });
 }
 
+TEST_F(FailingMemory, PimData_AtEveryAllocation_IsStoredWholeOrNotAtAll)
+{
+    Text pimId("item");
+    std::vector<uint8_t> before(500, 'o');
+    std::vector<uint8_t> after(700, 'n');
+    const PimItemRecord item = {pimId.get(), 1, static_cast<int32_t>(after.size()), after.data()};
+    const std::string reset =
+        "INSERT OR REPLACE INTO tPimItem VALUES (1, -2, 'item', CAST(printf('%.500c', 'o') AS BLOB), 1)";
+    sql.exec(reset);
+    const std::string stored = "SELECT length([Data]) || substr([Data], 1, 1) FROM tPimItem";
+    int32_t last = 0;
+    atEveryAllocation(
+        {0, 1}, [&] { return last = DB_PIM_UpdateItem(&item); },
+        [&] {
+            EXPECT_EQ(sql.text(stored), last == 0 ? "700n" : "500o");
+            sql.exec(reset);
+        });
+    Text text("a profile of more than one character");
+    DbChar* profile = text.get();
+    atEveryAllocation(
+        {0, 1}, [&] { return last = DB_PIM_SetProfile(&profile); },
+        [&] {
+            EXPECT_EQ(sql.text("SELECT [Profile] FROM tPimInfo"),
+                      last == 0 ? "a profile of more than one character" : "");
+            sql.exec("DELETE FROM tPimInfo");
+        });
+}
+
 TEST_F(FailingMemory, ReadingExports_AtEveryAllocation_GiveTheirPresets)
 {
     int32_t type = 0;

@@ -157,6 +157,62 @@ TEST_F(ConnectionParts, NewText_Numbers_AreReadAsTheirTexts)
     EXPECT_EQ(readText("x'4142'"), "AB");
 }
 
+TEST_F(ConnectionParts, BindBlob_LongerThanSqliteTakes_FailsTheStep)
+{
+    const uint8_t byte = 0;
+    Statement insert = db().prepare(NarrowSql("INSERT INTO tPimItem ([pfID], [PimID], [Data]) VALUES (1, 'x', ?)"));
+    insert.bindBlob(1, &byte, 2'000'000'000);
+    EXPECT_FALSE(insert.step());
+    EXPECT_EQ(insert.last(), SqliteCode::kTooBig);
+    EXPECT_FALSE(insert.step());
+    EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tPimItem"), "0");
+}
+
+TEST_F(ConnectionParts, Bind_NoSuchParameter_FailsTheStepThoughALaterOneIsBound)
+{
+    Statement insert = db().prepare(NarrowSql("INSERT INTO tPimInfo VALUES (?)"));
+    insert.bindText(2, W("x"));
+    insert.bindText(1, W("y"));
+    EXPECT_FALSE(insert.step());
+    EXPECT_EQ(static_cast<int>(insert.last()), 25);
+    EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tPimInfo"), "0");
+}
+
+/// A view that never ends is part of a schema that somebody else has written.
+TEST_F(ConnectionParts, EndlessStatement_IsInterrupted)
+{
+    sql.exec(
+        "CREATE VIEW endless AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i FROM n; "
+        "CREATE TABLE t(a); CREATE TRIGGER forever AFTER INSERT ON t BEGIN DELETE FROM t WHERE a IN endless; END");
+    db().limitRounds(3);
+    EXPECT_EQ(db().exec(NarrowSql("SELECT COUNT(*) FROM endless")), SqliteCode::kInterrupted);
+    EXPECT_EQ(db().exec(NarrowSql("INSERT INTO t VALUES (0)")), SqliteCode::kInterrupted);
+    EXPECT_EQ(sql.text("SELECT COUNT(*) FROM t"), "0");
+    for (int round = 0; round < 2; ++round) {
+        Statement rows = db().prepareKept(NarrowSql("SELECT COUNT(*) FROM endless"));
+        EXPECT_FALSE(rows.step());
+        EXPECT_EQ(rows.last(), SqliteCode::kInterrupted);
+    }
+}
+
+/// Each statement has all of its steps, however often it runs.
+TEST_F(ConnectionParts, ManyStatements_AreNotInterrupted)
+{
+    constexpr int kTimes = 12;
+    db().limitRounds(6);
+    const auto count = [] {
+        return NarrowSql(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000) SELECT COUNT(*) FROM n");
+    };
+    for (int i = 0; i < kTimes; ++i) {
+        EXPECT_EQ(db().exec(count()), SqliteCode::kOk);
+        EXPECT_EQ(db().execKept(count()), SqliteCode::kOk);
+        Statement rows = db().prepare(count());
+        ASSERT_TRUE(rows.step());
+        EXPECT_EQ(rows.int32(0), 10000);
+    }
+}
+
 TEST_F(ConnectionParts, PrepareKept_SameTextAgain_GivesTheRowsOfNow)
 {
     const auto phone = [] {
