@@ -34,7 +34,9 @@ struct Viewer {
 };
 
 Viewer viewer;
-thread_local int64_t delayedMs = 0;
+// In the room that threads are born with: a first use must not ask for memory, for without any the C library ends the
+// process.
+[[gnu::tls_model("initial-exec")]] thread_local int64_t delayedMs = 0;
 
 int64_t CoarseMs() noexcept
 {
