@@ -3,6 +3,7 @@
 #include <cassert>
 #include <new>
 
+#include "core/database_file.h"
 #include "core/trace.h"
 #include "platform/services.h"
 
@@ -21,6 +22,12 @@ union Eternal {
 
 constinit Eternal eternal;
 
+/// Where a lock file may lie: in the user's own folder, beside the database.
+platform::Path DatabaseFolder()
+{
+    return DatabasePath().file().parent_path();
+}
+
 }  // namespace
 
 Module& TheModule() noexcept
@@ -31,7 +38,7 @@ Module& TheModule() noexcept
 void Module::start() noexcept
 {
     platform::OpenTrace();
-    DbAccessLock.open("NORVIK_KESTA_DB_ACCESS_MUTEX");
+    DbAccessLock.open("NORVIK_KESTA_DB_ACCESS_MUTEX", &DatabaseFolder);
     if (EscapeBuffer_ == nullptr) {
         EscapeBuffer_.reset(new (std::nothrow) DbChar[kEscapeBufferUnits]);
         if (EscapeBuffer_ != nullptr) TraceNew(EscapeBuffer_.get());

@@ -15,9 +15,14 @@ using std::chrono::seconds;
 
 constexpr const char* kName = "KESTA_TEST_MUTEX";
 
+Path NoFolder()
+{
+    return {};
+}
+
 class NamedMutexTest : public ::testing::Test {
 protected:
-    void SetUp() override { mutex.open(kName); }
+    void SetUp() override { mutex.open(kName, &NoFolder); }
     void TearDown() override { mutex.close(); }
 
     /// Takes the mutex in another thread and lets go of it again.
@@ -66,7 +71,7 @@ TEST_F(NamedMutexTest, TwoThreads_ExcludeEachOther)
 TEST_F(NamedMutexTest, OpenedTwice_IsOneMutex)
 {
     NamedMutex again;
-    again.open(kName);
+    again.open(kName, &NoFolder);
     mutex.lock();
     std::future<void> other = useInAThread(again);
     EXPECT_EQ(other.wait_for(milliseconds(200)), future_status::timeout);
@@ -78,7 +83,7 @@ TEST_F(NamedMutexTest, OpenedTwice_IsOneMutex)
 TEST_F(NamedMutexTest, OtherName_IsAnotherMutex)
 {
     NamedMutex other;
-    other.open("KESTA_TEST_OTHER_MUTEX");
+    other.open("KESTA_TEST_OTHER_MUTEX", &NoFolder);
     mutex.lock();
     std::future<void> done = useInAThread(other);
     EXPECT_EQ(done.wait_for(seconds(30)), future_status::ready);
@@ -99,7 +104,7 @@ TEST_F(NamedMutexTest, ClosedAndOpenedAgain_Works)
 {
     mutex.close();
     mutex.close();
-    mutex.open(kName);
+    mutex.open(kName, &NoFolder);
     std::future<void> done = useInAThread(mutex);
     EXPECT_EQ(done.wait_for(seconds(30)), future_status::ready);
 }

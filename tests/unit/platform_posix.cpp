@@ -1,22 +1,19 @@
-// What is decided here alone: where data lies, who may see it, which dates are read, where a mutex lives.
+// What is decided here alone: where data lies, who may see it, which dates are read.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <cstdlib>
-#include <future>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/calendar.h"
 #include "platform/files.h"
-#include "platform/named_mutex.h"
 #include "platform/services.h"
 #include "support/data_folder.h"
 #include "support/text.h"
@@ -152,66 +149,6 @@ TEST(PosixDates, LocaleDate_OfALocaleThatIsNotInstalled_IsAsInC)
     std::array<DbChar, 64> text = {};
     EXPECT_EQ(LocaleDate(45351.5, text.data(), text.size()), 17u);
     EXPECT_EQ(test::Utf8(text.data()), "02/29/24 12:00:00");
-}
-
-/// A name of its own for each test, and nothing left of it afterwards.
-class PosixMutex : public ::testing::Test {
-protected:
-    void SetUp() override { shm_unlink(object.c_str()); }
-    void TearDown() override
-    {
-        mutex.close();
-        shm_unlink(object.c_str());
-    }
-
-    void expectExclusion()
-    {
-        mutex.lock();
-        std::future<void> other = std::async(std::launch::async, [this] {
-            mutex.lock();
-            mutex.unlock();
-        });
-        EXPECT_EQ(other.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
-        mutex.unlock();
-        EXPECT_EQ(other.wait_for(std::chrono::seconds(30)), std::future_status::ready);
-    }
-
-    const std::string name = "KESTA_TEST_MUTEX_" + std::to_string(getpid());
-    const std::string object = "/" + name + "." + std::to_string(geteuid());
-    NamedMutex mutex;
-};
-
-TEST_F(PosixMutex, Object_IsPrivateToTheUser)
-{
-    mutex.open(name.c_str());
-    EXPECT_EQ(ModeOf("/dev/shm" + object), 0600u);
-}
-
-TEST_F(PosixMutex, EmptyObjectLeftByADeadMaker_IsSetUp)
-{
-    const int file = shm_open(object.c_str(), O_RDWR | O_CREAT, 0600);
-    ASSERT_GE(file, 0);
-    close(file);
-    mutex.open(name.c_str());
-    expectExclusion();
-}
-
-TEST_F(PosixMutex, ObjectOfAnotherUser_IsNotTrusted)
-{
-    if (geteuid() != 0) GTEST_SKIP() << "only root can give a file away";
-    const int file = shm_open(object.c_str(), O_RDWR | O_CREAT, 0666);
-    ASSERT_GE(file, 0);
-    ASSERT_EQ(fchown(file, 65534, 65534), 0);
-    close(file);
-    mutex.open(name.c_str());
-    expectExclusion();
-    EXPECT_EQ(fs::file_size("/dev/shm" + object), 0u);
-}
-
-TEST_F(PosixMutex, NoSharedMemoryToBeHad_StillSerialisesThisProcess)
-{
-    mutex.open("no/such/name");
-    expectExclusion();
 }
 
 TEST(PosixTrace, NoViewer_NobodyReads)

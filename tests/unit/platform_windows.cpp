@@ -45,7 +45,7 @@ TEST(NamedMutexOnWindows, NameTakenBySomethingElse_StillSerialisesThisProcess)
     const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, L"KESTA_TEST_TAKEN_NAME");
     ASSERT_NE(event, nullptr);
     NamedMutex mutex;
-    mutex.open("KESTA_TEST_TAKEN_NAME");
+    mutex.open("KESTA_TEST_TAKEN_NAME", [] { return Path(); });
     mutex.lock();
     std::future<void> other = std::async(std::launch::async, [&] {
         mutex.lock();

@@ -1,116 +1,185 @@
+// The mutex lies in shared memory. A process that cannot use it says so there, and from then on everybody takes a lock
+// file as well; a process that cannot even reach the memory takes the lock file alone.
 #include "platform/named_mutex.h"
 
-#include <fcntl.h>
 #include <pthread.h>
-#include <sys/file.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
 #include <new>
+
+#include "platform/posix/lock_file.h"
+#include "platform/posix/shared_mutex.h"
 
 namespace kesta::platform {
 namespace {
 
-/// What lies in the shared memory object. A zeroed object, or one whose maker died halfway, has no mark.
-struct SharedMutex {
-    uint64_t mark;
-    pthread_mutex_t mutex;
+/// This process's side of a named mutex.
+class Mutex {
+public:
+    void open(const char* name, Path (*lockFolder)()) noexcept;
+    void close() noexcept;
+    void lock() noexcept;
+    void unlock() noexcept;
+    void startAnewInChild() noexcept;
+
+private:
+    pthread_mutex_t& mutex() { return usesShared_ ? shared_->mutex : threads_; }
+    void takeFile() noexcept;
+    void waitForTheOthers() noexcept;
+
+    SharedMutex* shared_ = nullptr;
+    bool usesShared_ = false;       // whether the mutex in there is for this process
+    bool firstTime_ = false;        // those who use it may still be in a call that began without the lock file
+    pthread_mutex_t threads_ = {};  // excludes this process's threads where the other one is not used
+    LockFile file_;
+    char name_[64] = {};
+    Path (*lockFolder_)() = nullptr;
+
+    // Under the mutex.
+    int depth_ = 0;
+    bool fileTaken_ = false;
 };
 
-constexpr uint64_t kMark = 0x4b45535441440000 + sizeof(SharedMutex);
-
-bool Initialise(pthread_mutex_t& mutex, int shared) noexcept
+void Mutex::open(const char* name, Path (*lockFolder)()) noexcept
 {
-    pthread_mutexattr_t attributes;
-    if (pthread_mutexattr_init(&attributes) != 0) return false;
-    const bool done = pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE) == 0 &&
-                      pthread_mutexattr_setpshared(&attributes, shared) == 0 &&
-                      pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST) == 0 &&
-                      pthread_mutex_init(&mutex, &attributes) == 0;
-    pthread_mutexattr_destroy(&attributes);
-    return done;
+    std::snprintf(name_, sizeof name_, "%s", name);
+    lockFolder_ = lockFolder;
+    (void)InitialiseMutex(threads_, PTHREAD_PROCESS_PRIVATE);
+    shared_ = AttachSegment(SegmentKey(name));
+    if (shared_ == nullptr) {
+        return;
+    }
+    usesShared_ = JoinMutex(*shared_);
+    if (!usesShared_) {
+        shared_->needsLockFile.store(1);
+        firstTime_ = true;
+    }
 }
 
-bool IsOwn(int file, off_t& size) noexcept
+void Mutex::close() noexcept
 {
-    struct stat status = {};
-    // Somebody else's object of this name could be taken away or changed under us.
-    if (fstat(file, &status) != 0 || status.st_uid != geteuid()) return false;
-    size = status.st_size;
-    return true;
+    file_.close();
+    if (shared_ != nullptr) {
+        DetachSegment(shared_);
+    }
+    shared_ = nullptr;
+    pthread_mutex_destroy(&threads_);
 }
 
-/// Maps the object behind `file`, of which the caller holds the lock, and sets its mutex up when nobody has yet.
-SharedMutex* MapShared(int file) noexcept
+void Mutex::takeFile() noexcept
 {
-    off_t size = 0;
-    if (!IsOwn(file, size)) return nullptr;
-    if (size < static_cast<off_t>(sizeof(SharedMutex)) && ftruncate(file, sizeof(SharedMutex)) != 0) return nullptr;
-    void* memory = mmap(nullptr, sizeof(SharedMutex), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-    if (memory == MAP_FAILED) return nullptr;
-    auto* shared = static_cast<SharedMutex*>(memory);
-    if (shared->mark != kMark) {
-        if (!Initialise(shared->mutex, PTHREAD_PROCESS_SHARED)) {
-            munmap(memory, sizeof(SharedMutex));
-            return nullptr;
+    fileTaken_ = file_.open(name_, lockFolder_);
+    if (fileTaken_) {
+        file_.lock();
+    }
+}
+
+void Mutex::waitForTheOthers() noexcept
+{
+    constexpr int kPatienceMs = 15'000;  // longer than a statement waits for the database
+    for (int waited = 0; shared_->heldAlone.load() != 0 && waited < kPatienceMs; ++waited) {
+        SleepMs(1);
+    }
+}
+
+void Mutex::lock() noexcept
+{
+    if (pthread_mutex_lock(&mutex()) == EOWNERDEAD) {
+        // The holder died in the middle of a call. The database heals itself by its journal: nothing is left to repair.
+        pthread_mutex_consistent(&mutex());
+        depth_ = 0;
+    }
+    if (depth_++ > 0 || fileTaken_) {
+        return;
+    }
+    if (!usesShared_) {
+        takeFile();
+        if (firstTime_) {
+            waitForTheOthers();
+            firstTime_ = false;
         }
-        shared->mark = kMark;
+        return;
     }
-    return shared;
+    // First said, then asked: of two who do so by turns at least one sees the other.
+    shared_->heldAlone.store(1);
+    if (shared_->needsLockFile.load() != 0) {
+        shared_->heldAlone.store(0);
+        takeFile();
+    }
 }
 
-SharedMutex* OpenShared(const char* name) noexcept
+void Mutex::unlock() noexcept
 {
-    char object[128];
-    std::snprintf(object, sizeof object, "/%s.%u", name, static_cast<unsigned>(geteuid()));
-    const int file = shm_open(object, O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (file < 0) return nullptr;
-    SharedMutex* shared = nullptr;
-    if (flock(file, LOCK_EX) == 0) {
-        shared = MapShared(file);
-        flock(file, LOCK_UN);  // closing alone would not: the mapping keeps the file open
+    if (--depth_ == 0) {
+        if (fileTaken_) {
+            file_.unlock();
+            fileTaken_ = false;
+        } else if (usesShared_) {
+            shared_->heldAlone.store(0);
+        }
     }
-    close(file);
-    return shared;
+    pthread_mutex_unlock(&mutex());
 }
 
-/// Stands in where there is no shared memory.
-SharedMutex processMutex;
+void Mutex::startAnewInChild() noexcept
+{
+    (void)InitialiseMutex(threads_, PTHREAD_PROCESS_PRIVATE);
+    file_.openAnew();
+    depth_ = 0;
+    fileTaken_ = false;
+}
+
+/// Where there is no memory for one, and then shared by all.
+constinit Mutex standIn;
+
+Mutex* Of(void* handle)
+{
+    return static_cast<Mutex*>(handle);
+}
 
 }  // namespace
 
-void NamedMutex::open(const char* name) noexcept
+void NamedMutex::open(const char* name, Path (*lockFolder)()) noexcept
 {
-    SharedMutex* shared = OpenShared(name);
-    if (shared == nullptr) {
-        if (processMutex.mark != kMark && !Initialise(processMutex.mutex, PTHREAD_PROCESS_PRIVATE)) return;
-        processMutex.mark = kMark;
-        shared = &processMutex;
+    auto* mutex = new (std::nothrow) Mutex;
+    if (mutex == nullptr) {
+        mutex = &standIn;
     }
-    handle_ = shared;
+    mutex->open(name, lockFolder);
+    handle_ = mutex;
 }
 
 void NamedMutex::close() noexcept
 {
-    if (handle_ != nullptr && handle_ != &processMutex) munmap(handle_, sizeof(SharedMutex));
+    if (handle_ != nullptr) {
+        Of(handle_)->close();
+        if (handle_ != &standIn) {
+            delete Of(handle_);
+        }
+    }
     handle_ = nullptr;
 }
 
 void NamedMutex::lock() noexcept
 {
-    if (handle_ == nullptr) return;
-    pthread_mutex_t* mutex = &static_cast<SharedMutex*>(handle_)->mutex;
-    // The holder died in the middle of a call. The database heals itself by its journal, so nothing is left to repair.
-    if (pthread_mutex_lock(mutex) == EOWNERDEAD) pthread_mutex_consistent(mutex);
+    if (handle_ != nullptr) {
+        Of(handle_)->lock();
+    }
 }
 
 void NamedMutex::unlock() noexcept
 {
-    if (handle_ != nullptr) pthread_mutex_unlock(&static_cast<SharedMutex*>(handle_)->mutex);
+    if (handle_ != nullptr) {
+        Of(handle_)->unlock();
+    }
+}
+
+void NamedMutex::startAnewInChild() noexcept
+{
+    if (handle_ != nullptr) {
+        Of(handle_)->startAnewInChild();
+    }
 }
 
 }  // namespace kesta::platform

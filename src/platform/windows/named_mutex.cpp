@@ -6,7 +6,7 @@
 
 namespace kesta::platform {
 
-void NamedMutex::open(const char* name) noexcept
+void NamedMutex::open(const char* name, Path (* /*lockFolder*/)()) noexcept
 {
     wchar_t wide[MAX_PATH];
     size_t length = 0;
@@ -33,6 +33,11 @@ void NamedMutex::lock() noexcept
 void NamedMutex::unlock() noexcept
 {
     if (handle_ != nullptr) ReleaseMutex(handle_);
+}
+
+void NamedMutex::startAnewInChild() noexcept
+{
+    // No process is forked here.
 }
 
 }  // namespace kesta::platform
