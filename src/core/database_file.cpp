@@ -1,14 +1,97 @@
 #include "core/database_file.h"
 
+#include <string_view>
+#include <system_error>
+#include <utility>
+
 #include "core/connection.h"
+#include "core/replaced_files.h"
+#include "core/schema.h"
+#include "core/sqlite_witness.h"
 
 namespace kesta {
 namespace {
+
+// As long as the database's own name, so that both paths fit or neither does.
+constexpr const char* kUnfinishedName = "KESTA_DB.part";
+
+/// What SQLite keeps beside a database while it is in use. The journal comes first.
+constexpr std::array<const char*, 3> kCompanions = {"-journal", "-wal", "-shm"};
+
+platform::Path With(const platform::Path& file, const char* suffix)
+{
+    platform::Path companion = file;
+    return companion += suffix;
+}
 
 /// Whether the code tells that the file itself is not what it should be, rather than that it cannot be reached.
 bool IsTheFilesFault(SqliteCode code)
 {
     return code == SqliteCode::kError || code == SqliteCode::kCorrupt || code == SqliteCode::kNotADatabase;
+}
+
+/// Whether every byte that the version depends on can be read.
+bool CanReadFileAndJournals(const platform::Path& file)
+{
+    if (!platform::CanReadAll(file)) {
+        return false;
+    }
+    for (const char* suffix : {"-journal", "-wal"}) {
+        const platform::Path companion = With(file, suffix);
+        const platform::Presence found = platform::Find(companion);
+        if (found != platform::Presence::kAbsent && !platform::CanReadAll(companion)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Where the path leads to: a link may point to a file that is yet to be made.
+platform::Path FollowLinks(platform::Path file)
+{
+    constexpr int kMostLinks = 40;
+    for (int i = 0; i < kMostLinks; ++i) {
+        std::error_code noLink;
+        const platform::Path target = std::filesystem::read_symlink(file, noLink);
+        if (noLink) {
+            break;
+        }
+        file = target.is_absolute() ? target : file.parent_path() / target;
+    }
+    return file;
+}
+
+bool ClearName(const platform::Path& file)
+{
+    return platform::Find(file) == platform::Presence::kAbsent || platform::RemoveFile(file);
+}
+
+/// Removes what an earlier file has left. SQLite would take a journal beside a finished database for its own.
+bool ClearCompanions(const platform::Path& file)
+{
+    for (const char* suffix : kCompanions) {
+        if (!ClearName(With(file, suffix))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// An unfinished one that failed is moved with its journal, which comes first: without it the file is not what it was.
+platform::Naming MoveDatabase(const platform::Path& from, const platform::Path& to)
+{
+    const platform::Path journal = With(from, kCompanions[0]);
+    if (platform::Find(journal) != platform::Presence::kAbsent &&
+        platform::MoveIntoPlace(journal, With(to, kCompanions[0])) != platform::Naming::kDone) {
+        return platform::Naming::kFailed;
+    }
+    return platform::MoveIntoPlace(from, to);
+}
+
+ResultCode CreateInPlace(const DatabasePath& path)
+{
+    platform::CreatePrivateFile(path.file());
+    return DB_INTERNAL_Create(path.utf8());
 }
 
 }  // namespace
@@ -26,15 +109,68 @@ DatabasePath::DatabasePath()
     fits_ = platform::PathToUtf8(file_, utf8_.data(), kUtf8Bytes);
 }
 
-std::optional<int32_t> ReadDatabaseVersion(const char* utf8Path)
+DatabasePath::DatabasePath(platform::Path file) : file_(std::move(file))
 {
+    fits_ = platform::PathToUtf8(file_, utf8_.data(), kUtf8Bytes);
+}
+
+std::optional<int32_t> ReadDatabaseVersion(const DatabasePath& path)
+{
+    // A program that has just died may hold the file until the system has cleared it away.
+    constexpr int kPatienceMs = 2000;
     constexpr int32_t kNone = -1;
-    Connection db;
-    if (db.open(utf8Path) != SqliteCode::kOk) return std::nullopt;
-    Statement rows = db.prepare(NarrowSql("SELECT [Version] FROM tVersion"));
-    if (rows.prepared() && rows.step()) return rows.int32(0);
-    if (rows.last() == SqliteCode::kDone || IsTheFilesFault(rows.last())) return kNone;
-    return std::nullopt;
+    const Witness witness;
+    int32_t version = kNone;
+    {
+        Connection db;
+        if (db.open(path.utf8(), witness.vfsName()) != SqliteCode::kOk) return std::nullopt;
+        db.waitSilently(kPatienceMs);
+        Statement rows = db.prepare(NarrowSql("SELECT [Version] FROM tVersion"));
+        if (rows.prepared() && rows.step()) {
+            version = rows.int32(0);
+        } else if (rows.last() != SqliteCode::kDone && !IsTheFilesFault(rows.last())) {
+            return std::nullopt;
+        }
+    }
+    if (version == kDatabaseVersion) return version;
+    // What follows costs the file: it must not rest on a read that failed.
+    if (witness.sawFailure() || !CanReadFileAndJournals(path.file())) return std::nullopt;
+    return version;
+}
+
+bool ReplaceFile(const DatabasePath& path)
+{
+    ReplacedFiles replaced(path.file());
+    replaced.keep();
+    if (!platform::RemoveFile(path.file())) {
+        replaced.undo();
+        return false;
+    }
+    replaced.prune();
+    return true;
+}
+
+ResultCode CreateDatabase(const DatabasePath& path)
+{
+    if (path.utf8() == nullptr || path.file().empty()) return DB_INTERNAL_Create(path.utf8());
+    const platform::Path target = FollowLinks(path.file());
+    const DatabasePath unfinished(target.parent_path() / kUnfinishedName);
+    if (unfinished.utf8() == nullptr || !ClearName(unfinished.file()) || !ClearCompanions(unfinished.file()) ||
+        !ClearCompanions(target)) {
+        return CreateInPlace(path);
+    }
+    platform::FlushFolder(target.parent_path());
+    platform::CreatePrivateFile(unfinished.file());
+    const ResultCode created = DB_INTERNAL_Create(unfinished.utf8());
+    const platform::Naming moved = MoveDatabase(unfinished.file(), target);
+    if (moved == platform::Naming::kDone) {
+        platform::FlushFolder(target.parent_path());
+        return created;
+    }
+    (void)platform::RemoveFile(unfinished.file());
+    if (moved == platform::Naming::kNameTaken) return ResultCode::kFileInTheWay;
+    // A file system without renaming.
+    return created == ResultCode::kSuccess ? CreateInPlace(path) : created;
 }
 
 }  // namespace kesta

@@ -1,19 +1,21 @@
-// Where the database lies, and what the file there holds.
+// The database's file: where it lies, what it holds, how it is made and how one of another version is put aside.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <optional>
 
+#include "core/results.h"
 #include "platform/files.h"
 
 namespace kesta {
 
-/// The database's full path, in the system's form and in the only one that SQLite sees.
+/// A file's full path, in the system's form and in the only one that SQLite sees.
 class DatabasePath {
 public:
-    /// The folders are created if missing. Without an application-data folder the path is empty.
+    /// The database's. Its folders are created if missing; without an application-data folder the path is empty.
     DatabasePath();
+    explicit DatabasePath(platform::Path file);
 
     [[nodiscard]] const platform::Path& file() const { return file_; }
     /// Null when the path is longer than SQLite could be given.
@@ -27,8 +29,17 @@ private:
     bool fits_ = false;
 };
 
-/// The version of the file; -1 when it holds none or is no sound database. Nothing when it cannot be told for now,
-/// because the file is locked or cannot be read: it may well be sound.
-std::optional<int32_t> ReadDatabaseVersion(const char* utf8Path);
+/// The version of the file; -1 when it holds none or is no valid database, which is said only after every byte of it
+/// could be read. None when it cannot be told for now, because the file is locked or the system failed to read it.
+std::optional<int32_t> ReadDatabaseVersion(const DatabasePath& path);
+
+/// Removes the file after giving it a second name beside it, "....replaced-YYYYMMDD-HHMMSS", where that can be done;
+/// the three newest of these stay. False when it cannot be removed.
+bool ReplaceFile(const DatabasePath& path);
+
+/// Builds a fresh database at the path, where no file is. It is built under another name and renamed when it is
+/// complete, so that whoever ends halfway leaves no incomplete one. The result is that of DB_INTERNAL_Create;
+/// kFileInTheWay when a file has appeared meanwhile.
+ResultCode CreateDatabase(const DatabasePath& path);
 
 }  // namespace kesta

@@ -14,7 +14,20 @@ bool ApplicationDataFolder(Path& folder);
 /// Creates one folder, private to the user where the system knows that; a failure shows when the folder is used.
 void CreateFolder(const Path& folder) noexcept;
 
-bool Exists(const Path& file) noexcept;
+enum class Presence {
+    kAbsent,
+    kPresent,
+    kOutOfReach,  // in a folder that this user may not look into
+    kUnknown,     // the system failed to look
+};
+
+/// Whether there is something under this name, links followed.
+Presence Find(const Path& file) noexcept;
+
+inline bool Exists(const Path& file) noexcept
+{
+    return Find(file) == Presence::kPresent;
+}
 
 /// Whether the current user may write to the file, which exists.
 bool IsWritable(const Path& file) noexcept;
@@ -23,5 +36,24 @@ bool IsWritable(const Path& file) noexcept;
 bool PathToUtf8(const Path& path, char* out, size_t room) noexcept;
 
 bool RemoveFile(const Path& file) noexcept;
+
+/// Whether it is a file that can be read from its first to its last byte.
+bool CanReadAll(const Path& file) noexcept;
+
+/// Creates an empty file that is private to the user where the system knows that; one that is there already stays as
+/// it is. A failure shows when the file is used.
+void CreatePrivateFile(const Path& file) noexcept;
+
+/// What lies under a new name already is never replaced.
+enum class Naming { kDone, kNameTaken, kFailed };
+
+/// Gives the file a second name: a link where the file system has them, else a copy.
+Naming GiveSecondName(const Path& file, const Path& second) noexcept;
+
+/// Renames a file within its folder.
+Naming MoveIntoPlace(const Path& file, const Path& target) noexcept;
+
+/// Has the folder's names survive a loss of power from here on, where the system leaves that to its programs.
+void FlushFolder(const Path& folder) noexcept;
 
 }  // namespace kesta::platform

@@ -87,6 +87,89 @@ TEST_F(PosixConnection, Load_NewFolders_ArePrivateToTheUser)
     }
 }
 
+TEST_F(PosixConnection, Load_OtherVersionThatCannotBeRemoved_KeepsNoSecondName)
+{
+    {
+        const Library lib(data);
+    }
+    sql.exec("UPDATE tVersion SET [Version] = 1");
+    const OrdinaryUser user(data.runtimeFolder().parent_path());
+    ASSERT_EQ(chmod(data.databaseFolder().c_str(), 0555), 0);
+    const Library lib(data);
+    ASSERT_EQ(chmod(data.databaseFolder().c_str(), 0755), 0);
+    EXPECT_EQ(std::distance(fs::directory_iterator(data.databaseFolder()), fs::directory_iterator()), 1);
+}
+
+TEST_F(PosixConnection, Load_NewFile_IsPrivateToTheUserInAFolderThatIsNot)
+{
+    fs::create_directories(data.databaseFolder());
+    ASSERT_EQ(chmod(data.databaseFolder().c_str(), 0777), 0);
+    const mode_t before = umask(0);
+    {
+        const Library lib(data);
+    }
+    umask(before);
+    struct stat status = {};
+    ASSERT_EQ(stat(data.databasePath().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600u);
+}
+
+TEST_F(PosixConnection, Load_LinkToAFileYetToBeMade_MakesItThere)
+{
+    fs::create_directories(data.databaseFolder());
+    fs::create_directories(data.applicationData() / "elsewhere");
+    fs::create_symlink("../../../elsewhere/link", data.databasePath());
+    fs::create_symlink("file", data.applicationData() / "elsewhere/link");
+    {
+        const Library lib(data);
+        EXPECT_EQ(lib.DB_Open(), 0);
+    }
+    EXPECT_TRUE(fs::is_symlink(data.databasePath()));
+    EXPECT_TRUE(fs::is_regular_file(data.applicationData() / "elsewhere/file"));
+    EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tLibMainFolder"), "7");
+}
+
+TEST_F(PosixConnection, Load_LinkToAFileOfAnotherVersion_ReplacesTheLink)
+{
+    const fs::path elsewhere = data.applicationData() / "elsewhere";
+    {
+        const Library lib(data);
+    }
+    sql.exec("UPDATE tVersion SET [Version] = 1");
+    fs::rename(data.databasePath(), elsewhere);
+    fs::create_symlink(elsewhere, data.databasePath());
+    {
+        const Library lib(data);
+        EXPECT_EQ(lib.DB_Open(), 0);
+    }
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(data.databasePath())));
+    EXPECT_EQ(Sql(elsewhere).text("SELECT [Version] FROM tVersion"), "1");
+}
+
+TEST_F(PosixConnection, Load_SpecialFilesInThePlace_AreLeftAlone)
+{
+    fs::create_directories(data.databaseFolder());
+    ASSERT_EQ(mkfifo(data.databasePath().c_str(), 0600), 0);
+    const Library lib(data);
+    EXPECT_EQ(lib.DB_Open(), 8398);
+    EXPECT_TRUE(fs::is_fifo(data.databasePath()));
+}
+
+TEST_F(PosixConnection, Load_PipeInTheJournalsPlace_NeitherHangsNorCostsTheFile)
+{
+    {
+        const Library lib(data);
+    }
+    sql.exec("INSERT INTO tPhone ([IMEI]) VALUES ('351111')");
+    const std::string journal = data.databasePath().string() + "-journal";
+    ASSERT_EQ(mkfifo(journal.c_str(), 0600), 0);
+    const Library lib(data);
+    EXPECT_EQ(lib.DB_Open(), 8398);
+    fs::remove(journal);
+    EXPECT_EQ(lib.DB_Open(), 0);
+    EXPECT_EQ(sql.text("SELECT [IMEI] FROM tPhone"), "351111");
+}
+
 TEST_F(PosixConnection, Load_NoApplicationDataFolder_GivesAConnectionWithoutTables)
 {
     setenv("XDG_DATA_HOME", "/proc/nope", 1);

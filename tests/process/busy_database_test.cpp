@@ -42,6 +42,16 @@ protected:
     std::future<std::string> unlocked;
 };
 
+/// As a program that has just died may hold it, until the system has cleared it away.
+TEST_F(BusyDatabase, LockedForAMoment_LoadingWaitsWithoutALine)
+{
+    lib.unload();
+    lockFor(seconds(1));
+    lib.load();
+    EXPECT_THAT(trace.take(), ElementsAre("Memory NEW.", "Enter DB_Open().", "Exit DB_Open() with 0."));
+    EXPECT_EQ(lib.DB_LIB_PhoneDetected(W("351111"), W("Phone")), 1);
+}
+
 TEST_F(BusyDatabase, LockedFor15Seconds_FailsAfterAboutTenWith101TriesAndOneFailure)
 {
     lockFor(seconds(15));

@@ -60,14 +60,14 @@ TEST_F(ConnectionParts, Create_PathThatCannotBe_FailsAtPositionOne)
 
 TEST_F(ConnectionParts, ReadDatabaseVersion_EachKindOfFile_TellsWhatItIs)
 {
-    EXPECT_EQ(ReadDatabaseVersion(path.c_str()), 5005);
+    EXPECT_EQ(ReadDatabaseVersion(DatabasePath(data.databasePath())), 5005);
     sql.exec("UPDATE tVersion SET [Version] = 17");
-    EXPECT_EQ(ReadDatabaseVersion(path.c_str()), 17);
+    EXPECT_EQ(ReadDatabaseVersion(DatabasePath(data.databasePath())), 17);
     sql.exec("DELETE FROM tVersion");
-    EXPECT_EQ(ReadDatabaseVersion(path.c_str()), -1);
+    EXPECT_EQ(ReadDatabaseVersion(DatabasePath(data.databasePath())), -1);
     sql.exec("DROP TABLE tVersion");
-    EXPECT_EQ(ReadDatabaseVersion(path.c_str()), -1);
-    EXPECT_FALSE(ReadDatabaseVersion((path + "/below").c_str()).has_value());
+    EXPECT_EQ(ReadDatabaseVersion(DatabasePath(data.databasePath())), -1);
+    EXPECT_FALSE(ReadDatabaseVersion(DatabasePath(data.databasePath() / "below")).has_value());
 }
 
 TEST_F(ConnectionParts, SqlExec_SeveralStatements_RunInTheirOrder)

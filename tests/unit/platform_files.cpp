@@ -56,6 +56,62 @@ TEST_F(Files, CreateFolder_WithoutParent_LeavesNone)
     EXPECT_FALSE(fs::exists(folder / "missing"));
 }
 
+TEST_F(Files, CanReadAll_FilesOnly)
+{
+    EXPECT_FALSE(CanReadAll(file));
+    EXPECT_FALSE(CanReadAll(folder));
+    makeFile();
+    EXPECT_TRUE(CanReadAll(file));
+    fs::resize_file(file, 200'000);
+    EXPECT_TRUE(CanReadAll(file));
+}
+
+TEST_F(Files, GiveSecondName_IsTheSameContentAndReplacesNothing)
+{
+    makeFile();
+    const Path second = folder / "second";
+    EXPECT_EQ(GiveSecondName(file, second), Naming::kDone);
+    EXPECT_TRUE(fs::equivalent(file, second));
+    std::ofstream(folder / "third") << "other";
+    EXPECT_EQ(GiveSecondName(file, folder / "third"), Naming::kNameTaken);
+    EXPECT_EQ(fs::file_size(folder / "third"), 5u);
+    EXPECT_EQ(GiveSecondName(folder / "missing", folder / "fourth"), Naming::kFailed);
+    EXPECT_FALSE(fs::exists(folder / "fourth"));
+}
+
+TEST_F(Files, MoveIntoPlace_ReplacesNothing)
+{
+    makeFile();
+    const Path target = folder / "target";
+    EXPECT_EQ(MoveIntoPlace(folder / "missing", target), Naming::kFailed);
+    EXPECT_EQ(MoveIntoPlace(file, target), Naming::kDone);
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_EQ(fs::file_size(target), 7u);
+    makeFile();
+    std::ofstream(target) << "other";
+    EXPECT_EQ(MoveIntoPlace(file, target), Naming::kNameTaken);
+    EXPECT_EQ(fs::file_size(target), 5u);
+    EXPECT_TRUE(fs::exists(file));
+}
+
+TEST_F(Files, CreatePrivateFile_LeavesWhatIsThere)
+{
+    makeFile();
+    CreatePrivateFile(file);
+    EXPECT_EQ(fs::file_size(file), 7u);
+    CreatePrivateFile(folder / "missing" / "file");
+    EXPECT_FALSE(fs::exists(folder / "missing"));
+    FlushFolder(folder);
+    FlushFolder(folder / "missing");
+}
+
+TEST_F(Files, Find_TellsWhatIsThere)
+{
+    EXPECT_EQ(Find(folder / "missing" / "file"), Presence::kAbsent);
+    EXPECT_EQ(Find(folder / std::string(300, 'n')), Presence::kAbsent);
+    EXPECT_EQ(Find(folder), Presence::kPresent);
+}
+
 TEST_F(Files, Exists_FilesAndFolders)
 {
     EXPECT_TRUE(Exists(folder));

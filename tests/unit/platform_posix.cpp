@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -149,6 +150,32 @@ TEST(PosixDates, LocaleDate_OfALocaleThatIsNotInstalled_IsAsInC)
     std::array<DbChar, 64> text = {};
     EXPECT_EQ(LocaleDate(45351.5, text.data(), text.size()), 17u);
     EXPECT_EQ(test::Utf8(text.data()), "02/29/24 12:00:00");
+}
+
+TEST(PosixFiles, GiveSecondName_AcrossFileSystems_IsAPrivateCopy)
+{
+    const test::DataFolder data;
+    const fs::path there = fs::path("/var/tmp") / ("kesta-test-" + std::to_string(getpid()));
+    const fs::path file = data.applicationData() / "file";
+    {
+        std::ofstream(file) << std::string(200'000, 'x');
+    }
+    ASSERT_EQ(GiveSecondName(file, there), Naming::kDone);
+    EXPECT_EQ(fs::file_size(there), 200'000u);
+    EXPECT_EQ(ModeOf(there), 0600u);
+    EXPECT_EQ(GiveSecondName(file, there), Naming::kNameTaken);
+    EXPECT_EQ(fs::file_size(there), 200'000u);
+    fs::remove(there);
+    EXPECT_EQ(GiveSecondName(data.applicationData() / "missing", there), Naming::kFailed);
+    EXPECT_FALSE(fs::exists(there));
+}
+
+TEST(PosixFiles, Find_LinkToItself_IsNothing)
+{
+    const test::DataFolder data;
+    const fs::path link = data.applicationData() / "link";
+    fs::create_symlink(link, link);
+    EXPECT_EQ(Find(link), Presence::kAbsent);
 }
 
 TEST(PosixTrace, NoViewer_NobodyReads)

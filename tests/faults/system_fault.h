@@ -1,0 +1,16 @@
+// A system that fails to look or to read: the system calls behind both, with a fault at one of choice.
+#pragma once
+
+namespace kesta::test {
+
+enum class Fault { kOnce, kFromThenOn };
+
+class SystemFault {
+public:
+    /// The `nth` of this thread's calls that look at or read a file (the first is 0) fails with this error.
+    static void arm(int nth, int error, Fault fault) noexcept;
+    /// Ends the fault; whether a call has failed since arm().
+    static bool disarm() noexcept;
+};
+
+}  // namespace kesta::test
