@@ -22,9 +22,9 @@ extern "C" int32_t DB_BACKUP_AddBackup(const DbChar* imei, BackupRecord* backup)
                 int32_t id = kNoBackup;
                 ~IdWriter() { record.bcID = id; }
             } writer{*backup};
-            Connection& db = TheModule().DbConnection;
-            if (!db.isOpen()) return ResultCode::kFailure;
-            return backups::AddBackup(db, Trail(kSelf.name), imei, *backup, writer.id);
+            Connection* db = TheModule().openConnection();
+            if (db == nullptr) return ResultCode::kFailure;
+            return backups::AddBackup(*db, Trail(kSelf.name), imei, *backup, writer.id);
         });
 }
 

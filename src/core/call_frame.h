@@ -2,8 +2,8 @@
 // and the engine routines that take the lock say only what is their own.
 //
 //   RunExport      an export with entry and, unless it says otherwise, exit line
-//   RunThinExport  an export that traces its entry before the lock is taken and hands over to a routine run by
-//   RunLocked RunLocked      such a routine: lock and catch-all, no lines of its own
+//   RunThinExport  an export that traces its entry before the lock is taken and hands over to a routine
+//   RunLocked      such a routine: lock and catch-all, no lines of its own
 #pragma once
 
 #include <cstdint>
@@ -121,8 +121,8 @@ int32_t RunExport(const Export& self, Enter&& enter, Before&& before, Body&& bod
 {
     return RunFrame(self, enter, [&]() -> Outcome {
         before();
-        Connection& db = TheModule().DbConnection;
-        return db.isOpen() ? ToOutcome(body(db)) : ToOutcome(self.preset);
+        Connection* db = TheModule().openConnection();
+        return db != nullptr ? ToOutcome(body(*db)) : ToOutcome(self.preset);
     });
 }
 
@@ -153,8 +153,8 @@ Result RunLocked(Trail trail, Result closed, Body&& body) noexcept
 {
     const ScopedAccess access;
     try {
-        Connection& db = TheModule().DbConnection;
-        return db.isOpen() ? body(db) : closed;
+        Connection* db = TheModule().openConnection();
+        return db != nullptr ? body(*db) : closed;
     } catch (...) {
         trail.exception();
         return static_cast<Result>(ResultCode::kFailure);

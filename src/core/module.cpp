@@ -4,7 +4,9 @@
 #include <new>
 
 #include "core/database_file.h"
+#include "core/open_database.h"
 #include "core/trace.h"
+#include "platform/forks.h"
 #include "platform/services.h"
 
 namespace kesta {
@@ -39,6 +41,7 @@ void Module::start() noexcept
 {
     platform::OpenTrace();
     DbAccessLock.open("NORVIK_KESTA_DB_ACCESS_MUTEX", &DatabaseFolder);
+    watchForks();
     if (EscapeBuffer_ == nullptr) {
         EscapeBuffer_.reset(new (std::nothrow) DbChar[kEscapeBufferUnits]);
         if (EscapeBuffer_ != nullptr) TraceNew(EscapeBuffer_.get());
@@ -59,6 +62,31 @@ void Module::end() noexcept
     }
     DbAccessLock.close();
     platform::CloseTrace();
+}
+
+Connection* Module::openConnection()
+{
+    if (forked_) {
+        (void)OpenDatabase(*this, Trail("DB_Open"));
+        forked_ = !DbConnection.isOpen();
+    }
+    return DbConnection.isOpen() ? &DbConnection : nullptr;
+}
+
+/// A fork waits until no call is in the middle of anything: the child would inherit half a transaction and undo it.
+void Module::watchForks() noexcept
+{
+    platform::WatchForks([] { TheModule().DbAccessLock.lock(); }, [] { TheModule().DbAccessLock.unlock(); },
+                         [] { TheModule().startAnewInChild(); });
+}
+
+/// The handle stays the parent's: closing it would let go of locks and touch files in the parent's name.
+void Module::startAnewInChild() noexcept
+{
+    DbAccessLock.startAnewInChild();
+    callsInside_.store(0, std::memory_order_relaxed);  // their threads are in the parent
+    forked_ = forked_ || DbConnection.isOpen();
+    DbConnection.abandon();
 }
 
 char* Module::takeStatementBuffer() noexcept

@@ -21,6 +21,9 @@ public:
     platform::NamedMutex DbAccessLock;  // serialises every export of all threads and processes
     Connection DbConnection;            // open from load to unload, or null
 
+    /// The open connection, null when there is none; under the lock. A forked process opens its own here.
+    Connection* openConnection();
+
     /// Whether the connection is open, asked without the lock.
     [[nodiscard]] bool isOpen() const { return open_.load(std::memory_order_acquire); }
     void noteOpen() { open_.store(DbConnection.isOpen(), std::memory_order_release); }
@@ -33,8 +36,12 @@ public:
     void leaveCall() { callsInside_.fetch_sub(1, std::memory_order_release); }
 
 private:
+    void watchForks() noexcept;
+    void startAnewInChild() noexcept;
+
     std::unique_ptr<DbChar[]> EscapeBuffer_;
     bool bufferTaken_ = false;
+    bool forked_ = false;  // the connection was another process's and has to be opened
     std::atomic<bool> open_ = false;
     std::atomic<int> callsInside_ = 0;
 };

@@ -5,11 +5,11 @@
 
 namespace kesta {
 
-ResultCode SqlExec(const Sql& sql) noexcept
+ResultCode SqlExec(const Sql& sql)
 {
-    Connection& db = TheModule().DbConnection;
-    if (!db.isOpen()) return ResultCode::kFailure;
-    if (db.exec(sql) == SqliteCode::kOk) return ResultCode::kSuccess;
+    Connection* db = TheModule().openConnection();
+    if (db == nullptr) return ResultCode::kFailure;
+    if (db->exec(sql) == SqliteCode::kOk) return ResultCode::kSuccess;
     Trail("SqlExec").error(1);
     return ResultCode::kFailure;
 }

@@ -8,6 +8,6 @@ namespace kesta {
 
 /// Runs the statement, or several, on the module's connection: failure also when it is not open. SQLite's own code is
 /// not passed on.
-ResultCode SqlExec(const Sql& sql) noexcept;
+ResultCode SqlExec(const Sql& sql);
 
 }  // namespace kesta

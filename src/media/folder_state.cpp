@@ -94,9 +94,9 @@ ResultCode DB_INTERNAL_SetFolderState(const DbChar* imei, Name folderTable, cons
                                       int32_t value)
 {
     const ScopedAccess access;
-    Connection& db = TheModule().DbConnection;
-    if (!db.isOpen()) return ResultCode::kFailure;
-    return DB_INTNOLOCK_SetFolderState(db, imei, folderTable, path, column, value);
+    Connection* db = TheModule().openConnection();
+    if (db == nullptr) return ResultCode::kFailure;
+    return DB_INTNOLOCK_SetFolderState(*db, imei, folderTable, path, column, value);
 }
 
 ResultCode DeleteFilesOf(Connection& db, Trail trail, int32_t phoneId, Name folderTable, const DbChar* path)
