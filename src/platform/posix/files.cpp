@@ -24,15 +24,6 @@ bool IsFolder(const Path& path) noexcept
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// Creates the folder and every missing one above it, each private to the user.
-bool CreateFolders(const Path& folder)
-{
-    if (IsFolder(folder)) return true;
-    if (folder.has_relative_path() && !CreateFolders(folder.parent_path())) return false;
-    (void)mkdir(folder.c_str(), kPrivateFolder);  // another process may have been faster
-    return IsFolder(folder);
-}
-
 Path HomeFolder()
 {
     if (const char* home = std::getenv("HOME"); home != nullptr && home[0] == '/') return home;
@@ -62,6 +53,29 @@ public:
 private:
     int number_;
 };
+
+/// Creates one folder whose name survives a loss of power, as what will lie in it is to do.
+void MakeFolder(const char* folder) noexcept
+{
+    if (mkdir(folder, kPrivateFolder) != 0) {
+        return;  // another process may have been faster
+    }
+    const OpenFile made(folder, O_RDONLY | O_DIRECTORY);
+    const int above = made.isOpen() ? openat(made.number(), "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
+    if (above >= 0) {
+        (void)fsync(above);
+        close(above);
+    }
+}
+
+/// Creates the folder and every missing one above it, each private to the user.
+bool CreateFolders(const Path& folder)
+{
+    if (IsFolder(folder)) return true;
+    if (folder.has_relative_path() && !CreateFolders(folder.parent_path())) return false;
+    MakeFolder(folder.c_str());
+    return IsFolder(folder);
+}
 
 /// Bytes read, 0 at the end, negative for a failure.
 ssize_t ReadSome(int file, std::array<char, 65536>& buffer) noexcept
@@ -141,7 +155,7 @@ bool ApplicationDataFolder(Path& folder)
 
 void CreateFolder(const Path& folder) noexcept
 {
-    (void)mkdir(folder.c_str(), kPrivateFolder);
+    MakeFolder(folder.c_str());
 }
 
 Presence Find(const Path& file) noexcept
