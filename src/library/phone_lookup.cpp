@@ -27,8 +27,8 @@ int32_t GetBookMarkTypeByImei(Connection& db, const DbChar* imei)
 int32_t GetPathFlag(Connection& db, int32_t phoneId, Name folderTable, const DbChar* path)
 {
     constexpr int32_t kNoFlag = 0;
-    return FirstInt(db.prepare(WideSql("SELECT [Flag] FROM %s WHERE  [PhoneID] = %d AND [Path] = '%s';", folderTable,
-                                       phoneId, Escaped{path})),
+    return FirstInt(db.prepare(NarrowSql("SELECT [Flag] FROM %s WHERE  [PhoneID] = %d AND [Path] = '%s';", folderTable,
+                                         phoneId, EscapedAnsi{path})),
                     kNoFlag);
 }
 
