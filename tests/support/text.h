@@ -45,4 +45,7 @@ inline Text W(std::u8string_view utf8)
 /// Back to UTF-8; a null pointer gives "<null>", a lone surrogate U+FFFD.
 std::string Utf8(const DbChar* text);
 
+/// The text in the process's ANSI code page, which is UTF-8 on systems that have no such thing.
+std::string Ansi(const DbChar* text);
+
 }  // namespace kesta::test

@@ -1,0 +1,127 @@
+#include "statements/call_recorder.h"
+
+#include <sqlite3.h>
+
+#include <cstring>
+#include <map>
+#include <utility>
+
+#include "core/module.h"
+#include "platform/named_mutex.h"
+#include "platform/services.h"
+#include "support/text.h"
+
+// The functions themselves, as the linker names them behind "--wrap", and those that the library now calls instead.
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
+using RowCallback = int(void*, int, char**, char**);
+
+extern "C" {
+int __real_sqlite3_exec(sqlite3* db, const char* text, RowCallback* row, void* data, char** message);
+int __real_sqlite3_prepare_v2(sqlite3* db, const char* text, int bytes, sqlite3_stmt** statement, const char** tail);
+int __real_sqlite3_step(sqlite3_stmt* statement);
+int __real_sqlite3_close(sqlite3* db);
+void __real__ZN5kesta8platform10NamedMutex4lockEv(kesta::platform::NamedMutex* mutex) noexcept;
+void __real__ZN5kesta8platform10NamedMutex6unlockEv(kesta::platform::NamedMutex* mutex) noexcept;
+char* __real__ZN5kesta6Module19takeStatementBufferEv(kesta::Module* module) noexcept;
+}
+
+namespace kesta::test {
+namespace {
+
+bool recording = false;
+std::vector<std::string> events;
+std::map<sqlite3_stmt*, std::string> texts;  // as each statement was received
+sqlite3_stmt* justCompiled = nullptr;
+int buffersLeft = -1;
+
+void Note(std::string event)
+{
+    if (recording) events.push_back(std::move(event));
+}
+
+void NoteLine(const DbChar* line, size_t /*length*/) noexcept
+{
+    Note(Utf8(line));
+}
+
+/// A statement of `bytes` bytes; up to its terminator when that comes first, or for a negative number.
+std::string Received(const char* text, int bytes)
+{
+    return bytes < 0 ? std::string(text) : std::string(text, strnlen(text, static_cast<size_t>(bytes)));
+}
+
+}  // namespace
+
+void CallRecorder::start()
+{
+    platform::services.traceIsRead = []() noexcept { return true; };
+    platform::services.writeTraceLine = &NoteLine;
+    events.clear();
+    justCompiled = nullptr;
+    recording = true;
+}
+
+std::vector<std::string> CallRecorder::stop()
+{
+    recording = false;
+    return std::exchange(events, {});
+}
+
+void CallRecorder::withholdBufferAfter(int statements)
+{
+    buffersLeft = statements;
+}
+
+}  // namespace kesta::test
+
+using namespace kesta::test;
+
+extern "C" {
+
+int __wrap_sqlite3_exec(sqlite3* db, const char* text, RowCallback* row, void* data, char** message)
+{
+    Note(text);
+    return __real_sqlite3_exec(db, text, row, data, message);
+}
+
+int __wrap_sqlite3_prepare_v2(sqlite3* db, const char* text, int bytes, sqlite3_stmt** statement, const char** tail)
+{
+    Note(Received(text, bytes));
+    const int code = __real_sqlite3_prepare_v2(db, text, bytes, statement, tail);
+    if (*statement != nullptr) texts[*statement] = Received(text, bytes);
+    justCompiled = *statement;
+    return code;
+}
+
+int __wrap_sqlite3_step(sqlite3_stmt* statement)
+{
+    if (sqlite3_stmt_busy(statement) == 0 && std::exchange(justCompiled, nullptr) != statement) Note(texts[statement]);
+    return __real_sqlite3_step(statement);
+}
+
+int __wrap_sqlite3_close(sqlite3* db)
+{
+    Note("close");
+    return __real_sqlite3_close(db);
+}
+
+void __wrap__ZN5kesta8platform10NamedMutex4lockEv(kesta::platform::NamedMutex* mutex) noexcept
+{
+    __real__ZN5kesta8platform10NamedMutex4lockEv(mutex);
+    Note("lock");
+}
+
+void __wrap__ZN5kesta8platform10NamedMutex6unlockEv(kesta::platform::NamedMutex* mutex) noexcept
+{
+    Note("unlock");
+    __real__ZN5kesta8platform10NamedMutex6unlockEv(mutex);
+}
+
+char* __wrap__ZN5kesta6Module19takeStatementBufferEv(kesta::Module* module) noexcept
+{
+    if (buffersLeft == 0) return nullptr;
+    if (buffersLeft > 0) --buffersLeft;
+    return __real__ZN5kesta6Module19takeStatementBufferEv(module);
+}
+}
+// NOLINTEND(bugprone-reserved-identifier)

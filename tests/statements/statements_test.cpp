@@ -1,0 +1,246 @@
+// Every export's statements, to the character and in their order, as SQLite receives them; and where the access lock
+// and the entry line stand among them.
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "statements/call_case.h"
+#include "statements/call_recorder.h"
+#include "unit/module_under_test.h"
+
+namespace kesta::test {
+
+void PrintTo(const CallCase& tested, std::ostream* out)
+{
+    *out << tested.name;
+}
+
+namespace {
+
+using ::testing::AllOf;
+using ::testing::ElementsAreArray;
+using ::testing::EndsWith;
+using ::testing::StartsWith;
+
+constexpr int64_t kNow = 1'709'210'096;
+constexpr std::string_view kLine = "DB TRACE >> ";
+
+std::string LocalTimeOf(int64_t seconds)
+{
+    const auto time = static_cast<std::time_t>(seconds);
+    char text[32] = {};
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::localtime(&time));
+    return text;
+}
+
+void Replace(std::string& text, std::string_view part, const std::string& by)
+{
+    for (size_t place = 0; (place = text.find(part, place)) != std::string::npos; place += by.size()) {
+        text.replace(place, part.size(), by);
+    }
+}
+
+/// The text with everything put in that CallCase only tells of.
+std::string Complete(std::string text)
+{
+    Replace(text, "$", Ansi(W("§")));
+    Replace(text, "<now>", LocalTimeOf(kNow));
+    return text;
+}
+
+std::string ExportOf(const CallCase& tested)
+{
+    return tested.name.substr(0, tested.name.find('/'));
+}
+
+/// The exports that trace their entry before the lock is taken.
+bool IsThin(const std::string& name)
+{
+    static const std::set<std::string> playlists = {
+        "DB_PLAYERMUSIC_IsListSelected",     "DB_PLAYERMUSIC_SetListSelected",    "DB_PLAYERMUSIC_SetUpdatedPlaylist",
+        "DB_PLAYERMUSIC_SetDeletedPlaylist", "DB_PLAYERMUSIC_IsSyncedFile",       "DB_PLAYERMUSIC_GetSyncedFiles",
+        "DB_PLAYERMUSIC_SetAddedFile",       "DB_PLAYERMUSIC_SetDeletedFile",     "DB_PLAYERMUSIC_SetUpdatedFile"};
+    const auto isOf = [&](const char* family) { return name.starts_with(family); };
+    return isOf("DB_MUSIC_") || isOf("DB_IMAGE_") || isOf("DB_VIDEO_") || isOf("DB_DOCUMENT_") ||
+           isOf("DB_GALLERY_") || playlists.contains(name);
+}
+
+bool TakesNoLock(const std::string& name)
+{
+    return name == "DB_Close" || name == "DB_LIB_MainFoldersChanged";
+}
+
+std::vector<std::string> WithoutLines(std::vector<std::string> events)
+{
+    std::erase_if(events, [](const std::string& event) { return event.starts_with(kLine); });
+    return events;
+}
+
+class Statements : public ::testing::Test {
+protected:
+    Statements()
+    {
+        givenDatabase();
+        TheModule().start();
+        ReplacedServices::take();
+        platform::services.now = []() noexcept { return kNow; };
+        sql.exec(Complete("INSERT INTO tPhone ([IMEI], [BookMarkType]) VALUES ('I''$', 5), ('I''§', 5)"));
+    }
+    ~Statements() override { TheModule().end(); }
+
+    static std::vector<std::string> recorded(const std::function<int32_t(const Exports&)>& call)
+    {
+        CallRecorder::start();
+        (void)call(DirectExports());
+        return CallRecorder::stop();
+    }
+
+    DataFolder data;
+    ReplacedServices services;
+    Sql sql{data.databasePath()};
+
+private:
+    /// A fresh database. It is made once: that takes longer than everything else that these tests do.
+    void givenDatabase() const
+    {
+        static const std::string fresh = [this] {
+            TheModule().start();
+            TheModule().end();
+            std::ostringstream bytes;
+            bytes << std::ifstream(data.databasePath(), std::ios::binary).rdbuf();
+            return bytes.str();
+        }();
+        std::filesystem::create_directories(data.databaseFolder());
+        std::ofstream(data.databasePath(), std::ios::binary) << fresh;
+    }
+};
+
+class EachStatement : public Statements, public ::testing::WithParamInterface<CallCase> {
+protected:
+    EachStatement()
+    {
+        if (!GetParam().given.empty()) sql.exec(Complete(GetParam().given));
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(, EachStatement, ::testing::ValuesIn(AllCases()), [](const auto& tested) {
+    std::string name = tested.param.name;
+    std::replace(name.begin(), name.end(), '/', '_');
+    return name;
+});
+
+TEST_P(EachStatement, Call_UnderTheLock_IsReceivedToTheCharacter)
+{
+    const std::string name = ExportOf(GetParam());
+    std::vector<std::string> expected;
+    for (const std::string& statement : GetParam().statements) expected.push_back(Complete(statement));
+    if (!TakesNoLock(name)) {
+        expected.insert(expected.begin(), "lock");
+        expected.emplace_back("unlock");
+    }
+    const std::vector<std::string> events = recorded(GetParam().call);
+    EXPECT_THAT(WithoutLines(events), ElementsAreArray(expected));
+    if (TakesNoLock(name)) return;
+    ASSERT_GE(events.size(), 2u);
+    const size_t entry = IsThin(name) ? 0 : 1;
+    EXPECT_EQ(events[entry].substr(0, events[entry].find('(')), std::string(kLine) + "Enter " + name);
+    EXPECT_EQ(events[1 - entry], "lock");
+    if (!IsThin(name)) {
+        EXPECT_EQ(events.back(), "unlock");  // behind the exit line
+    }
+}
+
+TEST(Cases, EveryExport_HasOne)
+{
+    std::set<std::string> listed;
+#define KESTA_EXPORT(name, ordinal) listed.insert(#name);
+#include "support/export_list.inc"
+#undef KESTA_EXPORT
+    std::set<std::string> tested;
+    for (const CallCase& each : AllCases()) tested.insert(ExportOf(each));
+    EXPECT_EQ(tested, listed);
+    EXPECT_EQ(listed.size(), 125u);
+}
+
+TEST_F(Statements, SameCallAgain_IsReceivedAgain)
+{
+    const auto call = [](const Exports& lib) { return lib.DB_MUSIC_SetFolderSelected(Imei(), W("P"), 7); };
+    const std::vector<std::string> first = WithoutLines(recorded(call));
+    EXPECT_EQ(first.size(), 4u);
+    EXPECT_EQ(WithoutLines(recorded(call)), first);
+}
+
+/// Which code page the process has, the emulator takes from the environment.
+TEST(CodePage, OfThisRun_IsTheOneMeant)
+{
+    const char* expected = std::getenv("KESTA_TEST_PARAGRAPH_SIGN");
+    if (expected == nullptr) GTEST_SKIP() << "any code page will do";
+    std::string bytes;
+    for (const char byte : Ansi(W("§"))) {
+        for (const int shift : {4, 0}) bytes += "0123456789abcdef"[static_cast<unsigned char>(byte) >> shift & 0xF];
+    }
+    EXPECT_EQ(bytes, expected);
+}
+
+TEST_F(Statements, AddPlaylist_EachStatement_IsTracedAsItIsReceived)
+{
+    const std::vector<std::string> events = recorded([](const Exports& lib) {
+        const Playlist list("L''§", "D''§");
+        return lib.DB_PLAYERMUSIC_AddPlaylist(Imei(), &list);
+    });
+    int traced = 0;
+    for (size_t i = 0; i + 1 < events.size(); ++i) {
+        const std::string front = std::string(kLine) + "Information in DB_PLAYERMUSIC_AddPlaylist(), Exec SQL: ";
+        if (!events[i].starts_with(front)) continue;
+        EXPECT_EQ(events[i], front + events[i + 1] + ".\n");
+        ++traced;
+    }
+    EXPECT_EQ(traced, 4);
+}
+
+TEST_F(Statements, ModuleEnd_ConnectionAndBuffer_ClosesBeforeItFrees)
+{
+    CallRecorder::start();
+    TheModule().end();
+    std::vector<std::string> events = CallRecorder::stop();
+    ASSERT_EQ(events.size(), 2u);
+    EXPECT_EQ(events[0], "close");
+    EXPECT_THAT(events[1], AllOf(StartsWith("DB TRACE >> Memory "), EndsWith(" DELETE.\n")));
+}
+
+/// The result after an exception is the code of the last attempt, and 1 before the first.
+TEST_F(Statements, AddPlaylist_ExceptionInEachStep_GivesTheCodeOfTheStepBefore)
+{
+    // Each step fails with a code of its own: a constraint, a value too big, a missing column.
+    sql.exec(
+        "CREATE TRIGGER t1 BEFORE UPDATE OF [Flag] ON tPFolder WHEN NEW.[Flag] = 0 BEGIN SELECT RAISE(ABORT, ''); END;"
+        "CREATE TRIGGER t2 BEFORE UPDATE OF [Flag] ON tPFolder WHEN NEW.[Flag] = 1 BEGIN SELECT zeroblob(1 << 40); END;"
+        "CREATE TRIGGER t3 BEFORE UPDATE OF [Digest] ON tPFolder WHEN NEW.[Flag] = 3 BEGIN SELECT abs(-1 << 63); END;"
+        "INSERT INTO tPFolder ([PhoneID], [Path], [Flag], [IdInPhone], [AddTime]) VALUES (1, 'on', 3, 'P:/', ''), "
+        "(1, 'off', 3, NULL, '')");
+    const auto add = [](const char* name, int statements) {
+        CallRecorder::withholdBufferAfter(statements);
+        const Playlist list(name);
+        const int32_t result = DB_PLAYERMUSIC_AddPlaylist(Imei(), &list);
+        CallRecorder::withholdBufferAfter(-1);
+        const std::vector<std::string> lines = ReplacedServices::take();
+        const std::string exception = "DB TRACE >> An exception occured in DB_PLAYERMUSIC_AddPlaylist().\n";
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), exception), 1) << name << statements;
+        EXPECT_EQ(lines.back(),
+                  "DB TRACE >> Exit DB_PLAYERMUSIC_AddPlaylist() with " + std::to_string(result) + ".\n");
+        return result;
+    };
+    EXPECT_EQ(add("on", 0), 1);    // not even the phone could be looked up
+    EXPECT_EQ(add("on", 1), 1);    // before the first step
+    EXPECT_EQ(add("on", 2), 19);   // after the first
+    EXPECT_EQ(add("on", 3), 0);    // the second found no such record
+    EXPECT_EQ(add("off", 2), 0);
+    EXPECT_EQ(add("off", 3), 18);  // after the second
+    EXPECT_EQ(add("off", 4), 1);   // after the third
+}
+
+}  // namespace
+}  // namespace kesta::test
