@@ -89,5 +89,28 @@ TEST_F(Threads, WritersAtOnce_EveryRowIsThere)
     EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tSyncContents"), "280");  // seven main folders a phone
 }
 
+/// These take the lock further inside than the others do.
+TEST_F(Threads, ThinExportsAtOnce_EveryRowIsThere)
+{
+    constexpr int kThreads = 6;
+    constexpr int kFiles = 20;
+    ASSERT_EQ(lib.DB_LIB_PhoneDetected(W("351111"), W("Phone")), 1);
+    std::array<std::thread, kThreads> threads;
+    std::atomic<int> failed = 0;
+    for (int t = 0; t < kThreads; ++t) {
+        threads[static_cast<size_t>(t)] = std::thread([&, t] {
+            for (int i = 0; i < kFiles; ++i) {
+                Text path = W("C:\\Music\\" + std::to_string(t * 100 + i));
+                Text folder = W("C:\\Music");
+                const SyncedFileRecord file = {NullDate(), path.get(), folder.get(), folder.get()};
+                if (lib.DB_MUSIC_SetAddedFile(W("351111"), &file) != 0) ++failed;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(failed, 0);
+    EXPECT_EQ(sql.text("SELECT COUNT(*), COUNT(DISTINCT [Path]) FROM tMFile"), "120|120");
+}
+
 }  // namespace
 }  // namespace kesta::test

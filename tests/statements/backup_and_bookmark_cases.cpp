@@ -40,8 +40,7 @@ std::vector<CallCase> BookmarkCases()
           "'U''''§', 'M''''§', 11, 22, 5);"}},
         {"DB_BOOKMARK_SetDeletedMark",
          [](const Exports& lib) { return lib.DB_BOOKMARK_SetDeletedMark(Imei(), W("U''§")); },
-         {kTypeLookUp, kPhoneLookUp,
-          "DELETE FROM tBFile WHERE [PhoneID] = 1 AND [Path] = 'U''''§' AND [Type] = 5;"}},
+         {kTypeLookUp, kPhoneLookUp, "DELETE FROM tBFile WHERE [PhoneID] = 1 AND [Path] = 'U''''§' AND [Type] = 5;"}},
         {"DB_BOOKMARK_SetUpdatedMark",
          [](const Exports& lib) {
              const Mark mark("U''§", "T''§", "M''§");
@@ -89,9 +88,7 @@ std::vector<CallCase> BackupCases()
           "WHERE [bcID] = -1;",
           kInsertBackup},
          kBackupsTable + "INSERT INTO tBackups VALUES (-1, 1, 'C''''§', '', 0, '');"},
-        {"DB_BACKUP_ClearAll",
-         [](const Exports& lib) { return lib.DB_BACKUP_ClearAll(); },
-         {"DELETE FROM tBackups;"}},
+        {"DB_BACKUP_ClearAll", [](const Exports& lib) { return lib.DB_BACKUP_ClearAll(); }, {"DELETE FROM tBackups;"}},
         {"DB_BACKUP_DeleteBackups",
          [](const Exports& lib) { return lib.DB_BACKUP_DeleteBackups(Imei()); },
          {kPhoneLookUp, "DELETE FROM tBackups WHERE [phoneID] = 1;"}},

@@ -47,8 +47,7 @@ std::vector<CallCase> LibraryCases()
           "SELECT COUNT(*), SUM([Size]) FROM tMediaFiles",
           "UPDATE tLibMainFolder SET [Number] = 0, [Size] = 0 WHERE [ID] = 1100;",
           "SELECT COUNT(*), SUM([Size]) FROM tDocuments",
-          "UPDATE tLibMainFolder SET [Number] = 1, [Size] = 7 WHERE [ID] = 1400;",
-          "SELECT COUNT(*) FROM tWebBookmarks",
+          "UPDATE tLibMainFolder SET [Number] = 1, [Size] = 7 WHERE [ID] = 1400;", "SELECT COUNT(*) FROM tWebBookmarks",
           "UPDATE tLibMainFolder SET [Number] = 3, [Size] = 0 WHERE [ID] = 1900;"},
          "CREATE TABLE tMusicFiles([Size]); INSERT INTO tMusicFiles VALUES (10000000000), (20000000000);"
          "CREATE TABLE tMediaFiles([Size]);"

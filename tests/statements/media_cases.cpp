@@ -71,9 +71,7 @@ std::vector<CallCase> FolderCases(CategoryCalls call)
          {kPhoneLookUp,
           "SELECT ROWID, [Path], [Count], [Size], [TotalSize], [Sized], [Selected], [Deleted] FROM t#Folder WHERE "
           "[PhoneID] = 1 AND [Path] = 'P''''§';"}},
-        {"IsFolderSelected",
-         [call](const Exports&) { return call.IsFolderSelected(Imei(), Path()); },
-         {kIsSelected}},
+        {"IsFolderSelected", [call](const Exports&) { return call.IsFolderSelected(Imei(), Path()); }, {kIsSelected}},
         {"SetFolderSelected",
          [call](const Exports&) { return call.SetFolderSelected(Imei(), Path(), 7); },
          {kPhoneLookUp, kSetSelected}},

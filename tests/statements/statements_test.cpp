@@ -60,12 +60,12 @@ std::string ExportOf(const CallCase& tested)
 bool IsThin(const std::string& name)
 {
     static const std::set<std::string> playlists = {
-        "DB_PLAYERMUSIC_IsListSelected",     "DB_PLAYERMUSIC_SetListSelected",    "DB_PLAYERMUSIC_SetUpdatedPlaylist",
-        "DB_PLAYERMUSIC_SetDeletedPlaylist", "DB_PLAYERMUSIC_IsSyncedFile",       "DB_PLAYERMUSIC_GetSyncedFiles",
-        "DB_PLAYERMUSIC_SetAddedFile",       "DB_PLAYERMUSIC_SetDeletedFile",     "DB_PLAYERMUSIC_SetUpdatedFile"};
+        "DB_PLAYERMUSIC_IsListSelected",     "DB_PLAYERMUSIC_SetListSelected", "DB_PLAYERMUSIC_SetUpdatedPlaylist",
+        "DB_PLAYERMUSIC_SetDeletedPlaylist", "DB_PLAYERMUSIC_IsSyncedFile",    "DB_PLAYERMUSIC_GetSyncedFiles",
+        "DB_PLAYERMUSIC_SetAddedFile",       "DB_PLAYERMUSIC_SetDeletedFile",  "DB_PLAYERMUSIC_SetUpdatedFile"};
     const auto isOf = [&](const char* family) { return name.starts_with(family); };
-    return isOf("DB_MUSIC_") || isOf("DB_IMAGE_") || isOf("DB_VIDEO_") || isOf("DB_DOCUMENT_") ||
-           isOf("DB_GALLERY_") || playlists.contains(name);
+    return isOf("DB_MUSIC_") || isOf("DB_IMAGE_") || isOf("DB_VIDEO_") || isOf("DB_DOCUMENT_") || isOf("DB_GALLERY_") ||
+           playlists.contains(name);
 }
 
 bool TakesNoLock(const std::string& name)
@@ -229,14 +229,13 @@ TEST_F(Statements, AddPlaylist_ExceptionInEachStep_GivesTheCodeOfTheStepBefore)
         const std::vector<std::string> lines = ReplacedServices::take();
         const std::string exception = "DB TRACE >> An exception occured in DB_PLAYERMUSIC_AddPlaylist().\n";
         EXPECT_EQ(std::count(lines.begin(), lines.end(), exception), 1) << name << statements;
-        EXPECT_EQ(lines.back(),
-                  "DB TRACE >> Exit DB_PLAYERMUSIC_AddPlaylist() with " + std::to_string(result) + ".\n");
+        EXPECT_EQ(lines.back(), "DB TRACE >> Exit DB_PLAYERMUSIC_AddPlaylist() with " + std::to_string(result) + ".\n");
         return result;
     };
-    EXPECT_EQ(add("on", 0), 1);    // not even the phone could be looked up
-    EXPECT_EQ(add("on", 1), 1);    // before the first step
-    EXPECT_EQ(add("on", 2), 19);   // after the first
-    EXPECT_EQ(add("on", 3), 0);    // the second found no such record
+    EXPECT_EQ(add("on", 0), 1);   // not even the phone could be looked up
+    EXPECT_EQ(add("on", 1), 1);   // before the first step
+    EXPECT_EQ(add("on", 2), 19);  // after the first
+    EXPECT_EQ(add("on", 3), 0);   // the second found no such record
     EXPECT_EQ(add("off", 2), 0);
     EXPECT_EQ(add("off", 3), 18);  // after the second
     EXPECT_EQ(add("off", 4), 1);   // after the third
