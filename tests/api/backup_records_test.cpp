@@ -323,6 +323,22 @@ TEST_F(BackupRecords, GetPhoneBackups_OnePhone_ListsItsOwn)
                             "Memory NEW.", "Memory NEW.", "Exit DB_BACKUP_GetPhoneBackups() with 0."));
 }
 
+TEST_F(BackupRecords, GetPhoneBackups_PhoneWithoutBackupsBesideOneThatHasSome_EmptiesTheList)
+{
+    givenBackups();
+    ASSERT_EQ(givenPhone("352222"), 2);
+    ASSERT_EQ(givenPhone("353333"), 3);
+    BackupList list = {};
+    ASSERT_EQ(lib.DB_BACKUP_GetPhoneBackups(W("352222"), &list), 0);
+    EXPECT_THAT(Records(list), ElementsAre("6|C:\\2|<null>|0|<invalid>"));
+    trace.take();
+    EXPECT_EQ(lib.DB_BACKUP_GetPhoneBackups(W("353333"), &list), 0);
+    EXPECT_EQ(list.Count, 0);
+    EXPECT_EQ(list.Items, nullptr);
+    EXPECT_THAT(trace.take(), ElementsAre("Enter DB_BACKUP_GetPhoneBackups(szIMEI: 353333).", "Memory DELETE.",
+                                          "Memory DELETE.", "Exit DB_BACKUP_GetPhoneBackups() with 0."));
+}
+
 TEST_F(BackupRecords, GetPhoneBackups_UnknownPhone_FailsWithAnEmptyList)
 {
     givenBackups();

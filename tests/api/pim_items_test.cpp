@@ -129,15 +129,45 @@ TEST_F(PimItems, AddItem_NoContents_ReadBackAsLengthZero)
     EXPECT_THAT(Records(list), ElementsAre("I1|1|0|<null>"));
 }
 
-TEST_F(PimItems, AddItem_NullContents_AreStoredAsNull)
+TEST_F(PimItems, NullContentsOfNoLength_AreAnEmptyBlob)
 {
     PimItem item("I1");
     item.Data = nullptr;
     item.DataLength = 0;
     EXPECT_EQ(lib.DB_PIM_AddItem(&item, W("B")), 0);
+    EXPECT_EQ(rows(), "4|I1||blob|1");
     PimItemList list = {};
     EXPECT_EQ(items(list, "F4"), 0);
     EXPECT_THAT(Records(list), ElementsAre("I1|1|0|<null>"));
+    sql.exec("UPDATE tPimItem SET [Data] = 'old'");
+    EXPECT_EQ(lib.DB_PIM_UpdateItem(&item), 0);
+    EXPECT_EQ(rows(), "4|I1||blob|1");
+}
+
+TEST_F(PimItems, NullContentsOfSomeLength_AreStoredAsNull)
+{
+    PimItem item("I1");
+    item.Data = nullptr;
+    item.DataLength = 3;
+    EXPECT_EQ(lib.DB_PIM_AddItem(&item, W("B")), 0);
+    EXPECT_EQ(rows(), "4|I1||null|1");
+    sql.exec("UPDATE tPimItem SET [Data] = 'old'");
+    EXPECT_EQ(lib.DB_PIM_UpdateItem(&item), 0);
+    EXPECT_EQ(rows(), "4|I1||null|1");
+}
+
+TEST_F(PimItems, NegativeLength_TakesTheExceptionWay)
+{
+    PimItem item("I1", "x");
+    item.DataLength = -1;
+    EXPECT_EQ(lib.DB_PIM_AddItem(&item, W("B")), 1);
+    givenItem("I1");
+    EXPECT_EQ(lib.DB_PIM_UpdateItem(&item), 1);
+    EXPECT_EQ(rows(), "3|I1|4F4C44|blob|1");
+    const std::vector<std::string> lines = trace.take();
+    EXPECT_THAT(lines, ElementsAre("Enter DB_PIM_AddItem().", "An exception occured in DB_PIM_AddItem().",
+                                   "Exit DB_PIM_AddItem() with 1.", "Enter DB_PIM_UpdateItem().",
+                                   "An exception occured in DB_PIM_UpdateItem().", "Exit DB_PIM_UpdateItem() with 1."));
 }
 
 TEST_F(PimItems, AddItem_NullPimId_IsTheWordNull)

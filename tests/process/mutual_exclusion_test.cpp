@@ -118,7 +118,9 @@ TEST_F(MutualExclusion, EveryExportAtOnce_WaitsForTheLockAndOnlyThinOnesHaveTrac
 #undef KESTA_EXPORT
     const std::vector<std::string> thin = ThinExports();
     for (const std::string& name : thin) {
-        EXPECT_TRUE(trace.waitFor("Enter " + name + "(", seconds(30))) << name;
+        const bool traced = trace.waitFor("Enter " + name + "(", seconds(10));
+        EXPECT_TRUE(traced) << name;
+        if (!traced) break;
     }
     std::future<int32_t> waiting = openInAThread();
     EXPECT_EQ(waiting.wait_for(seconds(1)), future_status::timeout);
