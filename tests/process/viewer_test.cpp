@@ -5,7 +5,9 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <thread>
 
@@ -56,6 +58,17 @@ private:
     std::filesystem::path path_;
     int socket_;
 };
+
+/// What a hundred calls may take of which one waits for a tenth of a second; were each to wait, they took ten.
+constexpr milliseconds kBearable{5000};
+
+/// How many lines the system queues for a viewer: 10 by the kernel's own choice, 512 where systemd has started it.
+int QueueLength()
+{
+    int length = 0;
+    std::ifstream("/proc/sys/net/unix/max_dgram_qlen") >> length;
+    return length;
+}
 
 class Viewer : public ::testing::Test {
 protected:
@@ -140,31 +153,34 @@ TEST_F(Viewer, ReplacedWhileTheFirstStillListens_TheNewOneSeesTheLines)
     EXPECT_EQ(first.countLines(), 0);
 }
 
-TEST_F(Viewer, StopsReading_DelaysOneCallForATenthOfASecondAndThenLosesLines)
+TEST_F(Viewer, StopsReading_DelaysFewCallsAndThenLosesLines)
 {
-    constexpr int kCalls = 200;
-    const BoundSocket silent(socketPath());
-    std::this_thread::sleep_for(kUntilSeen);
-    milliseconds longest{0};
-    const auto start = Clock::now();
-    for (int i = 0; i < kCalls; ++i) {
+    // The system queues so many lines at the most, and two come of a call: the rest of the calls meets a full queue.
+    const int queued = QueueLength();
+    const int calls = queued / 2 + 100;
+    // A busy machine may hold calls up on its own, though not in each of several tries.
+    constexpr int kTries = 5;
+    milliseconds shortest = milliseconds::max();
+    for (int i = 0; i < kTries && shortest >= kBearable; ++i) {
+        const BoundSocket silent(socketPath());
+        std::this_thread::sleep_for(kUntilSeen);
         const auto begun = Clock::now();
-        EXPECT_EQ(lib.DB_Open(), 0);
-        longest = std::max(longest, std::chrono::duration_cast<milliseconds>(Clock::now() - begun));
+        for (int call = 0; call < calls; ++call) EXPECT_EQ(lib.DB_Open(), 0);
+        shortest = std::min(shortest, std::chrono::duration_cast<milliseconds>(Clock::now() - begun));
+        const int kept = silent.countLines();
+        EXPECT_GT(kept, 0);
+        EXPECT_LE(kept, queued + 1);
     }
-    EXPECT_LT(longest, milliseconds(1000));
-    EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));  // and not every call waits
-    const int kept = silent.countLines();
-    EXPECT_GT(kept, 0);
-    EXPECT_LT(kept, 2 * kCalls);
+    EXPECT_LT(shortest, kBearable);
 }
 
 TEST_F(Viewer, ReadsAgainAfterAPause_SeesTheLinesFromThenOn)
 {
     const BoundSocket lazy(socketPath());
     std::this_thread::sleep_for(kUntilSeen);
-    for (int i = 0; i < 50; ++i) EXPECT_EQ(lib.DB_Open(), 0);
-    EXPECT_GT(lazy.countLines(), 0);
+    const int calls = QueueLength() / 2 + 10;
+    for (int i = 0; i < calls; ++i) EXPECT_EQ(lib.DB_Open(), 0);
+    EXPECT_LT(lazy.countLines(), 2 * calls);
     EXPECT_EQ(lib.DB_Open(), 0);
     EXPECT_EQ(lazy.countLines(), 2);
 }
