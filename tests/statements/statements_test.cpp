@@ -153,6 +153,24 @@ TEST_P(EachStatement, Call_UnderTheLock_IsReceivedToTheCharacter)
     }
 }
 
+/// Truth values included.
+TEST_P(EachStatement, Call_WithoutMemoryForTheText_TakesTheExceptionWay)
+{
+    const std::string name = ExportOf(GetParam());
+    if (name == "DB_Open" || TakesNoLock(name)) return;  // these make none
+    CallRecorder::withholdBufferAfter(0);
+    const int32_t result = GetParam().call(DirectExports());
+    CallRecorder::withholdBufferAfter(-1);
+    const std::vector<std::string> lines = ReplacedServices::take();
+    const auto tellsException = [](const std::string& line) {
+        return line.starts_with("DB TRACE >> An exception occured in DB_");
+    };
+    const int routines = name.starts_with("DB_GALLERY_") ? 2 : 1;  // one for pictures and one for videos
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(), tellsException), routines);
+    EXPECT_EQ(result, name.starts_with("DB_GALLERY_Set") ? 2 : 1);
+    EXPECT_EQ(DB_LIB_SetSDType(Imei(), 1, 1), 0);
+}
+
 TEST(Cases, EveryExport_HasOne)
 {
     std::set<std::string> listed;
@@ -209,6 +227,16 @@ TEST_F(Statements, ModuleEnd_ConnectionAndBuffer_ClosesBeforeItFrees)
     ASSERT_EQ(events.size(), 2u);
     EXPECT_EQ(events[0], "close");
     EXPECT_THAT(events[1], AllOf(StartsWith("DB TRACE >> Memory "), EndsWith(" DELETE.\n")));
+}
+
+TEST_F(Statements, ModuleEnd_ThreadInsideACall_LeavesEverythingToIt)
+{
+    TheModule().enterCall();
+    CallRecorder::start();
+    TheModule().end();
+    EXPECT_THAT(CallRecorder::stop(), ::testing::IsEmpty());
+    EXPECT_EQ(DB_LIB_SetSDType(Imei(), 1, 1), 0);
+    TheModule().leaveCall();
 }
 
 /// The result after an exception is the code of the last attempt, and 1 before the first.

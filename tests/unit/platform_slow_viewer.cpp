@@ -20,7 +20,7 @@ namespace {
 /// The system as the library finds it while a test has replaced it.
 struct FakeSystem {
     int64_t nowMs = 1'000'000;
-    std::vector<int> waits;         // the time limits with which it waited
+    std::vector<int> waits;          // the time limits with which it waited
     std::function<int()> sendFails;  // the error of a send, 0 when it succeeds
     /// Whether there seems to be room after a wait of at most that long; moves the clock.
     std::function<bool(int limitMs)> waited;
