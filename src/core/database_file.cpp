@@ -88,10 +88,37 @@ platform::Naming MoveDatabase(const platform::Path& from, const platform::Path& 
     return platform::MoveIntoPlace(from, to);
 }
 
+/// Builds it in a file that only this user may read. An empty one is not left behind.
+ResultCode CreatePrivately(const DatabasePath& path, bool& complete)
+{
+    const bool made = platform::CreatePrivateFile(path.file());
+    const ResultCode created = DB_INTERNAL_Create(path.utf8(), complete);
+    std::error_code ignored;
+    if (made && created != ResultCode::kSuccess && std::filesystem::file_size(path.file(), ignored) == 0) {
+        (void)platform::RemoveFile(path.file());
+    }
+    return created;
+}
+
 ResultCode CreateInPlace(const DatabasePath& path)
 {
-    platform::CreatePrivateFile(path.file());
-    return DB_INTERNAL_Create(path.utf8());
+    bool complete = false;
+    return CreatePrivately(path, complete);
+}
+
+/// A row of the first ones may be missing in a database that counts as made. Without its version row it would be thrown
+/// away at the next start, and a main folder would be missing for good: as long as nobody uses it, it is made again.
+ResultCode CreateUnfinished(const DatabasePath& path)
+{
+    constexpr int kMostTries = 3;
+    for (int tries = 1;; ++tries) {
+        bool complete = false;
+        const ResultCode created = CreatePrivately(path, complete);
+        if (complete || created != ResultCode::kSuccess || tries == kMostTries || !ClearName(path.file()) ||
+            !ClearCompanions(path.file())) {
+            return created;
+        }
+    }
 }
 
 }  // namespace
@@ -152,7 +179,10 @@ bool ReplaceFile(const DatabasePath& path)
 
 ResultCode CreateDatabase(const DatabasePath& path)
 {
-    if (path.utf8() == nullptr || path.file().empty()) return DB_INTERNAL_Create(path.utf8());
+    if (path.utf8() == nullptr || path.file().empty()) {
+        bool complete = false;
+        return DB_INTERNAL_Create(path.utf8(), complete);
+    }
     const platform::Path target = FollowLinks(path.file());
     const DatabasePath unfinished(target.parent_path() / kUnfinishedName);
     if (unfinished.utf8() == nullptr || !ClearName(unfinished.file()) || !ClearCompanions(unfinished.file()) ||
@@ -160,8 +190,7 @@ ResultCode CreateDatabase(const DatabasePath& path)
         return CreateInPlace(path);
     }
     platform::FlushFolder(target.parent_path());
-    platform::CreatePrivateFile(unfinished.file());
-    const ResultCode created = DB_INTERNAL_Create(unfinished.utf8());
+    const ResultCode created = CreateUnfinished(unfinished);
     const platform::Naming moved = MoveDatabase(unfinished.file(), target);
     if (moved == platform::Naming::kDone) {
         platform::FlushFolder(target.parent_path());

@@ -12,8 +12,10 @@ ResultCode PrepareFile(const DatabasePath& path, Trail trail)
     switch (platform::Find(path.file())) {
         case platform::Presence::kAbsent:
             return CreateDatabase(path);
-        case platform::Presence::kOutOfReach:
-            return DB_INTERNAL_Create(path.utf8());  // which can only fail, and says so
+        case platform::Presence::kOutOfReach: {
+            bool complete = false;
+            return DB_INTERNAL_Create(path.utf8(), complete);  // which can only fail, and says so
+        }
         case platform::Presence::kUnknown:
             return ResultCode::kFileInTheWay;
         case platform::Presence::kPresent:

@@ -132,20 +132,24 @@ constexpr std::array<MainFolderSeed, 7> kMainFolders = {{
     {"INSERT INTO tLibMainFolder VALUES (%d, 'Map', 0, 0, '')", kMainFolderMap},
 }};
 
-/// Writes the version and the main folders. Only the last statement counts: where one before it failed, the next start
-/// finds the file incomplete by its version or goes on without the folder.
-SqliteCode Seed(Connection& db)
+/// Writes the version and the main folders. Only the last statement counts for the result.
+SqliteCode Seed(Connection& db, bool& complete)
 {
     SqliteCode last = db.exec(NarrowSql("INSERT INTO tVersion VALUES (%d)", kDatabaseVersion));
-    for (const MainFolderSeed& folder : kMainFolders) last = db.exec(NarrowSql(folder.insert, folder.id));
+    complete = last == SqliteCode::kOk;
+    for (const MainFolderSeed& folder : kMainFolders) {
+        last = db.exec(NarrowSql(folder.insert, folder.id));
+        complete = complete && last == SqliteCode::kOk;
+    }
     return last;
 }
 
 }  // namespace
 
-ResultCode DB_INTERNAL_Create(const char* utf8Path)
+ResultCode DB_INTERNAL_Create(const char* utf8Path, bool& complete)
 {
     constexpr Trail trail("DB_INTERNAL_Create");
+    complete = false;
     Connection db;
     if (db.open(utf8Path) != SqliteCode::kOk) {
         trail.error(1);
@@ -156,7 +160,7 @@ ResultCode DB_INTERNAL_Create(const char* utf8Path)
         trail.error(2);
         return ResultCode::kFailure;
     }
-    return PassThrough(Seed(db));
+    return PassThrough(Seed(db, complete));
 }
 
 }  // namespace kesta

@@ -10,7 +10,8 @@ namespace kesta {
 /// A file of any other version is thrown away.
 inline constexpr int32_t kDatabaseVersion = 5005;
 
-/// Builds a fresh database in a file that is not there yet. The result is that of the last row written.
-ResultCode DB_INTERNAL_Create(const char* utf8Path);
+/// Builds a fresh database in a file that is not there yet. The result is that of the last row written; `complete`
+/// tells whether all of them are there.
+ResultCode DB_INTERNAL_Create(const char* utf8Path, bool& complete);
 
 }  // namespace kesta

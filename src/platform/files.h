@@ -40,9 +40,9 @@ bool RemoveFile(const Path& file) noexcept;
 /// Whether it is a file that can be read from its first to its last byte.
 bool CanReadAll(const Path& file) noexcept;
 
-/// Creates an empty file that is private to the user where the system knows that; one that is there already stays as
-/// it is. A failure shows when the file is used.
-void CreatePrivateFile(const Path& file) noexcept;
+/// Creates an empty file that is private to the user. False when there is one already, or when files take their rights
+/// from their folder; a failure shows when the file is used.
+bool CreatePrivateFile(const Path& file) noexcept;
 
 /// What lies under a new name already is never replaced.
 enum class Naming { kDone, kNameTaken, kFailed };

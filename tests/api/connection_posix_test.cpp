@@ -146,6 +146,21 @@ TEST_F(PosixConnection, Load_LinkToAFileOfAnotherVersion_ReplacesTheLink)
     EXPECT_EQ(Sql(elsewhere).text("SELECT [Version] FROM tVersion"), "1");
 }
 
+/// SQLite opens no path of more than 511 bytes; the buffer has room for 1040.
+TEST_F(PosixConnection, Load_PathLongerThanSqliteOpens_FailsAndLeavesNoFile)
+{
+    fs::path deep = data.applicationData();
+    while (deep.native().size() < 600) {
+        deep /= std::string(100, 'd');
+    }
+    fs::create_directories(deep);
+    setenv("XDG_DATA_HOME", deep.c_str(), 1);
+    const Library lib(data);
+    EXPECT_EQ(lib.DB_Open(), 1);
+    EXPECT_EQ(lib.DB_Open(), 1);
+    EXPECT_TRUE(fs::is_empty(deep / "NORVIK/NORVIK Sync/Database"));
+}
+
 TEST_F(PosixConnection, Load_SpecialFilesInThePlace_AreLeftAlone)
 {
     fs::create_directories(data.databaseFolder());

@@ -130,6 +130,32 @@ TEST_P(FailingLook, Open_FileWithAJournalToPlayBack_IsNeverThrownAway)
     atEveryPlace([this] { givenHotJournal(); });
 }
 
+/// What counts as made is whole: no main folder is missing, and the next start does not take it for another version.
+TEST_P(FailingLook, Open_NoFile_MakesAWholeOneOrNone)
+{
+    const auto [name, error, fault] = GetParam();
+    for (int nth = 0;; nth += 1 + nth / 16) {  // the statements of the schema are much alike
+        ASSERT_LT(nth, 5000);
+        SCOPED_TRACE(nth);
+        close();
+        for (const auto& entry : fs::directory_iterator(data.databaseFolder())) {
+            fs::remove(entry.path());
+        }
+        SystemFault::arm(nth, error, fault);
+        const int32_t result = DB_Open();
+        const bool struck = SystemFault::disarm();
+        if (result == 0) {
+            EXPECT_EQ(sql.text("SELECT [Version] FROM tVersion"), "5005");
+            EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tLibMainFolder"), "7");
+        }
+        close();
+        EXPECT_EQ(DB_Open(), 0);
+        if (!struck) {
+            break;
+        }
+    }
+}
+
 /// A damaged file is thrown away only when the damage is no failure to read, and then it is kept under another name.
 TEST_P(FailingLook, Open_DamagedFile_IsLeftAloneOrKeptAside)
 {

@@ -27,12 +27,13 @@ protected:
         return read;
     }
 
+    bool complete = false;
     std::string path = reinterpret_cast<const char*>(data.databasePath().u8string().c_str());
 };
 
 TEST_F(ConnectionParts, Create_FileWithTables_FailsAtPositionTwo)
 {
-    EXPECT_EQ(DB_INTERNAL_Create(path.c_str()), ResultCode::kFailure);
+    EXPECT_EQ(DB_INTERNAL_Create(path.c_str(), complete), ResultCode::kFailure);
     EXPECT_THAT(ReplacedServices::take(), ElementsAre("DB TRACE >> Error in DB_INTERNAL_Create(), position 2.\n"));
     EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tVersion"), "1");
 }
@@ -41,10 +42,12 @@ TEST_F(ConnectionParts, Create_SomeTableThereAlready_KeepsWhatRanBefore)
 {
     const std::filesystem::path other = data.databaseFolder() / "other.db";
     const std::string name = reinterpret_cast<const char*>(other.u8string().c_str());
-    ASSERT_EQ(DB_INTERNAL_Create(name.c_str()), ResultCode::kSuccess);
+    ASSERT_EQ(DB_INTERNAL_Create(name.c_str(), complete), ResultCode::kSuccess);
+    EXPECT_TRUE(complete);
     const test::Sql look(other);
     look.exec("DROP TABLE tBFile; DROP TABLE tBackup; DELETE FROM tVersion");
-    EXPECT_EQ(DB_INTERNAL_Create(name.c_str()), ResultCode::kFailure);
+    EXPECT_EQ(DB_INTERNAL_Create(name.c_str(), complete), ResultCode::kFailure);
+    EXPECT_FALSE(complete);
     EXPECT_EQ(look.text("SELECT name FROM sqlite_master WHERE name IN ('tBFile', 'tBackup') ORDER BY 1"),
               "tBFile\ntBackup");
     EXPECT_EQ(look.text("SELECT COUNT(*) FROM tVersion"), "0");
@@ -52,8 +55,8 @@ TEST_F(ConnectionParts, Create_SomeTableThereAlready_KeepsWhatRanBefore)
 
 TEST_F(ConnectionParts, Create_PathThatCannotBe_FailsAtPositionOne)
 {
-    EXPECT_EQ(DB_INTERNAL_Create((path + "/below").c_str()), ResultCode::kFailure);
-    EXPECT_EQ(DB_INTERNAL_Create(nullptr), ResultCode::kFailure);
+    EXPECT_EQ(DB_INTERNAL_Create((path + "/below").c_str(), complete), ResultCode::kFailure);
+    EXPECT_EQ(DB_INTERNAL_Create(nullptr, complete), ResultCode::kFailure);
     EXPECT_THAT(ReplacedServices::take(), ElementsAre("DB TRACE >> Error in DB_INTERNAL_Create(), position 1.\n",
                                                       "DB TRACE >> Error in DB_INTERNAL_Create(), position 1.\n"));
 }

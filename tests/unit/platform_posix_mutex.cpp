@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <future>
 #include <new>
 #include <string>
@@ -249,6 +250,27 @@ TEST_F(MixedMutex, OtherLayout_IsAStrangerToo)
     EXPECT_EQ(segment->needsLockFile.load(), 1u);
     --segment->mutexBytes;
     expectExclusion(first, mutex);
+}
+
+TEST_F(MixedMutex, MutexWrittenOver_ALockFileTakesItsPlace)
+{
+    open();
+    std::memset(&segment->mutex, 0x7f, sizeof segment->mutex);
+    expectExclusion(first, mutex);
+    EXPECT_EQ(segment->needsLockFile.load(), 1u);
+}
+
+TEST_F(PosixMutex, LockFileRemovedWhileUsed_BothTakeTheNewOne)
+{
+    ASSERT_GE(shmget(SegmentKey(name.c_str()), 16, IPC_CREAT | 0600), 0);
+    open();
+    expectExclusion();
+    fs::remove(lockFile());
+    NamedMutex second;
+    second.open(name.c_str(), &LockFolder);
+    expectExclusion(second, mutex);
+    expectExclusion(mutex, second);
+    second.close();
 }
 
 TEST_F(PosixMutex, MakerDiedHalfway_NobodyWaitsTwice)

@@ -212,9 +212,9 @@ bool CanReadAll(const Path& file) noexcept
     return bytes == 0;
 }
 
-void CreatePrivateFile(const Path& file) noexcept
+bool CreatePrivateFile(const Path& file) noexcept
 {
-    const OpenFile created(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, kPrivateFile);
+    return OpenFile(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, kPrivateFile).isOpen();
 }
 
 Naming GiveSecondName(const Path& file, const Path& second) noexcept

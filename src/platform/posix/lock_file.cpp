@@ -80,9 +80,22 @@ void LockFile::close() noexcept
 
 void LockFile::lock() noexcept
 {
-    if (isOpen()) {
-        (void)SetLock(file_, F_OFD_SETLKW, F_WRLCK);
+    while (isOpen() && SetLock(file_, F_OFD_SETLKW, F_WRLCK) == 0 && wasRemoved()) {
+        openAnew();  // those who come later lock the new one
     }
+}
+
+bool LockFile::wasRemoved() const noexcept
+{
+    struct stat opened = {};
+    struct stat found = {};
+    if (fstat(file_, &opened) != 0) {
+        return false;
+    }
+    if (stat(path_, &found) != 0) {
+        return errno == ENOENT;
+    }
+    return opened.st_ino != found.st_ino || opened.st_dev != found.st_dev;
 }
 
 void LockFile::unlock() noexcept

@@ -20,10 +20,11 @@ public:
     void lock() noexcept;
     void unlock() noexcept;
 
-    /// In a forked process: opens the file once more, for the inherited one shares its lock with the parent.
+    /// Opens the file once more, not locked. In a forked process the inherited one shares its lock with the parent.
     void openAnew() noexcept;
 
 private:
+    [[nodiscard]] bool wasRemoved() const noexcept;
     bool openAt(const char* folder, const char* name) noexcept;
 
     int file_ = -1;

@@ -4,6 +4,7 @@
 
 #include <pthread.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <new>
@@ -25,13 +26,14 @@ public:
 
 private:
     pthread_mutex_t& mutex() { return usesShared_ ? shared_->mutex : threads_; }
+    bool takeMutex() noexcept;
     void takeFile() noexcept;
     void waitForTheOthers() noexcept;
 
     SharedMutex* shared_ = nullptr;
-    bool usesShared_ = false;       // whether the mutex in there is for this process
-    bool firstTime_ = false;        // those who use it may still be in a call that began without the lock file
-    pthread_mutex_t threads_ = {};  // excludes this process's threads where the other one is not used
+    std::atomic<bool> usesShared_ = false;  // whether the mutex in there is for this process
+    bool firstTime_ = false;                // those who use it may still be in a call that began without the lock file
+    pthread_mutex_t threads_ = {};          // excludes this process's threads where the other one is not used
     LockFile file_;
     char name_[64] = {};
     Path (*lockFolder_)() = nullptr;
@@ -78,17 +80,32 @@ void Mutex::takeFile() noexcept
 void Mutex::waitForTheOthers() noexcept
 {
     constexpr int kPatienceMs = 15'000;  // longer than a statement waits for the database
-    for (int waited = 0; shared_->heldAlone.load() != 0 && waited < kPatienceMs; ++waited) {
+    const auto isHeld = [this] {
+        return shared_->stage.load() == SegmentStage::kReady && shared_->heldAlone.load() == 1;
+    };
+    for (int waited = 0; isHeld() && waited < kPatienceMs; ++waited) {
         SleepMs(1);
     }
 }
 
-void Mutex::lock() noexcept
+/// False when the mutex answers what no mutex of ours does: somebody has written over it.
+bool Mutex::takeMutex() noexcept
 {
-    if (pthread_mutex_lock(&mutex()) == EOWNERDEAD) {
+    const int answer = pthread_mutex_lock(&mutex());
+    if (answer == EOWNERDEAD) {
         // The holder died in the middle of a call. The database heals itself by its journal: nothing is left to repair.
         pthread_mutex_consistent(&mutex());
         depth_ = 0;
+    }
+    return answer == 0 || answer == EOWNERDEAD || !usesShared_;
+}
+
+void Mutex::lock() noexcept
+{
+    if (!takeMutex()) {
+        shared_->needsLockFile.store(1);
+        usesShared_ = false;
+        (void)takeMutex();
     }
     if (depth_++ > 0 || fileTaken_) {
         return;

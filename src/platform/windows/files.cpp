@@ -95,9 +95,9 @@ bool CanReadAll(const Path& file) noexcept
     return readable;
 }
 
-void CreatePrivateFile(const Path& /*file*/) noexcept
+bool CreatePrivateFile(const Path& /*file*/) noexcept
 {
-    // A file takes its rights from its folder here, and the application-data folder is the user's own.
+    return false;  // the application-data folder is the user's own, and so is what is made in it
 }
 
 Naming GiveSecondName(const Path& file, const Path& second) noexcept
