@@ -75,6 +75,15 @@ TEST_F(PimLogProfile, GetPimProfile_StepFails_GivesItsCode)
     EXPECT_EQ(trace.take(), Framed("DB_PIMLOG_GetPimProfile", 18));
 }
 
+TEST_F(PimLogProfile, GetPimProfile_NullProfile_IsTheEmptyText)
+{
+    givenLog(1, 7);
+    Text buffer = W("overwritten");
+    EXPECT_EQ(lib.DB_PIMLOG_GetPimProfile(W(kImei), buffer.get(), 7), 0);
+    EXPECT_EQ(Utf8(buffer.get()), "");
+    EXPECT_EQ(trace.take(), Framed("DB_PIMLOG_GetPimProfile", 0));
+}
+
 TEST_F(PimLogProfile, GetPimProfile_NullBuffer_TakesTheExceptionWay)
 {
     givenLog(1, 7, "'profile'");

@@ -2,6 +2,7 @@
 // works.
 #include <sqlite3.h>
 
+#include <cstdlib>
 #include <functional>
 #include <set>
 
@@ -13,6 +14,7 @@
 #include "library/phone_settings.h"
 #include "media/folder_records.h"
 #include "media/synced_files.h"
+#include "pim/items.h"
 #include "support/dates.h"
 #include "unit/module_under_test.h"
 
@@ -293,6 +295,68 @@ TEST_F(FailingMemory, Open_AtEveryAllocation_FailsOrOpensASoundFile)
         ASSERT_EQ(DB_LIB_PhoneDetected(imei, folder), 1) << "the file was thrown away at allocation " << nth;
         if (!wasStruck) break;
     }
+}
+
+TEST_F(FailingMemory, GetListFilesname_AtEveryAllocation_LeavesAnArrayThatCounts)
+{
+    const Text list = W("Rock");
+    sql.exec(
+        "WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 20) "
+        "INSERT INTO tPFilename SELECT '351111', 'Rock', 'name ' || i FROM n");
+    const auto give = [](FileNameArray& names) {
+        for (int32_t i = 0; i < names.Count; ++i) {
+            EXPECT_NE(names.Items[i], nullptr);
+            std::free(names.Items[i]);
+        }
+        std::free(names.Items);
+        names = {};
+    };
+    FileNameArray names = {};
+    int32_t last = 0;
+    atEveryAllocation(
+        {0, 1}, [&] { return DB_PLAYERMUSIC_GetListFilesname(imei, list, &names); },
+        [&] {
+            EXPECT_LE(names.Count, 11);
+            last = names.Count;
+            give(names);
+        });
+    EXPECT_EQ(last, 11);
+}
+
+TEST_F(FailingMemory, GetItems_AtEveryAllocation_FailsOrLeavesAConsistentList)
+{
+    sql.exec("INSERT INTO tPimItem ([pfID], [PimID], [Data], [Type]) VALUES (-2, 'a', x'01', 1), (-2, 'b', x'02', 1)");
+    PimItemList list = {};
+    atEveryAllocation(
+        {0, 1}, [&] { return DB_PIM_GetItems(&list, nullptr, 1, 0); }, [&] { EXPECT_LE(list.Count, 2); });
+    EXPECT_EQ(list.Count, 2);
+    EmptyList(list);
+    EXPECT_EQ(held, 0);
+}
+
+/// Every statement is made in the buffer: without it each call ends as an exception does.
+TEST_F(FailingMemory, Start_AtEveryAllocation_FailsOrWorks)
+{
+    int without = 0;
+    for (int nth = 0; nth < 10; ++nth) {
+        TheModule().end();
+        held = 0;
+        MemoryFault::arm(nth);
+        TheModule().start();
+        EXPECT_TRUE(MemoryFault::disarm()) << nth;
+        if (TheModule().takeStatementBuffer() == nullptr) {
+            ++without;
+            EXPECT_EQ(DB_LIB_SetSDType(imei, 1, 1), 1);
+            EXPECT_EQ(DB_Open(), 1);
+            EXPECT_EQ(held, 0);
+        }
+        TheModule().giveStatementBufferBack();
+        TheModule().end();
+        EXPECT_EQ(held, 0) << nth;
+        TheModule().start();
+        EXPECT_EQ(DB_LIB_SetSDType(imei, 1, 1), 0);
+    }
+    EXPECT_EQ(without, 1);
 }
 
 TEST_F(FailingMemory, TraceLine_TooLongForTheStack_IsLostAndNothingElse)

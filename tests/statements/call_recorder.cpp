@@ -33,6 +33,15 @@ std::vector<std::string> events;
 std::map<sqlite3_stmt*, std::string> texts;  // as each statement was received
 sqlite3_stmt* justCompiled = nullptr;
 int buffersLeft = -1;
+int statementsLeft = -1;
+int stepsLeft = -1;
+int endCode = SQLITE_OK;
+
+/// Whether it is the turn of the one that fails.
+bool Strikes(int& left)
+{
+    return left >= 0 && left-- == 0;
+}
 
 void Note(std::string event)
 {
@@ -67,6 +76,17 @@ std::vector<std::string> CallRecorder::stop()
     return std::exchange(events, {});
 }
 
+void CallRecorder::refuseStatementAfter(int statements)
+{
+    statementsLeft = statements;
+}
+
+void CallRecorder::endStepAfter(int steps, int code)
+{
+    stepsLeft = steps;
+    endCode = code;
+}
+
 void CallRecorder::withholdBufferAfter(int statements)
 {
     buffersLeft = statements;
@@ -87,6 +107,10 @@ int __wrap_sqlite3_exec(sqlite3* db, const char* text, RowCallback* row, void* d
 int __wrap_sqlite3_prepare_v2(sqlite3* db, const char* text, int bytes, sqlite3_stmt** statement, const char** tail)
 {
     Note(Received(text, bytes));
+    if (Strikes(statementsLeft)) {
+        *statement = nullptr;
+        return SQLITE_ERROR;
+    }
     const int code = __real_sqlite3_prepare_v2(db, text, bytes, statement, tail);
     if (*statement != nullptr) texts[*statement] = Received(text, bytes);
     justCompiled = *statement;
@@ -96,7 +120,7 @@ int __wrap_sqlite3_prepare_v2(sqlite3* db, const char* text, int bytes, sqlite3_
 int __wrap_sqlite3_step(sqlite3_stmt* statement)
 {
     if (sqlite3_stmt_busy(statement) == 0 && std::exchange(justCompiled, nullptr) != statement) Note(texts[statement]);
-    return __real_sqlite3_step(statement);
+    return Strikes(stepsLeft) ? endCode : __real_sqlite3_step(statement);
 }
 
 int __wrap_sqlite3_close(sqlite3* db)

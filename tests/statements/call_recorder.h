@@ -14,6 +14,12 @@ public:
     static void start();
     static std::vector<std::string> stop();
 
+    /// SQLite refuses to compile the statement after the next `statements` ones; none for -1.
+    static void refuseStatementAfter(int statements);
+
+    /// The step after the next `steps` ones is not made and gives that code; none does for -1.
+    static void endStepAfter(int steps, int code);
+
     /// The statement after the next `statements` ones finds no buffer to be made in; none does for -1.
     static void withholdBufferAfter(int statements);
 };

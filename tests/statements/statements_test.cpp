@@ -21,6 +21,7 @@ void PrintTo(const CallCase& tested, std::ostream* out)
 namespace {
 
 using ::testing::AllOf;
+using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::EndsWith;
 using ::testing::StartsWith;
@@ -227,6 +228,14 @@ TEST_F(Statements, ModuleEnd_ConnectionAndBuffer_ClosesBeforeItFrees)
     ASSERT_EQ(events.size(), 2u);
     EXPECT_EQ(events[0], "close");
     EXPECT_THAT(events[1], AllOf(StartsWith("DB TRACE >> Memory "), EndsWith(" DELETE.\n")));
+}
+
+TEST_F(Statements, ModuleStart_StartedAlready_KeepsBufferAndConnection)
+{
+    CallRecorder::start();
+    TheModule().start();
+    EXPECT_THAT(CallRecorder::stop(), ElementsAre("lock", "DB TRACE >> Enter DB_Open().\n",
+                                                  "DB TRACE >> Exit DB_Open() with 0.\n", "unlock"));
 }
 
 TEST_F(Statements, ModuleEnd_ThreadInsideACall_LeavesEverythingToIt)

@@ -179,7 +179,18 @@ TEST_F(SqlText, EscapeSqlText_LongText_StopsAtItsLimit)
     EXPECT_EQ(length(std::string(30000, '\'')), 40958u);
     EXPECT_EQ(length(std::string(40956, 'x') + "'x"), 40958u);
     EXPECT_EQ(length(std::string(40957, 'x') + "'x"), 40958u);  // the pair does not fit whole
+    EXPECT_EQ(length(std::string(40958, 'x') + "'x"), 40958u);
+    EXPECT_EQ(length(std::string(40956, 'x') + "''"), 40958u);
     EXPECT_EQ(length("it's"), 5u);
+    const auto escapedUntilColon = [](const char* text) {
+        std::basic_string<DbChar> escaped;
+        EscapeSqlText(W(text), static_cast<DbChar>(':'),
+                      [&](const DbChar* run, size_t units) { escaped.append(run, units); });
+        return test::Utf8(escaped.c_str());
+    };
+    EXPECT_EQ(escapedUntilColon("it's:'more"), "it''s");
+    EXPECT_EQ(escapedUntilColon("it':more"), "it''");
+    EXPECT_EQ(escapedUntilColon(":more"), "");
     size_t runs = 0;
     EscapeSqlText(nullptr, 0, [&](const DbChar*, size_t) { ++runs; });
     EXPECT_EQ(runs, 0u);

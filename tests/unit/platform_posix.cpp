@@ -2,11 +2,16 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <optional>
@@ -233,6 +238,75 @@ TEST(PosixTrace, RuntimeFolderTooLongForASocket_NobodyReads)
     OpenTrace();
     EXPECT_FALSE(services.traceIsRead());
     CloseTrace();
+}
+
+/// A socket at that path, which nobody reads.
+int BoundSocket(const fs::path& path)
+{
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    path.native().copy(address.sun_path, sizeof address.sun_path - 1);
+    const int file = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    EXPECT_EQ(bind(file, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0) << path;
+    return file;
+}
+
+TEST(PosixTrace, SocketThatNobodyListensTo_NobodyReads)
+{
+    const test::DataFolder data;
+    close(BoundSocket(data.runtimeFolder() / "kesta_db.trace"));
+    OpenTrace();
+    EXPECT_FALSE(services.traceIsRead());
+    CloseTrace();
+}
+
+TEST(PosixTrace, EmptyRuntimeFolder_IsAsNoneGiven)
+{
+    const test::DataFolder data;
+    const std::string path = "/tmp/kesta_db-" + std::to_string(geteuid()) + ".trace";
+    if (access(path.c_str(), F_OK) == 0) GTEST_SKIP() << "somebody watches the trace of this user: " << path;
+    const Variable folder("XDG_RUNTIME_DIR", "");
+    OpenTrace();
+    EXPECT_FALSE(services.traceIsRead());
+    CloseTrace();
+    const int viewer = BoundSocket(path);
+    OpenTrace();
+    EXPECT_TRUE(services.traceIsRead());
+    CloseTrace();
+    close(viewer);
+    unlink(path.c_str());
+}
+
+TEST(PosixTrace, NoFileToBeHad_NobodyReads)
+{
+    const test::DataFolder data;
+    const int viewer = BoundSocket(data.runtimeFolder() / "kesta_db.trace");
+    rlimit before = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none = {0, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    OpenTrace();
+    EXPECT_FALSE(services.traceIsRead());
+    CloseTrace();
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    close(viewer);
+}
+
+volatile sig_atomic_t interruptions = 0;
+
+TEST(PosixServices, Sleep_InterruptedBySignals_GoesOn)
+{
+    struct sigaction noted = {};
+    struct sigaction before = {};
+    noted.sa_handler = [](int) { interruptions = interruptions + 1; };
+    ASSERT_EQ(sigaction(SIGALRM, &noted, &before), 0);
+    const itimerval often = {{0, 5000}, {0, 5000}};
+    const itimerval never = {};
+    setitimer(ITIMER_REAL, &often, nullptr);
+    services.sleep(100);
+    setitimer(ITIMER_REAL, &never, nullptr);
+    sigaction(SIGALRM, &before, nullptr);
+    EXPECT_GT(interruptions, 1);  // the first did not end it
 }
 
 }  // namespace

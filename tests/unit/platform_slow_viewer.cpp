@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -162,6 +164,21 @@ TEST_F(SlowViewer, InterruptedBySignals_TriesAgainWithoutWaiting)
     write();
     EXPECT_EQ(attempts, 3);
     EXPECT_THAT(waits(), IsEmpty());
+}
+
+TEST_F(SlowViewer, RefusesTwice_LosesTheLine)
+{
+    const int viewer = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    (data.runtimeFolder() / "kesta_db.trace").native().copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(viewer, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    int attempts = 0;
+    system.sendFails = [&] { return ++attempts, ECONNREFUSED; };
+    BeginTracedCall();
+    write();
+    EXPECT_EQ(attempts, 2);  // somebody has taken its place, and refuses too
+    close(viewer);
 }
 
 TEST_F(SlowViewer, GoneForGood_IsLookedForOnceALine)
