@@ -1,0 +1,167 @@
+"""Every allocation and every file call of every export fails once, for good, or half, on a good file and with the
+journal of a killed process beside it.
+
+After each: no crash, no hang, no descriptor or lock left, the next call works, the library unloads, the file is there
+and valid, and its rows are those before the call, those after it, or what some of its statements leave. A call that
+answers as without the fault must have done what it does without the fault, except for UNSEEN.
+"""
+
+import os
+
+import calls
+from bench import Part
+from children import Failure, in_child
+from database import difference, outside, read_state
+from disk import UNLINK, Disk, read_log
+from fault_space import FaultSpace, Mixed, plan_of
+from interposer import FILES, MEMORY, watch
+from loaded import Loaded, held_locks, open_files
+from records import CATEGORIES
+
+# Exports whose contract says that a failed statement, or some of them, does not show in the result.
+UNSEEN = {
+    **{f"DB_{family}_AddFolder": "whether the statements succeeded does not show in the result"
+       for family in CATEGORIES},
+    "DB_PLAYERMUSIC_AddPlaylist": "0, whether the statements succeeded or not",
+    "DB_PLAYERMUSIC_SetListFilesname": "0, whether the statements succeeded or not",
+    "DB_PIMLOG_SaveLog": "0, whether each item could be stored or not",
+    "DB_LIB_ClearSyncHistory": "always 0",
+}
+SETTINGS = ("fresh", "warm", "journal")
+MOST = 5000  # faults of one call in one setting
+
+
+class Profile:
+    """A call without faults."""
+
+    def __init__(self, result, outputs, kinds, states):
+        self.result, self.outputs, self.states = result, outputs, states
+        self.faults = FaultSpace(kinds)
+
+
+class CallFaults(Part):
+    name = "faults"
+    share = 5
+    plants = ("lose-writes", "leak-file", "hang", "crash", "delete-database", "damage-database")
+
+    def __init__(self, bench):
+        super().__init__(bench)
+        self.profiles = {}
+
+    def trials(self):
+        """sample/setting/files or memory/number/error/once or sticky, so mixed that every export has its turn early."""
+        self.bench.hot  # made here, for the workers to share
+        if not self.profiles:
+            self.profiles = {(sample, setting): self.profile(sample, setting)
+                             for sample in calls.sample_names() for setting in SETTINGS}
+        spaces = [(f"{sample}/{setting}", profile.faults) for (sample, setting), profile in self.profiles.items()]
+        return Mixed(self.bench.seed, spaces, MOST)
+
+    def row(self, trial):
+        _, setting, what, *_ = trial.split("/")
+        beside = " beside a journal" if setting == "journal" else ""
+        return f"{what} fail in calls{beside}" if what == "files" else f"{what} fails in calls{beside}"
+
+    # ---- a call
+
+    def _prepared(self, place, setting):
+        library = Loaded(self.bench, self.bench.library)
+        if setting == "warm":
+            library.call("DB_LIB_GetAllPhones", (5,))
+        elif setting == "journal":
+            place.overwrite(*self.bench.hot)
+        return library
+
+    def profile(self, sample, setting):
+        place = self.bench.place
+        place.reset(self.bench.image)
+        export, args = calls.sample(sample)
+        at_call = {}
+
+        def work():
+            library = self._prepared(place, setting)
+            at_call.update(place.files())
+            result = library.planned(watch(FILES | MEMORY), export, args)
+            kinds = self.bench.interposer.kinds()
+            outputs = library.outputs(export, args)
+            self.bench.interposer.log(-1)
+            return result, outputs, kinds, at_call
+
+        (result, outputs, kinds, files), log = self.bench.log_of(place, work)
+        return Profile(result, outputs, kinds, self._states(place, files, log))
+
+    def _states(self, place, files, log):
+        """The rows before the call and after each transaction, which ends with the deletion of its journal."""
+        disk = Disk(place.folder, {place.database: self.bench.image})
+        states = [self.bench.before]
+        for operation in read_log(log):
+            disk.apply(operation)
+            if operation[0] == UNLINK and place.database in files:
+                state = read_state(disk.content()[place.database], self.bench.before)
+                if state != states[-1]:
+                    states.append(state)
+        return states
+
+    # ---- one trial
+
+    def run(self, place, trial):
+        sample, setting, name = trial.split("/", 2)
+        export, args = calls.sample(sample)
+        profile = self.profiles[sample, setting]
+        planted = self.bench.plant or "none"
+        plan = plan_of(name, planted if planted != "lose-writes" else "none")
+        place.reset(self.bench.image)
+
+        def work():
+            outside_library = open_files()
+            library = self._prepared(place, setting)
+            before = open_files()
+            if planted == "lose-writes":
+                self.bench.interposer.lies(lose_writes_of=".s3db")
+            result = library.planned(plan, export, args)
+            struck = library.struck
+            self.bench.interposer.lies()
+            outputs = library.outputs(export, args)
+            if open_files() != before:
+                raise Failure(f"answers {result} and leaves other descriptors: {_new(open_files(), before)}")
+            if not os.path.exists(place.database):
+                raise Failure(f"answers {result}, and the database is gone")
+            again = library.call("DB_LIB_PhoneDetected", (calls.IMEI, "again"))
+            if again != 1:
+                raise Failure(f"answers {result}, and the next call {again} instead of the phone's number")
+            if held_locks(place.database):
+                raise Failure(f"answers {result}, and a lock stays on the file")
+            library.unload()
+            if open_files() != outside_library:
+                raise Failure(f"unloading leaves descriptors: {_new(open_files(), outside_library)}")
+            return result, outputs, struck
+
+        result, outputs, struck = in_child(work).expect_value()
+        if not struck:
+            raise Failure("the fault was not reached: the call took another way than in its profile")
+        self._judge(export, profile, result, outputs, place.state())
+
+    def _judge(self, export, profile, result, outputs, state):
+        final = profile.states[-1]
+        alike = result == profile.result
+        if alike and export not in UNSEEN:
+            if state != final:
+                raise Failure(f"answers {result} as without the fault, but the rows differ: {difference(state, final)}")
+            if outputs != profile.outputs:
+                raise Failure(f"answers {result} as without the fault, but gives the caller {_first(outputs, profile)}")
+        if state in profile.states:
+            return
+        problem = outside(state, profile.states, self.bench.columns)
+        if problem:
+            raise Failure(f"answers {result}, and leaves rows that none of its statements explains: {problem}")
+
+
+def _new(found, before):
+    return sorted(set(found.items()) ^ set(before.items()))
+
+
+def _first(outputs, profile):
+    for found, expected in zip(outputs, profile.outputs):
+        if found != expected:
+            return f"{found!r:.300} instead of {expected!r:.300}"
+    return "something else"

@@ -1,0 +1,232 @@
+#!/usr/bin/env python3
+"""The torture bench: makes everything around the built library fail and looks at what is left of the data.
+
+Runs the parts one after the other, each for its share of the time, and ends with one table: test, trials, failures.
+Exit code 1 when anything failed.
+"""
+
+import argparse
+import gc
+import os
+import pickle
+import random
+import select
+import shutil
+import struct
+import sys
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path[:0] = [HERE, os.path.join(HERE, "..", "model")]
+sys.dont_write_bytecode = True
+
+import calls  # noqa: E402
+import interposer  # noqa: E402
+from bench import Bench, Clock  # noqa: E402
+from children import Failure  # noqa: E402
+from parts import PARTS  # noqa: E402
+
+SHORT_SECONDS = 240  # of all parts together
+SHOWN = 12           # failures of one row; the others are counted
+
+
+class Row:
+    def __init__(self):
+        self.trials, self.failures, self.seconds = 0, 0, 0.0
+
+
+class Work:
+    """Trials handed to worker processes, one at a time each, until they or the time run out."""
+
+    def __init__(self, bench, part, trials, clock, jobs):
+        self.bench, self.part, self.trials, self.clock, self.jobs = bench, part, iter(trials), clock, jobs
+
+    def results(self):
+        """(trial, None or what failed), as they come."""
+        workers = {}
+        gc.freeze()
+        for number in range(self.jobs):
+            worker = self._start()
+            workers[worker[1].fileno()] = worker
+        busy = set()
+        for key, worker in workers.items():
+            if self._hand_out(worker):
+                busy.add(key)
+        while busy:
+            for key in select.select(list(busy), [], [])[0]:
+                worker = workers[key]
+                yield self._receive(worker)
+                if not self._hand_out(worker):
+                    busy.discard(key)
+        for process, reading, writing in workers.values():
+            writing.close()
+            reading.close()
+            os.waitpid(process, 0)
+
+    def _start(self):
+        to_worker, from_worker = os.pipe(), os.pipe()
+        place = self.bench.new_place()
+        process = os.fork()
+        if process == 0:
+            os.close(to_worker[1])
+            os.close(from_worker[0])
+            self._serve(place, os.fdopen(to_worker[0], "rb"), os.fdopen(from_worker[1], "wb"))
+            place.close()
+            os._exit(0)
+        os.close(to_worker[0])
+        os.close(from_worker[1])
+        return process, os.fdopen(from_worker[0], "rb"), os.fdopen(to_worker[1], "wb")
+
+    def _serve(self, place, source, target):
+        place.enter(self.bench.interposer)
+        while True:
+            trial = pickle.load(source)
+            if trial is None:
+                return
+            try:
+                self.part.run(place, trial)
+                answer = (trial, None)
+            except Failure as failure:
+                answer = (trial, str(failure))
+            except Exception as error:  # a mistake of the bench is no passed trial
+                answer = (trial, f"the bench itself failed: {type(error).__name__}: {error}")
+            data = pickle.dumps(answer)
+            target.write(struct.pack("=Q", len(data)) + data)
+            target.flush()
+
+    def _hand_out(self, worker):
+        trial = next(self.trials, None) if self.clock.left() > 0 else None
+        pickle.dump(trial, worker[2])
+        worker[2].flush()
+        return trial is not None
+
+    @staticmethod
+    def _receive(worker):
+        head = worker[1].read(8)
+        if len(head) < 8:
+            raise SystemExit("a worker process of the bench is gone")
+        return pickle.loads(worker[1].read(struct.unpack("=Q", head)[0]))
+
+
+def chosen(parts, options):
+    wanted = options.part.split(",") if options.part else None
+    for part in parts:
+        if wanted and part.name not in wanted:
+            continue
+        missing = [program for program in part.needs if not shutil.which(program)]
+        if missing:
+            print(f"{part.name}: left out, there is no {', '.join(missing)}")
+            continue
+        yield part
+
+
+def repeat(bench, part, trial):
+    return f"./dev torture --seed {bench.seed} --part {part.name} --only '{trial}'"
+
+
+def run_parts(bench, parts, options):
+    """Rows by name, in order."""
+    rows = {}
+    began = time.monotonic()
+    seconds = SHORT_SECONDS if options.short else options.minutes * 60
+    for index, part in enumerate(parts):
+        start = time.monotonic()
+        trials = part.trials()
+        left = max(1.0, seconds - (time.monotonic() - began))
+        clock = Clock(left * part.share / sum(other.share for other in parts[index:]))
+        if options.only:
+            trials = [trial for trial in trials if trial == options.only or trial.startswith(options.only + "/")]
+        print(f"{part.name}: {len(trials)} trials are there, {clock.left():.0f} s for them", flush=True)
+        shown = {}
+        for trial, problem in Work(bench, part, trials, clock, options.jobs).results():
+            name = part.row(trial)
+            row = rows.setdefault(name, Row())
+            row.trials += 1
+            row.seconds += time.monotonic() - start  # what passed since the result before
+            start = time.monotonic()
+            if problem:
+                row.failures += 1
+                shown[name] = shown.get(name, 0) + 1
+                if shown[name] <= SHOWN or options.all:
+                    print(f"  FAILED {trial}\n    {problem}\n    again: {repeat(bench, part, trial)}", flush=True)
+        if not len(trials):
+            rows[part.name] = Row()
+    return rows
+
+
+def prove(bench, parts, options):
+    """Each part must find each fault that is planted for it, in a trial that passes without."""
+    rows = {}
+    for part in parts:
+        for plant in part.plants:
+            row = rows.setdefault(f"{part.name} finds: {plant}", Row())
+            bench.plant = plant
+            found = None
+            trials = part.trials()
+            for trial, problem in Work(bench, part, trials, Clock(options.minutes * 60), 1).results():
+                row.trials += 1
+                if problem and not problem.startswith("the bench itself"):
+                    bench.plant = None
+                    without = [again for _, again in Work(bench, part, [trial], Clock(60), 1).results()]
+                    bench.plant = plant
+                    if without == [None]:
+                        found = (trial, problem)
+                        break
+            bench.plant = None
+            if found:
+                print(f"{part.name}: {plant} is found by {found[0]}\n    {found[1]}", flush=True)
+            else:
+                print(f"{part.name}: {plant} IS NOT FOUND in {row.trials} trials", flush=True)
+                row.failures += 1
+    return rows
+
+
+def print_table(rows):
+    width = max([len(name) for name in rows] + [4])
+    print(f"\n{'test':{width}}  {'trials':>8}  {'failures':>8}  {'seconds':>7}")
+    for name, row in rows.items():
+        print(f"{name:{width}}  {row.trials:8}  {row.failures:8}  {row.seconds:7.0f}")
+    total = sum(row.trials for row in rows.values()), sum(row.failures for row in rows.values())
+    print(f"{'all':{width}}  {total[0]:8}  {total[1]:8}")
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="./dev torture")
+    parser.add_argument("minutes", nargs="?", type=float, default=20, help="for all parts together (20)")
+    parser.add_argument("--short", action="store_true", help="the short form of each part, a few minutes in all")
+    parser.add_argument("--prove", action="store_true", help="show that each part finds faults planted for it")
+    parser.add_argument("--part", help="only these parts, separated by commas")
+    parser.add_argument("--only", help="only this trial, or those below it")
+    parser.add_argument("--seed", type=int, help="1 for the short form, else by the clock")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="workers side by side")
+    parser.add_argument("--all", action="store_true", help="print every failure")
+    parser.add_argument("--list", action="store_true", help="list parts and trials instead of running them")
+    parser.add_argument("--library", default="build/linux/libKESTA_DB.so")
+    parser.add_argument("--interposer", default="build/linux/libkesta_torture.so")
+    options = parser.parse_args()
+    interposer.preload(options.interposer)
+    if options.seed is None:
+        options.seed = 1 if options.short or options.prove else int(time.time()) % 100000
+    calls.check_table(os.path.join(HERE, "..", "..", "exports", "kesta_db.def"))
+    interposer.check_covered(options.library, options.interposer)
+    random.seed(options.seed)
+    bench = Bench(options.library, options.seed, options.minutes, options.short)
+    try:
+        parts = list(chosen([part(bench) for part in PARTS], options))
+        if not parts:
+            raise SystemExit("no such part")
+        if options.list:
+            for part in parts:
+                for trial in part.trials():
+                    print(f"{part.name}: {trial}")
+            return
+        print(f"seed {options.seed}", flush=True)
+        rows = (prove if options.prove else run_parts)(bench, parts, options)
+    finally:
+        bench.close()
+    print_table(rows)
+    sys.exit(1 if any(row.failures or not row.trials for row in rows.values()) else 0)
+
+
+if __name__ == "__main__":
+    main()
