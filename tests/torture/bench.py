@@ -36,7 +36,7 @@ class Part:
         return self.name
 
     def run(self, place, trial):
-        """One trial. Failure says what is wrong."""
+        """One trial. Failure says what is wrong; a text that is returned is counted and told below the table."""
         raise NotImplementedError
 
 
@@ -69,10 +69,12 @@ class Place:
             self.overwrite(database, journal)
 
     def reset_files(self, files):
-        """The data folder holds exactly these: full path -> bytes."""
+        """The data folder holds exactly these: path below it -> bytes."""
         shutil.rmtree(self.data, ignore_errors=True)
-        os.makedirs(self.folder)
+        os.makedirs(self.data)
         for path, content in files.items():
+            path = os.path.join(self.data, path)
+            os.makedirs(os.path.dirname(path), exist_ok=True)
             with open(path, "wb") as file:
                 file.write(content)
 
@@ -96,6 +98,7 @@ class Place:
             raise Failure(f"the database is damaged: {damage}") from damage
 
     def files(self):
+        """Full path -> bytes of all that lies in the database's folder."""
         return {os.path.join(self.folder, name): open(os.path.join(self.folder, name), "rb").read()
                 for name in os.listdir(self.folder)} if os.path.isdir(self.folder) else {}
 
@@ -117,7 +120,7 @@ class Bench:
         self.places = 0
         self.place = self.new_place()
         self._image = None
-        self._hot = None
+        self._hot = self._fresh = None
 
     def new_place(self):
         self.places += 1
@@ -155,6 +158,20 @@ class Bench:
         in_child(make).expect_value()
         with open(place.database, "rb") as file:
             return file.read()
+
+    @property
+    def fresh(self):
+        """The rows of a file that the library has just made."""
+        if self._fresh is None:
+            self.place.reset()
+
+            def make():
+                self.place.enter(self.interposer)
+                Loaded(self, self.library)
+
+            in_child(make).expect_value()
+            self._fresh = self.place.state()
+        return self._fresh
 
     @property
     def hot(self):

@@ -185,6 +185,12 @@ def sample_names():
             for variant in variants]
 
 
+def writing_samples():
+    """Those that may change the file."""
+    quiet = ("_Get", "_Is", "_FileExist", "_MainFoldersChanged", "DB_Open", "DB_Close")
+    return [name for name in sample_names() if not any(part in name for part in quiet)]
+
+
 def check_table(definition):
     """Fails when the table does not have exactly the exports of the .def file, or arguments that do not fit them."""
     with open(definition, encoding="ascii") as file:

@@ -80,6 +80,7 @@ class Disk:
         self.root = root
         self.names = {path: File(content) for path, content in files.items()}
         self.durable = dict(self.names)
+        self.made = set()  # folders made while logging; in the names they are None
         self.pending = []  # changes of names since the last sync of their folder: (folder, change)
         self.open = {}     # descriptor -> (path, File or None for a folder)
 
@@ -92,6 +93,8 @@ class Disk:
         elif kind in (WRITE, TRUNCATE, SYNC):
             if descriptor in self.open:
                 self._changed(kind, *self.open[descriptor], offset, data)
+        elif kind == MAKE_FOLDER:
+            self._made_folder(os.fsdecode(data))
         elif kind in (UNLINK, RENAME, LINK):
             self._renamed(kind, [os.fsdecode(path) for path in data.split(b"\0")])
 
@@ -99,7 +102,7 @@ class Disk:
         if not path.startswith(self.root):
             self.open.pop(descriptor, None)
             return
-        if path == self.root or any(name.startswith(path + "/") for name in self.names):
+        if path == self.root or path in self.made or any(name.startswith(path + "/") for name in self.names):
             self.open[descriptor] = (path, None)
             return
         if path not in self.names:
@@ -108,6 +111,11 @@ class Disk:
         self.open[descriptor] = (path, self.names[path])
         if flags & os.O_TRUNC:
             self.names[path].truncate(0)
+
+    def _made_folder(self, path):
+        if path.startswith(self.root + "/"):
+            self.made.add(path)
+            self._name(path, lambda names: names.__setitem__(path, None))
 
     def _changed(self, kind, path, file, offset, data):
         if kind == SYNC and file is None:
@@ -142,26 +150,25 @@ class Disk:
         change(self.names)
         self.pending.append((os.path.dirname(path), change))
 
-    def settled(self):
-        """Whether nothing is left that a power loss could take."""
-        return not self.pending and not any(file.pending for file in self.names.values())
-
     def content(self):
         """What a process sees now."""
-        return {path: bytes(file.current) for path, file in self.names.items()}
+        return {path: bytes(file.current) for path, file in self.names.items() if file}
 
     def after_power_loss(self, variant, random):
         """Path -> bytes. Variants: kept, dropped, names (names kept, bytes dropped), bytes (the reverse), torn."""
         names = self.names if variant in ("kept", "names") else self.durable
-        if variant == "torn":
+        if variant.startswith("torn"):
             names = dict(self.durable)
             for _, change in self.pending[:random.randrange(len(self.pending) + 1)]:
                 change(names)
+        lost = tuple(folder + "/" for folder in self.made if folder not in names)
+        files = {path: file for path, file in names.items() if file and not path.startswith(lost)}
         if variant in ("kept", "bytes"):
-            return {path: bytes(file.current) for path, file in names.items()}
-        if variant == "torn":
-            return {path: file.torn(random) for path, file in names.items()}
-        return {path: file.durable for path, file in names.items()}
+            return {path: bytes(file.current) for path, file in files.items()}
+        if variant.startswith("torn"):
+            return {path: file.torn(random) for path, file in files.items()}
+        return {path: file.durable for path, file in files.items()}
 
 
-VARIANTS = ("kept", "dropped", "names", "bytes", "torn")
+# What has not been synced is all there, all gone, there in name or in bytes only, or there in parts.
+VARIANTS = ("kept", "dropped", "names", "bytes", "torn1", "torn2", "torn3")

@@ -15,6 +15,7 @@ import shutil
 import struct
 import sys
 import time
+from collections import Counter
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path[:0] = [HERE, os.path.join(HERE, "..", "model")]
@@ -33,6 +34,7 @@ SHOWN = 12           # failures of one row; the others are counted
 class Row:
     def __init__(self):
         self.trials, self.failures, self.seconds = 0, 0, 0.0
+        self.notes = Counter()
 
 
 class Work:
@@ -42,7 +44,7 @@ class Work:
         self.bench, self.part, self.trials, self.clock, self.jobs = bench, part, iter(trials), clock, jobs
 
     def results(self):
-        """(trial, None or what failed), as they come."""
+        """(trial, None or what failed, None or what is worth telling), as they come."""
         workers = {}
         gc.freeze()
         for number in range(self.jobs):
@@ -84,12 +86,11 @@ class Work:
             if trial is None:
                 return
             try:
-                self.part.run(place, trial)
-                answer = (trial, None)
+                answer = (trial, None, self.part.run(place, trial))
             except Failure as failure:
-                answer = (trial, str(failure))
+                answer = (trial, str(failure), None)
             except Exception as error:  # a mistake of the bench is no passed trial
-                answer = (trial, f"the bench itself failed: {type(error).__name__}: {error}")
+                answer = (trial, f"the bench itself failed: {type(error).__name__}: {error}", None)
             data = pickle.dumps(answer)
             target.write(struct.pack("=Q", len(data)) + data)
             target.flush()
@@ -138,9 +139,11 @@ def run_parts(bench, parts, options):
             trials = [trial for trial in trials if trial == options.only or trial.startswith(options.only + "/")]
         print(f"{part.name}: {len(trials)} trials are there, {clock.left():.0f} s for them", flush=True)
         shown = {}
-        for trial, problem in Work(bench, part, trials, clock, options.jobs).results():
+        for trial, problem, note in Work(bench, part, trials, clock, options.jobs).results():
             name = part.row(trial)
             row = rows.setdefault(name, Row())
+            if note:
+                row.notes[note] += 1
             row.trials += 1
             row.seconds += time.monotonic() - start  # what passed since the result before
             start = time.monotonic()
@@ -163,11 +166,11 @@ def prove(bench, parts, options):
             bench.plant = plant
             found = None
             trials = part.trials()
-            for trial, problem in Work(bench, part, trials, Clock(options.minutes * 60), 1).results():
+            for trial, problem, _ in Work(bench, part, trials, Clock(options.minutes * 60), 1).results():
                 row.trials += 1
                 if problem and not problem.startswith("the bench itself"):
                     bench.plant = None
-                    without = [again for _, again in Work(bench, part, [trial], Clock(60), 1).results()]
+                    without = [again for _, again, _ in Work(bench, part, [trial], Clock(60), 1).results()]
                     bench.plant = plant
                     if without == [None]:
                         found = (trial, problem)
@@ -186,6 +189,9 @@ def print_table(rows):
     print(f"\n{'test':{width}}  {'trials':>8}  {'failures':>8}  {'seconds':>7}")
     for name, row in rows.items():
         print(f"{name:{width}}  {row.trials:8}  {row.failures:8}  {row.seconds:7.0f}")
+    for name, row in rows.items():
+        for note, count in row.notes.items():
+            print(f"{name}: {count} x {note}")
     total = sum(row.trials for row in rows.values()), sum(row.failures for row in rows.values())
     print(f"{'all':{width}}  {total[0]:8}  {total[1]:8}")
 

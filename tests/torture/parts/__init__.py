@@ -1,6 +1,8 @@
 """The parts of the bench, in the order in which they run. A new one is a file here and a line below."""
 
 from parts.call_faults import CallFaults
+from parts.kills import Kills
 from parts.load_faults import LoadFaults
+from parts.power_loss import PowerLoss
 
-PARTS = [CallFaults, LoadFaults]
+PARTS = [CallFaults, LoadFaults, PowerLoss, Kills]

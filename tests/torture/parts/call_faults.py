@@ -11,11 +11,10 @@ import os
 import calls
 from bench import Part
 from children import Failure, in_child
-from database import difference, outside, read_state
-from disk import UNLINK, Disk, read_log
-from fault_space import FaultSpace, Mixed, plan_of
-from interposer import FILES, MEMORY, watch
-from loaded import Loaded, held_locks, open_files
+from database import difference, outside
+from fault_space import Mixed, plan_of
+from loaded import held_locks, open_files
+from profiles import SETTINGS, Profiles
 from records import CATEGORIES
 
 # Exports whose contract says that a failed statement, or some of them, does not show in the result.
@@ -27,16 +26,7 @@ UNSEEN = {
     "DB_PIMLOG_SaveLog": "0, whether each item could be stored or not",
     "DB_LIB_ClearSyncHistory": "always 0",
 }
-SETTINGS = ("fresh", "warm", "journal")
 MOST = 5000  # faults of one call in one setting
-
-
-class Profile:
-    """A call without faults."""
-
-    def __init__(self, result, outputs, kinds, states):
-        self.result, self.outputs, self.states = result, outputs, states
-        self.faults = FaultSpace(kinds)
 
 
 class CallFaults(Part):
@@ -46,15 +36,13 @@ class CallFaults(Part):
 
     def __init__(self, bench):
         super().__init__(bench)
-        self.profiles = {}
+        self.profiles = Profiles(bench)
 
     def trials(self):
         """sample/setting/files or memory/number/error/once or sticky, so mixed that every export has its turn early."""
         self.bench.hot  # made here, for the workers to share
-        if not self.profiles:
-            self.profiles = {(sample, setting): self.profile(sample, setting)
-                             for sample in calls.sample_names() for setting in SETTINGS}
-        spaces = [(f"{sample}/{setting}", profile.faults) for (sample, setting), profile in self.profiles.items()]
+        spaces = [(f"{sample}/{setting}", self.profiles.of(sample, setting).faults)
+                  for sample in calls.sample_names() for setting in SETTINGS]
         return Mixed(self.bench.seed, spaces, MOST)
 
     def row(self, trial):
@@ -62,59 +50,17 @@ class CallFaults(Part):
         beside = " beside a journal" if setting == "journal" else ""
         return f"{what} fail in calls{beside}" if what == "files" else f"{what} fails in calls{beside}"
 
-    # ---- a call
-
-    def _prepared(self, place, setting):
-        library = Loaded(self.bench, self.bench.library)
-        if setting == "warm":
-            library.call("DB_LIB_GetAllPhones", (5,))
-        elif setting == "journal":
-            place.overwrite(*self.bench.hot)
-        return library
-
-    def profile(self, sample, setting):
-        place = self.bench.place
-        place.reset(self.bench.image)
-        export, args = calls.sample(sample)
-        at_call = {}
-
-        def work():
-            library = self._prepared(place, setting)
-            at_call.update(place.files())
-            result = library.planned(watch(FILES | MEMORY), export, args)
-            kinds = self.bench.interposer.kinds()
-            outputs = library.outputs(export, args)
-            self.bench.interposer.log(-1)
-            return result, outputs, kinds, at_call
-
-        (result, outputs, kinds, files), log = self.bench.log_of(place, work)
-        return Profile(result, outputs, kinds, self._states(place, files, log))
-
-    def _states(self, place, files, log):
-        """The rows before the call and after each transaction, which ends with the deletion of its journal."""
-        disk = Disk(place.folder, {place.database: self.bench.image})
-        states = [self.bench.before]
-        for operation in read_log(log):
-            disk.apply(operation)
-            if operation[0] == UNLINK and place.database in files:
-                state = read_state(disk.content()[place.database], self.bench.before)
-                if state != states[-1]:
-                    states.append(state)
-        return states
-
-    # ---- one trial
-
     def run(self, place, trial):
         sample, setting, name = trial.split("/", 2)
         export, args = calls.sample(sample)
-        profile = self.profiles[sample, setting]
+        profile = self.profiles.of(sample, setting)
         planted = self.bench.plant or "none"
         plan = plan_of(name, planted if planted != "lose-writes" else "none")
         place.reset(self.bench.image)
 
         def work():
             outside_library = open_files()
-            library = self._prepared(place, setting)
+            library = self.profiles.prepared(place, setting)
             before = open_files()
             if planted == "lose-writes":
                 self.bench.interposer.lies(lose_writes_of=".s3db")

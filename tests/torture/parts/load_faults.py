@@ -6,7 +6,6 @@ open database is complete. Once the fault is over, DB_Open opens it.
 """
 
 import os
-import sqlite3
 
 import calls
 from bench import Part
@@ -15,18 +14,9 @@ from database import difference, is_complete
 from fault_space import FaultSpace, Mixed, plan_of
 from interposer import FILES, MEMORY, watch
 from loaded import Loaded, NotLoaded, held_locks, open_files
+from starts import KEPT, STARTS, expect_tidy, prepare
 
-KEPT = ("good", "journal")
-SETTINGS = (*KEPT, "missing", "other version", "no folders")
-MOST = 20000  # faults of one setting
-
-
-def old_version():
-    """A database of another version, as bytes."""
-    connection = sqlite3.connect(":memory:")
-    connection.executescript("CREATE TABLE tVersion ([Version] INTEGER); INSERT INTO tVersion VALUES (5004);"
-                             "CREATE TABLE tOld (a)")
-    return connection.serialize()
+MOST = 20000  # faults of one start
 
 
 class LoadFaults(Part):
@@ -38,28 +28,15 @@ class LoadFaults(Part):
         super().__init__(bench)
         self.spaces = {}
 
-    def prepare(self, place, setting):
-        if setting == "good":
-            place.reset(self.bench.image)
-        elif setting == "journal":
-            place.reset(*self.bench.hot)
-        elif setting == "other version":
-            place.reset(old_version())
-        elif setting == "missing":
-            place.reset(b"")
-            os.unlink(place.database)
-        else:
-            place.reset()
-
     def trials(self):
         self.bench.hot  # made here, for the workers to share
         if not self.spaces:
-            self.spaces = {setting: FaultSpace(self._kinds(setting)) for setting in SETTINGS}
+            self.spaces = {start: FaultSpace(self._kinds(start)) for start in STARTS}
         return Mixed(self.bench.seed, self.spaces.items(), MOST)
 
-    def _kinds(self, setting):
+    def _kinds(self, start):
         place = self.bench.place
-        self.prepare(place, setting)
+        prepare(self.bench, place, start)
 
         def work():
             place.enter(self.bench.interposer)
@@ -69,13 +46,13 @@ class LoadFaults(Part):
         return in_child(work).expect_value()
 
     def row(self, trial):
-        setting, what, *_ = trial.split("/")
-        return f"{what} fail{'' if what == 'files' else 's'} in loading, {setting}"
+        start, what, *_ = trial.split("/")
+        return f"{what} fail{'' if what == 'files' else 's'} in loading, {start}"
 
     def run(self, place, trial):
-        setting, name = trial.split("/", 1)
-        self.prepare(place, setting)
-        inode = os.stat(place.database).st_ino if setting in KEPT else None
+        start, name = trial.split("/", 1)
+        prepare(self.bench, place, start)
+        inode = os.stat(place.database).st_ino if start in KEPT else None
         plan = plan_of(name, self.bench.plant or "none")
 
         def work():
@@ -88,7 +65,7 @@ class LoadFaults(Part):
                 raise Failure("the fault was not reached: loading took another way than in its profile")
             self._expect_same_file(place, inode, "loading under the fault")
             if library.call("DB_LIB_MainFoldersChanged", (0,)) == 0:
-                self._expect_whole(place, setting, "the database is open")
+                self._expect_whole(place, start, "the database is open")
             answer = library.call("DB_Open", ())
             if answer != 0:
                 raise Failure(f"DB_Open answers {answer} after the fault is over")
@@ -102,7 +79,8 @@ class LoadFaults(Part):
                 raise Failure(f"descriptors stay: {sorted(set(open_files().items()) ^ set(before.items()))}")
 
         in_child(work).expect_value()
-        if setting in KEPT:
+        expect_tidy(place, Failure)
+        if start in KEPT:
             self._expect_same_file(place, inode, "all")
             problem = difference(place.state(), self.bench.before)
             if problem:
@@ -118,7 +96,7 @@ class LoadFaults(Part):
             raise Failure(f"after {after} the user's database is replaced by another file")
 
     @staticmethod
-    def _expect_whole(place, setting, when):
+    def _expect_whole(place, start, when):
         state = place.state()
-        if setting not in KEPT and not is_complete(state):
+        if start not in KEPT and not is_complete(state):
             raise Failure(f"{when}, but incomplete: {len(state.get('tLibMainFolder', []))} main folders")

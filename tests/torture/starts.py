@@ -1,0 +1,37 @@
+"""What the library can find when it is loaded."""
+
+import os
+import sqlite3
+
+# The user's own data, which must be there afterwards, row by row.
+KEPT = ("good", "journal")
+STARTS = (*KEPT, "missing", "other version", "no folders")
+
+
+def old_version():
+    """A database of another version, as bytes."""
+    connection = sqlite3.connect(":memory:")
+    connection.executescript("CREATE TABLE tVersion ([Version] INTEGER); INSERT INTO tVersion VALUES (5004);"
+                             "CREATE TABLE tOld (a)")
+    return connection.serialize()
+
+
+def prepare(bench, place, start):
+    if start == "good":
+        place.reset(bench.image)
+    elif start == "journal":
+        place.reset(*bench.hot)
+    elif start == "other version":
+        place.reset(old_version())
+    elif start == "missing":
+        place.reset(b"")
+        os.unlink(place.database)
+    else:
+        place.reset()
+
+
+def expect_tidy(place, failure):
+    """What an earlier start left half done is gone. A journal may lie there, dead, until the next transaction."""
+    left = set(os.listdir(place.folder)) - {os.path.basename(place.database), os.path.basename(place.journal)}
+    if left:
+        raise failure(f"the folder has more than the database: {sorted(left)}")
