@@ -4,5 +4,6 @@ from parts.call_faults import CallFaults
 from parts.kills import Kills
 from parts.load_faults import LoadFaults
 from parts.power_loss import PowerLoss
+from parts.random_kills import RandomKills
 
-PARTS = [CallFaults, LoadFaults, PowerLoss, Kills]
+PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills]
