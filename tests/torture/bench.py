@@ -21,10 +21,14 @@ class Part:
     name = ""         # as --part takes it
     share = 1         # of the time, beside the other parts
     plants = ()       # faults of the bench's own that it must find: see Bench.plant
-    needs = ()        # programs without which the part is left out
+    jobs = None       # how many workers, where that is not for the user to say
 
     def __init__(self, bench):
         self.bench = bench
+
+    def missing(self):
+        """What the part cannot do without and does not find, or None."""
+        return None
 
     def trials(self):
         """The names of all trials, most telling first; a run takes as many as its time allows. Each says by itself how
@@ -43,34 +47,39 @@ class Part:
 class Place:
     """A worker's private folder with the library's data in it."""
 
-    def __init__(self, root, number):
+    def __init__(self, root, number, interposer):
+        self.interposer = interposer
         self.root = os.path.join(root, str(number))
         self.data = os.path.join(self.root, "data")
         self.runtime = os.path.join(self.root, "run")
         self.folder = os.path.join(self.data, "NORVIK", "NORVIK Sync", "Database")
         self.database = os.path.join(self.folder, "KESTA_DB.s3db")
         self.journal = self.database + "-journal"
-        self.mutex_suffix = f".torture{os.getpid()}.{number}"
+        self.mutex = f"torture {self.root}"[-31:]
         os.makedirs(self.runtime)
 
     def environment(self):
         return {"XDG_DATA_HOME": self.data, "XDG_RUNTIME_DIR": self.runtime, "HOME": self.root}
 
-    def enter(self, interposer):
+    def enter(self):
         """From now on this process's library lives here."""
         os.environ.update(self.environment())
-        interposer.place(self.database, self.mutex_suffix)
+        self.interposer.place(self.database, self.mutex)
 
     def reset(self, database=None, journal=None):
-        """Nothing in the folder but these; not even the folder when there is no database."""
-        shutil.rmtree(self.data, ignore_errors=True)
+        """Nothing in the folder but these; not even the folder when there is no database. And a new mutex."""
+        self._clear()
         if database is not None:
             os.makedirs(self.folder)
             self.overwrite(database, journal)
 
+    def _clear(self):
+        shutil.rmtree(self.data, ignore_errors=True)
+        self.interposer.forget_mutex(self.mutex)
+
     def reset_files(self, files):
         """The data folder holds exactly these: path below it -> bytes."""
-        shutil.rmtree(self.data, ignore_errors=True)
+        self._clear()
         os.makedirs(self.data)
         for path, content in files.items():
             path = os.path.join(self.data, path)
@@ -104,9 +113,7 @@ class Place:
 
     def close(self):
         shutil.rmtree(self.root, ignore_errors=True)
-        for name in os.listdir("/dev/shm"):
-            if name.endswith(self.mutex_suffix):
-                os.unlink(os.path.join("/dev/shm", name))
+        self.interposer.forget_mutex(self.mutex)
 
 
 class Bench:
@@ -124,7 +131,7 @@ class Bench:
 
     def new_place(self):
         self.places += 1
-        return Place(self.root, f"{os.getpid()}-{self.places}")
+        return Place(self.root, self.places, self.interposer)
 
     def close(self):
         self.place.close()
@@ -144,7 +151,7 @@ class Bench:
         place.reset()
 
         def make():
-            place.enter(self.interposer)
+            place.enter()
             library = Loaded(self, self.library)
             beside = sqlite3.connect(place.database, isolation_level=None)
             beside.executescript(calls.FOREIGN_TABLES)
@@ -166,7 +173,7 @@ class Bench:
             self.place.reset()
 
             def make():
-                self.place.enter(self.interposer)
+                self.place.enter()
                 Loaded(self, self.library)
 
             in_child(make).expect_value()
@@ -201,7 +208,7 @@ class Bench:
         log = os.path.join(place.root, "operations")
 
         def logged():
-            place.enter(self.interposer)
+            place.enter()
             descriptor = os.open(log, os.O_CREAT | os.O_TRUNC | os.O_WRONLY | os.O_APPEND)
             self.interposer.log(descriptor)
             value = work()

@@ -102,7 +102,8 @@ class Disk:
         if not path.startswith(self.root):
             self.open.pop(descriptor, None)
             return
-        if path == self.root or path in self.made or any(name.startswith(path + "/") for name in self.names):
+        if flags & os.O_DIRECTORY or path == self.root or path in self.made or \
+                any(name.startswith(path + "/") for name in self.names):
             self.open[descriptor] = (path, None)
             return
         if path not in self.names:

@@ -8,7 +8,7 @@ import sys
 
 # As enum Kind in interposer/plan.h.
 KINDS = ("memory", "open", "read", "write", "sync", "truncate", "unlink", "rename", "stat", "lock", "map", "mkdir",
-         "close", "attributes", "name", "socket")
+         "close", "attributes", "name", "socket", "shared")
 MEMORY = 1
 FILES = (1 << len(KINDS)) - 1 - MEMORY
 # Calls after which the disk is another one.
@@ -34,6 +34,7 @@ ERRORS = {
     "attributes": ("EPERM", "EIO", "EROFS"),
     "name": ("EACCES", "EIO", "ENOMEM"),
     "socket": ("EMFILE", "EACCES", "ENOMEM"),
+    "shared": ("EACCES", "ENOSPC", "ENOMEM", "EINVAL"),
 }
 # A call that was interrupted comes through in the end; the other faults stay for good when they are not single.
 STICKY = 1 << 30
@@ -77,7 +78,7 @@ class Interposer:
     def __init__(self):
         own = ctypes.CDLL(None)
         self._plan, self._place = own.torture_plan, own.torture_place
-        self._lies = own.torture_lies
+        self._lies, self._forget_mutex = own.torture_lies, own.torture_forget_mutex
         self.log, self.mark = own.torture_log, own.torture_mark
         own.torture_mark.argtypes = [ctypes.c_int64]
         self.call = own.torture_call
@@ -93,9 +94,13 @@ class Interposer:
     def plan(self, plan):
         self._plan(ctypes.byref(plan))
 
-    def place(self, database, mutex_suffix):
-        """Where the database lies (for planted faults), and what keeps this run's mutex apart from others'."""
-        self._place(os.fsencode(database), mutex_suffix.encode())
+    def place(self, database, mutex):
+        """Where the database lies (for planted faults), and the name of this run's mutex, apart from others'."""
+        self._place(os.fsencode(database), mutex.encode())
+
+    def forget_mutex(self, mutex):
+        """The next process makes it anew."""
+        self._forget_mutex(mutex.encode())
 
     def lies(self, lose_writes_of="", skip_syncs_of=""):
         """From now on writes to, and syncs of, files whose names end so only seem to happen."""
@@ -116,13 +121,14 @@ class Interposer:
 
 # What the library asks of the C library without going to memory or files.
 HARMLESS = set("""
-__cxa_atexit __cxa_finalize __errno_location __gmon_start__ __tls_get_addr _ITM_deregisterTMCloneTable
+__cxa_atexit __cxa_finalize __errno_location __gmon_start__ __libc_single_threaded __register_atfork
+__tls_get_addr _ITM_deregisterTMCloneTable
 _ITM_registerTMCloneTable __stack_chk_fail __snprintf_chk __memcpy_chk __memmove_chk __memset_chk __strcpy_chk
 __vsnprintf_chk clock_gettime connect free freelocale getenv geteuid getuid getpid getpwuid_r gettimeofday localtime
 localtime_r gmtime_r mbrtoc16 memchr memcmp memcpy memmove memset memrchr munmap mremap newlocale poll
-pthread_mutex_consistent pthread_mutex_init pthread_mutex_lock pthread_mutex_unlock pthread_mutexattr_destroy
+pthread_mutex_consistent pthread_mutex_destroy pthread_mutex_init pthread_mutex_lock pthread_mutex_unlock pthread_mutexattr_destroy
 pthread_mutexattr_init pthread_mutexattr_setpshared pthread_mutexattr_setrobust pthread_mutexattr_settype rmdir send
-setsockopt snprintf strchr strcmp strcspn strerror strftime_l strlen strncmp strrchr strspn sysconf uselocale
+setsockopt snprintf strchr strcmp strcspn strerror strftime_l strlen strncmp strrchr strspn shmdt sysconf uselocale
 """.split())
 
 

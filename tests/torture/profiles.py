@@ -25,6 +25,12 @@ class Profiles:
     def __init__(self, bench):
         self.bench, self.known = bench, {}
 
+    def pairs(self, samples, settings):
+        """Samples and settings to go through: all of them, or each sample in one setting in the short form."""
+        if not self.bench.short:
+            return [(sample, setting) for sample in samples for setting in settings]
+        return [(sample, settings[index % len(settings)]) for index, sample in enumerate(samples)]
+
     def of(self, sample, setting):
         if (sample, setting) not in self.known:
             self.known[sample, setting] = self._make(sample, setting)

@@ -11,7 +11,7 @@ import os
 import pickle
 import random
 import select
-import shutil
+import signal
 import struct
 import sys
 import time
@@ -47,23 +47,26 @@ class Work:
         """(trial, None or what failed, None or what is worth telling), as they come."""
         workers = {}
         gc.freeze()
-        for number in range(self.jobs):
+        for _ in range(self.jobs):
             worker = self._start()
             workers[worker[1].fileno()] = worker
-        busy = set()
-        for key, worker in workers.items():
-            if self._hand_out(worker):
-                busy.add(key)
+        try:
+            yield from self._results_of(workers)
+        finally:  # the table may have seen enough
+            for _, reading, writing in workers.values():
+                writing.close()
+                reading.close()
+            for process, _, _ in workers.values():
+                os.waitpid(process, 0)
+
+    def _results_of(self, workers):
+        busy = {key for key, worker in workers.items() if self._hand_out(worker)}
         while busy:
             for key in select.select(list(busy), [], [])[0]:
                 worker = workers[key]
                 yield self._receive(worker)
                 if not self._hand_out(worker):
                     busy.discard(key)
-        for process, reading, writing in workers.values():
-            writing.close()
-            reading.close()
-            os.waitpid(process, 0)
 
     def _start(self):
         to_worker, from_worker = os.pipe(), os.pipe()
@@ -72,17 +75,23 @@ class Work:
         if process == 0:
             os.close(to_worker[1])
             os.close(from_worker[0])
-            self._serve(place, os.fdopen(to_worker[0], "rb"), os.fdopen(from_worker[1], "wb"))
-            place.close()
-            os._exit(0)
+            signal.signal(signal.SIGTERM, signal.SIG_DFL)
+            try:
+                self._serve(place, os.fdopen(to_worker[0], "rb"), os.fdopen(from_worker[1], "wb"))
+            finally:
+                place.close()
+                os._exit(0)
         os.close(to_worker[0])
         os.close(from_worker[1])
         return process, os.fdopen(from_worker[0], "rb"), os.fdopen(to_worker[1], "wb")
 
     def _serve(self, place, source, target):
-        place.enter(self.bench.interposer)
+        place.enter()
         while True:
-            trial = pickle.load(source)
+            try:
+                trial = pickle.load(source)
+            except EOFError:  # the bench was ended
+                return
             if trial is None:
                 return
             try:
@@ -114,9 +123,9 @@ def chosen(parts, options):
     for part in parts:
         if wanted and part.name not in wanted:
             continue
-        missing = [program for program in part.needs if not shutil.which(program)]
+        missing = part.missing()
         if missing:
-            print(f"{part.name}: left out, there is no {', '.join(missing)}")
+            print(f"{part.name}: left out, {missing}")
             continue
         yield part
 
@@ -131,15 +140,16 @@ def run_parts(bench, parts, options):
     began = time.monotonic()
     seconds = SHORT_SECONDS if options.short else options.minutes * 60
     for index, part in enumerate(parts):
-        start = time.monotonic()
         trials = part.trials()
+        start = time.monotonic()
         left = max(1.0, seconds - (time.monotonic() - began))
         clock = Clock(left * part.share / sum(other.share for other in parts[index:]))
         if options.only:
             trials = [trial for trial in trials if trial == options.only or trial.startswith(options.only + "/")]
         print(f"{part.name}: {len(trials)} trials are there, {clock.left():.0f} s for them", flush=True)
         shown = {}
-        for trial, problem, note in Work(bench, part, trials, clock, options.jobs).results():
+        jobs = part.jobs or options.jobs
+        for trial, problem, note in Work(bench, part, trials, clock, jobs).results():
             name = part.row(trial)
             row = rows.setdefault(name, Row())
             if note:
@@ -166,7 +176,8 @@ def prove(bench, parts, options):
             bench.plant = plant
             found = None
             trials = part.trials()
-            for trial, problem, _ in Work(bench, part, trials, Clock(options.minutes * 60), 1).results():
+            results = Work(bench, part, trials, Clock(options.minutes * 60), 1).results()
+            for trial, problem, _ in results:
                 row.trials += 1
                 if problem and not problem.startswith("the bench itself"):
                     bench.plant = None
@@ -175,6 +186,7 @@ def prove(bench, parts, options):
                     if without == [None]:
                         found = (trial, problem)
                         break
+            results.close()
             bench.plant = None
             if found:
                 print(f"{part.name}: {plant} is found by {found[0]}\n    {found[1]}", flush=True)
@@ -217,6 +229,7 @@ def main():
     interposer.check_covered(options.library, options.interposer)
     random.seed(options.seed)
     bench = Bench(options.library, options.seed, options.minutes, options.short)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # so that nothing is left behind
     try:
         parts = list(chosen([part(bench) for part in PARTS], options))
         if not parts:

@@ -46,6 +46,21 @@ int Changed(Kind kind, Call&& call) noexcept
     return result;
 }
 
+/// Notes the file under its full name, whatever folder the name was relative to.
+void LogOpened(int file, const char* path, int flags) noexcept
+{
+    if (!TheState().armed) return;
+    char own[32];
+    std::snprintf(own, sizeof own, "/proc/self/fd/%d", file);
+    char full[4096];
+    const ssize_t length = path[0] == '/' ? -1 : NEXT(readlink)(own, full, sizeof full);
+    if (length < 0) {
+        Log(Operation::kOpen, file, flags, path, __builtin_strlen(path));
+    } else {
+        Log(Operation::kOpen, file, flags, full, static_cast<size_t>(length));
+    }
+}
+
 template <class Call>
 int Opened(const char* path, int flags, Call&& call) noexcept
 {
@@ -55,7 +70,7 @@ int Opened(const char* path, int flags, Call&& call) noexcept
         return -1;
     }
     const int file = call();
-    if (file >= 0) Log(Operation::kOpen, file, flags, path, __builtin_strlen(path));
+    if (file >= 0) LogOpened(file, path, flags);
     Passed(action);
     return file;
 }
@@ -93,14 +108,6 @@ int openat(int folder, const char* path, int flags, ...)
     va_end(list);
     return Opened(path, flags, [&] { return NEXT(openat)(folder, path, flags, mode); });
 }
-int shm_open(const char* name, int flags, mode_t mode)
-{
-    if (Fails(Kind::kOpen)) return -1;
-    char own[256];
-    std::snprintf(own, sizeof own, "%s%s", name, TheState().mutexSuffix);
-    return NEXT(shm_open)(own, flags, mode);
-}
-
 int unlink(const char* path) noexcept
 {
     return Changed(Kind::kUnlink, [&] {

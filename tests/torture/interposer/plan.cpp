@@ -139,10 +139,10 @@ void torture_lies(const char* loseWritesOf, const char* skipSyncsOf)
 
 /// Where the database lies, and what is appended to the name of the shared mutex, so that runs side by side do not
 /// meet.
-void torture_place(const char* databasePath, const char* mutexSuffix)
+void torture_place(const char* databasePath, const char* mutexName)
 {
     std::strncpy(TheState().databasePath, databasePath, sizeof(State::databasePath) - 1);
-    std::strncpy(TheState().mutexSuffix, mutexSuffix, sizeof(State::mutexSuffix) - 1);
+    std::strncpy(TheState().mutexName, mutexName, sizeof(State::mutexName) - 1);
 }
 
 /// Any export: its parameters are pointers and 32-bit integers, at most four, all of which go in registers.

@@ -29,6 +29,7 @@ enum class Kind : int32_t {
     kAttributes,
     kName,
     kSocket,
+    kShared,
 };
 
 enum class Action : int32_t {
@@ -70,7 +71,7 @@ struct State {
     Plan plan;
     Lies lies;
     char databasePath[1024];
-    char mutexSuffix[32];
+    char mutexName[32];
     bool armed;
     int64_t counted;
     bool struck;

@@ -5,5 +5,6 @@ from parts.kills import Kills
 from parts.load_faults import LoadFaults
 from parts.power_loss import PowerLoss
 from parts.random_kills import RandomKills
+from parts.windows_kills import WindowsKills
 
-PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills]
+PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills]

@@ -3,7 +3,7 @@ journal of a killed process beside it.
 
 After each: no crash, no hang, no descriptor or lock left, the next call works, the library unloads, the file is there
 and valid, and its rows are those before the call, those after it, or what some of its statements leave. A call that
-answers as without the fault must have done what it does without the fault, except for UNSEEN.
+answers as without the fault must have done what it does without the fault, except for what contract.py lists.
 """
 
 import os
@@ -11,21 +11,11 @@ import os
 import calls
 from bench import Part
 from children import Failure, in_child
-from database import difference, outside
+from contract import judge
 from fault_space import Mixed, plan_of
 from loaded import held_locks, open_files
 from profiles import SETTINGS, Profiles
-from records import CATEGORIES
 
-# Exports whose contract says that a failed statement, or some of them, does not show in the result.
-UNSEEN = {
-    **{f"DB_{family}_AddFolder": "whether the statements succeeded does not show in the result"
-       for family in CATEGORIES},
-    "DB_PLAYERMUSIC_AddPlaylist": "0, whether the statements succeeded or not",
-    "DB_PLAYERMUSIC_SetListFilesname": "0, whether the statements succeeded or not",
-    "DB_PIMLOG_SaveLog": "0, whether each item could be stored or not",
-    "DB_LIB_ClearSyncHistory": "always 0",
-}
 MOST = 5000  # faults of one call in one setting
 
 
@@ -42,7 +32,7 @@ class CallFaults(Part):
         """sample/setting/files or memory/number/error/once or sticky, so mixed that every export has its turn early."""
         self.bench.hot  # made here, for the workers to share
         spaces = [(f"{sample}/{setting}", self.profiles.of(sample, setting).faults)
-                  for sample in calls.sample_names() for setting in SETTINGS]
+                  for sample, setting in self.profiles.pairs(calls.sample_names(), SETTINGS)]
         return Mixed(self.bench.seed, spaces, MOST)
 
     def row(self, trial):
@@ -85,29 +75,9 @@ class CallFaults(Part):
         result, outputs, struck = in_child(work).expect_value()
         if not struck:
             raise Failure("the fault was not reached: the call took another way than in its profile")
-        self._judge(export, profile, result, outputs, place.state())
-
-    def _judge(self, export, profile, result, outputs, state):
-        final = profile.states[-1]
-        alike = result == profile.result
-        if alike and export not in UNSEEN:
-            if state != final:
-                raise Failure(f"answers {result} as without the fault, but the rows differ: {difference(state, final)}")
-            if outputs != profile.outputs:
-                raise Failure(f"answers {result} as without the fault, but gives the caller {_first(outputs, profile)}")
-        if state in profile.states:
-            return
-        problem = outside(state, profile.states, self.bench.columns)
-        if problem:
-            raise Failure(f"answers {result}, and leaves rows that none of its statements explains: {problem}")
+        return judge(export, profile, result, outputs, place.state(), self.bench.columns)
 
 
 def _new(found, before):
     return sorted(set(found.items()) ^ set(before.items()))
 
-
-def _first(outputs, profile):
-    for found, expected in zip(outputs, profile.outputs):
-        if found != expected:
-            return f"{found!r:.300} instead of {expected!r:.300}"
-    return "something else"

@@ -33,9 +33,8 @@ class Kills(Part):
         """sample/setting/number-kind/when, and loading/start/number-kind/when."""
         self.bench.hot, self.bench.fresh  # made here, for the workers to share
         points = []
-        for sample in calls.writing_samples():
-            for setting in SETTINGS:
-                points += self._points(f"{sample}/{setting}", self.profiles.of(sample, setting).kinds)
+        for sample, setting in self.profiles.pairs(calls.writing_samples(), SETTINGS):
+            points += self._points(f"{sample}/{setting}", self.profiles.of(sample, setting).kinds)
         for start in STARTS:
             if start not in self.loading:
                 self.loading[start] = self._kinds_of_loading(start)
@@ -55,7 +54,7 @@ class Kills(Part):
         prepare(self.bench, place, start)
 
         def work():
-            place.enter(self.bench.interposer)
+            place.enter()
             Loaded(self.bench, self.bench.library, watch(FILES))
             return self.bench.interposer.kinds()
 
@@ -73,7 +72,7 @@ class Kills(Part):
         if head == LOADING:
             prepare(self.bench, place, setting)
             self._kill(lambda: Loaded(self.bench, self.bench.library, plan))
-            self._expect_start(place, setting in KEPT)
+            self._expect_start(place, setting, setting in KEPT)
             self._expect_loaded(place, setting)
             return
         place.reset(self.bench.image)
@@ -85,7 +84,7 @@ class Kills(Part):
             library.planned(plan, *calls.sample(head))
 
         self._kill(work)
-        self._expect_start(place, known=True)
+        self._expect_start(place, "good", known=True)
         states = self.profiles.of(head, setting).states
         state = place.state()
         if state not in states:
@@ -99,7 +98,7 @@ class Kills(Part):
             ending.expect_value()
             raise Failure("the process was not killed: the call took another way than in its profile")
 
-    def _expect_start(self, place, known):
+    def _expect_start(self, place, start, known):
         def work():
             library = Loaded(self.bench, self.bench.library)
             answer = library.call("DB_Open", ())
@@ -110,7 +109,7 @@ class Kills(Part):
             library.unload()
 
         in_child(work).expect_value()
-        expect_tidy(place, Failure)
+        expect_tidy(place, Failure, start)
 
     def _expect_loaded(self, place, start):
         state = place.state()

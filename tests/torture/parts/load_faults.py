@@ -39,7 +39,7 @@ class LoadFaults(Part):
         prepare(self.bench, place, start)
 
         def work():
-            place.enter(self.bench.interposer)
+            place.enter()
             Loaded(self.bench, self.bench.library, watch(FILES | MEMORY))
             return self.bench.interposer.kinds()
 
@@ -79,7 +79,7 @@ class LoadFaults(Part):
                 raise Failure(f"descriptors stay: {sorted(set(open_files().items()) ^ set(before.items()))}")
 
         in_child(work).expect_value()
-        expect_tidy(place, Failure)
+        expect_tidy(place, Failure, start)
         if start in KEPT:
             self._expect_same_file(place, inode, "all")
             problem = difference(place.state(), self.bench.before)

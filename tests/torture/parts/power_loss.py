@@ -128,7 +128,7 @@ class PowerLoss(Part):
     def _look(self, place, story, start, count, by_library):
         """1 when the last acknowledged transaction is missing, else 0."""
         if by_library:
-            self._open_by_library(place)
+            self._open_by_library(place, start)
         try:
             state = read_state(place.database)
         except Damaged as damage:
@@ -148,7 +148,7 @@ class PowerLoss(Part):
                            f"the rows are of none: {difference(state, story.states[acknowledged])}"))
         return 1 if max(matching) < acknowledged else 0
 
-    def _open_by_library(self, place):
+    def _open_by_library(self, place, start):
         def work():
             library = Loaded(self.bench, self.bench.library)
             answer = library.call("DB_Open", ())
@@ -158,4 +158,4 @@ class PowerLoss(Part):
         answer = in_child(work).expect_value()
         if answer != 0:
             raise Failure(f"the next start answers {answer}")
-        expect_tidy(place, Failure)
+        expect_tidy(place, Failure, start)
