@@ -47,10 +47,15 @@ class Loaded(Native):
 
     def outputs(self, name, args):
         """What the call left in the caller's records and lists."""
-        forms = zip(records.EXPORTS[name], args)
-        return [self.read_slot(form, arg) for form, arg in forms
-                if arg is not None and form.partition(":")[0] in
-                ("rec", "list", "outdate", "outint", "outlog", "outnames", "buffer", "outslot")]
+        changed = ("rec", "list", "outdate", "outint", "outlog", "outnames", "buffer", "outslot")
+        outputs = []
+        for form, arg in zip(records.EXPORTS[name], args):
+            head, _, kind = form.partition(":")
+            if arg is not None and head in changed:
+                outputs.append(self.read_slot(form, arg))
+            elif arg is not None and head == "inout":
+                outputs.append(self.read_record(kind, self.given))
+        return outputs
 
     def unload(self, plan=None):
         self.functions = {}
