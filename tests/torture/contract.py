@@ -28,7 +28,8 @@ UNSEEN = {
 # Readers that then give an empty list, but never half of one.
 EMPTY = {
     "DB_LIB_GetAllMainFolders", "DB_LIB_GetAllPhones", "DB_PLAYERMUSIC_GetSyncedFiles",
-    "DB_PLAYERMUSIC_GetListFilesname", "DB_BOOKMARK_GetSyncedMarks",
+    "DB_PLAYERMUSIC_GetListFilesname", "DB_PLAYERMUSIC_GetPlaylists", "DB_BOOKMARK_GetSyncedMarks",
+    "DB_BACKUP_GetAllBackups", "DB_BACKUP_GetPhoneBackups", "DB_PIMLOG_ReadLog",
     *(f"DB_{family}_GetSyncedFiles" for family in CATEGORIES),
 }
 # Readers that then leave elements, or fields of them, as zero:
@@ -73,7 +74,8 @@ def judge(export, profile, result, outputs, state, columns):
 
 
 def _is_empty(output):
-    return output == [] or (isinstance(output, tuple) and output[0] == 0 and not output[1])
+    """A list's count comes before its elements, in a log behind the type."""
+    return output == [] or (isinstance(output, tuple) and output[-2] == 0 and not output[-1])
 
 
 def _is_less(found, expected):

@@ -39,6 +39,7 @@ class Profiles:
     def prepared(self, place, setting):
         """The library on the data set that the place holds."""
         library = Loaded(self.bench, self.bench.library)
+        library.prime("outlog", 0, {"Type": 1})  # the log that the data set has
         if setting == "warm":
             library.call("DB_LIB_GetAllPhones", (5,))
         elif setting == "journal":
