@@ -4,7 +4,8 @@ from parts.call_faults import CallFaults
 from parts.kills import Kills
 from parts.load_faults import LoadFaults
 from parts.power_loss import PowerLoss
+from parts.random_calls import RandomCalls
 from parts.random_kills import RandomKills
 from parts.windows_kills import WindowsKills
 
-PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills]
+PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills, RandomCalls]
