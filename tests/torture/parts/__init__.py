@@ -1,6 +1,7 @@
 """The parts of the bench, in the order in which they run. A new one is a file here and a line below."""
 
 from parts.call_faults import CallFaults
+from parts.damaged_files import DamagedFiles
 from parts.kills import Kills
 from parts.load_faults import LoadFaults
 from parts.power_loss import PowerLoss
@@ -8,4 +9,4 @@ from parts.random_calls import RandomCalls
 from parts.random_kills import RandomKills
 from parts.windows_kills import WindowsKills
 
-PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills, RandomCalls]
+PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills, RandomCalls, DamagedFiles]
