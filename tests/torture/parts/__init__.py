@@ -7,6 +7,7 @@ from parts.load_faults import LoadFaults
 from parts.power_loss import PowerLoss
 from parts.random_calls import RandomCalls
 from parts.random_kills import RandomKills
+from parts.special_files import SpecialFiles
 from parts.windows_kills import WindowsKills
 
-PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills, RandomCalls, DamagedFiles]
+PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills, RandomCalls, DamagedFiles, SpecialFiles]
