@@ -4,10 +4,12 @@ from parts.call_faults import CallFaults
 from parts.damaged_files import DamagedFiles
 from parts.kills import Kills
 from parts.load_faults import LoadFaults
+from parts.neighbours import Neighbours
 from parts.power_loss import PowerLoss
 from parts.random_calls import RandomCalls
 from parts.random_kills import RandomKills
 from parts.special_files import SpecialFiles
 from parts.windows_kills import WindowsKills
 
-PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills, RandomCalls, DamagedFiles, SpecialFiles]
+PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills, RandomCalls, DamagedFiles, SpecialFiles,
+         Neighbours]
