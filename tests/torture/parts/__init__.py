@@ -2,6 +2,7 @@
 
 from parts.call_faults import CallFaults
 from parts.damaged_files import DamagedFiles
+from parts.damaged_mutexes import DamagedMutexes
 from parts.kills import Kills
 from parts.load_faults import LoadFaults
 from parts.neighbours import Neighbours
@@ -12,4 +13,4 @@ from parts.special_files import SpecialFiles
 from parts.windows_kills import WindowsKills
 
 PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills, RandomCalls, DamagedFiles, SpecialFiles,
-         Neighbours]
+         Neighbours, DamagedMutexes]
