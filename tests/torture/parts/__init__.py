@@ -11,6 +11,7 @@ from parts.random_calls import RandomCalls
 from parts.random_kills import RandomKills
 from parts.special_files import SpecialFiles
 from parts.windows_kills import WindowsKills
+from parts.windows_neighbours import WindowsNeighbours
 
 PARTS = [CallFaults, LoadFaults, PowerLoss, Kills, RandomKills, WindowsKills, RandomCalls, DamagedFiles, SpecialFiles,
-         Neighbours, DamagedMutexes]
+         Neighbours, DamagedMutexes, WindowsNeighbours]
