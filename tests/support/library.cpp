@@ -1,5 +1,7 @@
 #include "support/library.h"
 
+#include <cstdlib>
+
 #include "support/shared_object.h"
 
 namespace kesta::test {
@@ -36,7 +38,9 @@ void Library::unload()
 
 std::string Library::path()
 {
-    return KESTA_TEST_LIBRARY;
+    // The mutation run puts one changed library after the other to the same tests.
+    const char* changed = std::getenv("KESTA_TEST_LIBRARY");
+    return changed != nullptr ? changed : KESTA_TEST_LIBRARY;
 }
 
 }  // namespace kesta::test
