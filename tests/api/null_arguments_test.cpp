@@ -38,6 +38,63 @@ TEST_F(NullArguments, LibraryExports_NullRecordListOrOutPointer_TraceAnException
     expectException("DB_LIB_GetSDType", lib.DB_LIB_GetSDType(W(kImei), &number, nullptr));
 }
 
+// They are looked at before the connection is.
+TEST_F(ClosedDatabase, EveryExport_NullRecordListOrOutPointer_TracesAnException)
+{
+    const Text text = W("p");
+    int32_t number = 0;
+    const auto expect = [this](const std::string& name, int32_t result) {
+        EXPECT_EQ(result, 1) << name;
+        EXPECT_THAT(trace.take(), Contains("An exception occured in " + name + "().")) << name;
+    };
+#define EXPECT_NULL_REFUSED(name, ...) expect(#name, lib.name(__VA_ARGS__))
+    EXPECT_NULL_REFUSED(DB_LIB_UpdateMainFolderInfo, nullptr);
+    EXPECT_NULL_REFUSED(DB_LIB_GetAllMainFolders, nullptr);
+    EXPECT_NULL_REFUSED(DB_LIB_MainFoldersChanged, nullptr);
+    EXPECT_NULL_REFUSED(DB_LIB_SetPhoneSetting, nullptr);
+    EXPECT_NULL_REFUSED(DB_LIB_GetPhoneSetting, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_LIB_GetAllPhones, nullptr);
+    EXPECT_NULL_REFUSED(DB_LIB_SetLastSyncTime, text, nullptr, 1, 1);
+    EXPECT_NULL_REFUSED(DB_LIB_GetLastSyncTime, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_LIB_GetSDType, text, nullptr, &number);
+    EXPECT_NULL_REFUSED(DB_LIB_GetSDType, text, &number, nullptr);
+    EXPECT_NULL_REFUSED(DB_MUSIC_AddFolder, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_MUSIC_GetFolders, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_MUSIC_GetFolder, text, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_MUSIC_IsSyncedFile, text, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_MUSIC_GetSyncedFiles, text, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_MUSIC_SetAddedFile, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_GALLERY_GetFolders, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PLAYERMUSIC_AddPlaylist, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PLAYERMUSIC_GetPlaylists, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PLAYERMUSIC_SetAddedPlaylist, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PLAYERMUSIC_SetDeletedPlaylist, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PLAYERMUSIC_SetUpdatedPlaylist, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PLAYERMUSIC_GetSyncedFiles, text, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PLAYERMUSIC_GetListFilesname, text, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PLAYERMUSIC_SetListFilesname, text, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_BOOKMARK_GetSyncedMarks, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_BOOKMARK_GetSyncedMark, text, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_BOOKMARK_SetAddedMark, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_BOOKMARK_SetUpdatedMark, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_BACKUP_AddBackup, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_BACKUP_GetAllBackups, nullptr);
+    EXPECT_NULL_REFUSED(DB_BACKUP_GetPhoneBackups, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PIMLOG_GetPimProfile, text, nullptr, 1);
+    EXPECT_NULL_REFUSED(DB_PIMLOG_ReadLog, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PIMLOG_SaveLog, text, nullptr);
+    EXPECT_NULL_REFUSED(DB_PIM_GetFolders, nullptr, text, 1, 1);
+    EXPECT_NULL_REFUSED(DB_PIM_AddFolder, nullptr, text);
+    EXPECT_NULL_REFUSED(DB_PIM_GetFolder, nullptr, text);
+    EXPECT_NULL_REFUSED(DB_PIM_UpdateFolder, nullptr);
+    EXPECT_NULL_REFUSED(DB_PIM_GetItems, nullptr, text, 1, 1);
+    EXPECT_NULL_REFUSED(DB_PIM_AddItem, nullptr, text);
+    EXPECT_NULL_REFUSED(DB_PIM_UpdateItem, nullptr);
+    EXPECT_NULL_REFUSED(DB_PIM_GetProfile, nullptr);
+    EXPECT_NULL_REFUSED(DB_PIM_SetProfile, nullptr);
+#undef EXPECT_NULL_REFUSED
+}
+
 TEST_F(NullArguments, LibraryExports_Exception_IsFollowedByTheExitLine)
 {
     (void)lib.DB_LIB_GetAllPhones(nullptr);
