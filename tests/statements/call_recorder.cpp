@@ -33,6 +33,8 @@ std::vector<std::string> events;
 std::map<sqlite3_stmt*, std::string> texts;  // as each statement was received
 sqlite3_stmt* justCompiled = nullptr;
 int buffersLeft = -1;
+std::string refused;
+int refusal = SQLITE_OK;
 int statementsLeft = -1;
 int stepsLeft = -1;
 int endCode = SQLITE_OK;
@@ -92,6 +94,12 @@ void CallRecorder::withholdBufferAfter(int statements)
     buffersLeft = statements;
 }
 
+void CallRecorder::refuse(std::string statement, int code)
+{
+    refused = std::move(statement);
+    refusal = code;
+}
+
 }  // namespace kesta::test
 
 using namespace kesta::test;
@@ -101,6 +109,7 @@ extern "C" {
 int __wrap_sqlite3_exec(sqlite3* db, const char* text, RowCallback* row, void* data, char** message)
 {
     Note(text);
+    if (!refused.empty() && text == refused) return refusal;
     return __real_sqlite3_exec(db, text, row, data, message);
 }
 

@@ -22,6 +22,9 @@ public:
 
     /// The statement after the next `statements` ones finds no buffer to be made in; none does for -1.
     static void withholdBufferAfter(int statements);
+
+    /// This statement gives `code` instead of being run; none does for the empty text.
+    static void refuse(std::string statement, int code);
 };
 
 }  // namespace kesta::test

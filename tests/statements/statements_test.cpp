@@ -238,6 +238,42 @@ TEST_F(Statements, ModuleStart_StartedAlready_KeepsBufferAndConnection)
                                                   "DB TRACE >> Exit DB_Open() with 0.\n", "unlock"));
 }
 
+TEST_F(Statements, ModuleStart_NoFile_WritesTheFirstRowsInThisOrder)
+{
+    TheModule().end();
+    std::filesystem::remove(data.databasePath());
+    CallRecorder::start();
+    TheModule().start();
+    std::vector<std::string> events = CallRecorder::stop();
+    std::erase_if(events, [](const std::string& event) { return !event.starts_with("INSERT "); });
+    EXPECT_THAT(events, ::testing::ElementsAre("INSERT INTO tVersion VALUES (5005)",
+                                               "INSERT INTO tLibMainFolder VALUES (1000, 'music', 0, 0, '')",
+                                               "INSERT INTO tLibMainFolder VALUES (1100, 'gallery', 0, 0, '')",
+                                               "INSERT INTO tLibMainFolder VALUES (1400, 'document', 0, 0, '')",
+                                               "INSERT INTO tLibMainFolder VALUES (1500, 'people', 0, 0, '')",
+                                               "INSERT INTO tLibMainFolder VALUES (1600, 'calendar', 0, 0, '')",
+                                               "INSERT INTO tLibMainFolder VALUES (1900, 'web bookmark', 0, 0, '')",
+                                               "INSERT INTO tLibMainFolder VALUES (2200, 'Map', 0, 0, '')"));
+}
+
+/// Of the first rows only the last one counts.
+TEST_F(Statements, ModuleStart_FirstRowsFail_GivesTheCodeOfTheLast)
+{
+    const auto lastLineWithout = [this](const char* statement) {
+        TheModule().end();
+        std::filesystem::remove(data.databasePath());
+        ReplacedServices::take();
+        CallRecorder::refuse(statement, 13);
+        TheModule().start();
+        CallRecorder::refuse("", 0);
+        return ReplacedServices::take().back();
+    };
+    EXPECT_EQ(lastLineWithout("INSERT INTO tLibMainFolder VALUES (1900, 'web bookmark', 0, 0, '')"),
+              "DB TRACE >> Exit DB_Open() with 0.\n");
+    EXPECT_EQ(lastLineWithout("INSERT INTO tLibMainFolder VALUES (2200, 'Map', 0, 0, '')"),
+              "DB TRACE >> Exit DB_Open() with 13.\n");
+}
+
 TEST_F(Statements, ModuleEnd_ThreadInsideACall_LeavesEverythingToIt)
 {
     TheModule().enterCall();

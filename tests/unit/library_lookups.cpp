@@ -175,6 +175,19 @@ TEST_F(LookUps, GetAllMainFolders_NoFolders_LeavesTheListAsItWas)
     EmptyList(list);
 }
 
+TEST_F(LookUps, GetAllMainFolders_ListThatHoldsFolders_GivesThemBack)
+{
+    MainFolderList list = {};
+    ASSERT_EQ(DB_INTERNAL_LIB_GetAllMainFolders(db(), list), ResultCode::kSuccess);
+    ASSERT_EQ(DB_INTERNAL_LIB_GetAllMainFolders(db(), list), ResultCode::kSuccess);
+    EmptyList(list);
+    int alive = 0;
+    for (const std::string& line : ReplacedServices::take()) {
+        alive += line.ends_with(" NEW.\n") ? 1 : line.ends_with(" DELETE.\n") ? -1 : 0;
+    }
+    EXPECT_EQ(alive, 0);
+}
+
 TEST_F(LookUps, RefreshStatistic_AnyOtherFolder_FailsWithoutLine)
 {
     for (const int32_t id : {0, 1500, 1600, 2200, -1}) {

@@ -159,6 +159,7 @@ Mutex* Of(void* handle)
 
 void NamedMutex::open(const char* name, Path (*lockFolder)()) noexcept
 {
+    close();
     auto* mutex = new (std::nothrow) Mutex;
     if (mutex == nullptr) {
         mutex = &standIn;

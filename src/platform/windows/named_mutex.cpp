@@ -8,6 +8,7 @@ namespace kesta::platform {
 
 void NamedMutex::open(const char* name, Path (* /*lockFolder*/)()) noexcept
 {
+    close();
     wchar_t wide[MAX_PATH];
     size_t length = 0;
     for (; name[length] != '\0' && length + 1 < MAX_PATH; ++length) wide[length] = static_cast<wchar_t>(name[length]);
