@@ -35,6 +35,16 @@ TEST_P(CategoryLists, GetFolders_SeveralFolders_AreListedInTheOrderOfTheirAdding
                                           "Memory NEW.", "Memory NEW."));
 }
 
+TEST_P(CategoryLists, GetFolders_RowNumberBeyond31Bits_IsReadWhole)
+{
+    givenFolder("C:\\A");
+    sql.exec("UPDATE " + folderTable() + " SET ROWID = 5000000000");
+    FolderList list = {};
+    ASSERT_EQ(call.GetFolders(W(kImei), &list), 0);
+    ASSERT_EQ(list.Count, 1);
+    EXPECT_EQ(list.Items[0].RowId, 5'000'000'000);
+}
+
 TEST_P(CategoryLists, GetFolders_PhoneWithoutFolders_IsEmptyAndSucceeds)
 {
     FolderList list = {};

@@ -270,6 +270,17 @@ TEST_F(GalleryFolders, GetFolders_VideosCannotBeRead_KeepsTheImagesAndFreesTheVi
                                           "Error in DB_INTERNAL_GetFolders(), position 1.", "Memory DELETE."));
 }
 
+TEST_F(GalleryFolders, GetFolders_ReadingTheImagesFails_AsksForTheVideosAllTheSame)
+{
+    givenImages({"C:\\A"});
+    givenVideos({"C:\\B"});
+    changeSchema("DROP VIEW vIFolder; ALTER TABLE tIFolder RENAME COLUMN [TotalSize] TO [Elsewhere]");
+    FolderList list = {};
+    EXPECT_EQ(lib.DB_GALLERY_GetFolders(W(kImei), &list), 1);
+    EXPECT_THAT(trace.take(), ElementsAre(kEnter, "Memory NEW.", "Error in DB_INTERNAL_GetFolders(), position 1.",
+                                          "Memory NEW.", "Memory NEW.", "Memory DELETE.", "Memory DELETE."));
+}
+
 TEST_F(GalleryFolders, GetFolders_ReadingTheVideosEndsWithACode_FailsWithOneAndKeepsTheImages)
 {
     givenImages({"C:\\A"});

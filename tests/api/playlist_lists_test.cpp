@@ -40,6 +40,15 @@ TEST_F(PlaylistLists, GetPlaylists_SeveralLists_GivesEveryField)
         << "the array, three texts of the first, one of each of the others";
 }
 
+TEST_F(PlaylistLists, GetPlaylists_RowNumberBeyond31Bits_IsReadWhole)
+{
+    sql.exec("INSERT INTO tPFolder (ROWID, [PhoneID], [Path], [AddTime]) VALUES (5000000000, 1, 'A', '')");
+    PlaylistList list = {};
+    ASSERT_EQ(get(list), 0);
+    ASSERT_EQ(list.Count, 1);
+    EXPECT_EQ(list.Items[0].RowId, 5'000'000'000);
+}
+
 /// Nothing sorts them: they come as the statement yields them.
 TEST_F(PlaylistLists, GetPlaylists_AddedInAnyOrder_ComeAsSqliteYieldsThem)
 {
