@@ -77,15 +77,23 @@ bool ClearCompanions(const platform::Path& file)
     return true;
 }
 
-/// An unfinished one that failed is moved with its journal, which comes first: without it the file is not what it was.
-platform::Naming MoveDatabase(const platform::Path& from, const platform::Path& to)
+/// Puts what a failed creation has made in its place, after its journal: without that the file is not what it was. Its
+/// unfinished name stays, so that it is known for what it is.
+platform::Naming LeaveUnfinished(const platform::Path& unfinished, const platform::Path& target)
 {
-    const platform::Path journal = With(from, kCompanions[0]);
+    const platform::Path journal = With(unfinished, kCompanions[0]);
     if (platform::Find(journal) != platform::Presence::kAbsent &&
-        platform::MoveIntoPlace(journal, With(to, kCompanions[0])) != platform::Naming::kDone) {
+        platform::MoveIntoPlace(journal, With(target, kCompanions[0])) != platform::Naming::kDone) {
         return platform::Naming::kFailed;
     }
-    return platform::MoveIntoPlace(from, to);
+    return platform::GiveSecondName(unfinished, target);
+}
+
+/// Whether the file is what a failed creation has left: nobody has recorded anything in it.
+bool IsUnfinished(const platform::Path& file)
+{
+    std::error_code missing;
+    return std::filesystem::equivalent(file, file.parent_path() / kUnfinishedName, missing);
 }
 
 /// Builds it in a file that only this user may read. An empty one is not left behind.
@@ -168,7 +176,9 @@ std::optional<int32_t> ReadDatabaseVersion(const DatabasePath& path)
 bool ReplaceFile(const DatabasePath& path)
 {
     ReplacedFiles replaced(path.file());
-    replaced.keep();
+    if (!IsUnfinished(path.file())) {
+        replaced.keep();
+    }
     if (!platform::RemoveFile(path.file())) {
         replaced.undo();
         return false;
@@ -191,7 +201,8 @@ ResultCode CreateDatabase(const DatabasePath& path)
     }
     platform::FlushFolder(target.parent_path());
     const ResultCode created = CreateUnfinished(unfinished);
-    const platform::Naming moved = MoveDatabase(unfinished.file(), target);
+    const platform::Naming moved = created == ResultCode::kSuccess ? platform::MoveIntoPlace(unfinished.file(), target)
+                                                                   : LeaveUnfinished(unfinished.file(), target);
     if (moved == platform::Naming::kDone) {
         platform::FlushFolder(target.parent_path());
         return created;

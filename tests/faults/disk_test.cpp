@@ -163,6 +163,10 @@ TEST_P(FailingWrites, Open_AtManyPlaces_FailsAndTheNextOneCreatesAfresh)
             ASSERT_EQ(DB_Open(), 0) << nth;
         }
         EXPECT_EQ(sql.text("SELECT [Version] FROM tVersion LIMIT 1"), "5005");
+        // What a failed attempt has left is nobody's, and drives nobody's file out of those that are kept.
+        for (const auto& entry : std::filesystem::directory_iterator(data.databaseFolder())) {
+            EXPECT_EQ(entry.path(), data.databasePath()) << nth;
+        }
     }
     EXPECT_GT(attempts, 0);
 }
