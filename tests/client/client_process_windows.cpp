@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "base/text.h"
 #include "client_process.h"
-#include "text.h"
 
 namespace kesta::test {
 namespace {

@@ -4,10 +4,10 @@
 
 #include "formats/icalendar.h"
 #include "formats/vcard.h"
-#include "pim/pim_source.h"
-#include "pim/pim_text.h"
 #include "pim_samples.h"
 #include "pim_sources.h"
+#include "stages/pim/pim_source.h"
+#include "stages/pim/pim_text.h"
 
 namespace kesta::test {
 namespace {

@@ -5,11 +5,11 @@
 #include <map>
 
 #include "formats/vcard.h"
-#include "pim/pim_phone_plan.h"
-#include "pim/pim_source.h"
-#include "pim/pim_store_plan.h"
 #include "pim_samples.h"
 #include "pim_sources.h"
+#include "stages/pim/pim_phone_plan.h"
+#include "stages/pim/pim_source.h"
+#include "stages/pim/pim_store_plan.h"
 
 namespace kesta::test {
 namespace {

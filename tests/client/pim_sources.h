@@ -5,7 +5,7 @@
 #include <string>
 
 #include "os/files.h"
-#include "pim/pim_source.h"
+#include "stages/pim/pim_source.h"
 
 namespace kesta::test {
 

@@ -1,5 +1,5 @@
 // What a sync would do, from made-up PCs, books and phones.
-#include "media/plan.h"
+#include "stages/media/plan.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <map>
 #include <set>
 
-#include "names.h"
+#include "base/names.h"
 #include "os/system.h"
 
 namespace kesta {

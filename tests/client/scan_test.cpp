@@ -1,5 +1,5 @@
 // Reading a folder of the PC.
-#include "media/scan.h"
+#include "stages/media/scan.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,10 +3,10 @@
 #include <random>
 #include <regex>
 
-#include "backup/zip_check.h"
-#include "backup/zip_writer.h"
 #include "client_fixture.h"
 #include "os/files.h"
+#include "stages/backup/zip_check.h"
+#include "stages/backup/zip_writer.h"
 
 namespace kesta::test {
 namespace {

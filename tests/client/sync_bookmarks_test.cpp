@@ -1,7 +1,7 @@
 // Bookmarks: one file on the phone, a record for each mark.
-#include "bookmarks/bookmark_file.h"
 #include "client_fixture.h"
 #include "formats/bookmarks.h"
+#include "stages/bookmarks/bookmark_file.h"
 
 namespace kesta::test {
 namespace {

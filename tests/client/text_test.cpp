@@ -1,9 +1,9 @@
 // Text and dates at the client's edges.
-#include "text.h"
+#include "base/text.h"
 
 #include <gtest/gtest.h>
 
-#include "dates.h"
+#include "base/dates.h"
 
 namespace kesta {
 namespace {

@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "progress.h"
-#include "summary.h"
-#include "table.h"
+#include "report/progress.h"
+#include "report/summary.h"
+#include "report/table.h"
 
 namespace kesta {
 namespace {

@@ -4,12 +4,12 @@
 #include <exception>
 #include <string>
 
-#include "books/books.h"
+#include "base/text.h"
 #include "commands/commands.h"
+#include "database/database.h"
 #include "os/system.h"
-#include "output.h"
 #include "phone/phone_folder.h"
-#include "text.h"
+#include "report/output.h"
 
 namespace {
 

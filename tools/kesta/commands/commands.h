@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "exit_codes.h"
-#include "options.h"
+#include "base/exit_codes.h"
+#include "commands/options.h"
 
 namespace kesta {
 

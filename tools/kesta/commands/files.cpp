@@ -3,11 +3,7 @@
 #include <cstdio>
 #include <set>
 
-#include "books/backups.h"
-#include "books/bookmarks.h"
-#include "books/books.h"
-#include "books/gallery.h"
-#include "books/playlists.h"
+#include "base/text.h"
 #include "commands/commands.h"
 #include "commands/json.h"
 #include "commands/pc_path.h"
@@ -15,10 +11,14 @@
 #include "commands/phones.h"
 #include "commands/pim_tree.h"
 #include "commands/states.h"
-#include "output.h"
-#include "summary.h"
-#include "table.h"
-#include "text.h"
+#include "database/backups.h"
+#include "database/bookmarks.h"
+#include "database/database.h"
+#include "database/gallery.h"
+#include "database/playlists.h"
+#include "report/output.h"
+#include "report/summary.h"
+#include "report/table.h"
 
 namespace kesta {
 namespace {

@@ -1,8 +1,8 @@
 #include "commands/json.h"
 
-#include "books/main_folders.h"
 #include "commands/phone_settings.h"
-#include "output.h"
+#include "database/main_folders.h"
+#include "report/output.h"
 
 namespace kesta {
 namespace {

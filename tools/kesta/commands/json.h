@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "books/books.h"
+#include "database/database.h"
 
 namespace kesta {
 

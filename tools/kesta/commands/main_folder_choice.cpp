@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "text.h"
+#include "base/text.h"
 
 namespace kesta {
 namespace {

@@ -4,10 +4,10 @@
 #include <array>
 #include <string>
 
-#include "books/main_folders.h"
+#include "commands/options.h"
 #include "commands/sync_folders.h"
-#include "options.h"
-#include "summary.h"
+#include "database/main_folders.h"
+#include "report/summary.h"
 
 namespace kesta {
 

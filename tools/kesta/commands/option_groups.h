@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "options.h"
+#include "commands/options.h"
 
 namespace CLI {
 class App;

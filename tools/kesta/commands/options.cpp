@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <iostream>
 
+#include "base/text.h"
 #include "commands/option_groups.h"
-#include "text.h"
 
 namespace kesta {
 namespace {

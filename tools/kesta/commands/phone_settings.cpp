@@ -6,7 +6,7 @@
 #include <array>
 #include <charconv>
 
-#include "text.h"
+#include "base/text.h"
 
 namespace kesta {
 namespace {

@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "books/books.h"
+#include "database/database.h"
 
 namespace kesta {
 

@@ -6,13 +6,13 @@
 #include <algorithm>
 #include <set>
 
-#include "books/bookmarks.h"
-#include "books/gallery.h"
-#include "books/pim.h"
+#include "base/text.h"
 #include "commands/states.h"
-#include "summary.h"
-#include "table.h"
-#include "text.h"
+#include "database/bookmarks.h"
+#include "database/gallery.h"
+#include "database/pim.h"
+#include "report/summary.h"
+#include "report/table.h"
 
 namespace kesta {
 namespace {

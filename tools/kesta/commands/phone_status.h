@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "books/backups.h"
-#include "books/books.h"
-#include "books/main_folders.h"
-#include "books/pim_kind.h"
-#include "books/playlists.h"
 #include "commands/json.h"
-#include "last_run.h"
+#include "database/backups.h"
+#include "database/database.h"
+#include "database/main_folders.h"
+#include "database/pim_kind.h"
+#include "database/playlists.h"
+#include "state/last_run.h"
 
 namespace kesta {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "books/books.h"
+#include "database/database.h"
 
 namespace kesta {
 

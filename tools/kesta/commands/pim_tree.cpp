@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
+#include "base/text.h"
 #include "formats/icalendar.h"
 #include "formats/vcard.h"
-#include "text.h"
 
 namespace kesta {
 namespace {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "books/pim.h"
 #include "commands/json.h"
+#include "database/pim.h"
 
 namespace kesta {
 

@@ -5,17 +5,17 @@
 #include <cstdio>
 #include <map>
 
-#include "books/books.h"
-#include "books/main_folders.h"
-#include "books/playlists.h"
-#include "books/settings.h"
+#include "base/text.h"
 #include "commands/commands.h"
 #include "commands/json.h"
 #include "commands/pc_path.h"
 #include "commands/phone_settings.h"
 #include "commands/phones.h"
-#include "output.h"
-#include "text.h"
+#include "database/database.h"
+#include "database/main_folders.h"
+#include "database/playlists.h"
+#include "database/settings.h"
+#include "report/output.h"
 
 namespace kesta {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "summary.h"
+#include "report/summary.h"
 
 namespace kesta {
 

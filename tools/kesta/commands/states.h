@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string>
 
-#include "books/books.h"
-#include "books/playlists.h"
+#include "database/database.h"
+#include "database/playlists.h"
 
 namespace kesta {
 

@@ -2,15 +2,15 @@
 
 #include <cstdio>
 
-#include "books/books.h"
-#include "books/main_folders.h"
+#include "base/text.h"
 #include "commands/commands.h"
 #include "commands/json.h"
 #include "commands/phone_status.h"
 #include "commands/phones.h"
 #include "commands/pim_tree.h"
-#include "output.h"
-#include "text.h"
+#include "database/database.h"
+#include "database/main_folders.h"
+#include "report/output.h"
 
 namespace kesta {
 namespace {

@@ -3,20 +3,20 @@
 #include <chrono>
 #include <cstdio>
 
-#include "backup/phone_backup.h"
-#include "bookmarks/sync_bookmarks.h"
+#include "base/names.h"
+#include "base/text.h"
 #include "commands/commands.h"
 #include "commands/main_folder_choice.h"
 #include "commands/sync_folders.h"
-#include "last_run.h"
-#include "media/carry_out.h"
-#include "names.h"
 #include "os/system.h"
-#include "phone/journal.h"
 #include "phone/marker.h"
-#include "pim/sync_pim.h"
-#include "playlists/sync_playlists.h"
-#include "text.h"
+#include "stages/backup/phone_backup.h"
+#include "stages/bookmarks/sync_bookmarks.h"
+#include "stages/media/carry_out.h"
+#include "stages/pim/sync_pim.h"
+#include "stages/playlists/sync_playlists.h"
+#include "state/last_run.h"
+#include "sync/journal.h"
 
 namespace kesta {
 namespace {

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/text.h"
 #include "commands/pc_path.h"
 #include "os/system.h"
-#include "text.h"
 
 namespace kesta {
 namespace {

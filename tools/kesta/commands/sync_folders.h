@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "books/books.h"
-#include "media/scan.h"
-#include "options.h"
+#include "commands/options.h"
+#include "database/database.h"
 #include "phone/phone_folder.h"
-#include "progress.h"
-#include "summary.h"
+#include "report/progress.h"
+#include "report/summary.h"
+#include "stages/media/scan.h"
 
 namespace kesta {
 

@@ -1,8 +1,8 @@
 #include <CLI/CLI.hpp>
 
+#include "base/text.h"
 #include "commands/option_groups.h"
 #include "phone/marker.h"
-#include "text.h"
 
 namespace kesta {
 namespace {

@@ -17,10 +17,10 @@
 #include <map>
 #include <stdexcept>
 
+#include "base/text.h"
 #include "commands/commands.h"
 #include "os/files.h"
 #include "os/system.h"
-#include "text.h"
 
 namespace kesta {
 namespace {

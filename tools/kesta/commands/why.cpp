@@ -2,14 +2,14 @@
 
 #include <cstdio>
 
-#include "books/books.h"
+#include "base/text.h"
 #include "commands/commands.h"
 #include "commands/json.h"
 #include "commands/phones.h"
 #include "commands/why_reasons.h"
-#include "output.h"
-#include "summary.h"
-#include "text.h"
+#include "database/database.h"
+#include "report/output.h"
+#include "report/summary.h"
 
 namespace kesta {
 namespace {

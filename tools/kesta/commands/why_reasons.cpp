@@ -4,16 +4,16 @@
 
 #include <algorithm>
 
-#include "books/backups.h"
-#include "books/main_folders.h"
-#include "books/pim.h"
-#include "books/playlists.h"
+#include "base/text.h"
 #include "commands/pc_path.h"
 #include "commands/pim_tree.h"
 #include "commands/states.h"
-#include "pim/pim_entry.h"
-#include "summary.h"
-#include "text.h"
+#include "database/backups.h"
+#include "database/main_folders.h"
+#include "database/pim.h"
+#include "database/playlists.h"
+#include "report/summary.h"
+#include "stages/pim/pim_entry.h"
 
 namespace kesta {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "books/books.h"
+#include "database/database.h"
 #include "os/files.h"
 
 namespace kesta {

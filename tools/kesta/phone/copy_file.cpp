@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "names.h"
+#include "base/names.h"
 
 namespace kesta {
 namespace {

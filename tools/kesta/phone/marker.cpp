@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "names.h"
+#include "base/names.h"
 
 namespace kesta {
 namespace {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "phone/phone_folder.h"
-#include "summary.h"
+#include "report/summary.h"
 
 namespace kesta {
 

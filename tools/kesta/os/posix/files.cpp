@@ -11,8 +11,8 @@
 #include <cstdlib>
 #include <memory>
 
+#include "base/text.h"
 #include "os/posix/errno_status.h"
-#include "text.h"
 
 namespace kesta::os {
 namespace {

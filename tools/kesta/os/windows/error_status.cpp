@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "text.h"
+#include "base/text.h"
 
 namespace kesta::os {
 namespace {

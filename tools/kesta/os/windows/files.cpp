@@ -2,9 +2,9 @@
 
 #include <windows.h>
 
+#include "base/text.h"
 #include "os/windows/error_status.h"
 #include "os/windows/file_info.h"
-#include "text.h"
 
 namespace kesta::os {
 namespace {

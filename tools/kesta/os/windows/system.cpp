@@ -10,9 +10,9 @@
 #include <chrono>
 #include <stdexcept>
 
+#include "base/text.h"
 #include "os/files.h"
 #include "os/windows/error_status.h"
-#include "text.h"
 
 namespace kesta::os {
 namespace {

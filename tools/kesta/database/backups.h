@@ -1,0 +1,33 @@
+// The books' records of backups. A database made by the library has no table for them; one that another program has
+// given the table keeps them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "database/database.h"
+
+namespace kesta {
+
+struct RecordedBackup {
+    std::int32_t id = -1;
+    std::string path;       // of the archive on the PC
+    std::string phonePath;  // what of the phone it holds
+    std::int64_t size = 0;
+    std::optional<LocalTime> modified;
+};
+
+class BackupBooks {
+public:
+    explicit BackupBooks(Books&) {}
+
+    /// Nothing when the books have no table for backups, or it cannot be read: the library does not tell these apart.
+    [[nodiscard]] std::optional<std::vector<RecordedBackup>> all();
+    [[nodiscard]] std::optional<std::vector<RecordedBackup>> of(const std::string& imei);
+    /// Records the backup, or refreshes the record of that path; true when it is in the books.
+    [[nodiscard]] bool add(const std::string& imei, const RecordedBackup& backup);
+};
+
+}  // namespace kesta

@@ -1,0 +1,36 @@
+// The books' bookmarks of one phone, as its bookmark type has them: every function works on the marks of that type
+// only.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "database/database.h"
+
+namespace kesta {
+
+struct RecordedMark {
+    std::string title, url;
+    std::string idOnPhone;
+    std::int32_t id = 0;  // reading all marks leaves it 0
+    std::int32_t flag = 0;
+};
+
+/// Methods that return a code leave it to the caller what follows from it: 0 is success.
+class BookmarkBooks {
+public:
+    BookmarkBooks(Books&, std::string imei) : imei_(std::move(imei)) {}
+
+    [[nodiscard]] std::vector<RecordedMark> marks();
+    /// The phone must be known, here and below.
+    [[nodiscard]] std::int32_t add(const RecordedMark& mark);
+    /// The title, the id on the phone and the flag.
+    [[nodiscard]] std::int32_t update(const RecordedMark& mark);
+    [[nodiscard]] std::int32_t remove(const std::string& url);
+
+private:
+    std::string imei_;
+};
+
+}  // namespace kesta

@@ -1,0 +1,226 @@
+#include "database/database.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "database/calls.h"
+#include "database/settings_record.h"
+
+namespace kesta {
+namespace {
+
+using calls::kNoPhone;
+using calls::OwnedList;
+using calls::OwnedSettings;
+using calls::ReadList;
+using calls::Text;
+
+struct Family {
+    const char* name;
+    decltype(&DB_MUSIC_AddFolder) addFolder;
+    decltype(&DB_MUSIC_GetFolders) getFolders;
+    decltype(&DB_MUSIC_GetSyncedFiles) getSyncedFiles;
+    decltype(&DB_MUSIC_SetAddedFile) setAddedFile;
+    decltype(&DB_MUSIC_SetUpdatedFile) setUpdatedFile;
+    decltype(&DB_MUSIC_SetDeletedFile) setDeletedFile;
+};
+
+#define KESTA_FAMILY(NAME)                                                                         \
+    Family                                                                                         \
+    {                                                                                              \
+        "DB_" #NAME, &DB_##NAME##_AddFolder, &DB_##NAME##_GetFolders, &DB_##NAME##_GetSyncedFiles, \
+            &DB_##NAME##_SetAddedFile, &DB_##NAME##_SetUpdatedFile, &DB_##NAME##_SetDeletedFile    \
+    }
+
+const Family& FamilyOf(Category category)
+{
+    static const std::array kFamilies{KESTA_FAMILY(MUSIC), KESTA_FAMILY(IMAGE), KESTA_FAMILY(VIDEO),
+                                      KESTA_FAMILY(DOCUMENT)};
+    return kFamilies[static_cast<std::size_t>(category)];
+}
+#undef KESTA_FAMILY
+
+PhoneSettings ToSettings(const PhoneSettingRecord& record)
+{
+    PhoneSettings phone;
+    phone.imei = FromDbText(record.IMEI);
+    phone.name = FromDbText(record.Name);
+    phone.photoPath = FromDbText(record.PhotoPath);
+    phone.docPath = FromDbText(record.DocPath);
+    phone.wifiMac = FromDbText(record.WifiMAC);
+    phone.calendarPeriodText = FromDbText(record.CalPeriodStr);
+    phone.contactFolder = FromDbText(record.ContactFolderId);
+    phone.calendarFolder = FromDbText(record.CalendarFolderId);
+    phone.contactProfile = FromDbText(record.ContactProfile);
+    phone.calendarProfile = FromDbText(record.CalendarProfile);
+    phone.autoSync = record.AutoSync != 0;
+    phone.autoBackup = record.AutoBackup != 0;
+    phone.allowWifi = record.AllowWifi != 0;
+    phone.contactPreferSide = record.ContactPreferSide;
+    phone.calendarPreferSide = record.CalendarPreferSide;
+    phone.contactProgram = record.ContactPim;
+    phone.calendarProgram = record.CalPim;
+    phone.calendarPeriod = record.CalPeriod;
+    phone.calendarStart = FromDateValue(record.CalStart);
+    phone.calendarEnd = FromDateValue(record.CalEnd);
+    phone.bookmarkType = record.BookMarkType;
+    phone.syncDocFromFolder = record.SyncDocFromFolder != 0;
+    phone.syncDocFromPhone = record.SyncDocFromPhone != 0;
+    phone.syncPhotoFromFolder = record.SyncPhotoFromFolder != 0;
+    phone.syncPhotoFromPhone = record.SyncPhotoFromPhone != 0;
+    phone.syncMusicFromFolder = record.SyncMusicFromFolder != 0;
+    phone.syncMusicFromPlayer = record.SyncMusicFromPlayer != 0;
+    phone.syncMusicAll = record.SyncMusicAll != 0;
+    phone.needMount = record.NeedMount != 0;
+    return phone;
+}
+
+}  // namespace
+
+std::string ResultText(std::int32_t code)
+{
+    switch (code) {
+        case 5:
+            return "another program has the books locked";
+        case 8:
+            return "the books are read-only";
+        case 10:
+            return "the books cannot be read or written (I/O error)";
+        case 11:
+            return "the books are damaged";
+        case 13:
+            return "no space is left on the PC for the books";
+        case 18:
+            return "the names are too long for the books";
+        case 19:
+            return "it is recorded already";
+        default:
+            return fmt::format("result {}", code);
+    }
+}
+
+Books::Books()
+{
+    switch (const std::int32_t code = DB_Open()) {
+        case 0:
+            return;
+        case 19:
+            throw BooksError("the database of the books is read-only");
+        case 8398:
+            throw BooksError("the database of the books is of another version, or another program holds it");
+        default:
+            throw BooksError("the database of the books cannot be opened: " + ResultText(code));
+    }
+}
+
+std::vector<PhoneSettings> Books::phones()
+{
+    // No argument makes the library empty this list without filling it again, so one record serves all calls.
+    static PhoneList list{0, nullptr};
+    ReadList("DB_LIB_GetAllPhones", [&] { return DB_LIB_GetAllPhones(&list); });
+    std::vector<PhoneSettings> phones;
+    for (std::int32_t i = 0; i < list.Count; ++i) {
+        auto phone = this->phone(FromDbText(list.Items[i].IMEI));  // The list leaves NeedMount out.
+        phones.push_back(phone ? *std::move(phone) : ToSettings(list.Items[i]));
+    }
+    return phones;
+}
+
+std::optional<PhoneSettings> Books::phone(const std::string& imei)
+{
+    OwnedSettings settings;
+    if (!settings.read(imei)) return std::nullopt;
+    return ToSettings(settings.record());
+}
+
+void Books::announce(const std::string& imei, const std::string& name)
+{
+    if (DB_LIB_PhoneDetected(Text(imei).c_str(), Text(name).c_str()) < 1)
+        throw BooksError("DB_LIB_PhoneDetected failed: the phone could not be registered");
+}
+
+void Books::rename(const std::string& imei, const std::string& name)
+{
+    OwnedSettings settings;
+    if (!settings.read(imei)) throw BooksError("DB_LIB_GetPhoneSetting failed: the phone's settings cannot be read");
+    DbText newName = Text(name);
+    PhoneSettingRecord record = settings.unchanged();
+    record.Name = newName.data();
+    calls::Require("DB_LIB_SetPhoneSetting", DB_LIB_SetPhoneSetting(&record));
+}
+
+std::optional<LocalTime> Books::lastSync(const std::string& imei)
+{
+    DateValue time{0.0, kDateNull};
+    calls::Require("DB_LIB_GetLastSyncTime", DB_LIB_GetLastSyncTime(Text(imei).c_str(), &time));
+    return FromDateValue(time);
+}
+
+std::int32_t Books::setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode)
+{
+    const DateValue date = ToDateValue(time);
+    constexpr std::int32_t kNeedMount = 1;  // The phone is reached as a mounted folder.
+    return DB_LIB_SetLastSyncTime(Text(imei).c_str(), &date, errorCode, kNeedMount);
+}
+
+std::vector<RecordedFolder> Books::folders(const std::string& imei, Category category)
+{
+    const Family& family = FamilyOf(category);
+    OwnedList<FolderList> list([&](FolderList* record) { (void)family.getFolders(kNoPhone, record); });
+    const DbText phone = Text(imei);
+    ReadList(fmt::format("{}_GetFolders", family.name), [&] { return family.getFolders(phone.c_str(), list.get()); });
+    return calls::ToFolders(list);
+}
+
+std::vector<RecordedFile> Books::files(const std::string& imei, Category category)
+{
+    const Family& family = FamilyOf(category);
+    OwnedList<SyncedFileList> list(
+        [&](SyncedFileList* record) { (void)family.getSyncedFiles(kNoPhone, nullptr, record); });
+    const DbText phone = Text(imei);
+    ReadList(fmt::format("{}_GetSyncedFiles", family.name),
+             [&] { return family.getSyncedFiles(phone.c_str(), nullptr, list.get()); });
+    return calls::ToFiles(list);
+}
+
+std::int32_t Books::addFolder(const std::string& imei, Category category, const RecordedFolder& folder)
+{
+    DbText path = Text(folder.path);
+    FolderRecord record{};
+    record.Path = path.data();
+    record.Count = folder.count;
+    record.Size = folder.size;
+    record.TotalSize = folder.totalSize;
+    record.Sized = folder.sized ? 1 : 0;
+    return FamilyOf(category).addFolder(Text(imei).c_str(), &record);
+}
+
+std::int32_t Books::addFile(const std::string& imei, Category category, const RecordedFile& file)
+{
+    const calls::FileArguments arguments(file);
+    return FamilyOf(category).setAddedFile(Text(imei).c_str(), &arguments.record);
+}
+
+std::int32_t Books::updateFile(const std::string& imei, Category category, const RecordedFile& file)
+{
+    const calls::FileArguments arguments(file);
+    return FamilyOf(category).setUpdatedFile(Text(imei).c_str(), &arguments.record);
+}
+
+bool Books::isRecorded(const std::string& imei, Category category, const RecordedFile& file)
+{
+    const std::vector<RecordedFile> all = files(imei, category);
+    return std::any_of(all.begin(), all.end(), [&](const RecordedFile& row) {
+        return row.path == file.path && row.phonePath == file.phonePath && row.modified == file.modified;
+    });
+}
+
+std::int32_t Books::removeFile(const std::string& imei, Category category, const std::string& path)
+{
+    const calls::FileArguments arguments(RecordedFile{path, {}, {}, {}});
+    return FamilyOf(category).setDeletedFile(Text(imei).c_str(), &arguments.record);
+}
+
+}  // namespace kesta

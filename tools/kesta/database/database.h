@@ -1,0 +1,80 @@
+// The library's exports with owners for what they hand out and UTF-8 for their texts: the opening of the books, phones
+// and media. The other families stand in books/; nothing else calls exports.
+#pragma once
+
+#include <kesta_db/kesta_db.h>
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "base/dates.h"
+#include "database/category.h"
+
+namespace kesta {
+
+/// A call without which the command cannot go on has failed; the text says which and why.
+class BooksError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct PhoneSettings {
+    std::string imei, name, photoPath, docPath, wifiMac, calendarPeriodText;
+    std::string contactFolder, calendarFolder, contactProfile, calendarProfile;
+    bool autoSync = false, autoBackup = false, allowWifi = false;
+    std::int32_t contactPreferSide = 0, calendarPreferSide = 0;
+    std::int32_t contactProgram = 0, calendarProgram = 0, calendarPeriod = 0;
+    std::optional<LocalTime> calendarStart, calendarEnd;
+    std::int32_t bookmarkType = 0;
+    bool syncDocFromFolder = false, syncDocFromPhone = false, syncPhotoFromFolder = false, syncPhotoFromPhone = false;
+    bool syncMusicFromFolder = false, syncMusicFromPlayer = false, syncMusicAll = false;
+    bool needMount = false;
+};
+
+struct RecordedFolder {
+    std::int64_t rowId = 0;
+    std::string path;
+    std::int32_t count = 0;
+    std::int64_t size = 0, totalSize = 0;
+    bool selected = true, deleted = false, sized = false;
+    std::optional<LocalTime> added;
+};
+
+struct RecordedFile {
+    std::string path, basePath, phonePath;
+    std::optional<LocalTime> modified;
+};
+
+/// What the result of a call means, in words.
+[[nodiscard]] std::string ResultText(std::int32_t code);
+
+/// Texts handed in must be valid UTF-8: a BooksError says so otherwise. Methods that return a code leave it to the
+/// caller what follows from it: 0 is success.
+class Books {
+public:
+    /// Throws when the database is not open.
+    Books();
+
+    [[nodiscard]] std::vector<PhoneSettings> phones();
+    [[nodiscard]] std::optional<PhoneSettings> phone(const std::string& imei);
+    void announce(const std::string& imei, const std::string& name);
+    /// The phone must have been announced. Everything else of its settings stays.
+    void rename(const std::string& imei, const std::string& name);
+    /// Nothing when the phone has not been synced yet.
+    [[nodiscard]] std::optional<LocalTime> lastSync(const std::string& imei);
+    [[nodiscard]] std::int32_t setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode);
+
+    [[nodiscard]] std::vector<RecordedFolder> folders(const std::string& imei, Category category);
+    [[nodiscard]] std::vector<RecordedFile> files(const std::string& imei, Category category);
+    [[nodiscard]] std::int32_t addFolder(const std::string& imei, Category category, const RecordedFolder& folder);
+    [[nodiscard]] std::int32_t addFile(const std::string& imei, Category category, const RecordedFile& file);
+    [[nodiscard]] std::int32_t updateFile(const std::string& imei, Category category, const RecordedFile& file);
+    /// Whether exactly this is recorded for the file. Reads all of the category: for doubtful cases only.
+    [[nodiscard]] bool isRecorded(const std::string& imei, Category category, const RecordedFile& file);
+    [[nodiscard]] std::int32_t removeFile(const std::string& imei, Category category, const std::string& path);
+};
+
+}  // namespace kesta

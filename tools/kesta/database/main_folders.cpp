@@ -1,0 +1,49 @@
+#include "database/main_folders.h"
+
+#include <algorithm>
+
+#include "database/calls.h"
+
+namespace kesta {
+namespace {
+
+using calls::Text;
+
+constexpr std::array<std::int32_t, kMainFolders.size()> kIds{
+    kMainFolderMusic,    kMainFolderGallery,     kMainFolderDocument, kMainFolderPeople,
+    kMainFolderCalendar, kMainFolderWebBookmark, kMainFolderMap};
+
+std::int32_t IdOf(MainFolder folder)
+{
+    return kIds[static_cast<std::size_t>(folder)];
+}
+
+}  // namespace
+
+std::vector<MainFolderFigures> MainFolderBooks::all()
+{
+    // No argument makes the library empty this list without filling it again, so one record serves all calls.
+    static MainFolderList list{0, nullptr};
+    calls::ReadList("DB_LIB_GetAllMainFolders", [] { return DB_LIB_GetAllMainFolders(&list); });
+    std::vector<MainFolderFigures> folders;
+    for (std::int32_t i = 0; i < list.Count; ++i) {
+        const MainFolderRecord& record = list.Items[i];
+        const auto id = std::find(kIds.begin(), kIds.end(), record.ID);
+        if (id == kIds.end()) continue;
+        folders.push_back({kMainFolders[static_cast<std::size_t>(id - kIds.begin())], record.Number, record.Size,
+                           FromDbText(record.Setting)});
+    }
+    return folders;
+}
+
+bool MainFolderBooks::isSelected(const std::string& imei, MainFolder folder)
+{
+    return DB_LIB_IsFolderSelected(Text(imei).c_str(), IdOf(folder)) != 0;
+}
+
+std::int32_t MainFolderBooks::select(const std::string& imei, MainFolder folder, bool selected)
+{
+    return DB_LIB_SetFolderSelected(Text(imei).c_str(), IdOf(folder), selected ? 1 : 0);
+}
+
+}  // namespace kesta

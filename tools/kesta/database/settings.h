@@ -1,0 +1,28 @@
+// Changing what the user has set for a phone: the settings record, and which folders and playlists are wanted.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "database/database.h"
+
+namespace kesta {
+
+/// Methods that return a code leave it to the caller what follows from it: 0 is success.
+class SettingsBooks {
+public:
+    SettingsBooks(Books& /*opened*/, std::string imei) : imei_(std::move(imei)) {}
+
+    /// Writes what differs between the two; everything else keeps its value in the books, to the character. NeedMount
+    /// cannot be written by itself.
+    [[nodiscard]] std::int32_t write(const PhoneSettings& before, const PhoneSettings& after);
+    /// Success does not say that the books know the folder.
+    [[nodiscard]] std::int32_t selectFolder(Category category, const std::string& path, bool selected);
+    /// Success does not say that the books know the playlist.
+    [[nodiscard]] std::int32_t selectPlaylist(const std::string& name, bool selected);
+
+private:
+    std::string imei_;
+};
+
+}  // namespace kesta

@@ -1,0 +1,141 @@
+#include "stages/bookmarks/bookmark_plan.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "base/names.h"
+#include "phone/phone_layout.h"
+
+namespace kesta {
+namespace {
+
+constexpr std::int32_t kOnThePhone = 0;
+
+// A record's statement ends at 40960 bytes; each apostrophe counts twice in it.
+constexpr std::size_t kLongestMark = 40'000;
+
+bool FitsTheBooks(const std::string& title, const std::string& url)
+{
+    const auto inStatement = [](const std::string& text) {
+        return text.size() + static_cast<std::size_t>(std::count(text.begin(), text.end(), '\''));
+    };
+    return inStatement(title) + inStatement(url) <= kLongestMark;
+}
+
+// "Bookmarks/bookmarks.html#b12" is the element b12 in that page; 0 for any other id.
+std::int32_t NumberOf(const RecordedMark& mark, const std::string& place)
+{
+    const std::string_view id = mark.idOnPhone;
+    if (!id.starts_with(place) || !id.substr(place.size()).starts_with("#b")) return 0;
+    const std::string_view digits = id.substr(place.size() + 2);
+    std::int32_t number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return error == std::errc() && end == digits.data() + digits.size() && number > 0 ? number : 0;
+}
+
+class Planner {
+public:
+    explicit Planner(const BookmarkPlanInput& input) : input_(input)
+    {
+        for (const RecordedMark& mark : input.recorded) {
+            recorded_.emplace(mark.url, &mark);
+            lastNumber_ = std::max(lastNumber_, NumberOf(mark, input.place));
+        }
+    }
+
+    BookmarkPlan run() &&
+    {
+        for (const formats::Bookmark& bookmark : input_.file.bookmarks) take(bookmark);
+        std::vector<RecordedMark> gone;
+        for (const RecordedMark& mark : input_.recorded)
+            if (!seen_.contains(mark.url)) gone.push_back(mark);
+        if (!input_.file.problems.empty()) {
+            keep(gone);
+        } else if (input_.guard.holdsBack("bookmarks", gone.size(), input_.recorded.size())) {
+            plan_.heldBack = gone.size();
+            keep(gone);
+        } else {
+            plan_.removed = std::move(gone);
+        }
+        return std::move(plan_);
+    }
+
+private:
+    void take(const formats::Bookmark& bookmark)
+    {
+        if (bookmark.kind != formats::LinkKind::kWeb) {
+            ++plan_.notOfTheWeb;
+            return;
+        }
+        FileMark mark{bookmark.title, bookmark.url, bookmark.folders, bookmark.added, {}};
+        if (seen_.insert(bookmark.url).second) {
+            if (!FitsTheBooks(bookmark.title, bookmark.url)) {
+                plan_.tooLong.push_back(bookmark.url);
+                tooLong_.insert(bookmark.url);
+            } else {
+                mark.id = enter(bookmark.title, bookmark.url);
+            }
+        }
+        if (!tooLong_.contains(bookmark.url)) plan_.contents.push_back(std::move(mark));
+    }
+
+    // What is not to be removed yet stays in the phone's file, where it stands now.
+    void keep(const std::vector<RecordedMark>& gone)
+    {
+        std::unordered_map<std::string, const RecordedMark*> kept;
+        for (const RecordedMark& mark : gone) kept.emplace(mark.url, &mark);
+        for (const formats::Bookmark& bookmark : input_.onPhone.bookmarks) {
+            const auto found = kept.find(bookmark.url);
+            if (found == kept.end()) continue;
+            const RecordedMark& record = *found->second;
+            plan_.contents.push_back(
+                {record.title, record.url, bookmark.folders, bookmark.added, enter(record.title, record.url)});
+            kept.erase(found);
+        }
+        for (const RecordedMark& mark : gone)
+            if (kept.contains(mark.url))
+                plan_.contents.push_back({mark.title, mark.url, {}, {}, enter(mark.title, mark.url)});
+    }
+
+    // Sees to the mark's record; the id of its element.
+    std::string enter(const std::string& title, const std::string& url)
+    {
+        const auto known = recorded_.find(url);
+        std::int32_t number = known == recorded_.end() ? 0 : NumberOf(*known->second, input_.place);
+        if (number == 0) number = ++lastNumber_;
+        RecordedMark mark{title, url, fmt::format("{}#b{}", input_.place, number), number, kOnThePhone};
+        if (known == recorded_.end())
+            plan_.added.push_back(mark);
+        else if (known->second->title != title || known->second->idOnPhone != mark.idOnPhone ||
+                 known->second->flag != kOnThePhone)
+            plan_.updated.push_back(mark);
+        else
+            ++plan_.unchanged;
+        return fmt::format("b{}", number);
+    }
+
+    const BookmarkPlanInput& input_;
+    BookmarkPlan plan_;
+    std::unordered_map<std::string, const RecordedMark*> recorded_;
+    std::unordered_set<std::string> seen_, tooLong_;
+    std::int32_t lastNumber_ = 0;
+};
+
+}  // namespace
+
+BookmarkPlan PlanBookmarks(const BookmarkPlanInput& input)
+{
+    return Planner(input).run();
+}
+
+std::string PlaceOfMark(const RecordedMark& mark)
+{
+    const std::string place = mark.idOnPhone.substr(0, mark.idOnPhone.rfind('#'));
+    return IsPhonePath(place, kBookmarkFolder) ? place : std::string();
+}
+
+}  // namespace kesta

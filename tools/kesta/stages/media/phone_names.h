@@ -1,0 +1,31 @@
+// Where the files of a category lie on the phone.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "phone/phone_paths.h"
+#include "stages/media/plan.h"
+
+namespace kesta {
+
+/// The places of a category: each chosen folder has a folder of its own on the phone.
+class PhoneNames : public PhonePlaces {
+public:
+    PhoneNames(Category category, const PhoneView& phone)
+        : PhonePlaces(std::string(PhoneFolderOf(category)), phone), category_(category)
+    {
+    }
+
+    /// Fixes the folder on the phone for each chosen folder: where its recorded files lie, else its own name, with a
+    /// mark when another folder has that name.
+    void chooseRoots(const PlanInput& input);
+
+    [[nodiscard]] Place allocate(const std::string& folder, const ScannedFile& file);
+
+private:
+    Category category_;
+    std::map<std::string, std::string> roots_;  // chosen folder to name on the phone
+};
+
+}  // namespace kesta

@@ -1,0 +1,118 @@
+#include "stages/media/plan.h"
+
+#include <algorithm>
+#include <map>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "base/names.h"
+#include "stages/media/phone_names.h"
+
+namespace kesta {
+namespace {
+
+struct Wanted {
+    const ScannedFile* file;
+    const FolderScan* folder;
+};
+
+// Of a file that two chosen folders hold the innermost one is in charge.
+std::map<std::string, Wanted> CollectFiles(const PlanInput& input)
+{
+    std::vector<const FolderScan*> folders = input.folders;
+    std::stable_sort(folders.begin(), folders.end(),
+                     [](const auto* a, const auto* b) { return a->path.size() > b->path.size(); });
+    std::map<std::string, Wanted> wanted;
+    for (const FolderScan* folder : folders)
+        for (const ScannedFile& file : folder->files) wanted.try_emplace(file.path, Wanted{&file, folder});
+    return wanted;
+}
+
+class GoneFiles {
+public:
+    explicit GoneFiles(const PlanInput& input)
+    {
+        for (const FolderScan* folder : input.folders)
+            if (folder->complete) completeFolders_.push_back(folder);
+    }
+
+    // Only what lay in a folder that was read to its end can be told to be gone. It may have been chosen by the name of
+    // another folder, above or below.
+    [[nodiscard]] bool isGone(const RecordedFile& file) const
+    {
+        return std::any_of(completeFolders_.begin(), completeFolders_.end(), [&](const FolderScan* folder) {
+            if (file.basePath != folder->path && !os::LiesIn(file.path, folder->path)) return false;
+            return std::none_of(folder->problems.begin(), folder->problems.end(),
+                                [&](const ScanProblem& problem) { return os::LiesIn(file.path, problem.path); });
+        });
+    }
+
+private:
+    std::vector<const FolderScan*> completeFolders_;
+};
+
+}  // namespace
+
+CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone)
+{
+    CategoryPlan plan;
+    plan.recorded = input.recorded.size();
+    const auto wanted = CollectFiles(input);
+
+    const GoneFiles gone(input);
+    std::vector<const RecordedFile*> staying, leaving;
+    for (const RecordedFile& file : input.recorded)
+        (!wanted.contains(file.path) && gone.isGone(file) ? leaving : staying).push_back(&file);
+    if (input.guard.holdsBack(std::string(KeyOf(input.category)), leaving.size(), plan.recorded)) {
+        plan.heldBack = leaving.size();
+        staying.insert(staying.end(), leaving.begin(), leaving.end());
+        leaving.clear();
+    }
+
+    PhoneNames names(input.category, phone);
+    std::unordered_map<std::string, const RecordedFile*> recorded;
+    std::unordered_set<std::string> homeless;  // recorded in a place that is not theirs
+    for (const RecordedFile* file : staying) {
+        recorded.emplace(file->path, file);
+        if (!IsPhonePath(file->phonePath, input.category) || !names.reserve(file->phonePath))
+            homeless.insert(file->path);
+    }
+    for (const RecordedFile* file : leaving) {
+        Action action{ActionKind::kRemove, input.category, *file, 0};
+        if (!IsPhonePath(file->phonePath, input.category) || names.isReserved(file->phonePath))
+            action.file.phonePath.clear();
+        else
+            names.release(file->phonePath);
+        plan.removals.push_back(std::move(action));
+    }
+    names.chooseRoots(input);
+
+    for (const auto& [path, source] : wanted) {
+        Action action{ActionKind::kCopy,
+                      input.category,
+                      {path, source.folder->path, {}, source.file->booksTime},
+                      source.file->size};
+        const auto known = recorded.find(path);
+        if (known != recorded.end()) {
+            action.kind = ActionKind::kUpdate;
+            action.file.basePath = known->second->basePath;
+            const PhoneFile there =
+                homeless.contains(path) ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone.find(known->second->phonePath);
+            if (there.entry == PhoneEntry::kFile && there.size == source.file->size &&
+                known->second->modified == source.file->booksTime) {
+                ++plan.unchanged;
+                continue;
+            }
+            if (there.entry != PhoneEntry::kOther) action.file.phonePath = known->second->phonePath;
+        }
+        if (action.file.phonePath.empty()) {
+            const auto place = names.allocate(source.folder->path, *source.file);
+            action.file.phonePath = place.phonePath;
+            if (place.sameFileIsThere && known == recorded.end()) action.kind = ActionKind::kAdopt;
+        }
+        plan.copies.push_back(std::move(action));
+    }
+    return plan;
+}
+
+}  // namespace kesta

@@ -1,0 +1,47 @@
+// Reading a chosen folder of the PC: which files are in it, and what could not be read.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/dates.h"
+#include "os/files.h"
+
+namespace kesta {
+
+struct ScannedFile {
+    std::string path;      // on the PC
+    std::string relative;  // below the chosen folder, with '/' between the components
+    std::uint64_t size = 0;
+    os::FileTime modified;
+    std::optional<LocalTime> booksTime;  // the same to the second, as the books keep it
+};
+
+/// Something in the folder that is there but cannot be synced. Nothing at or below its path counts as gone.
+struct ScanProblem {
+    std::string path;
+    std::string reason;
+};
+
+struct FolderScan {
+    std::string path;
+    bool found = false;     // the folder itself could be read
+    bool complete = false;  // every folder below it could be read, so that what was not seen is gone
+    std::vector<ScannedFile> files;
+    std::vector<ScanProblem> problems;
+    std::uint64_t totalSize = 0;
+    std::size_t repeatedLinks = 0;  // links to folders that were read already, or that hold the chosen folder itself
+};
+
+struct ScanOptions {
+    os::FileId phone;  // the phone's own folder is passed over when it lies in a chosen one
+    std::function<bool(std::size_t filesSoFar)> keepGoing = [](std::size_t) { return true; };
+};
+
+/// Takes the canonical path of a folder. Links to files and folders are followed, each real folder is read once.
+[[nodiscard]] FolderScan ScanFolder(const std::string& path, const ScanOptions& options);
+
+}  // namespace kesta

@@ -1,0 +1,214 @@
+#include "stages/pim/pim_phone_plan.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <optional>
+
+#include "base/names.h"
+#include "stages/pim/pim_text.h"
+
+namespace kesta {
+namespace {
+
+// FAT keeps times to two seconds only.
+constexpr std::int64_t kTimeTolerance = 2;
+
+// The files' places on this phone. Each keeps the one that the log knows.
+class FileNames {
+public:
+    FileNames(const PimPhoneInput& input, const PimPhoneView& phone)
+        : input_(input), phone_(phone), folder_(TitleOf(input.kind))
+    {
+        for (std::string& name : phone.names(folder_)) names_.emplace(PimFileDigest(name), std::move(name));
+        for (const PimLogRow& row : input.log)
+            if (const auto name = names_.find(FromLuid(row.luid).file); name != names_.end())
+                taken_.insert(CaseKey(name->second));
+    }
+
+    /// Where the recorded file lies; nothing when it is not there.
+    [[nodiscard]] std::optional<std::string> find(const std::string& fileDigest) const
+    {
+        const auto name = names_.find(fileDigest);
+        if (name == names_.end()) return std::nullopt;
+        return fmt::format("{}/{}", folder_, name->second);
+    }
+
+    /// A place for a file that is not where it is recorded. The same in every run, as long as nobody else takes it.
+    [[nodiscard]] std::string allocate(const PimFolder& folder, const std::string& text)
+    {
+        const std::string wish =
+            SafeName(folder.path.substr(folder.path.rfind('/') + 1) + std::string(ExtensionOf(input_.kind)));
+        std::string name = wish;
+        for (unsigned attempt = 0;; ++attempt) {
+            std::string place = fmt::format("{}/{}", folder_, name);
+            if (!taken_.contains(CaseKey(name)) && isFree(place, text)) {
+                taken_.insert(CaseKey(name));
+                return place;
+            }
+            name = MarkedName(wish, folder.id, attempt);
+        }
+    }
+
+private:
+    [[nodiscard]] bool isFree(const std::string& place, const std::string& text) const
+    {
+        const PhoneFile there = phone_.find(place);
+        if (there.entry == PhoneEntry::kNothing) return true;
+        if (there.entry != PhoneEntry::kFile) return false;
+        return input_.owned.contains(place) || (there.size == text.size() && phone_.holds(place, text));
+    }
+
+    const PimPhoneInput& input_;
+    const PimPhoneView& phone_;
+    std::string folder_;
+    std::map<std::string, std::string> names_;  // by PimFileDigest
+    std::set<std::string> taken_;               // case keys
+};
+
+class PhonePlanner {
+public:
+    PhonePlanner(const PimPhoneInput& input, const PimPhoneView& phone)
+        : input_(input), phone_(phone), names_(input, phone)
+    {
+    }
+
+    PimPhonePlans run() &&
+    {
+        for (const PimLogRow& row : input_.log) {
+            const std::string folder = FolderOfPimEntry(input_.kind, row.guid);
+            if (sourceOf(folder) == nullptr || input_.store.refusedFolders.contains(folder))
+                result_.others.push_back(row);
+            else
+                rows_[folder].push_back(row);
+        }
+        for (const PimStorePlan& folder : input_.store.folders) {
+            plan(*folder.source, folder);
+            rows_.erase(folder.folder.id);
+        }
+        // Folders that were removed from the store for another phone.
+        for (const auto& [id, rows] : rows_) {
+            PimStorePlan gone;
+            gone.folder.id = id;
+            plan(*sourceOf(id), gone);
+        }
+        return std::move(result_);
+    }
+
+private:
+    [[nodiscard]] const PimSource* sourceOf(const std::string& folderId) const
+    {
+        for (const PimSource& source : input_.sources)
+            if (source.readable && IsOfPimSource(folderId, source.id)) return &source;
+        return nullptr;
+    }
+
+    void plan(const PimSource& source, const PimStorePlan& folder)
+    {
+        PimPhonePlan plan;
+        plan.sourcePath = source.path;
+        const auto rows = rows_.find(folder.folder.id);
+        if (rows != rows_.end()) plan.oldRows = rows->second;
+        if (folder.entries.empty() && plan.oldRows.empty()) return;
+        compare(folder, plan);
+        const bool areTooMany =
+            source.complete && input_.guard.holdsBack("phone " + folder.folder.id, plan.removed, plan.oldRows.size());
+        if (plan.removed > 0 && (areTooMany || !source.complete)) {
+            leaveAlone(source, plan);
+        } else if (folder.entries.empty()) {
+            plan.action = PimFileAction::kRemove;
+            plan.phonePath = recordedPlace(plan).value_or(std::string());
+        } else {
+            planFile(folder, plan);
+        }
+        result_.files.push_back(std::move(plan));
+    }
+
+    // Counts, and makes a row for each entry; where it lies follows with the file.
+    void compare(const PimStorePlan& folder, PimPhonePlan& plan) const
+    {
+        std::map<std::string, const PimLogRow*> old;
+        for (const PimLogRow& row : plan.oldRows) old.emplace(row.guid, &row);
+        for (const PimEntry& entry : folder.entries) {
+            PimLogRow row{entry.id, {}, entry.modified, std::nullopt};
+            const auto place = old.find(entry.id);
+            if (place == old.end()) {
+                ++plan.added;
+            } else {
+                const bool isSame = FromLuid(place->second->luid).digest == entry.digest;
+                if (!isSame) ++plan.updated;
+                if (isSame && !folder.heldBack.contains(entry.id)) ++plan.unchanged;
+                if (isSame) row = *place->second;
+                old.erase(place);
+            }
+            plan.rows.push_back(std::move(row));
+        }
+        plan.removed = old.size();
+    }
+
+    static void leaveAlone(const PimSource& source, PimPhonePlan& plan)
+    {
+        plan.waitsForSource = !source.complete;
+        plan.heldBack = source.complete ? plan.removed : 0;
+        plan.added = plan.updated = plan.removed = 0;
+        plan.rows = plan.oldRows;
+    }
+
+    [[nodiscard]] std::optional<std::string> recordedPlace(const PimPhonePlan& plan) const
+    {
+        return plan.oldRows.empty() ? std::nullopt : names_.find(FromLuid(plan.oldRows.front().luid).file);
+    }
+
+    void planFile(const PimStorePlan& folder, PimPhonePlan& plan)
+    {
+        const std::string name = folder.folder.path.substr(folder.folder.path.rfind('/') + 1);
+        plan.text = PhoneFileText(input_.kind, name, folder.entries);
+        const auto recorded = recordedPlace(plan);
+        plan.phonePath = recorded ? *recorded : names_.allocate(folder.folder, plan.text);
+        const PhoneFile there = phone_.find(plan.phonePath);
+        const bool isAsRecorded = recorded && isSameTime(there, plan.oldRows);
+        const bool isChanged = plan.added + plan.updated + plan.removed > 0;
+        if (!isChanged && isAsRecorded && there.entry == PhoneEntry::kFile && there.size == plan.text.size()) return;
+
+        const bool holdsIt = there.entry == PhoneEntry::kFile && there.size == plan.text.size() &&
+                             phone_.holds(plan.phonePath, plan.text);
+        plan.action = holdsIt ? PimFileAction::kRecord : PimFileAction::kWrite;
+        if (!isChanged && !holdsIt) std::swap(plan.updated, plan.unchanged);
+        recordPlace(folder, !isAsRecorded || plan.added + plan.updated == 0, plan);
+    }
+
+    [[nodiscard]] static bool isSameTime(const PhoneFile& there, const std::vector<PimLogRow>& rows)
+    {
+        // The latest row was written with the file.
+        std::optional<LocalTime> recorded;
+        for (const PimLogRow& row : rows) recorded = std::max(recorded, row.phoneTime);
+        const auto time = BooksTime(there.modifiedSeconds);
+        return recorded && time && std::abs(*recorded - *time) <= kTimeTolerance;
+    }
+
+    static void recordPlace(const PimStorePlan& folder, bool evenUnchangedRows, PimPhonePlan& plan)
+    {
+        const std::string file = PimFileDigest(plan.phonePath.substr(plan.phonePath.rfind('/') + 1));
+        for (std::size_t i = 0; i < plan.rows.size(); ++i) {
+            plan.rows[i].luid = ToLuid({file, folder.entries[i].digest});
+            if (evenUnchangedRows) plan.rows[i].phoneTime.reset();
+        }
+    }
+
+    const PimPhoneInput& input_;
+    const PimPhoneView& phone_;
+    FileNames names_;
+    std::map<std::string, std::vector<PimLogRow>> rows_;  // by folder
+    PimPhonePlans result_;
+};
+
+}  // namespace
+
+PimPhonePlans PlanPimPhone(const PimPhoneInput& input, const PimPhoneView& phone)
+{
+    return PhonePlanner(input, phone).run();
+}
+
+}  // namespace kesta

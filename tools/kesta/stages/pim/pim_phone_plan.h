@@ -1,0 +1,62 @@
+// What a sync has to do on a phone, so that its address books and calendars are what the store holds. Changes nothing.
+//
+// A folder of the store is one file on the phone. The phone's log says what the phone has: a row for each entry, with
+// the file that holds it and the digest of its contents.
+#pragma once
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "phone/phone_view.h"
+#include "stages/pim/pim_store_plan.h"
+#include "sync/deletion_guard.h"
+
+namespace kesta {
+
+/// The phone as planning sees it.
+class PimPhoneView : public PhoneView {
+public:
+    /// The names of the files in a folder of the phone's root.
+    [[nodiscard]] virtual std::vector<std::string> names(const std::string& folder) const = 0;
+    /// Whether the file holds exactly this.
+    [[nodiscard]] virtual bool holds(const std::string& phonePath, const std::string& text) const = 0;
+};
+
+struct PimPhoneInput {
+    PimKind kind = PimKind::kContacts;
+    const std::vector<PimSource>& sources;
+    const PimStorePlans& store;
+    const std::vector<PimLogRow>& log;   // all of the kind
+    const std::set<std::string>& owned;  // places that the last run, which was cut short, was about to write
+    RemovalGuard& guard;
+};
+
+enum class PimFileAction {
+    kKeep,
+    kRecord,  // lies on the phone already, with these contents: only the log is to say so
+    kWrite,
+    kRemove
+};
+
+struct PimPhonePlan {
+    PimFileAction action = PimFileAction::kKeep;
+    std::string sourcePath;  // on the PC
+    std::string phonePath;   // empty for a file to be removed that is not there
+    std::string text;        // to be written
+    std::size_t added = 0, updated = 0, removed = 0, unchanged = 0;
+    std::size_t heldBack = 0;     // removals for which the whole file is left as it is
+    bool waitsForSource = false;  // it is left as it is because the file of the PC is not known to be complete
+    std::vector<PimLogRow> oldRows;
+    std::vector<PimLogRow> rows;  // once it is carried out; without a phone time where it is the file's
+};
+
+struct PimPhonePlans {
+    std::vector<PimPhonePlan> files;
+    std::vector<PimLogRow> others;  // rows that this run has nothing to do with
+};
+
+[[nodiscard]] PimPhonePlans PlanPimPhone(const PimPhoneInput& input, const PimPhoneView& phone);
+
+}  // namespace kesta

@@ -1,0 +1,34 @@
+// The address-book and calendar files of the PC as they are given to a sync.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "stages/pim/pim_entry.h"
+
+namespace kesta {
+
+struct PimSourceFolder {
+    std::string id;
+    std::string name;  // of the calendar; the file's own without its extension where there is none
+    std::vector<PimEntry> entries;
+};
+
+struct PimSource {
+    std::string path;
+    std::string id;
+    bool readable = false;
+    bool complete = false;  // read to its end and understood, so that what was not seen is gone
+    std::string problem;    // what is wrong when it is not complete
+    std::vector<PimSourceFolder> folders;
+};
+
+/// Reads the file. One that changes meanwhile is read again, and then counts as not complete.
+[[nodiscard]] PimSource ReadPimSource(PimKind kind, const std::string& canonicalPath);
+/// From the file's contents. Entries that do not say when they were changed get the file's time.
+[[nodiscard]] PimSource MakePimSource(PimKind kind, const std::string& canonicalPath, std::string_view contents,
+                                      std::optional<LocalTime> modified);
+
+}  // namespace kesta

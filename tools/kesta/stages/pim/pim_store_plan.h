@@ -1,0 +1,54 @@
+// What a sync has to do in the books' store of contacts or calendars, so that it holds what the files of the PC hold.
+// Changes nothing.
+#pragma once
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "report/summary.h"
+#include "stages/pim/pim_entry.h"
+#include "stages/pim/pim_source.h"
+#include "sync/deletion_guard.h"
+
+namespace kesta {
+
+struct StoredPimFolder {
+    PimFolder folder;
+    std::vector<PimEntry> entries;
+};
+
+struct PimStoreInput {
+    PimKind kind = PimKind::kContacts;
+    const std::vector<PimSource>& sources;      // those that are not readable are left alone
+    const std::vector<StoredPimFolder>& known;  // all of the kind; the entries are needed of the sources' folders only
+    RemovalGuard& guard;
+    std::size_t folderLimit = kMostListedPimFolders - 1;  // the root takes part in a listing of the whole tree
+    std::size_t itemLimit = kMostListedPimItems;
+};
+
+struct PimStorePlan {
+    PimFolder folder;
+    const PimSource* source = nullptr;
+    bool isNew = false;
+    bool isLeaving = false;            // nothing is left in it
+    std::vector<PimEntry> entries;     // what it holds then: in the file's order, what is not in the file behind it
+    std::vector<std::size_t> added;    // of these
+    std::vector<std::size_t> updated;  // of these
+    std::vector<std::string> removed;  // ids
+    std::set<std::string> heldBack;    // ids of what stays, since it would be more than half of the folder
+    [[nodiscard]] bool changes() const { return !added.empty() || !updated.empty() || !removed.empty(); }
+};
+
+struct PimStorePlans {
+    std::vector<PimStorePlan> folders;
+    std::set<std::string> refusedFolders;  // ids, for which there is no room
+    std::vector<FailedItem> refusals;
+};
+
+/// The root of a kind's folders. It is no folder of any file.
+[[nodiscard]] PimFolder PimRootFolder(PimKind kind);
+[[nodiscard]] PimStorePlans PlanPimStore(const PimStoreInput& input);
+
+}  // namespace kesta

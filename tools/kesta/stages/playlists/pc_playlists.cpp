@@ -1,0 +1,160 @@
+#include "stages/playlists/pc_playlists.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+
+#include "base/text.h"
+#include "formats/ascii.h"
+
+namespace kesta {
+namespace {
+
+// A list of a hundred thousand entries takes about ten megabytes. What is larger is no list.
+constexpr std::uint64_t kLargestList = 64'000'000;
+
+std::string StemOf(const std::string& fileName)
+{
+    return fileName.substr(0, fileName.rfind('.'));
+}
+
+// Players often save a list as .m3u and as .m3u8. The one that says how it is encoded gets the name.
+std::map<std::string, std::string> NamesOf(std::vector<std::string> files)
+{
+    const auto isUtf8 = [](const std::string& file) {
+        return formats::EncodingOf(file) == formats::PlaylistEncoding::kUtf8;
+    };
+    std::sort(files.begin(), files.end(),
+              [&](const std::string& a, const std::string& b) { return isUtf8(a) != isUtf8(b) ? isUtf8(a) : a < b; });
+    std::map<std::string, std::string> fileOfName;
+    for (const std::string& file : files)
+        if (!fileOfName.emplace(StemOf(file), file).second) fileOfName.emplace(file, file);
+    return fileOfName;
+}
+
+std::string Native(std::string path)
+{
+    std::replace(path.begin(), path.end(), '/', os::kSeparator);
+    return path;
+}
+
+// Whether the system has paths of that kind at all: elsewhere "C:/a.mp3" would be a file in the current folder.
+bool HasPath(formats::LocationKind kind)
+{
+    if (kind == formats::LocationKind::kRelative) return true;
+    return (kind == formats::LocationKind::kAbsolute) == (os::kSeparator == '/');
+}
+
+class ListReader {
+public:
+    ListReader(PcPlaylists& result, std::string folder) : result_(result), folder_(std::move(folder)) {}
+
+    void read(const std::string& name, const std::string& file)
+    {
+        PcPlaylist list;
+        list.name = name;
+        list.path = os::Join(folder_, file);
+        list.title = name;
+        std::string text;
+        if (os::Status status = readFile(list.path, text); !status.ok()) {
+            result_.problems.push_back({list.path, "it cannot be read: " + status.text()});
+            list.readable = list.complete = false;
+        } else {
+            formats::Playlist parsed = formats::ParsePlaylist(text, formats::EncodingOf(file));
+            list.complete = parsed.problems.empty();
+            for (const formats::Problem& problem : parsed.problems) report(list, problem.line, problem.text);
+            if (!parsed.title.empty()) list.title = parsed.title;
+            for (formats::PlaylistEntry& entry : parsed.entries)
+                list.members.push_back(resolve(list, std::move(entry)));
+        }
+        result_.lists.push_back(std::move(list));
+    }
+
+private:
+    static os::Status readFile(const std::string& path, std::string& text)
+    {
+        os::FileInfo info;
+        if (os::Status status = os::ReadInfo(path, info); !status.ok()) return status;
+        if (info.kind != os::FileKind::kFile) return {os::Failure::kOther, "it is not a file"};
+        if (info.size > kLargestList) return {os::Failure::kOther, "it is too large for a playlist"};
+        return os::ReadText(path, text);
+    }
+
+    void report(const PcPlaylist& list, std::size_t line, const std::string& text)
+    {
+        result_.problems.push_back({list.path, line == 0 ? text : fmt::format("line {}: {}", line, text)});
+    }
+
+    ListMember resolve(const PcPlaylist& list, formats::PlaylistEntry entry)
+    {
+        ListMember member;
+        member.entry = std::move(entry);
+        if (member.isUrl()) return member;
+        const formats::Location& location = member.entry.location;
+        member.path = member.namedPath = Native(*formats::PathOf(location, folder_));
+        if (!HasPath(location.kind)) {
+            report(list, member.entry.line, fmt::format("{} is a path of another system", location.text));
+            return member;
+        }
+        os::FileInfo info;
+        os::Status status = os::ReadInfo(member.path, info);
+        if (status.ok() && info.kind != os::FileKind::kFile) status = {os::Failure::kOther, "it is not a file"};
+        std::string canonical;
+        if (status.ok()) status = os::CanonicalPath(member.path, canonical);
+        if (status.ok() && !IsValidUtf8(canonical)) status = {os::Failure::kOther, "its path is not valid text"};
+        if (!status.ok()) {
+            member.path = withoutFile(member.path);
+            report(list, member.entry.line, fmt::format("{}: {}", member.path, status.text()));
+            return member;
+        }
+        member.path = std::move(canonical);
+        member.found = true;
+        member.size = info.size;
+        member.modified = info.modified;
+        member.booksTime = BooksTime(info.modified.seconds);
+        return member;
+    }
+
+    // A missing file's path as it was when the file was there, as far as its folder still is.
+    static std::string withoutFile(const std::string& path)
+    {
+        std::string folder;
+        if (os::CanonicalPath(os::ParentOf(path), folder).ok()) return os::Join(folder, os::NameOf(path));
+        return os::AbsolutePath(path);
+    }
+
+    PcPlaylists& result_;
+    std::string folder_;
+};
+
+}  // namespace
+
+PcPlaylists ReadPlaylists(const std::string& folder, const std::function<bool()>& keepGoing)
+{
+    PcPlaylists result;
+    std::vector<os::DirectoryEntry> entries;
+    if (os::Status status = os::ListDirectory(folder, entries); !status.ok()) {
+        result.problems.push_back({folder, "the folder cannot be read: " + status.text()});
+        return result;
+    }
+    result.found = true;
+    std::vector<std::string> files;
+    for (const os::DirectoryEntry& entry : entries) {
+        if (!formats::IsPlaylistName(entry.name)) continue;
+        os::FileInfo info;
+        const std::string path = os::Join(folder, entry.name);
+        if (!entry.valid)
+            result.problems.push_back({path, "the name is not valid text"});
+        else if (!os::ReadInfo(path, info).ok() || info.kind != os::FileKind::kDirectory)
+            files.push_back(entry.name);
+    }
+    ListReader reader(result, folder);
+    for (const auto& [name, file] : NamesOf(std::move(files))) {
+        if (!keepGoing()) break;
+        reader.read(name, file);
+    }
+    return result;
+}
+
+}  // namespace kesta

@@ -1,0 +1,244 @@
+#include "stages/playlists/playlist_plan.h"
+
+#include <algorithm>
+
+#include "base/names.h"
+#include "phone/phone_layout.h"
+#include "phone/phone_paths.h"
+
+namespace kesta {
+namespace {
+
+struct Need {
+    const ListMember* member = nullptr;
+    std::string owner;  // the first list that needs it
+};
+
+class Planner {
+public:
+    Planner(const PlaylistPlanInput& input, const PhoneView& phone)
+        : input_(input), phone_(phone), places_(std::string(kPlaylistMediaFolder), phone)
+    {
+    }
+
+    PlaylistPlan run() &&
+    {
+        sortOut();
+        holdBack();
+        for (const ListToBring& bring : plan_.lists) collectNeeds(bring);
+        planFiles();
+        rehome();
+        return std::move(plan_);
+    }
+
+private:
+    void sortOut()
+    {
+        std::map<std::string, const PcPlaylist*> listOfName;
+        for (const PcPlaylist& list : input_.lists) listOfName.emplace(list.name, &list);
+        for (const RecordedPlaylist& record : input_.recorded) {
+            const auto found = listOfName.find(record.name);
+            if (found == listOfName.end())
+                sortOutGone(record);
+            else if (record.state == PlaylistState::kDeletedOnPhone)
+                plan_.deletedOnPhone.push_back(&record);
+            else if (!record.selected)
+                passOver(record);
+            else if (!found->second->readable)
+                keep(record);
+            else
+                plan_.lists.push_back({found->second, &record});
+        }
+        std::sort(plan_.lists.begin(), plan_.lists.end(),
+                  [](const ListToBring& a, const ListToBring& b) { return a.list->name < b.list->name; });
+    }
+
+    void sortOutGone(const RecordedPlaylist& record)
+    {
+        if (record.state == PlaylistState::kDeletedOnPhone)
+            plan_.forgotten.push_back(&record);
+        else if (record.state == PlaylistState::kUnconfirmed)
+            plan_.leaving.push_back(&record);
+        else if (!record.selected)
+            passOver(record);
+        else
+            keep(record);
+    }
+
+    void passOver(const RecordedPlaylist& record)
+    {
+        plan_.notSelected.push_back(&record);
+        keep(record);
+    }
+
+    // What the list has on the phone stays there.
+    void keep(const RecordedPlaylist& record)
+    {
+        for (const std::string& member : membersOf(record)) kept_.emplace(member, record.name);
+    }
+
+    [[nodiscard]] const std::vector<std::string>& membersOf(const RecordedPlaylist& record) const
+    {
+        static const std::vector<std::string> kNone;
+        const auto found = input_.members.find(record.name);
+        return found == input_.members.end() ? kNone : found->second;
+    }
+
+    // A list that has lost all its entries is as good as gone, and as likely to be an accident.
+    [[nodiscard]] bool isEmptied(const ListToBring& bring) const
+    {
+        return bring.record->idInPhone && bring.list->members.empty() && !membersOf(*bring.record).empty();
+    }
+
+    void holdBack()
+    {
+        const auto isOnPhone = [](const RecordedPlaylist& record) { return record.idInPhone.has_value(); };
+        const auto onPhone =
+            static_cast<std::size_t>(std::count_if(input_.recorded.begin(), input_.recorded.end(), isOnPhone));
+        const auto losses =
+            static_cast<std::size_t>(std::count_if(plan_.leaving.begin(), plan_.leaving.end(),
+                                                   [&](const RecordedPlaylist* record) { return isOnPhone(*record); }) +
+                                     std::count_if(plan_.lists.begin(), plan_.lists.end(),
+                                                   [&](const ListToBring& bring) { return isEmptied(bring); }));
+        if (!input_.guard.holdsBack("playlists", losses, onPhone)) return;
+        plan_.heldBack = losses;
+        std::erase_if(plan_.leaving, [&](const RecordedPlaylist* record) {
+            if (isOnPhone(*record)) keep(*record);
+            return isOnPhone(*record);
+        });
+        std::erase_if(plan_.lists, [&](const ListToBring& bring) {
+            if (isEmptied(bring)) keep(*bring.record);
+            return isEmptied(bring);
+        });
+    }
+
+    void collectNeeds(const ListToBring& bring)
+    {
+        for (const ListMember& member : bring.list->members) {
+            if (member.isUrl()) continue;
+            if (PlaceInMedia(member, input_.media, phone_).empty())
+                needs_.try_emplace(member.path, Need{&member, bring.list->name});
+            else
+                carried_.insert(member.path);
+        }
+        if (!bring.list->complete) keep(*bring.record);
+    }
+
+    void planFiles()
+    {
+        std::map<std::string, const RecordedFile*> records;
+        std::vector<const RecordedFile*> leaving;
+        for (const RecordedFile& file : input_.files) {
+            if (!needs_.contains(file.path) && !kept_.contains(file.path)) {
+                leaving.push_back(&file);
+                continue;
+            }
+            records.emplace(file.path, &file);
+            if (IsPhonePath(file.phonePath, kPlaylistMediaFolder) && places_.reserve(file.phonePath))
+                plan_.places[file.path] = file.phonePath;
+        }
+        for (const RecordedFile* file : leaving) planRemoval(*file);
+        for (const auto& [path, need] : needs_) {
+            const auto record = records.find(path);
+            planMember(need, record == records.end() ? nullptr : record->second);
+        }
+        plan_.files.recorded = input_.files.size();
+    }
+
+    void planRemoval(const RecordedFile& file)
+    {
+        Action action{ActionKind::kRemove, Category::kMusic, file, 0};
+        // In any other place lies what somebody else has put there, or a member that stays.
+        if (!IsPhonePath(file.phonePath, kPlaylistMediaFolder) || places_.isReserved(file.phonePath))
+            action.file.phonePath.clear();
+        if (carried_.contains(file.path)) return plan_.superseded.removals.push_back(std::move(action));
+        if (!action.file.phonePath.empty()) places_.release(action.file.phonePath);
+        plan_.files.removals.push_back(std::move(action));
+    }
+
+    void planMember(const Need& need, const RecordedFile* record)
+    {
+        const ListMember& member = *need.member;
+        const auto place = plan_.places.find(member.path);
+        const PhoneFile there =
+            place == plan_.places.end() ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone_.find(place->second);
+        if (!member.found) {
+            // The list still names it, so it stays on the phone, if it got there while it could be read.
+            if (there.entry != PhoneEntry::kFile) plan_.places.erase(member.path);
+            return;
+        }
+        if (record != nullptr && there.entry == PhoneEntry::kFile && there.size == member.size &&
+            record->modified == member.booksTime) {
+            ++plan_.files.unchanged;
+            return;
+        }
+        Action action{
+            ActionKind::kCopy, Category::kMusic, {member.path, need.owner, {}, member.booksTime}, member.size};
+        if (record != nullptr) {
+            action.kind = ActionKind::kUpdate;
+            action.file.basePath = record->basePath;
+            if (there.entry != PhoneEntry::kOther) action.file.phonePath = place->second;
+        }
+        if (action.file.phonePath.empty()) {
+            const auto isSame = [&](const std::string&, const PhoneFile& other) {
+                return IsSameFile(other, member.size, member.modified.seconds);
+            };
+            const auto found =
+                places_.allocate({os::NameOf(os::ParentOf(member.path)), os::NameOf(member.path)}, member.path, isSame);
+            action.file.phonePath = found.phonePath;
+            if (found.sameFileIsThere && record == nullptr) action.kind = ActionKind::kAdopt;
+        }
+        plan_.places[member.path] = action.file.phonePath;
+        plan_.files.copies.push_back(std::move(action));
+    }
+
+    // The library forgets a list's files with the list, those that other lists need as well.
+    void rehome()
+    {
+        std::set<std::string> ending;
+        for (const RecordedPlaylist* record : plan_.leaving) ending.insert(record->name);
+        for (const RecordedPlaylist* record : plan_.forgotten) ending.insert(record->name);
+        for (const RecordedFile& file : input_.files) {
+            if (!ending.contains(file.basePath)) continue;
+            const auto need = needs_.find(file.path);
+            const auto keeper = kept_.find(file.path);
+            if (need == needs_.end() && keeper == kept_.end()) continue;
+            plan_.rehomed.push_back(file);
+            plan_.rehomed.back().basePath = need != needs_.end() ? need->second.owner : keeper->second;
+        }
+    }
+
+    const PlaylistPlanInput& input_;
+    const PhoneView& phone_;
+    PhonePlaces places_;
+    PlaylistPlan plan_;
+    std::map<std::string, Need> needs_;        // by path on the PC
+    std::map<std::string, std::string> kept_;  // path on the PC to the list that keeps it
+    std::set<std::string> carried_;            // by media sync
+};
+
+}  // namespace
+
+PlaylistPlan PlanPlaylists(const PlaylistPlanInput& input, const PhoneView& phone)
+{
+    return Planner(input, phone).run();
+}
+
+std::string PlaceInMedia(const ListMember& member, const MediaPlaces& media, const PhoneView& phone)
+{
+    for (const std::string* path : {&member.path, &member.namedPath}) {
+        const auto found = media.find(*path);
+        if (found == media.end()) continue;
+        const MediaPlace& place = found->second;
+        if (place.isPlanned || phone.find(place.phonePath).entry == PhoneEntry::kFile) return place.phonePath;
+    }
+    return {};
+}
+
+std::string PlaceOfList(const RecordedPlaylist& list)
+{
+    const std::string place = list.idInPhone.value_or(std::string());
+    return IsPhonePath(place, kPlaylistFolder) && SplitPath(place).size() == 2 ? place : std::string();
+}
+
+}  // namespace kesta

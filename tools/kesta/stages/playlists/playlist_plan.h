@@ -1,0 +1,61 @@
+// What a sync has to do about playlists, from the lists of the PC, the books and the phone. Changes nothing.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "database/playlists.h"
+#include "stages/media/plan.h"
+#include "stages/playlists/pc_playlists.h"
+#include "sync/deletion_guard.h"
+
+namespace kesta {
+
+/// Where media sync has put a file.
+struct MediaPlace {
+    std::string phonePath;
+    bool isPlanned = false;  // by a dry run: it is not there yet
+};
+
+/// By the file's path on the PC.
+using MediaPlaces = std::unordered_map<std::string, MediaPlace>;
+
+struct PlaylistPlanInput {
+    const std::vector<PcPlaylist>& lists;
+    const std::vector<RecordedPlaylist>& recorded;                   // after the lists of the PC have been confirmed
+    const std::map<std::string, std::vector<std::string>>& members;  // of the recorded lists, as the phone has them
+    const std::vector<RecordedFile>& files;                          // that were copied for playlists
+    const MediaPlaces& media;
+    RemovalGuard& guard;
+};
+
+/// A list that is to be on the phone as the PC has it.
+struct ListToBring {
+    const PcPlaylist* list = nullptr;
+    const RecordedPlaylist* record = nullptr;
+};
+
+struct PlaylistPlan {
+    std::vector<ListToBring> lists;
+    std::vector<const RecordedPlaylist*> leaving;    // to be removed from the phone and the books
+    std::vector<const RecordedPlaylist*> forgotten;  // only the books still have them
+    std::vector<const RecordedPlaylist*> notSelected, deletedOnPhone;
+    CategoryPlan files;                 // removals and copies of members
+    CategoryPlan superseded;            // members that media sync carries by now: removed when no list names them
+    std::vector<RecordedFile> rehomed;  // members of leaving lists, under the lists that need them still
+    std::map<std::string, std::string> places;  // of members by their path on the PC, once all is carried out
+    std::size_t heldBack = 0;  // lists to be removed or emptied, since they are more than half of those on the phone
+};
+
+[[nodiscard]] PlaylistPlan PlanPlaylists(const PlaylistPlanInput& input, const PhoneView& phone);
+
+/// Where media sync has the member on the phone; empty when it has not.
+[[nodiscard]] std::string PlaceInMedia(const ListMember& member, const MediaPlaces& media, const PhoneView& phone);
+
+/// The list's own place, when the books tell one that can be this client's; else empty.
+[[nodiscard]] std::string PlaceOfList(const RecordedPlaylist& list);
+
+}  // namespace kesta

@@ -1,0 +1,23 @@
+// How the last run of each phone ended. The books take a run's error code but have no way to give it back, so the
+// client keeps a note of its own beside them.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "base/dates.h"
+#include "os/status.h"
+
+namespace kesta {
+
+struct LastRun {
+    LocalTime time = 0;
+    int code = 0;
+    std::string reason;  // empty when the run went well
+};
+
+os::Status SaveLastRun(const std::string& imei, const LastRun& run);
+/// Nothing when there is no note, or none about the run that ended at this time.
+[[nodiscard]] std::optional<LastRun> LoadLastRun(const std::string& imei, LocalTime time);
+
+}  // namespace kesta

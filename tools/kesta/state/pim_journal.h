@@ -1,0 +1,30 @@
+// Kept on the PC while a phone's contacts and calendars are written and logged: first the places that are about to be
+// written, then, since a log can only be replaced by clearing it first, what the logs are going to hold. The run after
+// a killed one takes it from here.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "database/pim.h"
+#include "os/status.h"
+
+namespace kesta {
+
+struct PimJournal {
+    std::set<std::string> places;
+    /// By kind, once what is on the phone is settled. Nothing: the books' log holds.
+    std::array<std::optional<std::vector<PimLogRow>>, kPimKinds.size()> rows;
+    [[nodiscard]] auto& rowsOf(PimKind kind) { return rows[static_cast<std::size_t>(kind)]; }
+    [[nodiscard]] const auto& rowsOf(PimKind kind) const { return rows[static_cast<std::size_t>(kind)]; }
+};
+
+os::Status WritePimJournal(const std::string& imei, const PimJournal& journal);
+/// Sets the journal to nothing when there is none. Fails when there is one that cannot be read or understood.
+os::Status ReadPimJournal(const std::string& imei, std::optional<PimJournal>& journal);
+os::Status RemovePimJournal(const std::string& imei);
+
+}  // namespace kesta

@@ -1,0 +1,34 @@
+// Keeps an accident on the PC from emptying the phone: removals of more than half of what is recorded wait until the
+// user forces them.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+
+#include "report/summary.h"
+
+namespace kesta {
+
+class RemovalGuard {
+public:
+    /// Remembers nothing; force: lets everything pass.
+    explicit RemovalGuard(bool force) : force_(force) {}
+    /// With what the phone's earlier runs have held back.
+    RemovalGuard(const std::string& imei, bool force);
+
+    /// Whether so many removals wait. While some do, what has been added since does not count as recorded: otherwise
+    /// the next run would find them to be less than half.
+    [[nodiscard]] bool holdsBack(const std::string& what, std::size_t leaving, std::size_t recorded);
+
+    /// Notes on the PC what waits, to be called before anything is added.
+    void save(Summary& summary);
+
+private:
+    std::string imei_;
+    bool force_;
+    bool hasChanged_ = false;
+    std::map<std::string, std::size_t> recordedBefore_;  // of all kinds of which removals wait
+};
+
+}  // namespace kesta

@@ -1,0 +1,81 @@
+#include "sync/journal.h"
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+#include <unordered_set>
+
+#include "base/names.h"
+#include "phone/phone_layout.h"
+
+namespace kesta {
+namespace {
+
+std::string JournalPath(const PhoneFolder& phone)
+{
+    return phone.native(std::string(kJournalName));
+}
+
+bool IsPlace(const std::string& line)
+{
+    return IsPhonePath(line, kPlaylistFolder) || IsPhonePath(line, kBookmarkFolder) ||
+           std::any_of(kCategories.begin(), kCategories.end(), [&](Category c) { return IsPhonePath(line, c); });
+}
+
+}  // namespace
+
+os::Status WriteJournal(const PhoneFolder& phone, const std::vector<std::string>& places)
+{
+    std::string text;
+    for (const std::string& place : places) text += place + '\n';
+    return os::WriteText(JournalPath(phone), phone.native(std::string(kTemporaryName)), text);
+}
+
+os::Status RemoveJournal(const PhoneFolder& phone)
+{
+    os::Status status = os::RemoveFile(JournalPath(phone));
+    return status.failure() == os::Failure::kMissing ? os::Status() : status;
+}
+
+os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string>& recordedPlaces, Leftovers& leftovers)
+{
+    std::string text;
+    std::set<std::string> folders{phone.root()};
+    if (os::Status status = os::ReadText(JournalPath(phone), text); status.ok())
+        leftovers.journalFound = true;
+    else if (status.failure() != os::Failure::kMissing)
+        return status;
+
+    const std::unordered_set<std::string> recorded(recordedPlaces.begin(), recordedPlaces.end());
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (!IsPlace(line)) continue;
+        folders.insert(os::ParentOf(phone.native(line)));
+        leftovers.foldersOf.push_back(line);
+        if (!recorded.contains(line) && phone.find(line).entry == PhoneEntry::kFile)
+            leftovers.unknownFiles.push_back(line);
+    }
+    for (const std::string& folder : folders) {
+        const std::string path = os::Join(folder, kTemporaryName);
+        os::FileInfo info;
+        if (os::ReadInfoOfLink(path, info).ok()) leftovers.temporaryFiles.push_back(path);
+    }
+    // A killed run leaves at most one, and none when it was still copying. More mean that these are not the books the
+    // files were recorded in, or that the user has put files there: they stay, and planning takes those in that are
+    // what the PC has.
+    if (leftovers.unknownFiles.size() > 1 || !leftovers.temporaryFiles.empty()) leftovers.unknownFiles.clear();
+    return {};
+}
+
+os::Status RemoveLeftovers(PhoneFolder& phone, const Leftovers& leftovers)
+{
+    for (const std::string& path : leftovers.temporaryFiles)
+        if (os::Status status = os::RemoveFile(path); !status.ok()) return status;
+    for (const std::string& place : leftovers.unknownFiles)
+        if (os::Status status = phone.removeFile(place); !status.ok()) return status;
+    for (const std::string& place : leftovers.foldersOf)
+        if (os::Status status = phone.tidyAbove(place); !status.ok()) return status;
+    return leftovers.journalFound ? RemoveJournal(phone) : os::Status();
+}
+
+}  // namespace kesta
