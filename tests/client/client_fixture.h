@@ -1,4 +1,4 @@
-// A PC, a phone and books of their own for each test, and the client to run between them.
+// A PC, a phone and a database of their own for each test, and the client to run between them.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -41,7 +41,7 @@ protected:
     Ended sync(std::vector<std::string> arguments, const Environment& environment = {});
     [[nodiscard]] std::vector<std::string> syncArguments(std::vector<std::string> arguments) const;
 
-    /// What the client says that the books hold.
+    /// What the client says that the database holds.
     nlohmann::json recorded(const std::string& category = "music");
     nlohmann::json status();
     /// Everything that lies on the phone, but for the client's own files.
@@ -53,8 +53,8 @@ protected:
     /// Every file on the phone is recorded once, is what the PC has, and has its time; nothing is left over.
     void expectInOrder(const std::string& category = "music");
 
-    [[nodiscard]] Sql books() const { return Sql(data_.databasePath()); }
-    /// A note of the client's own, beside the books.
+    [[nodiscard]] Sql database() const { return Sql(data_.databasePath()); }
+    /// A note of the client's own, beside the database.
     [[nodiscard]] fs::path note(const std::string& name) const;
     [[nodiscard]] const fs::path& work() const { return work_; }
     [[nodiscard]] const DataFolder& data() const { return data_; }

@@ -48,7 +48,7 @@ protected:
         std::ofstream(data().databasePath()).close();
         std::ostringstream statements;
         statements << std::ifstream(made / "database.sql").rdbuf();
-        books().exec(statements.str());
+        database().exec(statements.str());
         fs::create_directories(note("").parent_path().parent_path());
         fs::copy(made / "client", note(""));
     }
@@ -94,7 +94,7 @@ protected:
         for (const char* table : {"tMFile", "tIFile", "tPFile", "tPFilename", "tPFolder", "tBFile", "tPimFolder",
                                   "tPimFolderLink", "tPimItem", "tPimLog", "tPimLogItem"}) {
             rows +=
-                fmt::format("{}:\n{}\n", table, books().text(fmt::format("SELECT * FROM {} ORDER BY rowid", table)));
+                fmt::format("{}:\n{}\n", table, database().text(fmt::format("SELECT * FROM {} ORDER BY rowid", table)));
         }
         return rows;
     }
@@ -155,7 +155,7 @@ TEST_F(CompatibilityTest, ChangesOnThePc_GoToTheSamePlaces)
     for (const auto& [path, contents] : before) EXPECT_TRUE(after.contains(path)) << path;
     EXPECT_THAT(after.at("Contacts/friends.vcf"), HasSubstr("Ann Other"));
     EXPECT_THAT(after.at("Playlists/Media/Loose/x.mp3"), "sung anew, too");
-    EXPECT_EQ(books().text("SELECT [Path] FROM tBFile"), "http://site1.example/");
+    EXPECT_EQ(database().text("SELECT [Path] FROM tBFile"), "http://site1.example/");
     EXPECT_FALSE(fs::exists(note("351111.held-back.json")));
 }
 

@@ -44,10 +44,10 @@ protected:
     }
     [[nodiscard]] std::string rows() const
     {
-        return books().text("SELECT [Path], [Digest], [IdInPhone], [Flag], [Count] FROM tPFolder ORDER BY 1") + '\n' +
-               books().text("SELECT [Path], [BasePath], [PhonePath], [ModifiedTime] FROM tPFile ORDER BY 1") + '\n' +
-               books().text("SELECT [Listname], [Filename] FROM tPFilename ORDER BY 1, 2") + '\n' +
-               books().text("SELECT [Title], [Path], [PhoneMID], [Id], [Flag] FROM tBFile ORDER BY 2");
+        return database().text("SELECT [Path], [Digest], [IdInPhone], [Flag], [Count] FROM tPFolder ORDER BY 1") +
+               '\n' + database().text("SELECT [Path], [BasePath], [PhonePath], [ModifiedTime] FROM tPFile ORDER BY 1") +
+               '\n' + database().text("SELECT [Listname], [Filename] FROM tPFilename ORDER BY 1, 2") + '\n' +
+               database().text("SELECT [Title], [Path], [PhoneMID], [Id], [Flag] FROM tBFile ORDER BY 2");
     }
 
     /// Carries the same work out undisturbed, and killed at each call that changes something and then again: what comes
@@ -170,7 +170,7 @@ TEST_F(FamiliesFaultsTest, InterruptedBackup_LeavesNoArchive)
     const Ended run = client.wait();
     EXPECT_EQ(run.exitCode, 130) << run.out;
     EXPECT_TRUE(fs::is_empty(work() / "backups"));
-    EXPECT_EQ(books().text("SELECT [ErrCode] FROM tPhone"), "130");
+    EXPECT_EQ(database().text("SELECT [ErrCode] FROM tPhone"), "130");
 }
 
 TEST_F(FamiliesFaultsTest, InterruptedPlaylists_AreCaughtUpWith)
@@ -186,7 +186,7 @@ TEST_F(FamiliesFaultsTest, InterruptedPlaylists_AreCaughtUpWith)
     client.interrupt();
     EXPECT_EQ(client.wait().exitCode, 130);
     EXPECT_FALSE(phoneFiles().contains("Playlists/One.m3u8"));
-    EXPECT_EQ(std::to_string(phonePaths().size()), books().text("SELECT COUNT(*) FROM tPFile"));
+    EXPECT_EQ(std::to_string(phonePaths().size()), database().text("SELECT COUNT(*) FROM tPFile"));
     EXPECT_EQ(sync({"--playlists", pc("lists")}).exitCode, 0);
     EXPECT_THAT(phonePaths(), SizeIs(301));
     EXPECT_THAT(ownFiles(), IsEmpty());
@@ -238,7 +238,7 @@ TEST_F(FamiliesFaultsTest, FullPhone_StopsTheRunAndLeavesNoParts)
     EXPECT_THAT(phonePaths(), SizeIs(2));
 }
 
-TEST_F(FamiliesFaultsTest, BooksThatCannotBeWritten_StopTheRun)
+TEST_F(FamiliesFaultsTest, DatabaseThatCannotBeWritten_StopsTheRun)
 {
     givenFile("Extra/a", "a");
     givenFile("lists/One.m3u8", "../Extra/a\n");

@@ -72,7 +72,7 @@ TEST_F(FaultsTest, FirstRunKilledAtEachCall_TheNextRunEndsInOrder)
         fs::remove_all(phone());
         fs::remove_all(data().applicationData() / "NORVIK");
         fs::create_directories(phone());
-        EXPECT_EQ(client({"status"}).exitCode, 0);  // The books themselves are made before.
+        EXPECT_EQ(client({"status"}).exitCode, 0);  // The database itself is made before.
     };
     givenFile("Rock/a", "a");
     fresh();
@@ -88,7 +88,7 @@ TEST_F(FaultsTest, FirstRunKilledAtEachCall_TheNextRunEndsInOrder)
         ASSERT_EQ(client(arguments).exitCode, 0);
         EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a"));
         EXPECT_THAT(ownFiles(), IsEmpty());
-        EXPECT_EQ(books().text("SELECT COUNT(*), (SELECT COUNT(*) FROM tMFile) FROM tPhone"), "1|1");
+        EXPECT_EQ(database().text("SELECT COUNT(*), (SELECT COUNT(*) FROM tMFile) FROM tPhone"), "1|1");
         ASSERT_FALSE(HasFailure());
     }
 }
@@ -140,7 +140,7 @@ TEST_F(FaultsTest, OneFileThatCannotBeWritten_DoesNotStopTheRest)
     expectInOrder();
 }
 
-TEST_F(FaultsTest, FileThatCannotBeRemoved_StaysInTheBooks)
+TEST_F(FaultsTest, FileThatCannotBeRemoved_StaysInTheDatabase)
 {
     for (const char* name : {"a", "b", "c"}) givenFile(std::string("Rock/") + name, name);
     (void)sync({"--music", pc("Rock")});
@@ -175,7 +175,7 @@ TEST_F(FaultsTest, PhoneWithoutTimes_IsSyncedAllTheSame)
     EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("1 unchanged"));
 }
 
-TEST_F(FaultsTest, BooksThatCannotBeWritten_StopTheRun)
+TEST_F(FaultsTest, DatabaseThatCannotBeWritten_StopsTheRun)
 {
     givenFile("Rock/a", "a");
     (void)sync({"--music", pc("Rock")});

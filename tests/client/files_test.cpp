@@ -1,4 +1,4 @@
-// kesta files and kesta status: what is recorded of each family, from the rows in the books.
+// kesta files and kesta status: what is recorded of each family, from the rows in the database.
 #include "client_fixture.h"
 
 namespace kesta::test {
@@ -34,15 +34,16 @@ protected:
     void givenGallery() const
     {
         const char* const kColumns = "([PhoneID], [Path], [Count], [Size], [Selected], [AddTime])";
-        books().exec(std::string("INSERT INTO tIFolder ") + kColumns +
-                     " VALUES (1, '/a', 2, 20, 0, '2026-01-01 10:00:00'), "
-                     "(1, '/c', 3, 30, 1, '2026-01-01 10:00:00'); INSERT INTO tVFolder " +
-                     kColumns +
-                     " VALUES (1, '/a', 5, 500, 1, '2026-01-01 10:00:00'), (1, '/d', 1, 1, 1, '2026-01-01 10:00:00')");
+        database().exec(
+            std::string("INSERT INTO tIFolder ") + kColumns +
+            " VALUES (1, '/a', 2, 20, 0, '2026-01-01 10:00:00'), "
+            "(1, '/c', 3, 30, 1, '2026-01-01 10:00:00'); INSERT INTO tVFolder " +
+            kColumns +
+            " VALUES (1, '/a', 5, 500, 1, '2026-01-01 10:00:00'), (1, '/d', 1, 1, 1, '2026-01-01 10:00:00')");
     }
     void givenPlaylists() const
     {
-        books().exec(
+        database().exec(
             "INSERT INTO tPFolder ([PhoneID], [Path], [Digest], [IdInPhone], [Type], [Flag], [Count], [Size], "
             "[TotalSize], "
             "[AddTime]) VALUES (1, 'Added', 'd', NULL, 0, 1, 2, 10, 20, '2026-01-01'), "
@@ -56,7 +57,7 @@ protected:
     }
     void givenPim() const
     {
-        books().exec(
+        database().exec(
             "INSERT INTO tPimFolder ([pfID], [parentID], [PimID], [Path], [Type]) VALUES (1, -1, 'contacts', "
             "'Contacts', "
             "1500), (2, 1, 'contacts-1', 'Contacts/Friends', 1500), (3, 1, 'contacts-2', 'Work', 1500), (4, -1, "
@@ -74,14 +75,14 @@ protected:
     }
 };
 
-TEST_F(FilesTest, EmptyBooks_EveryCategorySaysSo)
+TEST_F(FilesTest, EmptyDatabase_EachCategorySaysSo)
 {
     for (const char* category : {"music", "images", "videos", "documents", "gallery", "playlists", "bookmarks",
                                  "contacts", "calendar", "log"}) {
         EXPECT_THAT(text(category), HasSubstr("Nothing is recorded here.")) << category;
         (void)files(category);
     }
-    EXPECT_THAT(text("backups"), HasSubstr("The books have no table for backups"));
+    EXPECT_THAT(text("backups"), HasSubstr("The database has no table for backups"));
     EXPECT_TRUE(files("backups").at("backups").is_null());
 }
 
@@ -101,9 +102,9 @@ TEST_F(FilesTest, Gallery_IsTheMergedList)
     EXPECT_EQ(status().at("gallery").at("folders"), folders);
     EXPECT_EQ(status().at("gallery").at("left_out"), 1);
     EXPECT_THAT(statusText(), HasSubstr("pictures and videos as one: 2 folders, 10 files, 550 B; 1 folder left out"));
-    books().exec("UPDATE tIFolder SET [Selected] = 0; UPDATE tVFolder SET [Selected] = 0");
+    database().exec("UPDATE tIFolder SET [Selected] = 0; UPDATE tVFolder SET [Selected] = 0");
     EXPECT_EQ(files("gallery").at("folders").at(0).at("state"), "not selected");
-    books().exec("UPDATE tIFolder SET [Deleted] = 1; UPDATE tVFolder SET [Deleted] = 1");
+    database().exec("UPDATE tIFolder SET [Deleted] = 1; UPDATE tVFolder SET [Deleted] = 1");
     EXPECT_EQ(files("gallery").at("folders").at(0).at("state"), "gone from the PC");
 }
 
@@ -140,7 +141,7 @@ TEST_F(FilesTest, Playlists_WithStateInWordsAndMembers)
 
 TEST_F(FilesTest, Bookmarks_OfThePresentType)
 {
-    books().exec(
+    database().exec(
         "INSERT INTO tBFile VALUES (1, 'Mine', 'http://a.example/', 'm1', 7, 2, 1), "
         "(1, 'Other', 'http://b.example/', 'm2', 8, 0, 2)");
     const auto json = files("bookmarks");
@@ -155,16 +156,16 @@ TEST_F(FilesTest, Bookmarks_OfThePresentType)
     EXPECT_THAT(statusText(), HasSubstr("1 of type 2"));
 }
 
-TEST_F(FilesTest, Backups_WhereTheBooksHaveATable)
+TEST_F(FilesTest, Backups_WhereTheDatabaseHasATable)
 {
-    EXPECT_THAT(statusText(), HasSubstr("the books have no table for backups"));
+    EXPECT_THAT(statusText(), HasSubstr("the database has no table for backups"));
     EXPECT_TRUE(status().at("backups").is_null());
-    books().exec(
+    database().exec(
         "CREATE TABLE tBackups ([bcID] INTEGER PRIMARY KEY, [phoneID], [Path], [PhonePath], [Size], "
         "[ModifiedTime])");
     EXPECT_THAT(files("backups").at("backups"), SizeIs(0));
     EXPECT_THAT(text("backups"), HasSubstr("Nothing is recorded here."));
-    books().exec(
+    database().exec(
         "INSERT INTO tBackups VALUES (1, 1, '/b/one.zip', 'all', 1000, '2026-01-31 12:00:00'), "
         "(2, 2, '/b/other.zip', 'all', 1, '2026-01-31 12:00:00')");
     const auto expected = nlohmann::json::parse(R"([{"path": "/b/one.zip", "phone_path": "all", "size": 1000,
@@ -198,10 +199,10 @@ TEST_F(FilesTest, ContactsAndCalendar_FolderByFolder)
 
 TEST_F(FilesTest, Store_IsATreeInTheStatus)
 {
-    EXPECT_THAT(statusText(), Not(HasSubstr("Contacts and calendar in the books")));
+    EXPECT_THAT(statusText(), Not(HasSubstr("Contacts and calendar in the database")));
     givenPim();
     const std::string words = statusText();
-    EXPECT_THAT(words, HasSubstr("Contacts and calendar in the books, for all phones\n  Contacts "));
+    EXPECT_THAT(words, HasSubstr("Contacts and calendar in the database, for all phones\n  Contacts "));
     EXPECT_THAT(words, HasSubstr("\n    Friends "));
     EXPECT_THAT(words, HasSubstr("2 entries\n"));
     EXPECT_THAT(words, HasSubstr("Contacts      1 entry on the phone"));
@@ -227,7 +228,7 @@ TEST_F(FilesTest, Log_ListsWhatThePhoneHas)
 
 TEST_F(FilesTest, MainFolders_AreInTheStatus)
 {
-    books().exec(
+    database().exec(
         "UPDATE tLibMainFolder SET [Number] = 3, [Size] = 33, [Setting] = 's' WHERE [ID] = 1900; "
         "UPDATE tSyncContents SET [Selected] = 0 WHERE [lfID] = 1100");
     EXPECT_THAT(statusText(),
@@ -238,7 +239,7 @@ TEST_F(FilesTest, MainFolders_AreInTheStatus)
     ASSERT_THAT(json.at("library"), SizeIs(7));
     EXPECT_EQ(json.at("library").at(5),
               nlohmann::json::parse(R"({"folder": "bookmarks", "items": 3, "size": 33, "setting": "s"})"));
-    books().exec("UPDATE tSyncContents SET [Selected] = 0");
+    database().exec("UPDATE tSyncContents SET [Selected] = 0");
     EXPECT_THAT(statusText(), HasSubstr("Main folders  none selected; not music"));
 }
 

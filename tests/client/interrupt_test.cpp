@@ -28,7 +28,7 @@ TEST_F(InterruptTest, InterruptedRun_EndsProperly)
     EXPECT_THAT(run.out, HasSubstr("Stopped: interrupted"));
     EXPECT_THAT(run.out, HasSubstr("not reached"));
     expectInOrder();
-    EXPECT_EQ(books().text("SELECT [ErrCode] FROM tPhone"), "130");
+    EXPECT_EQ(database().text("SELECT [ErrCode] FROM tPhone"), "130");
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
     EXPECT_EQ(phonePaths().size(), 400u);
     expectInOrder();

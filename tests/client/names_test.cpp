@@ -68,13 +68,13 @@ TEST(NamesTest, CaseKey_IsEqualWhereCaseIsIgnored)
     EXPECT_NE(CaseKey("a/b"), CaseKey("a_b"));
 }
 
-TEST(NamesTest, MarkedName_IsStableAndKeepsTheExtension)
+TEST(NamesTest, SuffixedName_IsStableAndKeepsTheExtension)
 {
-    EXPECT_EQ(MarkedName("song.mp3", "seed", 0), MarkedName("song.mp3", "seed", 0));
-    EXPECT_NE(MarkedName("song.mp3", "seed", 0), MarkedName("song.mp3", "seed", 1));
-    EXPECT_NE(MarkedName("song.mp3", "seed", 0), MarkedName("song.mp3", "other", 0));
-    EXPECT_EQ(MarkedName("song.mp3", "/pc/song.mp3", 0), "song~d5f335.mp3");
-    EXPECT_THAT(MarkedName(".hidden", "seed", 0), testing::StartsWith(".hidden~"));
+    EXPECT_EQ(SuffixedName("song.mp3", "seed", 0), SuffixedName("song.mp3", "seed", 0));
+    EXPECT_NE(SuffixedName("song.mp3", "seed", 0), SuffixedName("song.mp3", "seed", 1));
+    EXPECT_NE(SuffixedName("song.mp3", "seed", 0), SuffixedName("song.mp3", "other", 0));
+    EXPECT_EQ(SuffixedName("song.mp3", "/pc/song.mp3", 0), "song~d5f335.mp3");
+    EXPECT_THAT(SuffixedName(".hidden", "seed", 0), testing::StartsWith(".hidden~"));
 }
 
 TEST(NamesTest, IsPhonePath_TakesOnlyPlacesBelowTheCategory)
@@ -108,7 +108,7 @@ TEST(NamesTest, MakeImei_HasFifteenDigitsAndAValidCheckDigit)
     EXPECT_EQ(MakeImei(1), "000000000000018");
 }
 
-TEST(NamesTest, ImeiProblem_NamesWhatTheBooksCannotTake)
+TEST(NamesTest, ImeiProblem_NamesWhatTheDatabaseCannotTake)
 {
     EXPECT_EQ(ImeiProblem("351111"), "");
     EXPECT_EQ(ImeiProblem("35:36"), "");

@@ -100,14 +100,14 @@ TEST(PcPathTest, LiesIn_GoesByWholeNames)
     EXPECT_FALSE(os::LiesIn("music", folder));
 }
 
-TEST(PcPathTest, BooksPath_OfSomethingGone_IsThatOfTheFolderThatIsLeft)
+TEST(PcPathTest, RecordedPath_OfSomethingGone_IsThatOfTheFolderThatIsLeft)
 {
     std::string here;
     ASSERT_TRUE(os::CanonicalPath(".", here).ok());
-    EXPECT_EQ(BooksPath("."), here);
-    EXPECT_EQ(BooksPath(os::Join("gone", "a.mp3")), os::Join(os::Join(here, "gone"), "a.mp3"));
-    EXPECT_EQ(BooksPath(os::Join(os::Join("gone", ".."), "b.mp3")), os::Join(here, "b.mp3"));
-    EXPECT_EQ(BooksPath(os::Join("gone", "")), os::Join(here, "gone"));
+    EXPECT_EQ(RecordedPath("."), here);
+    EXPECT_EQ(RecordedPath(os::Join("gone", "a.mp3")), os::Join(os::Join(here, "gone"), "a.mp3"));
+    EXPECT_EQ(RecordedPath(os::Join(os::Join("gone", ".."), "b.mp3")), os::Join(here, "b.mp3"));
+    EXPECT_EQ(RecordedPath(os::Join("gone", "")), os::Join(here, "gone"));
     EXPECT_TRUE(IsNamed(os::Join(here, "gone"), "gone"));
     EXPECT_FALSE(IsNamed(os::Join(here, "gone"), "here"));
 }

@@ -75,7 +75,7 @@ TEST(PimSources, EntriesWithoutATime_GetTheFiles)
 {
     const PimSource source = Contacts("BEGIN:VCARD\nUID:1\nREV:20260101T120000Z\nEND:VCARD\n" + CardText("2", "Bob"));
     const auto& entries = source.folders.at(0).entries;
-    EXPECT_EQ(entries.at(0).modified, BooksTime(1'767'268'800));
+    EXPECT_EQ(entries.at(0).modified, ToLocalTime(1'767'268'800));
     EXPECT_EQ(entries.at(1).modified, 3'900'000'000);
 }
 

@@ -56,8 +56,8 @@ protected:
         EXPECT_EQ(eventsIn("Calendar/New.ics"), (Entries{{"2", "Walk"}}));
         EXPECT_THAT(phonePaths(),
                     ElementsAre("Calendar/New.ics", "Calendar/Work.ics", "Contacts/Friends.vcf", "Contacts/other.vcf"));
-        expectBooksInOrder({{"1", "Anne"}, {"2", "Bob"}, {"4", "Dan"}, {"o", "Other"}},
-                           {{"1", "Meeting"}, {"2", "Walk"}});
+        expectDatabaseInOrder({{"1", "Anne"}, {"2", "Bob"}, {"4", "Dan"}, {"o", "Other"}},
+                              {{"1", "Meeting"}, {"2", "Walk"}});
     }
 };
 
@@ -86,7 +86,7 @@ TEST_F(PimFaultsTest, KilledAtEachCall_TheNextRunEndsInOrder)
 TEST_F(PimFaultsTest, ChangedBetweenTheKillAndTheNextRun_EndsInOrder)
 {
     givenFile("Friends.vcf", CardText("1", "Ann"));
-    (void)client({"status"});  // The books themselves are made before.
+    (void)client({"status"});  // The database itself is made before.
     keepState();
     const std::string counted = (work() / "count").string();
     ASSERT_EQ(syncContacts({"Friends.vcf"}).exitCode, 0);
@@ -109,7 +109,7 @@ TEST_F(PimFaultsTest, ChangedBetweenTheKillAndTheNextRun_EndsInOrder)
         ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
         EXPECT_THAT(phonePaths(), ElementsAre("Contacts/Friends.vcf"));
         EXPECT_EQ(contactsIn("Contacts/Friends.vcf"), (Entries{{"1", "Anne"}, {"2", "Bob"}}));
-        expectBooksInOrder({{"1", "Anne"}, {"2", "Bob"}}, {});
+        expectDatabaseInOrder({{"1", "Anne"}, {"2", "Bob"}}, {});
         ASSERT_FALSE(HasFailure());
     }
 }
@@ -146,10 +146,10 @@ TEST_F(PimFaultsTest, FileThatCannotBeRemoved_StaysInTheLog)
                              failing(EIO, "Contacts/Friends.vcf", "unlink"));
     EXPECT_EQ(run.exitCode, 3);
     EXPECT_THAT(run.out, HasSubstr("Contacts/Friends.vcf: it cannot be removed from the phone"));
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPimLogItem"), "1");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPimLogItem"), "1");
     EXPECT_EQ(syncContacts({"Friends.vcf"}, {"--force"}).exitCode, 0);
     EXPECT_THAT(phonePaths(), IsEmpty());
-    expectBooksInOrder({}, {});
+    expectDatabaseInOrder({}, {});
 }
 
 TEST_F(PimFaultsTest, JournalThatCannotBeWritten_StopsBeforeThePhoneChanges)

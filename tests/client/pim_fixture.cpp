@@ -53,7 +53,7 @@ fs::path PimTest::journal(const std::string& imei) const
     return note("pim of " + imei + ".json");
 }
 
-void PimTest::expectBooksInOrder(const Entries& contacts, const Entries& events, const std::string& imei)
+void PimTest::expectDatabaseInOrder(const Entries& contacts, const Entries& events, const std::string& imei)
 {
     const std::string ofLog =
         " FROM tPimLogItem i, tPimLog l, tPhone p WHERE i.plID = l.plID AND l.phoneID = p.ID AND p.IMEI = '" + imei +
@@ -61,24 +61,25 @@ void PimTest::expectBooksInOrder(const Entries& contacts, const Entries& events,
     for (const auto& [type, expected] : {std::pair("1500", &contacts), std::pair("1600", &events)}) {
         SCOPED_TRACE(type);
         const std::string count = std::to_string(expected->size());
-        EXPECT_EQ(books().text(std::string("SELECT COUNT(*), COUNT(DISTINCT Guid)") + ofLog + " AND Type = " + type),
+        EXPECT_EQ(database().text(std::string("SELECT COUNT(*), COUNT(DISTINCT Guid)") + ofLog + " AND Type = " + type),
                   count + "|" + count);
         // Each row names an item of the store, which lies in a folder below the kind's root.
-        EXPECT_EQ(books().text(std::string("SELECT COUNT(*) FROM tPimItem i, tPimFolder f, tPimFolder r WHERE i.pfID = "
-                                           "f.pfID AND f.parentID = r.pfID AND r.parentID < 0 AND i.Type = f.Type AND "
-                                           "i.PimID IN (SELECT Guid") +
-                               ofLog + ") AND i.Type = " + type),
-                  count);
+        EXPECT_EQ(
+            database().text(std::string("SELECT COUNT(*) FROM tPimItem i, tPimFolder f, tPimFolder r WHERE i.pfID = "
+                                        "f.pfID AND f.parentID = r.pfID AND r.parentID < 0 AND i.Type = f.Type AND "
+                                        "i.PimID IN (SELECT Guid") +
+                            ofLog + ") AND i.Type = " + type),
+            count);
         for (const auto& [uid, name] : *expected)
-            EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPimItem WHERE CAST(Data AS TEXT) LIKE '%:" + uid +
-                                   "\r\n%:" + name + "\r\n%' AND Type = " + type),
+            EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPimItem WHERE CAST(Data AS TEXT) LIKE '%:" + uid +
+                                      "\r\n%:" + name + "\r\n%' AND Type = " + type),
                       "1")
                 << uid;
-        EXPECT_EQ(books().text(std::string("SELECT COUNT(*)") + ofLog + " AND Type = " + type +
-                               " AND (LENGTH(Luid) <> 49 OR PhoneTime NOT LIKE '____-__-__ __:__:__')"),
+        EXPECT_EQ(database().text(std::string("SELECT COUNT(*)") + ofLog + " AND Type = " + type +
+                                  " AND (LENGTH(Luid) <> 49 OR PhoneTime NOT LIKE '____-__-__ __:__:__')"),
                   "0");
     }
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPimItem WHERE pfID NOT IN (SELECT pfID FROM tPimFolder)"), "0");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPimItem WHERE pfID NOT IN (SELECT pfID FROM tPimFolder)"), "0");
     EXPECT_THAT(ownFiles(), testing::IsEmpty());
     EXPECT_FALSE(fs::exists(journal(imei)));
 }

@@ -1,4 +1,5 @@
-// Contacts and calendars for the tests of a sync: files on the PC, and what must be on the phone and in the books then.
+// Contacts and calendars for the tests of a sync: files on the PC, and what must be on the phone and in the database
+// then.
 #pragma once
 
 #include <string>
@@ -20,7 +21,7 @@ protected:
     [[nodiscard]] Entries eventsIn(const std::string& path) const;
     /// Each entry on the phone has its row in the log, and each row its entry; the store holds as many as it should,
     /// and nothing is left over of the run.
-    void expectBooksInOrder(const Entries& contacts, const Entries& events, const std::string& imei = kImei);
+    void expectDatabaseInOrder(const Entries& contacts, const Entries& events, const std::string& imei = kImei);
     [[nodiscard]] fs::path journal(const std::string& imei = kImei) const;
 };
 

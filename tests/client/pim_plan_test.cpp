@@ -54,7 +54,7 @@ public:
     void plan(const std::vector<PimSource>& given, bool force = false)
     {
         sources = given;
-        RemovalGuard guard(force);
+        DeletionGuard guard(force);
         store = PlanPimStore({kind_, sources, stored, guard});
         phone = PlanPimPhone({kind_, sources, store, log, owned, guard}, *this);
     }
@@ -73,7 +73,7 @@ public:
                 times[plan.phonePath] = ++now;
             }
             for (PimLogRow& row : plan.rows) {
-                if (!row.phoneTime) row.phoneTime = BooksTime(times.at(plan.phonePath));
+                if (!row.phoneTime) row.phoneTime = ToLocalTime(times.at(plan.phonePath));
                 log.push_back(row);
             }
         }
@@ -85,20 +85,20 @@ public:
         apply();
     }
 
-    /// "added updated removed unchanged" of all files, and what is held back.
+    /// "added updated removed unchanged" of all files, and what is deferred.
     [[nodiscard]] std::string counts() const
     {
-        std::size_t added = 0, updated = 0, removed = 0, unchanged = 0, heldBack = 0;
+        std::size_t added = 0, updated = 0, removed = 0, unchanged = 0, deferred = 0;
         for (const PimPhonePlan& plan : phone.files) {
             added += plan.added;
             updated += plan.updated;
             removed += plan.removed;
             unchanged += plan.unchanged;
-            heldBack += plan.heldBack;
+            deferred += plan.deferred;
         }
-        for (const PimStorePlan& plan : store.folders) heldBack += plan.heldBack.size();
+        for (const PimStorePlan& plan : store.folders) deferred += plan.deferred.size();
         return std::to_string(added) + " " + std::to_string(updated) + " " + std::to_string(removed) + " " +
-               std::to_string(unchanged) + ", " + std::to_string(heldBack);
+               std::to_string(unchanged) + ", " + std::to_string(deferred);
     }
     [[nodiscard]] std::vector<PimFileAction> actions() const
     {
@@ -339,7 +339,7 @@ TEST(PimPlan, Limits_AreSaid)
     const std::vector<PimSource> sources{Contacts(CardsText({{"1", "Ann"}, {"2", "Bob"}}), "/a/one.vcf"),
                                          Contacts(CardText("3", "Cay"), "/a/two.vcf")};
     const std::vector<StoredPimFolder> none;
-    RemovalGuard guard(false);
+    DeletionGuard guard(false);
     const PimStorePlans folders = PlanPimStore({PimKind::kContacts, sources, none, guard, 1, 100});
     EXPECT_THAT(folders.folders, SizeIs(1));
     EXPECT_THAT(folders.refusedFolders, ElementsAre(sources[1].folders[0].id));
@@ -347,8 +347,9 @@ TEST(PimPlan, Limits_AreSaid)
                                                     Field(&FailedItem::reason, HasSubstr("they take 1 folders")))));
     const PimStorePlans items = PlanPimStore({PimKind::kContacts, sources, none, guard, 10, 1});
     EXPECT_THAT(items.folders.at(0).entries, SizeIs(1));
-    EXPECT_THAT(items.refusals, ElementsAre(Field(&FailedItem::reason,
-                                                  HasSubstr("1 of its entries are left out: the books take 1 in a"))));
+    EXPECT_THAT(
+        items.refusals,
+        ElementsAre(Field(&FailedItem::reason, HasSubstr("1 of its entries are left out: the database takes 1 in a"))));
 }
 
 }  // namespace

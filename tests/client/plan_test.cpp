@@ -1,4 +1,4 @@
-// What a sync would do, from made-up PCs, books and phones.
+// What a sync would do, from made-up PCs, databases and phones.
 #include "stages/media/plan.h"
 
 #include <gmock/gmock.h>
@@ -55,7 +55,7 @@ protected:
     void givenFile(const std::string& folder, const std::string& relative, std::uint64_t size = 10,
                    std::int64_t time = kTime)
     {
-        given(folder).files.push_back({path(folder, relative), relative, size, {time, 0}, BooksTime(time)});
+        given(folder).files.push_back({path(folder, relative), relative, size, {time, 0}, ToLocalTime(time)});
     }
     static std::string path(const std::string& folder, const std::string& relative)
     {
@@ -65,7 +65,7 @@ protected:
     void recorded(const std::string& folder, const std::string& relative, const std::string& place,
                   std::uint64_t size = 10, std::int64_t time = kTime)
     {
-        input_.recorded.push_back({path(folder, relative), Folder(folder), place, BooksTime(time)});
+        input_.recorded.push_back({path(folder, relative), Folder(folder), place, ToLocalTime(time)});
         phone_.put(place, size, time);
     }
     CategoryPlan plan()
@@ -83,7 +83,7 @@ protected:
 
     std::map<std::string, FolderScan> scans_;
     std::vector<std::string> order_;
-    RemovalGuard guard_{false};
+    DeletionGuard guard_{false};
     PlanInput input_{Category::kMusic, {}, {}, {}, guard_};
     FakePhone phone_;
 
@@ -106,7 +106,7 @@ TEST_F(PlanTest, NewFile_IsCopied)
     EXPECT_EQ(copy.file.path, path("Rock", "sub/a.mp3"));
     EXPECT_EQ(copy.file.basePath, Folder("Rock"));
     EXPECT_EQ(copy.file.phonePath, "Music/Rock/sub/a.mp3");
-    EXPECT_EQ(copy.file.modified, BooksTime(kTime));
+    EXPECT_EQ(copy.file.modified, ToLocalTime(kTime));
     EXPECT_EQ(copy.size, 10u);
 }
 
@@ -117,7 +117,7 @@ TEST_F(PlanTest, RecordedFile_IsUnchangedOnlyWithTimeAndSize)
     givenFile("Rock", "larger", 11);
     givenFile("Rock", "missing");
     for (const char* name : {"same", "newer", "larger"}) recorded("Rock", name, std::string("Music/Rock/") + name);
-    input_.recorded.push_back({path("Rock", "missing"), Folder("Rock"), "Music/Rock/missing", BooksTime(kTime)});
+    input_.recorded.push_back({path("Rock", "missing"), Folder("Rock"), "Music/Rock/missing", ToLocalTime(kTime)});
     const CategoryPlan found = plan();
     EXPECT_EQ(found.unchanged, 1u);
     EXPECT_THAT(places(found.copies), ElementsAre("Music/Rock/larger", "Music/Rock/missing", "Music/Rock/newer"));
@@ -143,7 +143,7 @@ TEST_F(PlanTest, GoneFile_IsRemovedOnlyFromAFolderReadToItsEnd)
     EXPECT_THAT(places(plan().removals), ElementsAre("Music/Rock/gone"));
     given("Rock").complete = false;
     EXPECT_THAT(plan().removals, IsEmpty());
-    EXPECT_EQ(plan().heldBack, 0u);
+    EXPECT_EQ(plan().deferred, 0u);
 }
 
 TEST_F(PlanTest, FileBelowAProblem_IsNotGone)
@@ -166,22 +166,22 @@ TEST_F(PlanTest, MoreThanHalf_IsHeldBackUnlessForced)
     EXPECT_THAT(plan().removals, SizeIs(1));
     recorded("Rock", "c", "Music/Rock/c");
     EXPECT_THAT(plan().removals, IsEmpty());
-    EXPECT_EQ(plan().heldBack, 2u);
-    guard_ = RemovalGuard(true);
+    EXPECT_EQ(plan().deferred, 2u);
+    guard_ = DeletionGuard(true);
     EXPECT_THAT(plan().removals, SizeIs(2));
-    EXPECT_EQ(plan().heldBack, 0u);
+    EXPECT_EQ(plan().deferred, 0u);
 }
 
 TEST_F(PlanTest, HeldBack_WhatIsAddedMeanwhileDoesNotCount)
 {
     for (const char* name : {"a", "b", "c"}) recorded("Rock", name, std::string("Music/Rock/") + name);
     givenFile("Rock", "a");
-    EXPECT_EQ(plan().heldBack, 2u);
+    EXPECT_EQ(plan().deferred, 2u);
     for (const char* name : {"d", "e", "f", "g"}) {
         givenFile("Rock", name);
         recorded("Rock", name, std::string("Music/Rock/") + name);
     }
-    EXPECT_EQ(plan().heldBack, 2u);
+    EXPECT_EQ(plan().deferred, 2u);
     givenFile("Rock", "b");
     EXPECT_THAT(plan().removals, SizeIs(1)) << "less than half of what was recorded before";
 }
@@ -293,7 +293,7 @@ TEST_F(PlanTest, FoldersOfOneName_AreToldApartTheSameWayEachTime)
     ASSERT_THAT(first, SizeIs(2));
     EXPECT_EQ(first[0], "Music/Rock/a");
     EXPECT_THAT(first[1], testing::StartsWith("Music/Rock~"));
-    // The books came to know x first, so the user's order no longer matters.
+    // The database came to know x first, so the user's order no longer matters.
     input_.known = {{1, given("x/Rock").path, 1, 1, 1, true, false, true, {}},
                     {2, given("y/Rock").path, 1, 1, 1, true, false, true, {}}};
     order_ = {"y/Rock", "x/Rock"};
@@ -308,7 +308,7 @@ TEST_F(PlanTest, InnerFolder_IsInChargeOfItsFiles)
     givenFile("Rock", "Live/a");
     FolderScan& inner = given("inner");
     inner.path = os::Join(Folder("Rock"), "Live");
-    inner.files.push_back({path("Rock", "Live/a"), "a", 10, {kTime, 0}, BooksTime(kTime)});
+    inner.files.push_back({path("Rock", "Live/a"), "a", 10, {kTime, 0}, ToLocalTime(kTime)});
     const CategoryPlan found = plan();
     EXPECT_THAT(places(found.copies), ElementsAre("Music/Live/a"));
     EXPECT_EQ(found.copies[0].file.basePath, inner.path);
@@ -318,7 +318,7 @@ TEST_F(PlanTest, FileRecordedForAnotherFolder_KeepsItsRecord)
 {
     givenFile("Rock", "Live/a");
     input_.recorded.push_back(
-        {path("Rock", "Live/a"), os::Join(Folder("Rock"), "Live"), "Music/Live/a", BooksTime(kTime - 5)});
+        {path("Rock", "Live/a"), os::Join(Folder("Rock"), "Live"), "Music/Live/a", ToLocalTime(kTime - 5)});
     const CategoryPlan found = plan();
     ASSERT_THAT(found.copies, SizeIs(1));
     EXPECT_EQ(found.copies[0].file.phonePath, "Music/Live/a");
@@ -329,7 +329,7 @@ TEST_F(PlanTest, RootOfADrive_HasAName)
 {
     FolderScan& root = given("root");
     root.path = os::kSeparator == '/' ? "/" : "D:\\";
-    root.files.push_back({os::Join(root.path, "a"), "a", 1, {kTime, 0}, BooksTime(kTime)});
+    root.files.push_back({os::Join(root.path, "a"), "a", 1, {kTime, 0}, ToLocalTime(kTime)});
     EXPECT_THAT(places(plan().copies), ElementsAre(os::kSeparator == '/' ? "Music/root/a" : "Music/D/a"));
 }
 

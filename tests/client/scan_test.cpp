@@ -51,7 +51,7 @@ TEST_F(ScanTest, Folder_IsReadToItsEnd)
         names.push_back(file.relative);
         EXPECT_EQ(file.size, file.relative.size());
         EXPECT_EQ(fs::path(file.path), (folder_ / file.relative).make_preferred());
-        EXPECT_TRUE(file.booksTime);
+        EXPECT_TRUE(file.localTime);
     }
     EXPECT_THAT(names, ElementsAre("a", "b/1", "b/c/2"));
     EXPECT_EQ(found.totalSize, 9u);

@@ -29,7 +29,7 @@ protected:
         ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
     }
     // Everything of the phone's row.
-    std::string row() const { return books().text("SELECT * FROM tPhone"); }
+    std::string row() const { return database().text("SELECT * FROM tPhone"); }
 };
 
 TEST_F(SettingsTest, Shown_WithTheNamesOfTheStatus)
@@ -54,7 +54,7 @@ TEST_F(SettingsTest, UnknownPhone_IsAnError)
         EXPECT_EQ(run.exitCode, 1);
         EXPECT_THAT(run.err, HasSubstr("no phone with the IMEI 999 is known"));
     }
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPhone"), "0");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPhone"), "0");
 }
 
 TEST_F(SettingsTest, Change_EveryKind_IsStored)
@@ -65,9 +65,10 @@ TEST_F(SettingsTest, Change_EveryKind_IsStored)
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("auto_sync: yes, before: no"));
     EXPECT_THAT(run.out, HasSubstr("calendar_start: 2026-01-31 00:00:00, before: (empty)"));
-    EXPECT_EQ(books().text("SELECT [Name], [PhotoPath], [AutoSync], [ContactPim], [CalStart], [CalEnd], [BookMarkType] "
-                           "FROM tPhone"),
-              "Ann's \u00e4\U0001F600|/p'q|1|-5|2026-01-31 00:00:00|2026-12-31 18:30:00|2");
+    EXPECT_EQ(
+        database().text("SELECT [Name], [PhotoPath], [AutoSync], [ContactPim], [CalStart], [CalEnd], [BookMarkType] "
+                        "FROM tPhone"),
+        "Ann's \u00e4\U0001F600|/p'q|1|-5|2026-01-31 00:00:00|2026-12-31 18:30:00|2");
     EXPECT_EQ(status().at("name"), "Ann's \u00e4\U0001F600");
     EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("Ann's \u00e4\U0001F600 (351111)"));
     EXPECT_EQ(settings({"photo_path=", "calendar_start="}).exitCode, 0);
@@ -78,7 +79,7 @@ TEST_F(SettingsTest, Change_EveryKind_IsStored)
 TEST_F(SettingsTest, Change_LeavesEverythingElseAsItIs)
 {
     givenSyncedMusic();
-    books().exec(
+    database().exec(
         "UPDATE tPhone SET [PhotoPath] = 'p', [DocPath] = 'd', [WifiMAC] = 'w', [AutoSync] = 1, [AutoBackup] = 3, "
         "[AllowWifi] = 0, [ContactPreferSide] = 5, [CalendarPreferSide] = 6, [ContactPim] = 7, [CalPim] = 8, "
         "[CalPeriod] = 9, [CalStart] = '2020-01-02 03:04:05', [CalEnd] = '', [CalPeriodStr] = 'c', [BookMarkType] = "
@@ -88,8 +89,8 @@ TEST_F(SettingsTest, Change_LeavesEverythingElseAsItIs)
         "[ContactFolderId] = 'cf', [CalendarFolderId] = 'kf', [ContactProfile] = 'cp', [CalendarProfile] = 'kp'");
     const std::string before = row();
     EXPECT_EQ(settings({"wifi_mac=new"}).exitCode, 0);
-    EXPECT_EQ(books().text("SELECT [WifiMAC] FROM tPhone"), "new");
-    books().exec("UPDATE tPhone SET [WifiMAC] = 'w'");
+    EXPECT_EQ(database().text("SELECT [WifiMAC] FROM tPhone"), "new");
+    database().exec("UPDATE tPhone SET [WifiMAC] = 'w'");
     EXPECT_EQ(row(), before);
     EXPECT_EQ(settings({"contact_folder=x", "contact_folder=y"}).exitCode, 2);
     EXPECT_EQ(row(), before);
@@ -127,7 +128,7 @@ TEST_F(SettingsTest, WrongValues_AreRefused)
     EXPECT_EQ(row(), before);
 }
 
-TEST_F(SettingsTest, TextThatTheBooksCannotTake_IsReported)
+TEST_F(SettingsTest, TextThatTheDatabaseCannotTake_IsReported)
 {
     givenSyncedMusic();
     const std::string before = row();
@@ -151,20 +152,20 @@ TEST_F(SettingsTest, FirstSync_SelectsTheMainFolders)
 TEST_F(SettingsTest, FirstSyncThatWasCutShort_SelectsTheRestInTheNext)
 {
     givenSyncedMusic();
-    books().exec("UPDATE tPhone SET [LastTime] = NULL; UPDATE tSyncContents SET [Selected] = [lfID] = 1000");
+    database().exec("UPDATE tPhone SET [LastTime] = NULL; UPDATE tSyncContents SET [Selected] = [lfID] = 1000");
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
-    EXPECT_EQ(books().text("SELECT SUM([Selected]) FROM tSyncContents"), "6");
+    EXPECT_EQ(database().text("SELECT SUM([Selected]) FROM tSyncContents"), "6");
 }
 
 TEST_F(SettingsTest, ChoiceOfAnotherProgram_IsHonouredByTheFirstSync)
 {
     givenSyncedMusic();
-    books().exec("UPDATE tPhone SET [LastTime] = NULL; UPDATE tSyncContents SET [Selected] = [lfID] = 1100");
+    database().exec("UPDATE tPhone SET [LastTime] = NULL; UPDATE tSyncContents SET [Selected] = [lfID] = 1100");
     fs::remove_all(Path(phone()));
     fs::create_directories(Path(phone()));
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_THAT(run.out, HasSubstr("Music passed over: the main folder music is not selected"));
+    EXPECT_THAT(run.out, HasSubstr("Music skipped: the main folder music is not selected"));
     EXPECT_THAT(phonePaths(), IsEmpty());
 }
 
@@ -176,9 +177,9 @@ TEST_F(SettingsTest, EverythingDeselected_StaysSo)
                   .exitCode,
               0);
     givenFile("Rock/b.mp3", "second");
-    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("Music passed over"));
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("Music skipped"));
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a.mp3"));
-    EXPECT_EQ(books().text("SELECT SUM([Selected]) FROM tSyncContents"), "0");
+    EXPECT_EQ(database().text("SELECT SUM([Selected]) FROM tSyncContents"), "0");
 }
 
 TEST_F(SettingsTest, DeselectedMainFolder_IsPassedOverAndKept)
@@ -200,8 +201,8 @@ TEST_F(SettingsTest, DeselectedMainFolder_IsPassedOverAndKept)
         arguments.push_back("--force");
         const Ended run = sync(arguments);
         EXPECT_EQ(run.exitCode, 0);
-        EXPECT_THAT(run.out, HasSubstr("Images passed over: the main folder gallery is not selected for this phone"));
-        EXPECT_THAT(run.out, HasSubstr("Videos passed over"));
+        EXPECT_THAT(run.out, HasSubstr("Images skipped: the main folder gallery is not selected for this phone"));
+        EXPECT_THAT(run.out, HasSubstr("Videos skipped"));
         EXPECT_THAT(run.out, HasSubstr("1 updated, 0 removed"));
     }
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a.mp3", "Pictures/Pics/p.png", "Videos/Clips/v.mp4"));
@@ -224,10 +225,10 @@ TEST_F(SettingsTest, DeselectedFamilies_ArePassedOver)
                             "--calendar", pc("k.ics")});
     EXPECT_EQ(run.exitCode, 0) << run.err;
     for (const char* family : {"Playlists", "Bookmarks", "Contacts", "Calendar"})
-        EXPECT_THAT(run.out, HasSubstr(std::string(family) + " passed over: the main folder "));
+        EXPECT_THAT(run.out, HasSubstr(std::string(family) + " skipped: the main folder "));
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a.mp3"));
     for (const char* table : {"tPFolder", "tBFile", "tPimItem"})
-        EXPECT_EQ(books().text(std::string("SELECT COUNT(*) FROM ") + table), "0") << table;
+        EXPECT_EQ(database().text(std::string("SELECT COUNT(*) FROM ") + table), "0") << table;
 }
 
 TEST_F(SettingsTest, Deselect_FolderOfMedia_InAllItsCategories)
@@ -238,10 +239,10 @@ TEST_F(SettingsTest, Deselect_FolderOfMedia_InAllItsCategories)
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("(images): not selected"));
     EXPECT_THAT(run.out, HasSubstr("(videos): not selected"));
-    EXPECT_EQ(books().text("SELECT [Selected] FROM tIFolder UNION ALL SELECT [Selected] FROM tVFolder"), "0\n0");
-    EXPECT_THAT(sync({"--images", pc("Pics")}).out, HasSubstr("is not selected for this phone in the books"));
+    EXPECT_EQ(database().text("SELECT [Selected] FROM tIFolder UNION ALL SELECT [Selected] FROM tVFolder"), "0\n0");
+    EXPECT_THAT(sync({"--images", pc("Pics")}).out, HasSubstr("is not selected for this phone in the database"));
     EXPECT_EQ(settings({"--select", pc("Pics")}).exitCode, 0);
-    EXPECT_EQ(books().text("SELECT [Selected] FROM tIFolder"), "1");
+    EXPECT_EQ(database().text("SELECT [Selected] FROM tIFolder"), "1");
 }
 
 TEST_F(SettingsTest, Deselect_FolderGoneFromThePc)
@@ -249,7 +250,7 @@ TEST_F(SettingsTest, Deselect_FolderGoneFromThePc)
     givenSyncedMusic();
     fs::remove_all(Path(pc("Rock")));
     EXPECT_EQ(settings({"--deselect", pc("Rock")}).exitCode, 0);
-    EXPECT_EQ(books().text("SELECT [Selected] FROM tMFolder"), "0");
+    EXPECT_EQ(database().text("SELECT [Selected] FROM tMFolder"), "0");
 }
 
 TEST_F(SettingsTest, Deselect_UnknownFolderOrPlaylist_ChangesNothing)
@@ -257,11 +258,11 @@ TEST_F(SettingsTest, Deselect_UnknownFolderOrPlaylist_ChangesNothing)
     givenSyncedMusic();
     const Ended folder = settings({"auto_sync=yes", "--deselect", pc("Rock"), "--deselect", pc("Jazz")});
     EXPECT_EQ(folder.exitCode, 1);
-    EXPECT_THAT(folder.err, HasSubstr("the books know no folder"));
+    EXPECT_THAT(folder.err, HasSubstr("the database knows no folder"));
     const Ended list = settings({"auto_sync=yes", "--deselect-playlist", "Party"});
     EXPECT_EQ(list.exitCode, 1);
-    EXPECT_THAT(list.err, HasSubstr("the books know no playlist Party"));
-    EXPECT_EQ(books().text("SELECT [AutoSync], (SELECT [Selected] FROM tMFolder) FROM tPhone"), "0|1");
+    EXPECT_THAT(list.err, HasSubstr("the database knows no playlist Party"));
+    EXPECT_EQ(database().text("SELECT [AutoSync], (SELECT [Selected] FROM tMFolder) FROM tPhone"), "0|1");
 }
 
 TEST_F(SettingsTest, SelectAndDeselectAtOnce_IsRefused)
@@ -271,20 +272,20 @@ TEST_F(SettingsTest, SelectAndDeselectAtOnce_IsRefused)
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_THAT(run.err, HasSubstr("selected and deselected at once"));
     EXPECT_EQ(settings({"select.music=no", "select.music=yes"}).exitCode, 2);
-    EXPECT_EQ(books().text("SELECT [Selected] FROM tMFolder"), "1");
+    EXPECT_EQ(database().text("SELECT [Selected] FROM tMFolder"), "1");
 }
 
 TEST_F(SettingsTest, Deselect_Playlist)
 {
     givenSyncedMusic();
-    books().exec(
+    database().exec(
         "INSERT INTO tPFolder ([PhoneID], [Path], [Flag], [AddTime]) SELECT [ID], 'Party', 1, '2026-01-01' FROM "
         "tPhone");
     EXPECT_EQ(settings({"--deselect-playlist", "Party"}).exitCode, 0);
-    EXPECT_EQ(books().text("SELECT [Selected] FROM tPFolder"), "0");
+    EXPECT_EQ(database().text("SELECT [Selected] FROM tPFolder"), "0");
     EXPECT_EQ(status().at("playlists").at("lists").at(0).at("state"), "not selected");
     EXPECT_EQ(settings({"--select-playlist", "Party"}).exitCode, 0);
-    EXPECT_EQ(books().text("SELECT [Selected] FROM tPFolder"), "1");
+    EXPECT_EQ(database().text("SELECT [Selected] FROM tPFolder"), "1");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What the client tells about the books, and how it takes its arguments.
+// What the client tells about the database, and how it takes its arguments.
 #include "client_fixture.h"
 
 namespace kesta::test {
@@ -66,7 +66,7 @@ TEST_F(StatusTest, Json_HasTheDocumentedKeys)
     EXPECT_EQ(file.at("path"), pc("Rock/\u00e4\U0001F600.mp3"));
     EXPECT_EQ(file.at("folder"), pc("Rock"));
     EXPECT_EQ(file.at("phone_path"), "Music/Rock/\u00e4\U0001F600.mp3");
-    EXPECT_EQ(file.at("modified"), books().text("SELECT [ModifiedTime] FROM tMFile"));
+    EXPECT_EQ(file.at("modified"), database().text("SELECT [ModifiedTime] FROM tMFile"));
 }
 
 TEST_F(StatusTest, States_AreSaidInWords)
@@ -75,16 +75,16 @@ TEST_F(StatusTest, States_AreSaidInWords)
     fs::create_directories(Path(pc("Rock")));
     (void)sync({"--music", pc("Rock")});
     EXPECT_EQ(state(), "empty");
-    books().exec("UPDATE tMFolder SET [Count] = 2");
+    database().exec("UPDATE tMFolder SET [Count] = 2");
     EXPECT_EQ(state(), "not synced yet");
     givenFile("Rock/a.mp3", "first");
     (void)sync({"--music", pc("Rock")});
     EXPECT_EQ(state(), "synced");
-    books().exec("UPDATE tMFolder SET [Count] = 2");
+    database().exec("UPDATE tMFolder SET [Count] = 2");
     EXPECT_EQ(state(), "partly synced");
-    books().exec("UPDATE tMFolder SET [Selected] = 0");
+    database().exec("UPDATE tMFolder SET [Selected] = 0");
     EXPECT_EQ(state(), "not selected");
-    books().exec("UPDATE tMFolder SET [Deleted] = 1");
+    database().exec("UPDATE tMFolder SET [Deleted] = 1");
     EXPECT_EQ(state(), "gone from the PC");
 }
 
@@ -92,7 +92,7 @@ TEST_F(StatusTest, ErrorOfARunByAnotherProgram_IsUnknown)
 {
     (void)sync({});
     EXPECT_EQ(status().at("last_error").at("code"), 0);
-    books().exec("UPDATE tPhone SET [LastTime] = '2020-02-02 02:02:02', [ErrCode] = 77");
+    database().exec("UPDATE tPhone SET [LastTime] = '2020-02-02 02:02:02', [ErrCode] = 77");
     EXPECT_EQ(status().at("last_sync"), "2020-02-02 02:02:02");
     EXPECT_TRUE(status().at("last_error").is_null());
 }

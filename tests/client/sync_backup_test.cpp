@@ -1,4 +1,4 @@
-// Backups: the archive of a phone's contents, and its record where the books have a table for it.
+// Backups: the archive of a phone's contents, and its record where the database has a table for it.
 #include <algorithm>
 #include <random>
 #include <regex>
@@ -92,43 +92,43 @@ TEST_F(SyncBackupTest, ComesAfterTheOtherSteps)
     expectWhole(archives()[0]);
 }
 
-TEST_F(SyncBackupTest, BooksWithoutTheTable_AreNoFailure)
+TEST_F(SyncBackupTest, DatabaseWithoutTheTable_IsNoFailure)
 {
     givenOnPhone("a.txt", "a");
     const Ended run = backUp();
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_THAT(run.out, HasSubstr("the books have no table for backups; the archive itself is complete"));
+    EXPECT_THAT(run.out, HasSubstr("the database has no table for backups; the archive itself is complete"));
     EXPECT_THAT(archives(), SizeIs(1));
 }
 
-TEST_F(SyncBackupTest, BooksWithTheTable_RecordEachBackup)
+TEST_F(SyncBackupTest, DatabaseWithTheTable_RecordsEachBackup)
 {
     givenOnPhone("a.txt", "a");
     ASSERT_EQ(client({"status"}).exitCode, 0);
-    books().exec(kTable);
+    database().exec(kTable);
     const Ended run = backUp();
     EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
     EXPECT_THAT(run.out, Not(HasSubstr("no table")));
     ASSERT_THAT(archives(), SizeIs(1));
     const std::string archive = path(archives()[0]);
     EXPECT_EQ(
-        books().text("SELECT [bcID], [Path], [PhonePath], [Size] FROM tBackups"),
+        database().text("SELECT [bcID], [Path], [PhonePath], [Size] FROM tBackups"),
         "1|" + Utf8(fs::path(Path(archive)).make_preferred()) + "|/|" + std::to_string(fs::file_size(Path(archive))));
-    EXPECT_EQ(books().text("SELECT ABS(strftime('%s', [ModifiedTime]) - strftime('%s', 'now', 'localtime')) < 600 "
-                           "FROM tBackups"),
+    EXPECT_EQ(database().text("SELECT ABS(strftime('%s', [ModifiedTime]) - strftime('%s', 'now', 'localtime')) < 600 "
+                              "FROM tBackups"),
               "1");
     EXPECT_EQ(backUp().exitCode, 0);
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tBackups"), "2");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tBackups"), "2");
 }
 
-TEST_F(SyncBackupTest, BooksThatRefuseTheRecord_AreSaid)
+TEST_F(SyncBackupTest, DatabaseThatRefusesTheRecord_IsSaid)
 {
     ASSERT_EQ(client({"status"}).exitCode, 0);
-    books().exec(kTable);
-    books().exec("CREATE TRIGGER refuse BEFORE INSERT ON tBackups BEGIN SELECT RAISE(ABORT, 'no'); END");
+    database().exec(kTable);
+    database().exec("CREATE TRIGGER refuse BEFORE INSERT ON tBackups BEGIN SELECT RAISE(ABORT, 'no'); END");
     const Ended run = backUp();
     EXPECT_EQ(run.exitCode, 3);
-    EXPECT_THAT(run.out, HasSubstr("it is complete, but cannot be recorded in the books"));
+    EXPECT_THAT(run.out, HasSubstr("it is complete, but cannot be recorded in the database"));
     EXPECT_THAT(archives(), SizeIs(1));
 }
 

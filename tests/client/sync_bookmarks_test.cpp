@@ -32,7 +32,7 @@ protected:
     }
     [[nodiscard]] std::string rows() const
     {
-        return books().text(
+        return database().text(
             "SELECT [Title], [Path], [PhoneMID], [Id], [Flag], [Type] FROM tBFile ORDER BY [Type], [Id]");
     }
     [[nodiscard]] std::vector<std::string> urlsOnPhone(const std::string& place = kPlace) const
@@ -46,7 +46,7 @@ protected:
 
 TEST(BookmarkFileTest, Contents_AreReadBackAsTheyWere)
 {
-    const std::vector<FileMark> marks{
+    const std::vector<FileBookmark> marks{
         {"<b>\"x\"</b> & 'y'", "https://a.example/?q=1&amp;z=\"<>", {"A & B", "C"}, 17, "b1"},
         {"", "https://b.example/", {"A & B"}, {}, ""},
         {"\u65e5\u672c", "https://c.example/", {}, {}, "b2"},
@@ -158,7 +158,7 @@ TEST_F(SyncBookmarksTest, MoreThanHalfGone_IsHeldBackUntilForced)
     givenMarks(mark("A", "https://a.example/"));
     const Ended held = syncMarks();
     EXPECT_EQ(held.exitCode, 4);
-    EXPECT_THAT(held.out, HasSubstr("Held back: 2 bookmarks to be removed"));
+    EXPECT_THAT(held.out, HasSubstr("Deferred: 2 bookmarks to be removed"));
     EXPECT_THAT(urlsOnPhone(),
                 testing::UnorderedElementsAre("https://a.example/", "https://b.example/", "https://c.example/"));
     EXPECT_EQ(syncMarks({"--force"}).exitCode, 0);
@@ -173,7 +173,7 @@ TEST_F(SyncBookmarksTest, EachBookmarkType_HasMarksAndAFileOfItsOwn)
 {
     givenMarks(mark("A", "https://a.example/"));
     (void)syncMarks();
-    books().exec("UPDATE tPhone SET [BookMarkType] = 2");
+    database().exec("UPDATE tPhone SET [BookMarkType] = 2");
     givenMarks(mark("B", "https://b.example/"));
     const Ended run = syncMarks();
     EXPECT_EQ(run.exitCode, 0) << run.out;
@@ -199,12 +199,12 @@ TEST_F(SyncBookmarksTest, FileOfTheUserOnThePhone_IsNeverTouched)
     EXPECT_THAT(phonePaths(), ElementsAre(kPlace));
 }
 
-TEST_F(SyncBookmarksTest, LostBooks_AreFilledFromWhatIsThere)
+TEST_F(SyncBookmarksTest, LostDatabase_IsFilledFromWhatIsThere)
 {
     givenMarks(mark("A", "https://a.example/"));
     (void)syncMarks();
     const auto time = fs::last_write_time(Path(phone(kPlace)));
-    books().exec("DELETE FROM tBFile");
+    database().exec("DELETE FROM tBFile");
     EXPECT_THAT(syncMarks().out, HasSubstr("Bookmarks: 1 added"));
     EXPECT_THAT(phonePaths(), ElementsAre(kPlace));
     EXPECT_EQ(fs::last_write_time(Path(phone(kPlace))), time);
@@ -224,7 +224,7 @@ TEST_F(SyncBookmarksTest, RecordsFromElsewhere_AreNotFollowed)
     givenMarks(mark("A", "https://a.example/"));
     (void)syncMarks();
     givenFile("precious", "keep me");
-    books().exec("UPDATE tBFile SET [PhoneMID] = '../pc/precious#b1'");
+    database().exec("UPDATE tBFile SET [PhoneMID] = '../pc/precious#b1'");
     EXPECT_EQ(syncMarks().exitCode, 0);
     EXPECT_EQ(rows(), "A|https://a.example/|Bookmarks/bookmarks.html#b1|1|0|1");
     givenMarks("");
@@ -239,11 +239,11 @@ TEST_F(SyncBookmarksTest, WhatIsNoUseOrTooLong_IsLeftOutAndSaid)
     const Ended run = syncMarks();
     EXPECT_EQ(run.exitCode, 3);
     EXPECT_THAT(run.out, AllOf(HasSubstr("1 bookmark left out that is no page of the web"),
-                               HasSubstr("too long for the books")));
+                               HasSubstr("too long for the database")));
     EXPECT_THAT(urlsOnPhone(), ElementsAre("https://b.example/"));
 }
 
-TEST_F(SyncBookmarksTest, DryRun_ForetellsAndChangesNothing)
+TEST_F(SyncBookmarksTest, DryRun_PreviewsAndChangesNothing)
 {
     givenMarks(mark("A", "https://a.example/") + mark("B", "https://b.example/"));
     EXPECT_THAT(syncMarks({"--dry-run"}).out, HasSubstr("Bookmarks: 2 added"));

@@ -28,8 +28,8 @@ TEST_F(SyncFailuresTest, MissingFolder_IsNotTakenForEmpty)
     EXPECT_THAT(run.out, HasSubstr("nothing of it is removed"));
     EXPECT_THAT(run.out, HasSubstr("1 copied, 0 updated, 0 removed, 1 unchanged, 1 failed"));
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Jazz/b.mp3", "Music/Jazz/c.mp3", "Music/Rock/a.mp3"));
-    EXPECT_EQ(books().text("SELECT [ErrCode] FROM tPhone"), "3");
-    EXPECT_EQ(books().text("SELECT [Count], [Deleted] FROM tMFolder WHERE [Path] LIKE '%Rock'"), "1|0");
+    EXPECT_EQ(database().text("SELECT [ErrCode] FROM tPhone"), "3");
+    EXPECT_EQ(database().text("SELECT [Count], [Deleted] FROM tMFolder WHERE [Path] LIKE '%Rock'"), "1|0");
 }
 
 TEST_F(SyncFailuresTest, RemovingMoreThanHalf_NeedsForce)
@@ -47,7 +47,7 @@ TEST_F(SyncFailuresTest, RemovingMoreThanHalf_NeedsForce)
     removeFile("Pictures/p1");
     const Ended run = sync({"--music", pc("Rock"), "--images", pc("Pictures")});
     EXPECT_EQ(run.exitCode, 4);
-    EXPECT_THAT(run.out, HasSubstr("Held back: 2 files"));
+    EXPECT_THAT(run.out, HasSubstr("Deferred: 2 files"));
     EXPECT_THAT(run.out, HasSubstr("1 copied, 0 updated, 1 removed"));
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/c", "Music/Rock/d", "Music/Rock/e", "Pictures/Pictures/p2"));
     EXPECT_EQ(sync({"--music", pc("Rock"), "--force"}).exitCode, 0);
@@ -74,7 +74,7 @@ TEST_F(SyncFailuresTest, PlaceTakenByAFolder_GetsAnotherPlace)
     EXPECT_TRUE(fs::exists(Path(phone("Music/Rock/a.mp3/inside"))));
 }
 
-TEST_F(SyncFailuresTest, BooksOfAnotherVersionOrReadOnly_AreReported)
+TEST_F(SyncFailuresTest, DatabaseOfAnotherVersionOrReadOnly_IsReported)
 {
     givenFile("Rock/a.mp3", "first");
     (void)sync({"--music", pc("Rock")});
@@ -86,29 +86,29 @@ TEST_F(SyncFailuresTest, BooksOfAnotherVersionOrReadOnly_AreReported)
     fs::permissions(data().databasePath(), fs::perms::owner_all);
 }
 
-TEST_F(SyncFailuresTest, RecordThatTheBooksRefuse_LeavesNothingOnThePhone)
+TEST_F(SyncFailuresTest, RecordThatTheDatabaseRefuse_LeavesNothingOnThePhone)
 {
     givenFile("Rock/a.mp3", "first");
     (void)sync({"--music", pc("Rock")});
-    books().exec("CREATE TRIGGER no BEFORE INSERT ON tMFile BEGIN SELECT RAISE(ABORT, 'no'); END");
+    database().exec("CREATE TRIGGER no BEFORE INSERT ON tMFile BEGIN SELECT RAISE(ABORT, 'no'); END");
     givenFile("Rock/b.mp3", "second");
     givenFile("Rock/c.mp3", "third");
     const Ended run = sync({"--music", pc("Rock")});
     // A refused row looks like one that is there already.
     EXPECT_EQ(run.exitCode, 8) << run.out;
-    EXPECT_THAT(run.out, HasSubstr("b.mp3: it cannot be recorded in the books"));
+    EXPECT_THAT(run.out, HasSubstr("b.mp3: it cannot be recorded in the database"));
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a.mp3"));
     expectInOrder();
-    books().exec("DROP TRIGGER no");
+    database().exec("DROP TRIGGER no");
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
     expectInOrder();
 }
 
-TEST_F(SyncFailuresTest, BooksWithoutTheTable_StopTheRun)
+TEST_F(SyncFailuresTest, DatabaseWithoutTheTable_StopsTheRun)
 {
     givenFile("Rock/a.mp3", "first");
     (void)sync({"--music", pc("Rock")});
-    books().exec("DROP TABLE tMFolder");
+    database().exec("DROP TABLE tMFolder");
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 8);
     EXPECT_THAT(run.out + run.err, HasSubstr("DB_MUSIC_GetFolders failed"));
@@ -128,7 +128,7 @@ TEST_F(SyncFailuresTest, UnreadableSubfolder_KeepsEverythingOfTheFolder)
     EXPECT_THAT(run.out, HasSubstr("Rock/sub: the folder cannot be read: Permission denied"));
     EXPECT_THAT(run.out, HasSubstr("1 copied, 0 updated, 0 removed"));
     EXPECT_THAT(phonePaths(), SizeIs(5));
-    EXPECT_EQ(books().text("SELECT [Sized] FROM tMFolder"), "0");
+    EXPECT_EQ(database().text("SELECT [Sized] FROM tMFolder"), "0");
     fs::permissions(pc("Rock/sub"), fs::perms::owner_all);
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
     expectInOrder();
@@ -197,7 +197,7 @@ private:
     bool mounted_ = false;
 };
 
-TEST_F(SyncFailuresTest, FullPhone_StopsWithTheBooksRight)
+TEST_F(SyncFailuresTest, FullPhone_StopsWithTheDatabaseRight)
 {
     const MountedPhone mounted(phone());
     if (!mounted.mounted()) GTEST_SKIP() << "needs the right to mount";
@@ -227,7 +227,7 @@ TEST_F(SyncFailuresTest, ReadOnlyPhone_IsRefused)
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 6);
     EXPECT_THAT(run.err, HasSubstr("Read-only file system"));
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPhone"), "0");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPhone"), "0");
     EXPECT_EQ(sync({"--music", pc("Rock"), "--dry-run"}).exitCode, 0);
 }
 

@@ -22,10 +22,10 @@ TEST_F(SyncPhoneTest, WithoutImei_OneIsMadeUpAndKept)
     const auto imei = Marker(phone(".kesta-phone")).at("imei").get<std::string>();
     EXPECT_EQ(imei.find_first_not_of("0123456789"), std::string::npos) << imei;
     EXPECT_EQ(imei.size(), 15u);
-    EXPECT_EQ(books().text("SELECT [IMEI], [Name] FROM tPhone"), imei + "|phone");
+    EXPECT_EQ(database().text("SELECT [IMEI], [Name] FROM tPhone"), imei + "|phone");
     const Ended again = client({"sync", "--phone", phone(), "--music", pc("Rock")});
     EXPECT_THAT(again.out, HasSubstr("1 unchanged"));
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPhone"), "1");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPhone"), "1");
 }
 
 TEST_F(SyncPhoneTest, ImeiThatContradictsTheMarker_IsRefused)
@@ -35,10 +35,10 @@ TEST_F(SyncPhoneTest, ImeiThatContradictsTheMarker_IsRefused)
     const Ended run = client({"sync", "--phone", phone(), "--imei", "352222", "--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_THAT(run.err, HasSubstr("this folder is the phone 351111 (Ann), not 352222"));
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPhone"), "1");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPhone"), "1");
 }
 
-TEST_F(SyncPhoneTest, ImeiThatTheBooksCannotTake_IsRefused)
+TEST_F(SyncPhoneTest, ImeiThatTheDatabaseCannotTake_IsRefused)
 {
     for (const char* imei : {"35'1111", "", "35 1111", "35\n", "3\u00e9"}) {
         const Ended run = client({"sync", "--phone", phone(), "--imei", imei});
@@ -63,10 +63,10 @@ TEST_F(SyncPhoneTest, DamagedMarker_IsReportedAndKept)
 TEST_F(SyncPhoneTest, NewName_IsTakenOver)
 {
     (void)sync({"--name", "Ann"});
-    books().exec("UPDATE tPhone SET [PhotoPath] = 'C:\\Photos', [AutoSync] = 1");
+    database().exec("UPDATE tPhone SET [PhotoPath] = 'C:\\Photos', [AutoSync] = 1");
     EXPECT_EQ(sync({"--name", "Bob's"}).exitCode, 0);
     EXPECT_EQ(Marker(phone(".kesta-phone")).at("name"), "Bob's");
-    EXPECT_EQ(books().text("SELECT [Name], [PhotoPath], [AutoSync] FROM tPhone"), "Bob's|C:\\Photos|1");
+    EXPECT_EQ(database().text("SELECT [Name], [PhotoPath], [AutoSync] FROM tPhone"), "Bob's|C:\\Photos|1");
     EXPECT_EQ(sync({}).exitCode, 0);
     EXPECT_EQ(status().at("name"), "Bob's");
 }

@@ -23,29 +23,29 @@ TEST_F(SyncPimTest, NewChangedGoneAndUnchangedContacts)
     EXPECT_EQ(first.exitCode, 0) << first.out << first.err;
     EXPECT_THAT(first.out, HasSubstr("Contacts: 3 added, 0 updated, 0 removed, 0 unchanged"));
     EXPECT_EQ(contactsIn("Contacts/Friends.vcf"), (Entries{{"1", "Ann"}, {"2", "Bob"}, {"3", "Cay"}}));
-    expectBooksInOrder({{"1", "Ann"}, {"2", "Bob"}, {"3", "Cay"}}, {});
+    expectDatabaseInOrder({{"1", "Ann"}, {"2", "Bob"}, {"3", "Cay"}}, {});
 
     const auto written = fs::last_write_time(Path(phone("Contacts/Friends.vcf")));
-    const std::string rows = books().text("SELECT * FROM tPimLogItem");
+    const std::string rows = database().text("SELECT * FROM tPimLogItem");
     const Ended second = syncContacts({"Friends.vcf"});
     EXPECT_EQ(second.exitCode, 0);
     EXPECT_THAT(second.out, HasSubstr("Contacts: 0 added, 0 updated, 0 removed, 3 unchanged"));
     EXPECT_EQ(fs::last_write_time(Path(phone("Contacts/Friends.vcf"))), written);
-    EXPECT_EQ(books().text("SELECT * FROM tPimLogItem"), rows);
+    EXPECT_EQ(database().text("SELECT * FROM tPimLogItem"), rows);
 
     givenFile("Friends.vcf", CardsText({{"1", "Ann"}, {"2", "Bobby"}, {"4", "Dan"}}));
     const Ended third = syncContacts({"Friends.vcf"});
     EXPECT_EQ(third.exitCode, 0) << third.out;
     EXPECT_THAT(third.out, HasSubstr("Contacts: 1 added, 1 updated, 1 removed, 1 unchanged"));
     EXPECT_EQ(contactsIn("Contacts/Friends.vcf"), (Entries{{"1", "Ann"}, {"2", "Bobby"}, {"4", "Dan"}}));
-    expectBooksInOrder({{"1", "Ann"}, {"2", "Bobby"}, {"4", "Dan"}}, {});
+    expectDatabaseInOrder({{"1", "Ann"}, {"2", "Bobby"}, {"4", "Dan"}}, {});
 }
 
 TEST_F(SyncPimTest, UnchangedEntries_AreNotWrittenToTheStore)
 {
     givenFile("Friends.vcf", CardsText({{"1", "Ann"}, {"2", "Bob"}}));
     (void)syncContacts({"Friends.vcf"});
-    books().exec(
+    database().exec(
         "CREATE TABLE changes (what TEXT); CREATE TRIGGER a AFTER UPDATE ON tPimItem BEGIN INSERT INTO changes "
         "VALUES (OLD.PimID); END; CREATE TRIGGER b AFTER INSERT ON tPimItem BEGIN INSERT INTO changes VALUES "
         "(NEW.PimID); END; CREATE TRIGGER c AFTER DELETE ON tPimItem BEGIN INSERT INTO changes VALUES "
@@ -55,10 +55,10 @@ TEST_F(SyncPimTest, UnchangedEntries_AreNotWrittenToTheStore)
               "BEGIN:VCARD\nVERSION:3.0\nUID:2\nREV:20260101T000000Z\nFN:Bo\n b\nEND:VCARD\n" + CardText("1", "Ann"));
     const Ended same = syncContacts({"Friends.vcf"});
     EXPECT_THAT(same.out, HasSubstr("Contacts: 0 added, 0 updated, 0 removed, 2 unchanged"));
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM changes"), "0");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM changes"), "0");
     givenFile("Friends.vcf", CardsText({{"1", "Anne"}, {"2", "Bob"}}));
     (void)syncContacts({"Friends.vcf"});
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM changes"), "1");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM changes"), "1");
 }
 
 TEST_F(SyncPimTest, CalendarsOfOneFile_BecomeFilesOfTheirOwn)
@@ -71,21 +71,21 @@ TEST_F(SyncPimTest, CalendarsOfOneFile_BecomeFilesOfTheirOwn)
     EXPECT_THAT(phonePaths(), ElementsAre("Calendar/Home, sweet home.ics", "Calendar/Work.ics", "Calendar/all.ics"));
     EXPECT_EQ(eventsIn("Calendar/Work.ics"), (Entries{{"1", "Meeting"}, {"2", "Review"}}));
     EXPECT_THAT(phoneText("Calendar/Home, sweet home.ics"), HasSubstr("X-WR-CALNAME:Home\\, sweet home\r\n"));
-    EXPECT_EQ(books().text("SELECT Path FROM tPimFolder ORDER BY Path"),
+    EXPECT_EQ(database().text("SELECT Path FROM tPimFolder ORDER BY Path"),
               "Calendar\nCalendar/Home, sweet home\nCalendar/Work\nCalendar/all");
 
     // A calendar that is gone is all of its entries at once.
     givenFile("all.ics", CalendarText("Work", {{"1", "Meeting"}, {"2", "Review"}}) + CalendarText("", {{"7", "Walk"}}));
     const Ended held = syncCalendars({"all.ics"});
     EXPECT_EQ(held.exitCode, 4);
-    EXPECT_THAT(held.out, HasSubstr("Held back: 1 calendar item"));
+    EXPECT_THAT(held.out, HasSubstr("Deferred: 1 calendar item"));
     EXPECT_THAT(phonePaths(), testing::SizeIs(3));
     const Ended forced = syncCalendars({"all.ics"}, {"--force"});
     EXPECT_EQ(forced.exitCode, 0);
     EXPECT_THAT(forced.out, HasSubstr("Calendar: 0 added, 0 updated, 1 removed, 3 unchanged"));
     EXPECT_THAT(phonePaths(), ElementsAre("Calendar/Work.ics", "Calendar/all.ics"));
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPimFolder"), "3");
-    expectBooksInOrder({}, {{"1", "Meeting"}, {"2", "Review"}, {"7", "Walk"}});
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPimFolder"), "3");
+    expectDatabaseInOrder({}, {{"1", "Meeting"}, {"2", "Review"}, {"7", "Walk"}});
 }
 
 TEST_F(SyncPimTest, SeveralFilesAndVersions_InOneRun)
@@ -126,7 +126,7 @@ TEST_F(SyncPimTest, OddUidsAndLargeEntries_AreKeptWhole)
     std::ostringstream source;
     source << std::ifstream(Path(pc("odd.vcf")), std::ios::binary).rdbuf();
     EXPECT_EQ(phoneText("Contacts/odd.vcf"), source.str());
-    EXPECT_EQ(books().text("SELECT MAX(LENGTH(Data)) > 3000000, MAX(LENGTH(PimID)) <= 200 FROM tPimItem"), "1|1");
+    EXPECT_EQ(database().text("SELECT MAX(LENGTH(Data)) > 3000000, MAX(LENGTH(PimID)) <= 200 FROM tPimItem"), "1|1");
     EXPECT_THAT(syncContacts({"odd.vcf"}).out, HasSubstr("0 added, 0 updated, 0 removed, 5 unchanged"));
 }
 
@@ -137,7 +137,7 @@ TEST_F(SyncPimTest, MoreThanHalfOfAFolder_NeedsForce)
     givenFile("Friends.vcf", CardsText({{"1", "Anne"}, {"5", "Eve"}}));
     const Ended held = syncContacts({"Friends.vcf"});
     EXPECT_EQ(held.exitCode, 4);
-    EXPECT_THAT(held.out, HasSubstr("Held back: 3 contacts"));
+    EXPECT_THAT(held.out, HasSubstr("Deferred: 3 contacts"));
     EXPECT_THAT(held.out, HasSubstr("Contacts: 1 added, 1 updated, 0 removed, 0 unchanged"));
     EXPECT_EQ(contactsIn("Contacts/Friends.vcf").size(), 5u);
     // An empty file is an address book without entries.
@@ -148,8 +148,8 @@ TEST_F(SyncPimTest, MoreThanHalfOfAFolder_NeedsForce)
     EXPECT_EQ(forced.exitCode, 0);
     EXPECT_THAT(forced.out, HasSubstr("Contacts: 0 added, 0 updated, 5 removed, 0 unchanged"));
     EXPECT_THAT(phonePaths(), IsEmpty());
-    expectBooksInOrder({}, {});
-    EXPECT_EQ(books().text("SELECT Path FROM tPimFolder"), "Contacts");
+    expectDatabaseInOrder({}, {});
+    EXPECT_EQ(database().text("SELECT Path FROM tPimFolder"), "Contacts");
     givenFile("Friends.vcf", CardText("1", "Ann"));
     EXPECT_EQ(syncContacts({"Friends.vcf"}).exitCode, 0);
     EXPECT_THAT(phonePaths(), ElementsAre("Contacts/Friends.vcf"));
@@ -173,7 +173,7 @@ TEST_F(SyncPimTest, MissingOrDamagedFile_RemovesNothing)
     EXPECT_THAT(run.out, HasSubstr("Contacts: 1 added, 1 updated, 0 removed, 2 unchanged"));
     EXPECT_EQ(contactsIn("Contacts/Friends.vcf"), (Entries{{"1", "Anne"}, {"2", "Bob"}, {"3", "Cay"}, {"4", "Dan"}}));
     EXPECT_EQ(eventsIn("Calendar/Work.ics"), (Entries{{"1", "Meeting"}}));
-    EXPECT_EQ(books().text("SELECT ErrCode FROM tPhone"), "3");
+    EXPECT_EQ(database().text("SELECT ErrCode FROM tPhone"), "3");
 
     fs::create_directories(Path(pc("cal.ics")));
     givenFile("Friends.vcf", "this is no address book\n");
@@ -183,7 +183,7 @@ TEST_F(SyncPimTest, MissingOrDamagedFile_RemovesNothing)
     fs::remove(Path(pc("cal.ics")));
     givenFile("cal.ics", CalendarText("Work", {{"1", "Meeting"}}));
     EXPECT_EQ(sync(arguments).exitCode, 0);
-    expectBooksInOrder({{"1", "Anne"}, {"2", "Bob"}, {"3", "Cay"}}, {{"1", "Meeting"}});
+    expectDatabaseInOrder({{"1", "Anne"}, {"2", "Bob"}, {"3", "Cay"}}, {{"1", "Meeting"}});
 }
 
 TEST_F(SyncPimTest, DryRun_ChangesNothing)
@@ -194,10 +194,10 @@ TEST_F(SyncPimTest, DryRun_ChangesNothing)
     EXPECT_THAT(unknown.out, HasSubstr("write     Contacts/Friends.vcf"));
     EXPECT_THAT(unknown.out, HasSubstr("Contacts: 2 added"));
     EXPECT_THAT(phonePaths(), IsEmpty());
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPimFolder"), "0");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPimFolder"), "0");
     (void)syncContacts({"Friends.vcf"});
     const std::string before =
-        books().text("SELECT PimID, Data FROM tPimItem") + books().text("SELECT * FROM tPimLogItem");
+        database().text("SELECT PimID, Data FROM tPimItem") + database().text("SELECT * FROM tPimLogItem");
     const auto files = phoneFiles();
     givenFile("Friends.vcf", CardsText({{"1", "Anne"}, {"3", "Cay"}}));
     const Ended known = syncContacts({"Friends.vcf"}, {"--dry-run", "--force"});
@@ -207,7 +207,8 @@ TEST_F(SyncPimTest, DryRun_ChangesNothing)
     const Ended all = syncContacts({"Friends.vcf"}, {"--dry-run", "--force"});
     EXPECT_THAT(all.out, HasSubstr("remove    Contacts/Friends.vcf"));
     EXPECT_THAT(syncContacts({"Friends.vcf"}, {"--dry-run"}).exitCode, 4);
-    EXPECT_EQ(books().text("SELECT PimID, Data FROM tPimItem") + books().text("SELECT * FROM tPimLogItem"), before);
+    EXPECT_EQ(database().text("SELECT PimID, Data FROM tPimItem") + database().text("SELECT * FROM tPimLogItem"),
+              before);
     EXPECT_EQ(phoneFiles(), files);
 }
 
@@ -226,7 +227,7 @@ TEST_F(SyncPimTest, FileOnThePhoneMissingOrChanged_IsWrittenAgain)
     fs::last_write_time(Path(phone("Contacts/Friends.vcf")), fs::file_time_type::clock::now() - std::chrono::hours(5));
     EXPECT_THAT(syncContacts({"Friends.vcf"}).out, HasSubstr("recorded  Contacts/Friends.vcf"));
     EXPECT_THAT(syncContacts({"Friends.vcf"}).out, Not(HasSubstr("recorded")));
-    expectBooksInOrder({{"1", "Ann"}, {"2", "Bob"}}, {});
+    expectDatabaseInOrder({{"1", "Ann"}, {"2", "Bob"}}, {});
 }
 
 TEST_F(SyncPimTest, WhatSomebodyElsePutThere_Stays)
@@ -257,17 +258,17 @@ TEST_F(SyncPimTest, TwoPhones_ShareTheStoreAndKeepTheirOwnLogs)
     EXPECT_EQ(joined.exitCode, 0) << joined.out;
     EXPECT_THAT(joined.out, HasSubstr("Contacts: 3 added, 0 updated, 0 removed, 0 unchanged"));
     EXPECT_FALSE(fs::exists(work() / "second" / "Contacts" / "Work.vcf")) << "what is not given goes to no phone";
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPimItem"), "4");
-    expectBooksInOrder({{"1", "Ann"}, {"2", "Bob"}, {"3", "Cay"}}, {}, "352222");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPimItem"), "4");
+    expectDatabaseInOrder({{"1", "Ann"}, {"2", "Bob"}, {"3", "Cay"}}, {}, "352222");
 
     // What the first phone's run takes out of the store is news to the second phone.
     givenFile("Friends.vcf", CardsText({{"1", "Anne"}, {"2", "Bob"}}));
     EXPECT_THAT(syncContacts({"Friends.vcf"}).out, HasSubstr("0 added, 1 updated, 1 removed, 1 unchanged"));
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPimItem"), "3");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPimItem"), "3");
     EXPECT_THAT(syncSecond({"--contacts", pc("Friends.vcf")}).out,
                 HasSubstr("Contacts: 0 added, 1 updated, 1 removed, 1 unchanged"));
-    expectBooksInOrder({{"1", "Anne"}, {"2", "Bob"}}, {}, "352222");
-    expectBooksInOrder({{"1", "Anne"}, {"2", "Bob"}, {"8", "Boss"}}, {});
+    expectDatabaseInOrder({{"1", "Anne"}, {"2", "Bob"}}, {}, "352222");
+    expectDatabaseInOrder({{"1", "Anne"}, {"2", "Bob"}, {"8", "Boss"}}, {});
 
     // Consent for one phone is not consent for the other.
     givenFile("Friends.vcf", "");
@@ -277,10 +278,10 @@ TEST_F(SyncPimTest, TwoPhones_ShareTheStoreAndKeepTheirOwnLogs)
     EXPECT_TRUE(fs::exists(work() / "second" / "Contacts" / "Friends.vcf"));
     EXPECT_EQ(syncSecond({"--contacts", pc("Friends.vcf"), "--force"}).exitCode, 0);
     EXPECT_FALSE(fs::exists(work() / "second" / "Contacts" / "Friends.vcf"));
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPimLogItem"), "1");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPimLogItem"), "1");
 }
 
-TEST_F(SyncPimTest, BooksThatRefuse_StopTheRunAndTheNextOneMakesItGood)
+TEST_F(SyncPimTest, DatabaseThatRefuses_StopTheRunAndTheNextOneMakesItGood)
 {
     givenFile("Friends.vcf", CardsText({{"1", "Ann"}, {"2", "Bob"}}));
     (void)syncContacts({"Friends.vcf"});
@@ -294,26 +295,26 @@ TEST_F(SyncPimTest, BooksThatRefuse_StopTheRunAndTheNextOneMakesItGood)
     };
     for (const auto& [event, text] : refusals) {
         SCOPED_TRACE(event);
-        books().exec(std::string("CREATE TRIGGER no ") + event + " BEGIN SELECT RAISE(ABORT, 'no'); END");
+        database().exec(std::string("CREATE TRIGGER no ") + event + " BEGIN SELECT RAISE(ABORT, 'no'); END");
         const Ended run = syncContacts({"Friends.vcf"});
         EXPECT_EQ(run.exitCode, 8);
         EXPECT_THAT(run.out, HasSubstr(text));
-        books().exec("DROP TRIGGER no");
+        database().exec("DROP TRIGGER no");
     }
     EXPECT_EQ(syncContacts({"Friends.vcf"}).exitCode, 0);
     EXPECT_EQ(contactsIn("Contacts/Friends.vcf"), (Entries{{"1", "Anne"}, {"3", "Cay"}}));
-    expectBooksInOrder({{"1", "Anne"}, {"3", "Cay"}}, {});
+    expectDatabaseInOrder({{"1", "Anne"}, {"3", "Cay"}}, {});
 }
 
 TEST_F(SyncPimTest, StoreThatLostAFolder_IsPutRight)
 {
     givenFile("Friends.vcf", CardsText({{"1", "Ann"}, {"2", "Bob"}}));
     (void)syncContacts({"Friends.vcf"});
-    books().exec("DELETE FROM tPimFolder WHERE Path = 'Contacts/Friends'");
+    database().exec("DELETE FROM tPimFolder WHERE Path = 'Contacts/Friends'");
     EXPECT_EQ(syncContacts({"Friends.vcf"}).exitCode, 0);
-    expectBooksInOrder({{"1", "Ann"}, {"2", "Bob"}}, {});
+    expectDatabaseInOrder({{"1", "Ann"}, {"2", "Bob"}}, {});
     // Items are added by path, and another program's folder may come first.
-    books().exec(
+    database().exec(
         "DELETE FROM tPimItem; DELETE FROM tPimFolder WHERE Path = 'Contacts/Friends'; "
         "INSERT INTO tPimFolder (parentID, PimID, Path, Type) VALUES (-2, 'other', 'Contacts/Friends', 7)");
     const Ended run = syncContacts({"Friends.vcf"});
@@ -327,13 +328,13 @@ TEST_F(SyncPimTest, LogOfAnotherProgram_IsLeftAlone)
     givenFile("Friends.vcf", CardText("1", "Ann"));
     givenFile("Rock/a.mp3", "a");
     (void)sync({"--music", pc("Rock")});
-    books().exec(
+    database().exec(
         "INSERT INTO tPimLog (phoneID, Type, PimProfile) VALUES (1, 1500, 'of another program'); "
         "INSERT INTO tPimLogItem (plID, Guid, Luid) VALUES (1, 'g', 'l')");
     const Ended run = syncContacts({"Friends.vcf"});
     EXPECT_EQ(run.exitCode, 3);
     EXPECT_THAT(run.out, HasSubstr("another program keeps this phone's log of them"));
-    EXPECT_EQ(books().text("SELECT Guid, Luid FROM tPimLogItem"), "g|l");
+    EXPECT_EQ(database().text("SELECT Guid, Luid FROM tPimLogItem"), "g|l");
     EXPECT_FALSE(fs::exists(Path(phone("Contacts"))));
 }
 
@@ -341,7 +342,7 @@ TEST_F(SyncPimTest, FullStore_SaysSo)
 {
     givenFile("Friends.vcf", CardText("1", "Ann"));
     (void)syncContacts({"Friends.vcf"});
-    books().exec(
+    database().exec(
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1021) INSERT INTO tPimFolder "
         "(parentID, PimID, Path, Type) SELECT (SELECT pfID FROM tPimFolder WHERE PimID = 'contacts'), 'f' || i, "
         "'Contacts/f' || i, 1500 FROM n");
@@ -349,7 +350,7 @@ TEST_F(SyncPimTest, FullStore_SaysSo)
     givenFile("Friends.vcf", CardsText({{"1", "Anne"}, {"3", "Cay"}}));
     const Ended run = syncContacts({"Friends.vcf", "more.vcf"});
     EXPECT_EQ(run.exitCode, 3);
-    EXPECT_THAT(run.out, HasSubstr("the books have no room for 'more': they take 1022 folders of contacts"));
+    EXPECT_THAT(run.out, HasSubstr("the database has no room for 'more': they take 1022 folders of contacts"));
     EXPECT_THAT(run.out, HasSubstr("Contacts: 1 added, 1 updated"));
     EXPECT_THAT(phonePaths(), ElementsAre("Contacts/Friends.vcf"));
 }
@@ -403,7 +404,7 @@ TEST_F(SyncPimTest, KilledAtRandomMoments_EndsInOrder)
         EXPECT_EQ(contactsIn("Contacts/Friends.vcf"), contacts);
         EXPECT_EQ(eventsIn("Calendar/Work.ics"), events);
         EXPECT_THAT(phonePaths(), ElementsAre("Calendar/Work.ics", "Contacts/Friends.vcf"));
-        expectBooksInOrder(contacts, events);
+        expectDatabaseInOrder(contacts, events);
         ASSERT_FALSE(HasFailure()) << "in round " << round;
     }
     EXPECT_GT(cutShort, 0) << "the test itself came too late";

@@ -1,4 +1,4 @@
-// Playlists: the lists on the phone, the music that goes along, and the books about both.
+// Playlists: the lists on the phone, the music that goes along, and the records of both.
 #include "client_fixture.h"
 
 namespace kesta::test {
@@ -34,15 +34,16 @@ protected:
     [[nodiscard]] std::string list(const std::string& name) const { return phoneFiles().at("Playlists/" + name); }
     [[nodiscard]] std::string lists() const
     {
-        return books().text("SELECT [Path], [IdInPhone], [Flag], [Count] FROM tPFolder ORDER BY 1");
+        return database().text("SELECT [Path], [IdInPhone], [Flag], [Count] FROM tPFolder ORDER BY 1");
     }
     [[nodiscard]] std::string files() const
     {
-        return books().text("SELECT [BasePath], [PhonePath] FROM tPFile ORDER BY 2");
+        return database().text("SELECT [BasePath], [PhonePath] FROM tPFile ORDER BY 2");
     }
     [[nodiscard]] std::string members(const std::string& list) const
     {
-        return books().text("SELECT COUNT(*) FROM tPFilename WHERE [IMEI] = '351111' AND [Listname] = '" + list + "'");
+        return database().text("SELECT COUNT(*) FROM tPFilename WHERE [IMEI] = '351111' AND [Listname] = '" + list +
+                               "'");
     }
     [[nodiscard]] fs::file_time_type timeOf(const std::string& place) const
     {
@@ -65,7 +66,7 @@ TEST_F(SyncPlaylistsTest, NewLists_GoToThePhoneWithTheirMusic)
     EXPECT_EQ(lists(), "One|Playlists/One.m3u8|0|3");
     EXPECT_EQ(files(), "One|Playlists/Media/Extra/a.mp3\nOne|Playlists/Media/Extra/b.mp3");
     EXPECT_EQ(members("One"), "3");
-    EXPECT_EQ(books().text("SELECT length([Digest]) FROM tPFolder"), "32");
+    EXPECT_EQ(database().text("SELECT length([Digest]) FROM tPFolder"), "32");
     EXPECT_THAT(ownFiles(), IsEmpty());
 }
 
@@ -160,7 +161,7 @@ TEST_F(SyncPlaylistsTest, MoreThanHalfGone_IsHeldBackUntilForced)
     removeFile("lists/Two.m3u8");
     const Ended held = syncLists();
     EXPECT_EQ(held.exitCode, 4);
-    EXPECT_THAT(held.out, HasSubstr("Held back: 2 playlists to be removed"));
+    EXPECT_THAT(held.out, HasSubstr("Deferred: 2 playlists to be removed"));
     EXPECT_EQ(phoneFiles(), before);
     EXPECT_EQ(syncLists({"--force"}).exitCode, 0);
     EXPECT_THAT(phonePaths(), ElementsAre("Playlists/Media/Extra/d.mp3", "Playlists/Three.m3u8"));
@@ -239,14 +240,14 @@ TEST_F(SyncPlaylistsTest, ListThatIsNotSelected_IsPassedOver)
 {
     givenThreeLists();
     const auto before = phoneFiles();
-    books().exec("UPDATE tPFolder SET [Selected] = 0 WHERE [Path] <> 'Three'");
+    database().exec("UPDATE tPFolder SET [Selected] = 0 WHERE [Path] <> 'Three'");
     changeFile("lists/One.m3u8", "../Extra/d.mp3\n");
     removeFile("lists/Two.m3u8");
     const Ended run = syncLists();
     EXPECT_EQ(run.exitCode, 0) << run.out;
     EXPECT_THAT(run.out, AllOf(HasSubstr("the playlist One is not selected"), HasSubstr("the playlist Two is not")));
     EXPECT_EQ(phoneFiles(), before);
-    books().exec("UPDATE tPFolder SET [Selected] = 1");
+    database().exec("UPDATE tPFolder SET [Selected] = 1");
     EXPECT_EQ(syncLists().exitCode, 0);
     EXPECT_THAT(phonePaths(), ElementsAre("Playlists/Media/Extra/d.mp3", "Playlists/One.m3u8", "Playlists/Three.m3u8"));
 }
@@ -254,11 +255,11 @@ TEST_F(SyncPlaylistsTest, ListThatIsNotSelected_IsPassedOver)
 TEST_F(SyncPlaylistsTest, ListDeletedOnThePhone_DoesNotComeBack)
 {
     givenThreeLists();
-    books().exec("UPDATE tPFolder SET [Flag] = 4 WHERE [Path] = 'One'");
+    database().exec("UPDATE tPFolder SET [Flag] = 4 WHERE [Path] = 'One'");
     ASSERT_TRUE(fs::remove(Path(phone("Playlists/One.m3u8"))));
     const Ended run = syncLists();
     EXPECT_EQ(run.exitCode, 0) << run.out;
-    EXPECT_THAT(run.out, HasSubstr("the playlist One was deleted on the phone: passed over"));
+    EXPECT_THAT(run.out, HasSubstr("the playlist One was deleted on the phone: skipped"));
     EXPECT_FALSE(phoneFiles().contains("Playlists/One.m3u8"));
     EXPECT_FALSE(phoneFiles().contains("Playlists/Media/Extra/a.mp3"));
     removeFile("lists/One.m3u8");
@@ -305,8 +306,8 @@ TEST_F(SyncPlaylistsTest, RecordsFromElsewhere_AreNotFollowed)
 {
     givenThreeLists();
     givenFile("precious", "keep me");
-    books().exec("UPDATE tPFolder SET [IdInPhone] = '../pc/precious' WHERE [Path] = 'One'");
-    books().exec("UPDATE tPFile SET [PhonePath] = '../pc/precious' WHERE [Path] LIKE '%a.mp3'");
+    database().exec("UPDATE tPFolder SET [IdInPhone] = '../pc/precious' WHERE [Path] = 'One'");
+    database().exec("UPDATE tPFile SET [PhonePath] = '../pc/precious' WHERE [Path] LIKE '%a.mp3'");
     removeFile("lists/One.m3u8");
     EXPECT_EQ(syncLists().exitCode, 0);
     EXPECT_TRUE(fs::exists(Path(pc("precious"))));
@@ -326,14 +327,14 @@ TEST_F(SyncPlaylistsTest, ListMissingOrChangedOnThePhone_IsWrittenAgain)
     EXPECT_EQ(phoneFiles(), before);
 }
 
-TEST_F(SyncPlaylistsTest, LostBooks_AreFilledFromWhatIsThere)
+TEST_F(SyncPlaylistsTest, LostDatabase_IsFilledFromWhatIsThere)
 {
     givenThreeLists();
     const auto before = phoneFiles();
-    books().exec("DELETE FROM tPFile; DELETE FROM tPFolder; DELETE FROM tPFilename; DELETE FROM tPhone");
+    database().exec("DELETE FROM tPFile; DELETE FROM tPFolder; DELETE FROM tPFilename; DELETE FROM tPhone");
     const Ended run = syncLists();
     EXPECT_EQ(run.exitCode, 0) << run.out;
-    EXPECT_THAT(run.out, AllOf(HasSubstr("0 copied, 0 updated, 0 removed, 0 unchanged, 0 failed, 4 taken into"),
+    EXPECT_THAT(run.out, AllOf(HasSubstr("0 copied, 0 updated, 0 removed, 0 unchanged, 0 failed, 4 recorded as found"),
                                HasSubstr("Playlists: 3 added")));
     EXPECT_EQ(phoneFiles(), before);
 }
@@ -342,12 +343,12 @@ TEST_F(SyncPlaylistsTest, RunCutShortAfterTheListsWereConfirmed_IsCaughtUpWith)
 {
     givenThreeLists();
     changeFile("lists/Three.m3u8", "../Extra/a.mp3\n");
-    books().exec("UPDATE tPFolder SET [Flag] = 3");
+    database().exec("UPDATE tPFolder SET [Flag] = 3");
     EXPECT_THAT(syncLists().out, HasSubstr("Playlists: 0 added, 1 updated, 0 removed, 2 unchanged"));
     EXPECT_THAT(list("Three.m3u8"), HasSubstr("Media/Extra/a.mp3"));
 }
 
-TEST_F(SyncPlaylistsTest, DryRun_ForetellsAndChangesNothing)
+TEST_F(SyncPlaylistsTest, DryRun_PreviewsAndChangesNothing)
 {
     givenThreeLists();
     removeFile("lists/One.m3u8");

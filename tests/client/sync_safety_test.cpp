@@ -17,7 +17,7 @@ protected:
         for (int run = 0; run < 3; ++run) {
             const Ended held = sync(arguments);
             EXPECT_EQ(held.exitCode, 4) << run << held.out;
-            EXPECT_THAT(held.out, HasSubstr("Held back: " + what)) << run;
+            EXPECT_THAT(held.out, HasSubstr("Deferred: " + what)) << run;
         }
         std::vector<std::string> forced = arguments;
         forced.emplace_back("--force");
@@ -64,7 +64,7 @@ TEST_F(SyncSafetyTest, DamagedNoteOfWhatIsHeldBack_IsReplaced)
         std::ofstream(note("351111.held-back.json"), std::ios::binary) << text;
         const Ended run = sync({"--music", pc("Rock")});
         EXPECT_EQ(run.exitCode, 4) << text << run.err;
-        EXPECT_THAT(run.out, HasSubstr("Held back: 2 files")) << text;
+        EXPECT_THAT(run.out, HasSubstr("Deferred: 2 files")) << text;
         std::ifstream replaced(note("351111.held-back.json"));
         EXPECT_EQ(nlohmann::json::parse(replaced, nullptr, false)["recorded"]["music"], 3) << text;
     }
@@ -179,10 +179,10 @@ TEST_F(SyncSafetyTest, NameThatIsTooLong_IsRefusedBeforeThePhoneIsMarked)
 TEST_F(SyncSafetyTest, KnownPhoneWithoutItsMarker_IsSaid)
 {
     givenFile("Rock/a", "a");
-    EXPECT_THAT(sync({"--music", pc("Rock")}).out, Not(HasSubstr("the books know this phone")));
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, Not(HasSubstr("the database knows this phone")));
     fs::remove(Path(phone(".kesta-phone")));
-    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("the books know this phone"));
-    EXPECT_THAT(sync({"--music", pc("Rock")}).out, Not(HasSubstr("the books know this phone")));
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("the database knows this phone"));
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, Not(HasSubstr("the database knows this phone")));
 }
 
 TEST_F(SyncSafetyTest, Bookmarks_FolderInTheirPlace_IsSaid)

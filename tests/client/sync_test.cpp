@@ -107,7 +107,7 @@ TEST_F(SyncTest, FolderNotGivenThisTime_IsLeftAlone)
     EXPECT_THAT(recorded(), SizeIs(2));
 }
 
-TEST_F(SyncTest, EachCategory_HasItsFolderAndItsBooks)
+TEST_F(SyncTest, EachCategory_HasItsFolderAndItsDatabase)
 {
     givenFile("m/a", "1");
     givenFile("i/b", "2");
@@ -117,19 +117,19 @@ TEST_F(SyncTest, EachCategory_HasItsFolderAndItsBooks)
     EXPECT_THAT(phonePaths(), ElementsAre("Documents/d/d", "Music/m/a", "Pictures/i/b", "Videos/v/c"));
     for (const char* category : {"music", "images", "videos", "documents"})
         EXPECT_THAT(recorded(category), SizeIs(1)) << category;
-    EXPECT_EQ(books().text("SELECT (SELECT COUNT(*) FROM tMFile), (SELECT COUNT(*) FROM tIFile), "
-                           "(SELECT COUNT(*) FROM tVFile), (SELECT COUNT(*) FROM tDFile)"),
+    EXPECT_EQ(database().text("SELECT (SELECT COUNT(*) FROM tMFile), (SELECT COUNT(*) FROM tIFile), "
+                              "(SELECT COUNT(*) FROM tVFile), (SELECT COUNT(*) FROM tDFile)"),
               "1|1|1|1");
 }
 
-TEST_F(SyncTest, Books_HoldCountsSizesAndTheEndOfTheRun)
+TEST_F(SyncTest, Database_HoldsCountsSizesAndTheEndOfTheRun)
 {
     givenFile("Rock/a.mp3", "12345");
     givenFile("Rock/b.mp3", "1234567");
     (void)sync({"--music", pc("Rock")});
-    EXPECT_EQ(books().text("SELECT [Path], [Count], [Size], [TotalSize], [Sized], [Flag], [Deleted] FROM tMFolder"),
+    EXPECT_EQ(database().text("SELECT [Path], [Count], [Size], [TotalSize], [Sized], [Flag], [Deleted] FROM tMFolder"),
               pc("Rock") + "|2|12|12|1|0|0");
-    EXPECT_EQ(books().text("SELECT [ErrCode], [LastTime] IS NOT NULL FROM tPhone"), "0|1");
+    EXPECT_EQ(database().text("SELECT [ErrCode], [LastTime] IS NOT NULL FROM tPhone"), "0|1");
 }
 
 TEST_F(SyncTest, DryRun_ChangesNothing)
@@ -140,7 +140,7 @@ TEST_F(SyncTest, DryRun_ChangesNothing)
     EXPECT_THAT(unknown.out, HasSubstr("copy      Music/Rock/a.mp3"));
     EXPECT_THAT(unknown.out, HasSubstr("A sync would give: 1 copied"));
     EXPECT_TRUE(fs::is_empty(Path(phone())));
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tPhone"), "0");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPhone"), "0");
 
     givenFile("Rock/b.mp3", "second");
     givenFile("Rock/c.mp3", "third");
@@ -149,36 +149,36 @@ TEST_F(SyncTest, DryRun_ChangesNothing)
     const auto rows =
         "SELECT (SELECT group_concat([Path] || [ModifiedTime]) FROM tMFile), [LastTime], [Count] "
         "FROM tPhone, tMFolder";
-    const std::string before = books().text(rows);
+    const std::string before = database().text(rows);
     changeFile("Rock/a.mp3", "changed");
     removeFile("Rock/b.mp3");
     givenFile("Rock/d.mp3", "fourth");
     const Ended known = sync({"--music", pc("Rock"), "--dry-run"});
     EXPECT_THAT(known.out, HasSubstr("A sync would give: 1 copied, 1 updated, 1 removed, 1 unchanged, 0 failed"));
     EXPECT_EQ(phoneFiles(), onPhone);
-    EXPECT_EQ(books().text(rows), before);
+    EXPECT_EQ(database().text(rows), before);
 }
 
 TEST_F(SyncTest, FolderMarkedDeleted_ComesBackToLife)
 {
     givenFile("Rock/a.mp3", "first");
     (void)sync({"--music", pc("Rock")});
-    books().exec("UPDATE tMFolder SET [Deleted] = 1");
+    database().exec("UPDATE tMFolder SET [Deleted] = 1");
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
-    EXPECT_EQ(books().text("SELECT [Deleted] FROM tMFolder"), "0");
+    EXPECT_EQ(database().text("SELECT [Deleted] FROM tMFolder"), "0");
 }
 
 TEST_F(SyncTest, FolderNotSelected_IsPassedOver)
 {
     givenFile("Rock/a.mp3", "first");
     (void)sync({"--music", pc("Rock")});
-    books().exec("UPDATE tMFolder SET [Selected] = 0, [Deleted] = 1");
+    database().exec("UPDATE tMFolder SET [Selected] = 0, [Deleted] = 1");
     givenFile("Rock/b.mp3", "second");
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("is not selected for this phone"));
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a.mp3"));
-    EXPECT_EQ(books().text("SELECT [Deleted], [Count] FROM tMFolder"), "1|1");
+    EXPECT_EQ(database().text("SELECT [Deleted], [Count] FROM tMFolder"), "1|1");
 }
 
 TEST_F(SyncTest, NestedFolders_EachFileOnce)
@@ -197,18 +197,18 @@ TEST_F(SyncTest, SameFolderTwice_CountsOnce)
     const Ended run = sync({"--music", pc("Rock"), "--music", pc("Rock/../Rock"), "--quiet"});
     EXPECT_THAT(run.out, HasSubstr("1 copied"));
     EXPECT_THAT(run.out, Not(HasSubstr("copied    ")));
-    EXPECT_EQ(books().text("SELECT COUNT(*) FROM tMFolder"), "1");
+    EXPECT_EQ(database().text("SELECT COUNT(*) FROM tMFolder"), "1");
 }
 
-TEST_F(SyncTest, BooksLost_TakesInWhatLiesOnThePhone)
+TEST_F(SyncTest, DatabaseLost_TakesInWhatLiesOnThePhone)
 {
     givenFile("Rock/a.mp3", "first");
     givenFile("Rock/b.mp3", "second");
     (void)sync({"--music", pc("Rock")});
-    books().exec("DELETE FROM tMFile; DELETE FROM tMFolder; DELETE FROM tPhone");
+    database().exec("DELETE FROM tMFile; DELETE FROM tMFolder; DELETE FROM tPhone");
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_THAT(run.out, HasSubstr("0 copied, 0 updated, 0 removed, 0 unchanged, 0 failed, 2 taken into the books"));
+    EXPECT_THAT(run.out, HasSubstr("0 copied, 0 updated, 0 removed, 0 unchanged, 0 failed, 2 recorded as found"));
     expectInOrder();
 }
 
@@ -232,7 +232,7 @@ TEST_F(SyncTest, RecordFromElsewhere_OutsideTheCategorysFolder_IsNotFollowed)
     givenFile("Rock/b.mp3", "second");
     givenFile("precious", "keep me");
     (void)sync({"--music", pc("Rock")});
-    books().exec("UPDATE tMFile SET [PhonePath] = '../pc/precious' WHERE [Path] LIKE '%a.mp3'");
+    database().exec("UPDATE tMFile SET [PhonePath] = '../pc/precious' WHERE [Path] LIKE '%a.mp3'");
     removeFile("Rock/a.mp3");
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
     EXPECT_TRUE(fs::exists(Path(pc("precious"))));

@@ -84,13 +84,13 @@ TEST(DatesTest, FormatLocalTime_WritesTheCalendar)
     EXPECT_EQ(FormatLocalTime(45658LL * 86400), "2025-01-01 00:00:00");
 }
 
-TEST(DatesTest, BooksTime_KnowsItsYears)
+TEST(DatesTest, ToLocalTime_KnowsItsYears)
 {
-    const auto time = BooksTime(1'000'000'000);  // 9 September 2001, 01:46:40 UTC
+    const auto time = ToLocalTime(1'000'000'000);  // 9 September 2001, 01:46:40 UTC
     ASSERT_TRUE(time);
     EXPECT_LE(std::abs(*time - (37143LL * 86400 + 6400)), 15 * 3600) << "no time zone is further away";
-    EXPECT_FALSE(BooksTime(400'000'000'000));
-    EXPECT_FALSE(BooksTime(-70'000'000'000));
+    EXPECT_FALSE(ToLocalTime(400'000'000'000));
+    EXPECT_FALSE(ToLocalTime(-70'000'000'000));
 }
 
 }  // namespace

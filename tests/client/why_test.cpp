@@ -149,7 +149,7 @@ TEST_F(WhyTest, FolderMarkedDeleted_IsSaid)
 {
     givenSyncedMusic();
     givenFile("Rock/b.mp3", "second");
-    books().exec("UPDATE tMFolder SET [Deleted] = 1");
+    database().exec("UPDATE tMFolder SET [Deleted] = 1");
     EXPECT_THAT(reasons(pc("Rock/b.mp3")), ElementsAre("folder_marked_deleted", "not_copied_yet"));
     EXPECT_THAT(reasons(pc("Rock/a.mp3")), ElementsAre("recorded", "unchanged", "folder_marked_deleted"));
     EXPECT_THAT(reasons(pc("Rock")), ElementsAre("folder_recorded", "folder_marked_deleted"));
@@ -158,7 +158,7 @@ TEST_F(WhyTest, FolderMarkedDeleted_IsSaid)
 TEST_F(WhyTest, RecordWithoutItsFolder_IsSaid)
 {
     givenSyncedMusic();
-    books().exec("DELETE FROM tMFolder");
+    database().exec("DELETE FROM tMFolder");
     EXPECT_THAT(reasons(pc("Rock/a.mp3")), ElementsAre("recorded", "unchanged", "folder_unknown"));
 }
 
@@ -240,7 +240,7 @@ TEST_F(WhyTest, ContactAndCalendarFiles_AreCounted)
               "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:2\r\nFN:Ben\r\nN:;Ben;;;\r\nEND:VCARD\r\n");
     ASSERT_EQ(sync({"--contacts", pc("c.vcf")}).exitCode, 0);
     EXPECT_THAT(reasons(pc("c.vcf")), ElementsAre("entries_in_store"));
-    EXPECT_THAT(text(pc("c.vcf")), HasSubstr("The books hold 2 entries of it in contacts"));
+    EXPECT_THAT(text(pc("c.vcf")), HasSubstr("The database holds 2 entries of it in contacts"));
     EXPECT_THAT(text(pc("c.vcf")), HasSubstr("2 entries on the phone"));
 }
 
@@ -249,7 +249,7 @@ TEST_F(WhyTest, BackupOfThePhone_IsNamed)
     givenSyncedMusic();
     givenFile("b.zip", "archive");
     EXPECT_THAT(reasons(pc("b.zip")), ElementsAre("in_no_folder"));
-    books().exec(
+    database().exec(
         "CREATE TABLE tBackups ([bcID] INTEGER PRIMARY KEY, [phoneID], [Path], [PhonePath], [Size], "
         "[ModifiedTime]); INSERT INTO tBackups SELECT 1, [ID], '" +
         pc("b.zip") + "', '', 7, '2026-01-31 12:00:00' FROM tPhone");
@@ -273,10 +273,10 @@ TEST_F(WhyTest, WithoutImei_AllPhonesAnswer)
 TEST_F(WhyTest, NothingIsChanged)
 {
     givenSyncedMusic();
-    const std::string before = books().text("SELECT * FROM tMFile, tMFolder, tPhone");
+    const std::string before = database().text("SELECT * FROM tMFile, tMFolder, tPhone");
     (void)why(pc("Rock/a.mp3"));
     (void)why(pc("gone"));
-    EXPECT_EQ(books().text("SELECT * FROM tMFile, tMFolder, tPhone"), before);
+    EXPECT_EQ(database().text("SELECT * FROM tMFile, tMFolder, tPhone"), before);
 }
 
 TEST_F(WhyTest, PathThatIsMissing_IsAUsageError)

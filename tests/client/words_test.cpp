@@ -49,8 +49,8 @@ TEST(WordsTest, Summary_TellsTheMostImportantReason)
 {
     Summary summary;
     EXPECT_EQ(summary.exitCode(), ExitCode::kSuccess);
-    summary.heldBack = 3;
-    EXPECT_EQ(summary.exitCode(), ExitCode::kHeldBack);
+    summary.deferred = 3;
+    EXPECT_EQ(summary.exitCode(), ExitCode::kDeferred);
     summary.fail("/pc/a\n", "broken");
     EXPECT_EQ(summary.exitCode(), ExitCode::kIncomplete);
     summary.stopWith(ExitCode::kPhoneFull, "the phone is full");
@@ -58,7 +58,7 @@ TEST(WordsTest, Summary_TellsTheMostImportantReason)
     EXPECT_EQ(summary.exitCode(), ExitCode::kPhoneFull);
     const std::string text = Describe(summary, false, 1.5);
     EXPECT_THAT(text, HasSubstr("/pc/a\\u000a: broken"));
-    EXPECT_THAT(text, HasSubstr("Held back: 3 files"));
+    EXPECT_THAT(text, HasSubstr("Deferred: 3 files"));
     EXPECT_THAT(text, HasSubstr("Stopped: the phone is full"));
     EXPECT_THAT(text, HasSubstr("0 copied, 0 updated, 0 removed, 0 unchanged, 1 failed (0 B in 1.5 s)"));
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Shows a sync of real files in books of its own, which are gone afterwards.
+# Shows a sync of real files in database of its own, which are gone afterwards.
 #
 # Without arguments it gathers documents, pictures and sounds of this system, makes playlists, bookmarks, contacts and a
 # calendar, syncs it all to a folder that plays the phone, syncs again, then changes some of it. Arguments go on to
@@ -40,7 +40,7 @@ show() {
 }
 
 show_status() {
-    step "What the books say now"
+    step "What the database says now"
     printf '$ kesta status\n'
     "$KESTA" status
 }

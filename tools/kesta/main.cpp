@@ -1,4 +1,4 @@
-// kesta: brings a phone up to date with the PC and shows the books about it.
+// kesta: brings a phone up to date with the PC and shows what is recorded about it.
 
 #include <cstdio>
 #include <exception>
@@ -42,8 +42,8 @@ int main(int argc, char** argv)
             exitCode = kesta::ExitCode::kFailure;
         }
         return static_cast<int>(exitCode);
-    } catch (const kesta::BooksError& failure) {
-        return Report(kesta::ExitCode::kBooks, failure);
+    } catch (const kesta::DatabaseError& failure) {
+        return Report(kesta::ExitCode::kDatabase, failure);
     } catch (const kesta::PhoneError& failure) {
         return Report(kesta::ExitCode::kPhoneGone, failure);
     } catch (const std::exception& failure) {

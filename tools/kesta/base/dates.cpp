@@ -26,7 +26,7 @@ DayAndTime Split(LocalTime time)
     return {day, time - day * kSecondsPerDay};
 }
 
-// Takes so many digits off the text; nothing when it begins with anything else.
+// Takes so many digits off the text; std::nullopt when it begins with anything else.
 std::optional<unsigned> TakeDigits(std::string_view& text, std::size_t count)
 {
     if (text.size() < count) return std::nullopt;
@@ -44,7 +44,7 @@ bool TakeOne(std::string_view& text, std::string_view choice)
     return true;
 }
 
-// The time of day in seconds; nothing when the text is no time to its end.
+// The time of day in seconds; std::nullopt when the text is no time to its end.
 std::optional<std::int64_t> ParseTimeOfDay(std::string_view text)
 {
     const auto hour = TakeDigits(text, 2);
@@ -107,7 +107,7 @@ std::optional<LocalTime> ParseLocalTime(std::string_view text)
     return days * kSecondsPerDay + *seconds;
 }
 
-std::optional<LocalTime> BooksTime(std::int64_t utcSeconds)
+std::optional<LocalTime> ToLocalTime(std::int64_t utcSeconds)
 {
     const auto time = os::LocalSeconds(utcSeconds);
     if (!time) return std::nullopt;

@@ -8,11 +8,11 @@ enum class ExitCode {
     kFailure = 1,        // the command could not do its work
     kUsage = 2,          // the command line is wrong
     kIncomplete = 3,     // finished, but some files or folders failed
-    kHeldBack = 4,       // finished, but removals wait for --force
+    kDeferred = 4,       // finished, but removals wait for --force
     kPhoneFull = 5,      // stopped: no space left on the phone
     kPhoneReadOnly = 6,  // the phone cannot be written
     kAnotherSync = 7,    // another run holds this phone
-    kBooks = 8,          // the books cannot be read or written
+    kDatabase = 8,       // the database cannot be read or written
     kPhoneGone = 9,      // the phone went away
     kInterrupted = 130   // Ctrl-C or a request to end
 };

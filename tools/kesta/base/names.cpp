@@ -36,7 +36,7 @@ bool IsDeviceName(std::string_view name)
 
 std::uint64_t Hash(std::string_view text)
 {
-    std::uint64_t hash = 14695981039346656037u;  // FNV-1a: the mark must be the same in every run and build
+    std::uint64_t hash = 14695981039346656037u;  // FNV-1a: the suffix must be the same in every run and build
     for (const char c : text) hash = (hash ^ static_cast<std::uint8_t>(c)) * 1099511628211u;
     return hash;
 }
@@ -72,8 +72,8 @@ std::string SafeName(std::string_view name)
     for (auto last = safe.size(); last > 0 && (safe[last - 1] == '.' || safe[last - 1] == ' '); --last)
         safe[last - 1] = '_';
     if (IsDeviceName(safe) || CaseKey(safe).starts_with(CaseKey(kOwnPrefix))) safe.insert(safe.begin(), '_');
-    // The mark tells apart what the cut would make equal.
-    return safe.size() <= kLongestName ? safe : MarkedName(safe, name, 0);
+    // The suffix tells apart what the cut would make equal.
+    return safe.size() <= kLongestName ? safe : SuffixedName(safe, name, 0);
 }
 
 std::string CaseKey(std::string_view path)
@@ -87,13 +87,13 @@ std::string CaseKey(std::string_view path)
     return key;
 }
 
-std::string MarkedName(std::string_view name, std::string_view seed, unsigned attempt)
+std::string SuffixedName(std::string_view name, std::string_view seed, unsigned attempt)
 {
     const std::uint64_t hash = attempt == 0 ? Hash(seed) : Hash(fmt::format("{}#{}", seed, attempt));
-    const std::string mark = fmt::format("~{:06x}", hash & 0xFFFFFF);
+    const std::string suffix = fmt::format("~{:06x}", hash & 0xFFFFFF);
     const auto [stem, extension] = SplitExtension(name);
-    const auto cut = CutToWholeCharacters(stem, kLongestName - extension.size() - mark.size());
-    return fmt::format("{}{}{}", cut, mark, extension);
+    const auto cut = CutToWholeCharacters(stem, kLongestName - extension.size() - suffix.size());
+    return fmt::format("{}{}{}", cut, suffix, extension);
 }
 
 std::vector<std::string> SplitPath(std::string_view path)

@@ -18,8 +18,8 @@ inline constexpr std::string_view kTemporaryName = ".kesta-part";
 [[nodiscard]] std::string SafeName(std::string_view name);
 /// Equal for two paths exactly when a file system that ignores case takes them for one.
 [[nodiscard]] std::string CaseKey(std::string_view path);
-/// The name with a mark derived from the seed: "song~1a2b3c.mp3". Another attempt gives another mark.
-[[nodiscard]] std::string MarkedName(std::string_view name, std::string_view seed, unsigned attempt);
+/// The name with a suffix derived from the seed: "song~1a2b3c.mp3". Another attempt gives another suffix.
+[[nodiscard]] std::string SuffixedName(std::string_view name, std::string_view seed, unsigned attempt);
 
 /// The components of a path with '/' between them.
 [[nodiscard]] std::vector<std::string> SplitPath(std::string_view path);

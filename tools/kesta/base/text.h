@@ -12,7 +12,7 @@ namespace kesta {
 using DbText = std::basic_string<DbChar>;
 
 [[nodiscard]] bool IsValidUtf8(std::string_view text);
-/// Nothing when the text is not valid UTF-8 or holds a zero character.
+/// std::nullopt if the text is not valid UTF-8 or holds a zero character.
 [[nodiscard]] std::optional<DbText> ToDbText(std::string_view utf8);
 /// Null gives the empty text; a lone surrogate becomes U+FFFD.
 [[nodiscard]] std::string FromDbText(const DbChar* text);

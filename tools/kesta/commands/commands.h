@@ -11,7 +11,7 @@
 
 namespace kesta {
 
-/// Nothing when there is nothing to run: help or a mistake has been printed, and exitCode says which.
+/// std::nullopt if there is nothing to run: help or a mistake has been printed, and exitCode says which.
 [[nodiscard]] std::optional<Options> ParseOptions(std::vector<std::string> arguments, ExitCode& exitCode);
 
 [[nodiscard]] ExitCode RunSync(const SyncOptions& options);

@@ -39,9 +39,9 @@ std::string EndOf(std::size_t count, const char* noun)
     return count == 0 ? std::string("Nothing is recorded here.\n") : Counted(count, noun) + "\n";
 }
 
-Listing ListMedia(Books& books, const FilesOptions& options, Category category)
+Listing ListMedia(Database& database, const FilesOptions& options, Category category)
 {
-    std::vector<RecordedFile> files = books.files(options.imei, category);
+    std::vector<RecordedFile> files = database.files(options.imei, category);
     if (options.folder)
         std::erase_if(files, [&](const RecordedFile& file) { return !IsNamed(file.basePath, *options.folder); });
     Listing listing;
@@ -56,9 +56,9 @@ Listing ListMedia(Books& books, const FilesOptions& options, Category category)
     return listing;
 }
 
-Listing ListGallery(Books& books, const FilesOptions& options)
+Listing ListGallery(Database& database, const FilesOptions& options)
 {
-    std::vector<RecordedFolder> folders = GalleryBooks(books).folders(options.imei);
+    std::vector<RecordedFolder> folders = GalleryRecords(database).folders(options.imei);
     if (options.folder)
         std::erase_if(folders, [&](const RecordedFolder& folder) { return !IsNamed(folder.path, *options.folder); });
     Listing listing;
@@ -74,9 +74,9 @@ Listing ListGallery(Books& books, const FilesOptions& options)
     return listing;
 }
 
-Listing ListPlaylists(Books& books, const FilesOptions& options)
+Listing ListPlaylists(Database& database, const FilesOptions& options)
 {
-    PlaylistBooks playlists(books, options.imei);
+    PlaylistRecords playlists(database, options.imei);
     Listing listing;
     listing.json["playlists"] = Json::array();
     std::size_t count = 0;
@@ -105,15 +105,15 @@ Listing ListPlaylists(Books& books, const FilesOptions& options)
     return listing;
 }
 
-Listing ListBookmarks(Books& books, const FilesOptions& options)
+Listing ListBookmarks(Database& database, const FilesOptions& options)
 {
-    const auto phone = books.phone(options.imei);
-    const std::vector<RecordedMark> marks = BookmarkBooks(books, options.imei).marks();
+    const auto phone = database.phone(options.imei);
+    const std::vector<RecordedBookmark> marks = BookmarkRecords(database, options.imei).bookmarks();
     Listing listing;
     listing.json["type"] = phone ? phone->bookmarkType : 0;
     listing.json["bookmarks"] = Json::array();
     Table table({"Title", "URL"});
-    for (const RecordedMark& mark : marks) {
+    for (const RecordedBookmark& mark : marks) {
         listing.json["bookmarks"].push_back(
             {{"title", mark.title}, {"url", mark.url}, {"id_on_phone", mark.idOnPhone}, {"flag", mark.flag}});
         table.add({mark.title, mark.url});
@@ -123,13 +123,13 @@ Listing ListBookmarks(Books& books, const FilesOptions& options)
     return listing;
 }
 
-Listing ListBackups(Books& books, const FilesOptions& options)
+Listing ListBackups(Database& database, const FilesOptions& options)
 {
-    const auto backups = BackupBooks(books).of(options.imei);
+    const auto backups = BackupRecords(database).of(options.imei);
     Listing listing;
     listing.json["backups"] = nullptr;
     if (!backups) {
-        listing.text = "The books have no table for backups: archives are not recorded in them.\n";
+        listing.text = "The database has no table for backups: archives are not recorded in them.\n";
         return listing;
     }
     listing.json["backups"] = Json::array();
@@ -143,14 +143,14 @@ Listing ListBackups(Books& books, const FilesOptions& options)
     return listing;
 }
 
-Listing ListPim(Books& books, const FilesOptions& options, PimKind kind)
+Listing ListPim(Database& database, const FilesOptions& options, PimKind kind)
 {
     std::set<std::string> onPhone;
-    for (PimLogRow& row : PimBooks(books).log(options.imei, kind)) onPhone.insert(std::move(row.guid));
+    for (PimLogRow& row : PimRecords(database).log(options.imei, kind)) onPhone.insert(std::move(row.guid));
     Listing listing;
     listing.json["folders"] = Json::array();
     std::size_t count = 0;
-    for (const PimNode& node : ReadPimTree(books, kind)) {
+    for (const PimNode& node : ReadPimTree(database, kind)) {
         if (options.folder && node.folder.path != *options.folder && node.name != *options.folder) continue;
         Json json = PimTreeJson({node}).at(0);
         json["items"] = Json::array();
@@ -172,9 +172,9 @@ Listing ListPim(Books& books, const FilesOptions& options, PimKind kind)
     return listing;
 }
 
-Listing ListLog(Books& books, const FilesOptions& options)
+Listing ListLog(Database& database, const FilesOptions& options)
 {
-    PimBooks pim(books);
+    PimRecords pim(database);
     Listing listing;
     Table table({"Kind", "Entry", "On the phone as", "Changed on the PC", "Changed on the phone"});
     std::size_t count = 0;
@@ -196,15 +196,15 @@ Listing ListLog(Books& books, const FilesOptions& options)
     return listing;
 }
 
-Listing List(Books& books, const FilesOptions& options)
+Listing List(Database& database, const FilesOptions& options)
 {
-    if (const auto category = CategoryOfKey(options.category)) return ListMedia(books, options, *category);
-    if (const auto kind = PimKindOfKey(options.category)) return ListPim(books, options, *kind);
-    if (options.category == "gallery") return ListGallery(books, options);
-    if (options.category == "playlists") return ListPlaylists(books, options);
-    if (options.category == "bookmarks") return ListBookmarks(books, options);
-    if (options.category == "backups") return ListBackups(books, options);
-    return ListLog(books, options);
+    if (const auto category = CategoryOfKey(options.category)) return ListMedia(database, options, *category);
+    if (const auto kind = PimKindOfKey(options.category)) return ListPim(database, options, *kind);
+    if (options.category == "gallery") return ListGallery(database, options);
+    if (options.category == "playlists") return ListPlaylists(database, options);
+    if (options.category == "bookmarks") return ListBookmarks(database, options);
+    if (options.category == "backups") return ListBackups(database, options);
+    return ListLog(database, options);
 }
 
 // Bookmarks, backups and the log have no folders.
@@ -221,9 +221,9 @@ ExitCode RunFiles(const FilesOptions& options)
         (void)std::fprintf(stderr, "kesta: --folder has no meaning for %s\n", options.category.c_str());
         return ExitCode::kUsage;
     }
-    Books books;
-    (void)KnownPhone(books, options.imei);
-    Listing listing = List(books, options);
+    Database database;
+    (void)KnownPhone(database, options.imei);
+    Listing listing = List(database, options);
     if (!options.json) {
         Print(listing.text);
         return ExitCode::kSuccess;

@@ -31,9 +31,9 @@ Json SettingsJson(const PhoneSettings& settings)
     return json;
 }
 
-Json MainFoldersJson(Books& books, const std::string& imei)
+Json MainFoldersJson(Database& database, const std::string& imei)
 {
-    MainFolderBooks mainFolders(books);
+    MainFolderRecords mainFolders(database);
     Json json = Json::object();
     for (const MainFolder folder : kMainFolders)
         json[std::string(KeyOf(folder))] = mainFolders.isSelected(imei, folder);

@@ -1,4 +1,4 @@
-// Which parts of a sync the phone takes part in: a family whose main folder is not selected for it is passed over.
+// Which parts of a sync the phone takes part in: a family whose main folder is not selected for it is skipped.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@ public:
     /// everything that this client can sync. That is one that has never been synced, and either has nothing selected or
     /// was begun by a run of this client that did not get to its end. hasBegun: such a run has marked the phone.
     /// Unless dryRun the choice is stored. Throws when it cannot be.
-    MainFolderChoice(Books& books, const std::string& imei, bool hasBegun, bool dryRun);
+    MainFolderChoice(Database& database, const std::string& imei, bool hasBegun, bool dryRun);
 
     [[nodiscard]] bool isSelected(MainFolder folder) const { return selected_[static_cast<std::size_t>(folder)]; }
     /// Takes what is not selected out of the folders and options of the run, and notes that in the summary.

@@ -18,11 +18,11 @@ inline constexpr const char* kExitCodeHelp =
     "  1    the command could not do its work\n"
     "  2    the command line is wrong\n"
     "  3    finished, but some files or folders could not be synced\n"
-    "  4    finished, but removals are held back until --force is given\n"
+    "  4    finished, but removals are deferred until --force is given\n"
     "  5    stopped: the phone is full\n"
     "  6    the phone cannot be written\n"
     "  7    another sync of this phone is running\n"
-    "  8    the books cannot be read or written\n"
+    "  8    the database cannot be read or written\n"
     "  9    stopped: the phone went away\n"
     "  130  interrupted\n";
 

@@ -24,7 +24,7 @@ constexpr const char* kTraceExamples =
 
 std::optional<Options> ParseOptions(std::vector<std::string> arguments, ExitCode& exitCode)
 {
-    CLI::App app("Brings a phone up to date with the PC and keeps the books of what is on it.", "kesta");
+    CLI::App app("Brings a phone up to date with the PC and records what is on it.", "kesta");
     app.require_subcommand(1);
     app.footer(std::string("kesta COMMAND --help shows a command's options and examples.\n\n") + kExitCodeHelp);
 
@@ -34,7 +34,7 @@ std::optional<Options> ParseOptions(std::vector<std::string> arguments, ExitCode
     WhyOptions why;
     SettingsOptions settings;
     CLI::App* syncCommand = app.add_subcommand("sync", "bring a phone up to date with folders of the PC");
-    CLI::App* statusCommand = app.add_subcommand("status", "show the phones and what the books hold for each");
+    CLI::App* statusCommand = app.add_subcommand("status", "show the phones and what the database holds for each");
     CLI::App* filesCommand = app.add_subcommand("files", "list the files or entries recorded for a phone");
     CLI::App* whyCommand = app.add_subcommand("why", "say why a file or folder is on a phone, or why it is not");
     CLI::App* settingsCommand = app.add_subcommand("settings", "show and change how a phone is synced");

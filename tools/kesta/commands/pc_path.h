@@ -1,14 +1,14 @@
-// Folders and files that the user names, as the books know them.
+// Folders and files that the user names, as the database knows them.
 #pragma once
 
 #include <string>
 
 namespace kesta {
 
-/// The books know folders and files by their canonical path. Of a path at whose end there is nothing any more the part
-/// that is still there counts.
-[[nodiscard]] std::string BooksPath(const std::string& given);
-/// Whether a recorded path is what the user names: canonically, or letter by letter as it stands in the books.
+/// The database knows folders and files by their canonical path. Of a path at whose end there is nothing any more the
+/// part that is still there counts.
+[[nodiscard]] std::string RecordedPath(const std::string& given);
+/// Whether a recorded path is what the user names: canonically, or letter by letter as it stands in the database.
 [[nodiscard]] bool IsNamed(const std::string& recorded, const std::string& given);
 
 }  // namespace kesta

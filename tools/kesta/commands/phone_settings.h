@@ -32,7 +32,7 @@ struct Setting {
 /// Why the text is no value of this setting; empty when it is and has been taken.
 [[nodiscard]] std::string TakeSetting(PhoneSettings& settings, const Setting& setting, const std::string& text);
 
-/// yes, no, true, false, on, off, 1 and 0, in either case; nothing for anything else.
+/// yes, no, true, false, on, off, 1 and 0, in either case; std::nullopt for anything else.
 [[nodiscard]] std::optional<bool> ParseTruth(std::string_view text);
 /// Those of the names that somebody who wrote this may have meant, the nearest first.
 [[nodiscard]] std::vector<std::string> NearNames(std::string_view written, std::span<const std::string> names);

@@ -63,7 +63,7 @@ std::string LogText(const LogStatus& log)
 
 std::string BackupsText(const PhoneStatus& status)
 {
-    if (!status.backups) return "the books have no table for backups";
+    if (!status.backups) return "the database has no table for backups";
     if (status.backups->empty()) return "none";
     return Counted(status.backups->size(), "archive");
 }
@@ -140,37 +140,37 @@ std::size_t CountLeftOut(const PhoneStatus& status)
 
 }  // namespace
 
-PhoneStatus Collect(Books& books, PhoneSettings settings)
+PhoneStatus Collect(Database& database, PhoneSettings settings)
 {
     PhoneStatus status;
     status.settings = std::move(settings);
     const std::string& imei = status.settings.imei;
-    status.lastSync = books.lastSync(imei);
+    status.lastSync = database.lastSync(imei);
     if (status.lastSync) status.lastRun = LoadLastRun(imei, *status.lastSync);
     for (const MainFolder folder : kMainFolders)
-        status.mainFolders[folder] = MainFolderBooks(books).isSelected(imei, folder);
+        status.mainFolders[folder] = MainFolderRecords(database).isSelected(imei, folder);
     for (const Category category : kCategories) {
         std::map<std::string, std::size_t> counts;
-        for (const RecordedFile& file : books.files(imei, category)) {
+        for (const RecordedFile& file : database.files(imei, category)) {
             ++counts[file.basePath];
             ++status.files[category];
         }
         (void)status.files[category];  // A category without files has none.
         std::vector<FolderStatus>& folders = status.folders[category];
-        for (RecordedFolder& folder : books.folders(imei, category)) {
+        for (RecordedFolder& folder : database.folders(imei, category)) {
             const std::size_t onPhone = counts[folder.path];
             folders.push_back({std::move(folder), onPhone});
         }
     }
-    status.gallery = GalleryBooks(books).folders(imei);
+    status.gallery = GalleryRecords(database).folders(imei);
     status.galleryLeftOut = CountLeftOut(status);
-    PlaylistBooks playlists(books, imei);
+    PlaylistRecords playlists(database, imei);
     status.playlists = playlists.lists();
     status.playlistFiles = playlists.files().size();
-    status.bookmarks = BookmarkBooks(books, imei).marks().size();
-    status.backups = BackupBooks(books).of(imei);
+    status.bookmarks = BookmarkRecords(database, imei).bookmarks().size();
+    status.backups = BackupRecords(database).of(imei);
     for (const PimKind kind : kPimKinds) {
-        PimBooks pim(books);
+        PimRecords pim(database);
         status.logs[kind] = {pim.logProfile(imei, kind), pim.log(imei, kind).size()};
     }
     return status;

@@ -38,11 +38,11 @@ struct PhoneStatus {
     std::vector<RecordedPlaylist> playlists;
     std::size_t playlistFiles = 0;
     std::size_t bookmarks = 0;                           // of the present bookmark type
-    std::optional<std::vector<RecordedBackup>> backups;  // nothing: the books have no table for them
+    std::optional<std::vector<RecordedBackup>> backups;  // nothing: the database has no table for them
     std::map<PimKind, LogStatus> logs;
 };
 
-[[nodiscard]] PhoneStatus Collect(Books& books, PhoneSettings settings);
+[[nodiscard]] PhoneStatus Collect(Database& database, PhoneSettings settings);
 [[nodiscard]] Json ToJson(const PhoneStatus& status);
 [[nodiscard]] std::string ToText(const PhoneStatus& status);
 

@@ -6,17 +6,17 @@
 
 namespace kesta {
 
-PhoneSettings KnownPhone(Books& books, const std::string& imei)
+PhoneSettings KnownPhone(Database& database, const std::string& imei)
 {
-    auto phone = books.phone(imei);
+    auto phone = database.phone(imei);
     if (!phone) throw std::runtime_error(fmt::format("no phone with the IMEI {} is known", imei));
     return *std::move(phone);
 }
 
-std::vector<PhoneSettings> ChosenPhones(Books& books, const std::optional<std::string>& imei)
+std::vector<PhoneSettings> ChosenPhones(Database& database, const std::optional<std::string>& imei)
 {
-    if (!imei) return books.phones();
-    return {KnownPhone(books, *imei)};
+    if (!imei) return database.phones();
+    return {KnownPhone(database, *imei)};
 }
 
 }  // namespace kesta

@@ -9,9 +9,9 @@
 
 namespace kesta {
 
-/// Throws when the books do not know the phone.
-[[nodiscard]] PhoneSettings KnownPhone(Books& books, const std::string& imei);
+/// Throws when the database does not know the phone.
+[[nodiscard]] PhoneSettings KnownPhone(Database& database, const std::string& imei);
 /// The phone that is named, else all of them.
-[[nodiscard]] std::vector<PhoneSettings> ChosenPhones(Books& books, const std::optional<std::string>& imei);
+[[nodiscard]] std::vector<PhoneSettings> ChosenPhones(Database& database, const std::optional<std::string>& imei);
 
 }  // namespace kesta

@@ -9,24 +9,25 @@
 namespace kesta {
 namespace {
 
-void AddBelow(PimBooks& books, PimKind kind, const PimFolder& parent, std::size_t depth, std::vector<PimNode>& tree)
+void AddBelow(PimRecords& database, PimKind kind, const PimFolder& parent, std::size_t depth,
+              std::vector<PimNode>& tree)
 {
-    for (const PimFolder& folder : books.folders(kind, parent.id, false)) {
+    for (const PimFolder& folder : database.folders(kind, parent.id, false)) {
         if (tree.size() >= kMostListedPimFolders) return;  // A store that goes round in circles has no end.
-        std::vector<PimItem> items = books.items(kind, folder.id);
+        std::vector<PimItem> items = database.items(kind, folder.id);
         const bool isLonger = !parent.path.empty() && folder.path.starts_with(parent.path + "/");
         std::string name = isLonger ? folder.path.substr(parent.path.size() + 1) : folder.path;
         tree.push_back({folder, std::move(name), depth, std::move(items)});
-        AddBelow(books, kind, folder, depth + 1, tree);
+        AddBelow(database, kind, folder, depth + 1, tree);
     }
 }
 
 }  // namespace
 
-std::vector<PimNode> ReadPimTree(Books& books, PimKind kind)
+std::vector<PimNode> ReadPimTree(Database& database, PimKind kind)
 {
     std::vector<PimNode> tree;
-    PimBooks pim(books);
+    PimRecords pim(database);
     AddBelow(pim, kind, {}, 0, tree);
     return tree;
 }

@@ -17,7 +17,7 @@ struct PimNode {
 };
 
 /// Each folder before those below it.
-[[nodiscard]] std::vector<PimNode> ReadPimTree(Books& books, PimKind kind);
+[[nodiscard]] std::vector<PimNode> ReadPimTree(Database& database, PimKind kind);
 [[nodiscard]] Json PimTreeJson(const std::vector<PimNode>& tree);
 /// With a line for each folder and the number of its entries.
 [[nodiscard]] std::string PimTreeText(const std::vector<PimNode>& tree, const std::string& indent);

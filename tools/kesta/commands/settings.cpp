@@ -38,7 +38,7 @@ struct FolderChange {
     bool selected = true;
 };
 
-// Everything that the command line asks for, checked against the books.
+// Everything that the command line asks for, checked against the database.
 struct Changes {
     PhoneSettings settings;          // as they are to be
     std::vector<std::string> names;  // of the settings given
@@ -91,11 +91,11 @@ void ReadChange(const std::string& change, Changes& changes)
     changes.names.push_back(name);
 }
 
-void ReadFolder(Books& books, const std::string& imei, const Selection& selection, Changes& changes)
+void ReadFolder(Database& database, const std::string& imei, const Selection& selection, Changes& changes)
 {
     bool isKnown = false;
     for (const Category category : kCategories) {
-        for (const RecordedFolder& folder : books.folders(imei, category)) {
+        for (const RecordedFolder& folder : database.folders(imei, category)) {
             if (!IsNamed(folder.path, selection.what)) continue;
             isKnown = true;
             const bool contradicts =
@@ -110,16 +110,17 @@ void ReadFolder(Books& books, const std::string& imei, const Selection& selectio
         }
     }
     if (!isKnown)
-        throw Refusal(ExitCode::kFailure, fmt::format("the books know no folder {} of this phone: it becomes known by "
-                                                      "its first sync",
-                                                      Printable(selection.what)));
+        throw Refusal(ExitCode::kFailure,
+                      fmt::format("the database knows no folder {} of this phone: it becomes known by "
+                                  "its first sync",
+                                  Printable(selection.what)));
 }
 
 void ReadPlaylist(const std::vector<RecordedPlaylist>& lists, const Selection& selection, Changes& changes)
 {
     if (std::none_of(lists.begin(), lists.end(), [&](const auto& list) { return list.name == selection.what; }))
         throw Refusal(ExitCode::kFailure,
-                      fmt::format("the books know no playlist {} of this phone", Printable(selection.what)));
+                      fmt::format("the database knows no playlist {} of this phone", Printable(selection.what)));
     if (std::any_of(changes.playlists.begin(), changes.playlists.end(), [&](const Selection& other) {
             return other.what == selection.what && other.selected != selection.selected;
         }))
@@ -128,14 +129,14 @@ void ReadPlaylist(const std::vector<RecordedPlaylist>& lists, const Selection& s
     changes.playlists.push_back(selection);
 }
 
-Changes ReadChanges(Books& books, const SettingsOptions& options, const PhoneSettings& present)
+Changes ReadChanges(Database& database, const SettingsOptions& options, const PhoneSettings& present)
 {
     Changes changes;
     changes.settings = present;
     for (const std::string& change : options.changes) ReadChange(change, changes);
-    for (const Selection& selection : options.folders) ReadFolder(books, options.imei, selection, changes);
+    for (const Selection& selection : options.folders) ReadFolder(database, options.imei, selection, changes);
     if (!options.playlists.empty()) {
-        const std::vector<RecordedPlaylist> lists = PlaylistBooks(books, options.imei).lists();
+        const std::vector<RecordedPlaylist> lists = PlaylistRecords(database, options.imei).lists();
         for (const Selection& selection : options.playlists) ReadPlaylist(lists, selection, changes);
     }
     return changes;
@@ -144,25 +145,25 @@ Changes ReadChanges(Books& books, const SettingsOptions& options, const PhoneSet
 void Expect(bool stored, const std::string& what, std::int32_t code)
 {
     if (stored) return;
-    throw BooksError(
+    throw DatabaseError(
         fmt::format("{} could not be changed{}", Printable(what), code == 0 ? std::string() : ": " + ResultText(code)));
 }
 
-// The library says of some of these that they went well when they did not, so the books have to tell.
-void Make(Books& books, const Changes& changes, const PhoneSettings& before)
+// The library says of some of these that they went well when they did not, so the database has to tell.
+void Make(Database& database, const Changes& changes, const PhoneSettings& before)
 {
     const std::string& imei = before.imei;
-    SettingsBooks settings(books, imei);
+    SettingsRecords settings(database, imei);
     if (!changes.names.empty()) {
         const std::int32_t code = settings.write(before, changes.settings);
-        const auto after = books.phone(imei);
+        const auto after = database.phone(imei);
         for (const std::string& name : changes.names) {
             const Setting& setting = *FindSetting(name);
             Expect(code == 0 && after && ShowSetting(*after, setting) == ShowSetting(changes.settings, setting), name,
                    code);
         }
     }
-    MainFolderBooks mainFolders(books);
+    MainFolderRecords mainFolders(database);
     for (const auto& [folder, selected] : changes.mainFolders) {
         const std::int32_t code = mainFolders.select(imei, folder, selected);
         Expect(code == 0 && mainFolders.isSelected(imei, folder) == selected, SelectNameOf(folder), code);
@@ -187,14 +188,14 @@ const char* SelectedText(bool selected)
     return selected ? "selected" : "not selected";
 }
 
-void ShowAll(Books& books, const PhoneSettings& phone)
+void ShowAll(Database& database, const PhoneSettings& phone)
 {
     std::string text = fmt::format("{} (IMEI {})\n", Printable(phone.name), Printable(phone.imei));
     for (const Setting& setting : AllSettings())
         text += fmt::format("  {:<27} {}\n", setting.name, Quoted(ShowSetting(phone, setting)));
     for (const MainFolder folder : kMainFolders)
         text += fmt::format("  {:<27} {}\n", SelectNameOf(folder),
-                            MainFolderBooks(books).isSelected(phone.imei, folder) ? "yes" : "no");
+                            MainFolderRecords(database).isSelected(phone.imei, folder) ? "yes" : "no");
     Print(text);
 }
 
@@ -220,15 +221,15 @@ void ShowChanges(const Changes& changes, const PhoneSettings& before)
 
 ExitCode RunSettings(const SettingsOptions& options)
 {
-    Books books;
-    PhoneSettings phone = KnownPhone(books, options.imei);
+    Database database;
+    PhoneSettings phone = KnownPhone(database, options.imei);
     const bool isToChange = !options.changes.empty() || !options.folders.empty() || !options.playlists.empty();
     try {
         if (isToChange) {
-            const Changes changes = ReadChanges(books, options, phone);
-            Make(books, changes, phone);
+            const Changes changes = ReadChanges(database, options, phone);
+            Make(database, changes, phone);
             if (!options.json) ShowChanges(changes, phone);
-            phone = KnownPhone(books, options.imei);
+            phone = KnownPhone(database, options.imei);
         }
     } catch (const Refusal& refusal) {
         (void)std::fprintf(stderr, "kesta: %s\n", refusal.what());
@@ -237,9 +238,9 @@ ExitCode RunSettings(const SettingsOptions& options)
     if (options.json) {
         PrintJson({{"imei", phone.imei},
                    {"settings", SettingsJson(phone)},
-                   {"main_folders", MainFoldersJson(books, phone.imei)}});
+                   {"main_folders", MainFoldersJson(database, phone.imei)}});
     } else if (!isToChange) {
-        ShowAll(books, phone);
+        ShowAll(database, phone);
     }
     return ExitCode::kSuccess;
 }

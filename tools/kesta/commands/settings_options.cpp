@@ -18,7 +18,7 @@ constexpr const char* kSettingsExamples =
     "or\n"
     "\"2026-01-31 18:30:00\"; a text or date without a value is emptied. Either all changes are made, or none.\n"
     "select.NAME chooses the main folders: music (playlists too), gallery (images and videos), documents, contacts,\n"
-    "calendar, bookmarks, map. What is not selected is passed over by kesta sync and stays on the phone as it is.\n"
+    "calendar, bookmarks, map. What is not selected is skipped by kesta sync and stays on the phone as it is.\n"
     "\n";
 
 void AddSelections(CLI::App& app, const std::string& suffix, std::vector<Selection>& selections, const char* what,

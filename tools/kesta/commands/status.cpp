@@ -15,10 +15,10 @@
 namespace kesta {
 namespace {
 
-Json LibraryJson(Books& books)
+Json LibraryJson(Database& database)
 {
     Json folders = Json::array();
-    for (const MainFolderFigures& figures : MainFolderBooks(books).all()) {
+    for (const MainFolderFigures& figures : MainFolderRecords(database).all()) {
         folders.push_back({{"folder", KeyOf(figures.folder)},
                            {"items", figures.items},
                            {"size", figures.size},
@@ -27,34 +27,34 @@ Json LibraryJson(Books& books)
     return folders;
 }
 
-void PrintAsJson(Books& books, std::vector<PhoneSettings> phones)
+void PrintAsJson(Database& database, std::vector<PhoneSettings> phones)
 {
-    Json json{{"phones", Json::array()}, {"library", LibraryJson(books)}, {"store", Json::object()}};
-    for (PhoneSettings& phone : phones) json["phones"].push_back(ToJson(Collect(books, std::move(phone))));
+    Json json{{"phones", Json::array()}, {"library", LibraryJson(database)}, {"store", Json::object()}};
+    for (PhoneSettings& phone : phones) json["phones"].push_back(ToJson(Collect(database, std::move(phone))));
     for (const PimKind kind : kPimKinds)
-        json["store"][std::string(KeyOf(kind))] = PimTreeJson(ReadPimTree(books, kind));
+        json["store"][std::string(KeyOf(kind))] = PimTreeJson(ReadPimTree(database, kind));
     PrintJson(json);
 }
 
-void PrintAsText(Books& books, std::vector<PhoneSettings> phones)
+void PrintAsText(Database& database, std::vector<PhoneSettings> phones)
 {
     if (phones.empty()) Print("No phone has been synced yet. Begin with: kesta sync --help\n");
-    for (PhoneSettings& phone : phones) Print(ToText(Collect(books, std::move(phone))) + "\n");
+    for (PhoneSettings& phone : phones) Print(ToText(Collect(database, std::move(phone))) + "\n");
     std::string store;
-    for (const PimKind kind : kPimKinds) store += PimTreeText(ReadPimTree(books, kind), "  ");
-    if (!store.empty()) Print("Contacts and calendar in the books, for all phones\n" + store + "\n");
+    for (const PimKind kind : kPimKinds) store += PimTreeText(ReadPimTree(database, kind), "  ");
+    if (!store.empty()) Print("Contacts and calendar in the database, for all phones\n" + store + "\n");
 }
 
 }  // namespace
 
 ExitCode RunStatus(const StatusOptions& options)
 {
-    Books books;
-    std::vector<PhoneSettings> phones = ChosenPhones(books, options.imei);
+    Database database;
+    std::vector<PhoneSettings> phones = ChosenPhones(database, options.imei);
     if (options.json)
-        PrintAsJson(books, std::move(phones));
+        PrintAsJson(database, std::move(phones));
     else
-        PrintAsText(books, std::move(phones));
+        PrintAsText(database, std::move(phones));
     return ExitCode::kSuccess;
 }
 

@@ -64,33 +64,34 @@ public:
     {
         if (!options_.dryRun) lock();
         identify();
-        Books books;
-        const auto known = marker_.imei.empty() ? std::nullopt : books.phone(marker_.imei);
+        Database database;
+        const auto known = marker_.imei.empty() ? std::nullopt : database.phone(marker_.imei);
         isKnown_ = known.has_value();
         guard_.emplace(marker_.imei, options_.force);
         if (isKnown_ && !isMarked_)
             summary_.notes.push_back(
-                "the books know this phone, but the folder was not marked as it: if the phone was not mounted there, "
+                "the database knows this phone, but the folder was not marked as it: if the phone was not mounted "
+                "there, "
                 "remove the folder's contents and sync again.");
-        // The user may have changed it in the books since the phone was marked.
+        // The user may have changed it in the database since the phone was marked.
         if (known && !options_.name && !known->name.empty()) marker_.name = known->name;
-        if (!options_.dryRun) announce(books);
+        if (!options_.dryRun) announce(database);
         greet();
         try {
-            MainFolderChoice(books, marker_.imei, isMarked_, options_.dryRun).apply(folders_, options_, summary_);
-            const auto plans = plan(books);
+            MainFolderChoice(database, marker_.imei, isMarked_, options_.dryRun).apply(folders_, options_, summary_);
+            const auto plans = plan(database);
             if (options_.dryRun)
-                Foretell(plans, options_.quiet, progress_, summary_);
+                Preview(plans, options_.quiet, progress_, summary_);
             else
-                carryOut(books, plans);
-            syncFamilies(books, plans);
-        } catch (const BooksError& failure) {
-            summary_.stopWith(ExitCode::kBooks, failure.what());
+                execute(database, plans);
+            syncFamilies(database, plans);
+        } catch (const DatabaseError& failure) {
+            summary_.stopWith(ExitCode::kDatabase, failure.what());
         } catch (const PhoneError& failure) {
             summary_.stopWith(ExitCode::kPhoneGone, failure.what());
         }
         progress_.finish();
-        if (!options_.dryRun) closeBooks(books);
+        if (!options_.dryRun) recordEnd(database);
         const auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started_).count();
         progress_.say(Describe(summary_, options_.dryRun, seconds));
         return summary_.exitCode();
@@ -128,13 +129,13 @@ private:
         }
     }
 
-    void announce(Books& books)
+    void announce(Database& database)
     {
         const bool isRenamed = options_.name && isMarked_ && *options_.name != marker_.name;
         if (isRenamed) marker_.name = *options_.name;
         if (!isMarked_ || isRenamed) Require(WriteMarker(phone_, marker_), "the phone cannot be marked");
-        books.announce(marker_.imei, marker_.name);
-        if (isKnown_ && options_.name) books.rename(marker_.imei, *options_.name);
+        database.announce(marker_.imei, marker_.name);
+        if (isKnown_ && options_.name) database.rename(marker_.imei, *options_.name);
     }
 
     void greet()
@@ -144,27 +145,27 @@ private:
                                   options_.dryRun ? ", dry run: nothing is changed" : ""));
     }
 
-    std::vector<CategoryPlan> plan(Books& books)
+    std::vector<CategoryPlan> plan(Database& database)
     {
         std::array<CategoryState, kCategories.size()> states;
         std::vector<std::string> places;
         for (const Category category : kCategories) {
             CategoryState& state = states[static_cast<std::size_t>(category)];
             if (options_.dryRun && !isKnown_) continue;
-            state.known = books.folders(marker_.imei, category);
-            state.recorded = books.files(marker_.imei, category);
+            state.known = database.folders(marker_.imei, category);
+            state.recorded = database.files(marker_.imei, category);
             for (const RecordedFile& file : state.recorded) places.push_back(file.phonePath);
         }
         if (isKnown_) {
-            for (std::string& place : PlacesOfPlaylists(books, marker_.imei)) places.push_back(std::move(place));
-            for (std::string& place : PlacesOfBookmarks(books, marker_.imei)) places.push_back(std::move(place));
+            for (std::string& place : PhonePathsOfPlaylists(database, marker_.imei)) places.push_back(std::move(place));
+            for (std::string& place : PhonePathsOfBookmarks(database, marker_.imei)) places.push_back(std::move(place));
         }
         takeUpLeftovers(places);
         for (const Category category : kCategories) {
             const auto index = static_cast<std::size_t>(category);
             ScanChosen(category, folders_[index], phone_, states[index], progress_, summary_);
             if (summary_.stopped()) return {};
-            if (!options_.dryRun) EnterFolders(books, marker_.imei, category, states[index], summary_);
+            if (!options_.dryRun) EnterFolders(database, marker_.imei, category, states[index], summary_);
         }
         std::vector<CategoryPlan> plans;
         for (const Category category : kCategories) {
@@ -175,7 +176,7 @@ private:
         }
         for (const CategoryPlan& plan : plans) {
             summary_.unchanged += plan.unchanged;
-            summary_.heldBack += plan.heldBack;
+            summary_.deferred += plan.deferred;
         }
         return plans;
     }
@@ -200,33 +201,34 @@ private:
             fmt::format("the last run was cut short; {} of it removed.", Counted(files, "leftover")));
     }
 
-    void carryOut(Books& books, const std::vector<CategoryPlan>& plans)
+    void execute(Database& database, const std::vector<CategoryPlan>& plans)
     {
         guard_->save(summary_);
-        MediaRecords records(books, marker_.imei);
-        CarryOut(records, phone_, progress_, summary_).run(plans);
+        MediaRecords records(database, marker_.imei);
+        Execute(records, phone_, progress_, summary_).run(plans);
     }
 
     // What is no folder of media. A run that was stopped stops here, too; the backup comes last, to hold it all.
-    void syncFamilies(Books& books, const std::vector<CategoryPlan>& plans)
+    void syncFamilies(Database& database, const std::vector<CategoryPlan>& plans)
     {
         if (options_.playlists && !summary_.stopped())
-            SyncPlaylists(books, marker_.imei, phone_, options_, placesOfMedia(books, plans), *guard_, progress_,
+            SyncPlaylists(database, marker_.imei, phone_, options_, placesOfMedia(database, plans), *guard_, progress_,
                           summary_);
         if (options_.bookmarks && !summary_.stopped())
-            SyncBookmarks(books, marker_.imei, phone_, options_, *guard_, progress_, summary_);
+            SyncBookmarks(database, marker_.imei, phone_, options_, *guard_, progress_, summary_);
         if ((!options_.contacts.empty() || !options_.calendars.empty()) && !summary_.stopped())
-            SyncPim(books, marker_.imei, phone_, options_, *guard_, progress_, summary_);
-        if (options_.backup && !summary_.stopped()) BackUpPhone(books, marker_, phone_, options_, progress_, summary_);
+            SyncPim(database, marker_.imei, phone_, options_, *guard_, progress_, summary_);
+        if (options_.backup && !summary_.stopped())
+            BackUpPhone(database, marker_, phone_, options_, progress_, summary_);
     }
 
     // Where the media lie after this run.
-    MediaPlaces placesOfMedia(Books& books, const std::vector<CategoryPlan>& plans)
+    MediaPhonePaths placesOfMedia(Database& database, const std::vector<CategoryPlan>& plans)
     {
-        MediaPlaces places;
+        MediaPhonePaths places;
         for (const Category category : kCategories) {
             if (options_.dryRun && !isKnown_) break;
-            for (const RecordedFile& file : books.files(marker_.imei, category))
+            for (const RecordedFile& file : database.files(marker_.imei, category))
                 if (IsPhonePath(file.phonePath, category)) places[file.path] = {file.phonePath, false};
         }
         if (!options_.dryRun) return places;
@@ -237,13 +239,13 @@ private:
         return places;
     }
 
-    void closeBooks(Books& books)
+    void recordEnd(Database& database)
     {
-        const auto now = BooksTime(os::Now());
+        const auto now = ToLocalTime(os::Now());
         const int code = static_cast<int>(summary_.exitCode());
-        const std::int32_t result = now ? books.setLastSync(marker_.imei, *now, code) : 1;
+        const std::int32_t result = now ? database.setLastSync(marker_.imei, *now, code) : 1;
         if (result != 0)
-            summary_.stopWith(ExitCode::kBooks, "the end of the run cannot be recorded: " + ResultText(result));
+            summary_.stopWith(ExitCode::kDatabase, "the end of the run cannot be recorded: " + ResultText(result));
         if (!now) return;
         const os::Status saved = SaveLastRun(marker_.imei, {*now, code, reason()});
         if (!saved.ok())
@@ -254,8 +256,8 @@ private:
     {
         if (summary_.stopped()) return summary_.stopReason;
         if (!summary_.failures.empty()) return fmt::format("{} failed", Counted(summary_.failures.size(), "item"));
-        if (const std::size_t all = summary_.allHeldBack(); all > 0)
-            return fmt::format("{} held back", Counted(all, "removal"));
+        if (const std::size_t all = summary_.allDeferred(); all > 0)
+            return fmt::format("{} deferred", Counted(all, "removal"));
         return {};
     }
 
@@ -267,7 +269,7 @@ private:
     Marker marker_;
     bool isMarked_ = false;
     bool isKnown_ = false;
-    std::optional<RemovalGuard> guard_;  // once it is known which phone it is
+    std::optional<DeletionGuard> guard_;  // once it is known which phone it is
     Summary summary_;
     std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
 };

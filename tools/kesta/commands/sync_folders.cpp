@@ -62,7 +62,7 @@ void ScanChosen(Category category, const std::vector<ChosenFolder>& folders, con
                                         [&](const RecordedFolder& row) { return row.path == folder.path; });
         if (known != state.known.end() && !known->selected) {
             summary.notes.push_back(
-                fmt::format("{} is not selected for this phone in the books: passed over.", Printable(folder.path)));
+                fmt::format("{} is not selected for this phone in the database: skipped.", Printable(folder.path)));
             continue;
         }
         if (!IsValidUtf8(folder.path)) {
@@ -85,21 +85,22 @@ void ScanChosen(Category category, const std::vector<ChosenFolder>& folders, con
     }
 }
 
-void EnterFolders(Books& books, const std::string& imei, Category category, CategoryState& state, Summary& summary)
+void EnterFolders(Database& database, const std::string& imei, Category category, CategoryState& state,
+                  Summary& summary)
 {
     if (state.scans.empty()) return;
     for (const FolderScan& scan : state.scans) {
-        if (const std::int32_t code = books.addFolder(imei, category, Entry(scan)); code != 0)
-            throw BooksError(fmt::format("the folder {} cannot be entered: {}", scan.path, ResultText(code)));
+        if (const std::int32_t code = database.addFolder(imei, category, Entry(scan)); code != 0)
+            throw DatabaseError(fmt::format("the folder {} cannot be entered: {}", scan.path, ResultText(code)));
     }
     // The library does not say whether the folder's row was written, so the rows have to tell.
-    state.known = books.folders(imei, category);
+    state.known = database.folders(imei, category);
     std::erase_if(state.scans, [&](const FolderScan& scan) {
         const RecordedFolder wanted = Entry(scan);
         const bool isThere = std::any_of(state.known.begin(), state.known.end(), [&](const RecordedFolder& row) {
             return row.path == wanted.path && row.count == wanted.count && row.size == wanted.size && !row.deleted;
         });
-        if (!isThere) summary.fail(scan.path, "the folder could not be entered in the books");
+        if (!isThere) summary.fail(scan.path, "the folder could not be entered in the database");
         return !isThere;
     });
 }

@@ -1,4 +1,4 @@
-// The chosen folders of one run: from the command line to scans that are known to the books.
+// The chosen folders of one run: from the command line to scans that are known to the database.
 #pragma once
 
 #include <array>
@@ -23,19 +23,20 @@ using ChosenFolders = std::array<std::vector<ChosenFolder>, kCategories.size()>;
 /// Leaves out what is given twice. Throws std::runtime_error for a folder that lies on the phone.
 [[nodiscard]] ChosenFolders ChooseFolders(const SyncOptions& options, const PhoneFolder& phone);
 
-/// One category's side of the PC and of the books.
+/// One category's side of the PC and of the database.
 struct CategoryState {
     std::vector<FolderScan> scans;  // of the folders that could be read
     std::vector<RecordedFolder> known;
     std::vector<RecordedFile> recorded;
 };
 
-/// Reads the category's chosen folders, passing over those that are not selected in the books. What cannot be read
+/// Reads the category's chosen folders, skipping those that are not selected in the database. What cannot be read
 /// goes to the summary.
 void ScanChosen(Category category, const std::vector<ChosenFolder>& folders, const PhoneFolder& phone,
                 CategoryState& state, Progress& progress, Summary& summary);
 
 /// Enters the scanned folders with their counts and sizes, and makes sure that they are there afterwards.
-void EnterFolders(Books& books, const std::string& imei, Category category, CategoryState& state, Summary& summary);
+void EnterFolders(Database& database, const std::string& imei, Category category, CategoryState& state,
+                  Summary& summary);
 
 }  // namespace kesta

@@ -67,7 +67,7 @@ void AddSync(CLI::App& app, SyncOptions& options)
     for (CLI::Option* path : paths) path->check([](const std::string& text) { return EmptyPathProblem(text); });
     app.add_flag("--dry-run", options.dryRun, "only say what would be done; change nothing");
     app.add_flag("--force", options.force,
-                 "remove even if it is more than half of a category, or of the lists, marks or entries");
+                 "remove even if it is more than half of a category, or of the lists, bookmarks or entries");
     app.add_flag("--quiet,-q", options.quiet, "no line for each file");
     app.footer(std::string(kSyncExamples) + kExitCodeHelp);
 }

@@ -84,8 +84,8 @@ std::string ToText(const PhoneSettings& phone, const Explanation& explanation)
 
 ExitCode RunWhy(const WhyOptions& options)
 {
-    Books books;
-    std::vector<PhoneSettings> phones = ChosenPhones(books, options.imei);
+    Database database;
+    std::vector<PhoneSettings> phones = ChosenPhones(database, options.imei);
     const PcEntry entry = ReadPcEntry(options.path);
     if (options.json) {
         Json json{{"path", entry.path},
@@ -96,13 +96,13 @@ ExitCode RunWhy(const WhyOptions& options)
             json["on_pc"]["modified"] = TimeJson(entry.modified);
         }
         for (const PhoneSettings& phone : phones)
-            json["phones"].push_back(ToJson(phone, Explain(books, phone.imei, entry)));
+            json["phones"].push_back(ToJson(phone, Explain(database, phone.imei, entry)));
         PrintJson(json);
         return ExitCode::kSuccess;
     }
     Print(fmt::format("{}: {}\n", Printable(entry.path), PcText(entry)));
     if (phones.empty()) Print("No phone has been synced yet. Begin with: kesta sync --help\n");
-    for (const PhoneSettings& phone : phones) Print(ToText(phone, Explain(books, phone.imei, entry)));
+    for (const PhoneSettings& phone : phones) Print(ToText(phone, Explain(database, phone.imei, entry)));
     return ExitCode::kSuccess;
 }
 

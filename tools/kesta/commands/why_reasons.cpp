@@ -25,8 +25,8 @@ std::string TimeText(const std::optional<LocalTime>& time)
 
 class Explainer {
 public:
-    Explainer(Books& books, const std::string& imei, const PcEntry& entry)
-        : books_(books), imei_(imei), entry_(entry), playlists_(books, imei)
+    Explainer(Database& database, const std::string& imei, const PcEntry& entry)
+        : database_(database), imei_(imei), entry_(entry), playlists_(database, imei)
     {
     }
 
@@ -45,8 +45,8 @@ private:
 
     void explain(Category category)
     {
-        const std::vector<RecordedFolder> folders = books_.folders(imei_, category);
-        const std::vector<RecordedFile> files = books_.files(imei_, category);
+        const std::vector<RecordedFolder> folders = database_.folders(imei_, category);
+        const std::vector<RecordedFile> files = database_.files(imei_, category);
         if (const auto file = find(files)) return explainRecorded(category, *file, folders);
         const RecordedFolder* innermost = innermostAround(folders);
         if (innermost != nullptr && innermost->path == entry_.path) return explainChosen(category, *innermost, files);
@@ -83,16 +83,16 @@ private:
     bool explainPassedOver(Category category, const RecordedFolder& folder)
     {
         const MainFolder mainFolder = MainFolderOf(category);
-        if (!MainFolderBooks(books_).isSelected(imei_, mainFolder)) {
+        if (!MainFolderRecords(database_).isSelected(imei_, mainFolder)) {
             say("main_folder_not_selected",
-                fmt::format("The main folder {} is not selected for this phone, so a sync passes over all {}. "
+                fmt::format("The main folder {} is not selected for this phone, so a sync skips all {}. "
                             "kesta settings --imei {} select.{}=yes selects it.",
                             KeyOf(mainFolder), KeyOf(category), imei_, KeyOf(mainFolder)));
             return true;
         }
         if (folder.selected) return false;
         say("folder_not_selected",
-            fmt::format("The folder {} is not selected for this phone in {}, so a sync passes over it. "
+            fmt::format("The folder {} is not selected for this phone in {}, so a sync skips it. "
                         "kesta settings --imei {} --select {} selects it.",
                         folder.path, KeyOf(category), imei_, folder.path));
         return true;
@@ -117,7 +117,7 @@ private:
         const auto folder = std::find_if(folders.begin(), folders.end(),
                                          [&](const RecordedFolder& row) { return row.path == file.basePath; });
         if (folder == folders.end()) {
-            say("folder_unknown", fmt::format("The folder {} itself is not in the books any more.", file.basePath));
+            say("folder_unknown", fmt::format("The folder {} itself is not in the database any more.", file.basePath));
             return;
         }
         explainDeleted(category, *folder);
@@ -224,9 +224,9 @@ private:
                             file->basePath, TimeText(file->modified)));
             compare(*file, "a sync of the playlists");
         }
-        if ((file || !result_.playlists.empty()) && !MainFolderBooks(books_).isSelected(imei_, MainFolder::kMusic))
+        if ((file || !result_.playlists.empty()) && !MainFolderRecords(database_).isSelected(imei_, MainFolder::kMusic))
             say("main_folder_not_selected",
-                "The main folder music is not selected for this phone, so a sync passes over "
+                "The main folder music is not selected for this phone, so a sync skips "
                 "the playlists.");
     }
 
@@ -236,15 +236,15 @@ private:
             const std::string source = PimSourceId(kind, entry_.path);
             std::vector<PimLogRow> log;
             bool isLogRead = false;
-            for (const PimNode& node : ReadPimTree(books_, kind)) {
+            for (const PimNode& node : ReadPimTree(database_, kind)) {
                 if (!IsOfPimSource(node.folder.id, source)) continue;
-                if (!isLogRead) log = PimBooks(books_).log(imei_, kind);
+                if (!isLogRead) log = PimRecords(database_).log(imei_, kind);
                 isLogRead = true;
                 const auto onPhone =
                     static_cast<std::size_t>(std::count_if(log.begin(), log.end(), [&](const auto& row) {
                         return FolderOfPimEntry(kind, row.guid) == node.folder.id;
                     }));
-                say("entries_in_store", fmt::format("The books hold {} of it in {}, under {}; {} on the phone.",
+                say("entries_in_store", fmt::format("The database holds {} of it in {}, under {}; {} on the phone.",
                                                     CountedEntries(node.items.size()), KeyOf(kind), node.folder.path,
                                                     CountedEntries(onPhone)));
             }
@@ -253,7 +253,7 @@ private:
 
     void explainBackups()
     {
-        const auto backups = BackupBooks(books_).of(imei_);
+        const auto backups = BackupRecords(database_).of(imei_);
         if (!backups) return;
         for (const RecordedBackup& backup : *backups)
             if (backup.path == entry_.path)
@@ -266,10 +266,10 @@ private:
         say("in_no_folder", "It lies in no folder that is synced to this phone, and nothing of it is recorded.");
     }
 
-    Books& books_;
+    Database& database_;
     const std::string& imei_;
     const PcEntry& entry_;
-    PlaylistBooks playlists_;
+    PlaylistRecords playlists_;
     Explanation result_;
 };
 
@@ -278,7 +278,7 @@ private:
 PcEntry ReadPcEntry(const std::string& given)
 {
     PcEntry entry;
-    entry.path = BooksPath(given);
+    entry.path = RecordedPath(given);
     os::FileInfo info;
     const os::Status status = os::ReadInfo(entry.path, info);
     if (!status.ok()) {
@@ -289,13 +289,13 @@ PcEntry ReadPcEntry(const std::string& given)
                  : info.kind == os::FileKind::kDirectory ? PcEntry::Kind::kFolder
                                                          : PcEntry::Kind::kOther;
     entry.size = info.size;
-    entry.modified = BooksTime(info.modified.seconds);
+    entry.modified = ToLocalTime(info.modified.seconds);
     return entry;
 }
 
-Explanation Explain(Books& books, const std::string& imei, const PcEntry& entry)
+Explanation Explain(Database& database, const std::string& imei, const PcEntry& entry)
 {
-    return Explainer(books, imei, entry).run();
+    return Explainer(database, imei, entry).run();
 }
 
 }  // namespace kesta

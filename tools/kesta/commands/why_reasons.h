@@ -1,4 +1,4 @@
-// What the books of one phone say of a file or folder of the PC, and why it is or is not on the phone.
+// What the database of one phone say of a file or folder of the PC, and why it is or is not on the phone.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ namespace kesta {
 struct PcEntry {
     enum class Kind { kMissing, kFile, kFolder, kOther, kUnreadable };
     Kind kind = Kind::kMissing;
-    std::string path;  // as the books would know it
+    std::string path;  // as the database would know it
     std::uint64_t size = 0;
     std::optional<LocalTime> modified;
 };
@@ -33,12 +33,12 @@ struct NamingPlaylist {
 };
 
 struct Explanation {
-    std::vector<std::string> phonePaths;  // where the books say that it lies
+    std::vector<std::string> phonePaths;  // where the database says that it lies
     std::size_t filesOnPhone = 0;         // of a folder: of it and of those below it
     std::vector<Reason> reasons;
     std::vector<NamingPlaylist> playlists;
 };
 
-[[nodiscard]] Explanation Explain(Books& books, const std::string& imei, const PcEntry& entry);
+[[nodiscard]] Explanation Explain(Database& database, const std::string& imei, const PcEntry& entry);
 
 }  // namespace kesta

@@ -28,18 +28,18 @@ std::optional<std::vector<RecordedBackup>> Read(const std::function<std::int32_t
 
 }  // namespace
 
-std::optional<std::vector<RecordedBackup>> BackupBooks::all()
+std::optional<std::vector<RecordedBackup>> BackupRecords::all()
 {
     return Read([](BackupList* list) { return DB_BACKUP_GetAllBackups(list); });
 }
 
-std::optional<std::vector<RecordedBackup>> BackupBooks::of(const std::string& imei)
+std::optional<std::vector<RecordedBackup>> BackupRecords::of(const std::string& imei)
 {
     const DbText phone = Text(imei);
     return Read([&](BackupList* list) { return DB_BACKUP_GetPhoneBackups(phone.c_str(), list); });
 }
 
-bool BackupBooks::add(const std::string& imei, const RecordedBackup& backup)
+bool BackupRecords::add(const std::string& imei, const RecordedBackup& backup)
 {
     constexpr std::int32_t kRefreshed = 183;
     DbText path = Text(backup.path), phonePath = Text(backup.phonePath);

@@ -1,4 +1,4 @@
-// The books' records of backups. A database made by the library has no table for them; one that another program has
+// The database's records of backups. A database made by the library has no table for them; one that another program has
 // given the table keeps them.
 #pragma once
 
@@ -19,14 +19,15 @@ struct RecordedBackup {
     std::optional<LocalTime> modified;
 };
 
-class BackupBooks {
+class BackupRecords {
 public:
-    explicit BackupBooks(Books&) {}
+    explicit BackupRecords(Database&) {}
 
-    /// Nothing when the books have no table for backups, or it cannot be read: the library does not tell these apart.
+    /// std::nullopt if the database has no table for backups, or it cannot be read: the library does not tell these
+    /// apart.
     [[nodiscard]] std::optional<std::vector<RecordedBackup>> all();
     [[nodiscard]] std::optional<std::vector<RecordedBackup>> of(const std::string& imei);
-    /// Records the backup, or refreshes the record of that path; true when it is in the books.
+    /// Records the backup, or refreshes the record of that path; true when it is in the database.
     [[nodiscard]] bool add(const std::string& imei, const RecordedBackup& backup);
 };
 

@@ -7,8 +7,8 @@ namespace {
 
 using calls::Text;
 
-struct MarkArguments {
-    explicit MarkArguments(const RecordedMark& mark)
+struct BookmarkArguments {
+    explicit BookmarkArguments(const RecordedBookmark& mark)
         : title(Text(mark.title)), url(Text(mark.url)), idOnPhone(Text(mark.idOnPhone))
     {
         record.Title = title.data();
@@ -17,8 +17,8 @@ struct MarkArguments {
         record.Id = mark.id;
         record.Flag = mark.flag;
     }
-    MarkArguments(const MarkArguments&) = delete;
-    MarkArguments& operator=(const MarkArguments&) = delete;
+    BookmarkArguments(const BookmarkArguments&) = delete;
+    BookmarkArguments& operator=(const BookmarkArguments&) = delete;
 
     DbText title, url, idOnPhone;
     BookmarkRecord record{};
@@ -26,34 +26,34 @@ struct MarkArguments {
 
 }  // namespace
 
-std::vector<RecordedMark> BookmarkBooks::marks()
+std::vector<RecordedBookmark> BookmarkRecords::bookmarks()
 {
     calls::OwnedList<BookmarkList> list(
         [](BookmarkList* record) { (void)DB_BOOKMARK_GetSyncedMarks(calls::kNoPhone, record); });
     const DbText phone = Text(imei_);
     calls::ReadList("DB_BOOKMARK_GetSyncedMarks",
                     [&] { return DB_BOOKMARK_GetSyncedMarks(phone.c_str(), list.get()); });
-    std::vector<RecordedMark> marks;
-    marks.reserve(list.size());
+    std::vector<RecordedBookmark> bookmarks;
+    bookmarks.reserve(list.size());
     for (const BookmarkRecord& record : list)
-        marks.push_back(
+        bookmarks.push_back(
             {FromDbText(record.Title), FromDbText(record.Path), FromDbText(record.PhoneMID), record.Id, record.Flag});
-    return marks;
+    return bookmarks;
 }
 
-std::int32_t BookmarkBooks::add(const RecordedMark& mark)
+std::int32_t BookmarkRecords::add(const RecordedBookmark& mark)
 {
-    const MarkArguments arguments(mark);
+    const BookmarkArguments arguments(mark);
     return DB_BOOKMARK_SetAddedMark(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t BookmarkBooks::update(const RecordedMark& mark)
+std::int32_t BookmarkRecords::update(const RecordedBookmark& mark)
 {
-    const MarkArguments arguments(mark);
+    const BookmarkArguments arguments(mark);
     return DB_BOOKMARK_SetUpdatedMark(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t BookmarkBooks::remove(const std::string& url)
+std::int32_t BookmarkRecords::remove(const std::string& url)
 {
     return DB_BOOKMARK_SetDeletedMark(Text(imei_).c_str(), Text(url).c_str());
 }

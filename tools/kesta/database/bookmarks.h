@@ -1,5 +1,5 @@
-// The books' bookmarks of one phone, as its bookmark type has them: every function works on the marks of that type
-// only.
+// The database's bookmarks of one phone, as its bookmark type has them: every function works on the bookmarks of that
+// type only.
 #pragma once
 
 #include <cstdint>
@@ -10,23 +10,23 @@
 
 namespace kesta {
 
-struct RecordedMark {
+struct RecordedBookmark {
     std::string title, url;
     std::string idOnPhone;
-    std::int32_t id = 0;  // reading all marks leaves it 0
+    std::int32_t id = 0;  // reading all bookmarks leaves it 0
     std::int32_t flag = 0;
 };
 
 /// Methods that return a code leave it to the caller what follows from it: 0 is success.
-class BookmarkBooks {
+class BookmarkRecords {
 public:
-    BookmarkBooks(Books&, std::string imei) : imei_(std::move(imei)) {}
+    BookmarkRecords(Database&, std::string imei) : imei_(std::move(imei)) {}
 
-    [[nodiscard]] std::vector<RecordedMark> marks();
+    [[nodiscard]] std::vector<RecordedBookmark> bookmarks();
     /// The phone must be known, here and below.
-    [[nodiscard]] std::int32_t add(const RecordedMark& mark);
+    [[nodiscard]] std::int32_t add(const RecordedBookmark& mark);
     /// The title, the id on the phone and the flag.
-    [[nodiscard]] std::int32_t update(const RecordedMark& mark);
+    [[nodiscard]] std::int32_t update(const RecordedBookmark& mark);
     [[nodiscard]] std::int32_t remove(const std::string& url);
 
 private:

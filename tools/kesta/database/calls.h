@@ -1,5 +1,5 @@
 // What every wrapper of the library's exports needs: texts and null texts, lists that give back what they hold, and
-// failures as a BooksError. For books.cpp and books/ only.
+// failures as a DatabaseError. For database.cpp and database/ only.
 #pragma once
 
 #include <fmt/format.h>
@@ -26,7 +26,7 @@ inline constexpr DbChar kNoPhone[] = {'n', 'o', ' ', 'p', 'h', 'o', 'n', 'e', 0}
 [[nodiscard]] inline DbText Text(const std::string& utf8)
 {
     auto text = ToDbText(utf8);
-    if (!text) throw BooksError(fmt::format("'{}' is not valid text", Printable(utf8)));
+    if (!text) throw DatabaseError(fmt::format("'{}' is not valid text", Printable(utf8)));
     return *std::move(text);
 }
 
@@ -53,7 +53,7 @@ private:
 
 [[noreturn]] inline void Fail(std::string_view call, std::int32_t code)
 {
-    throw BooksError(fmt::format("{} failed: {}", call, ResultText(code)));
+    throw DatabaseError(fmt::format("{} failed: {}", call, ResultText(code)));
 }
 
 inline void Require(std::string_view call, std::int32_t code)

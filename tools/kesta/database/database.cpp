@@ -83,17 +83,17 @@ std::string ResultText(std::int32_t code)
 {
     switch (code) {
         case 5:
-            return "another program has the books locked";
+            return "another program has the database locked";
         case 8:
-            return "the books are read-only";
+            return "the database is read-only";
         case 10:
-            return "the books cannot be read or written (I/O error)";
+            return "the database cannot be read or written (I/O error)";
         case 11:
-            return "the books are damaged";
+            return "the database is damaged";
         case 13:
-            return "no space is left on the PC for the books";
+            return "no space is left on the PC for the database";
         case 18:
-            return "the names are too long for the books";
+            return "the names are too long for the database";
         case 19:
             return "it is recorded already";
         default:
@@ -101,21 +101,21 @@ std::string ResultText(std::int32_t code)
     }
 }
 
-Books::Books()
+Database::Database()
 {
     switch (const std::int32_t code = DB_Open()) {
         case 0:
             return;
         case 19:
-            throw BooksError("the database of the books is read-only");
+            throw DatabaseError("the database is read-only");
         case 8398:
-            throw BooksError("the database of the books is of another version, or another program holds it");
+            throw DatabaseError("the database is of another version, or another program holds it");
         default:
-            throw BooksError("the database of the books cannot be opened: " + ResultText(code));
+            throw DatabaseError("the database cannot be opened: " + ResultText(code));
     }
 }
 
-std::vector<PhoneSettings> Books::phones()
+std::vector<PhoneSettings> Database::phones()
 {
     // No argument makes the library empty this list without filling it again, so one record serves all calls.
     static PhoneList list{0, nullptr};
@@ -128,44 +128,44 @@ std::vector<PhoneSettings> Books::phones()
     return phones;
 }
 
-std::optional<PhoneSettings> Books::phone(const std::string& imei)
+std::optional<PhoneSettings> Database::phone(const std::string& imei)
 {
     OwnedSettings settings;
     if (!settings.read(imei)) return std::nullopt;
     return ToSettings(settings.record());
 }
 
-void Books::announce(const std::string& imei, const std::string& name)
+void Database::announce(const std::string& imei, const std::string& name)
 {
     if (DB_LIB_PhoneDetected(Text(imei).c_str(), Text(name).c_str()) < 1)
-        throw BooksError("DB_LIB_PhoneDetected failed: the phone could not be registered");
+        throw DatabaseError("DB_LIB_PhoneDetected failed: the phone could not be registered");
 }
 
-void Books::rename(const std::string& imei, const std::string& name)
+void Database::rename(const std::string& imei, const std::string& name)
 {
     OwnedSettings settings;
-    if (!settings.read(imei)) throw BooksError("DB_LIB_GetPhoneSetting failed: the phone's settings cannot be read");
+    if (!settings.read(imei)) throw DatabaseError("DB_LIB_GetPhoneSetting failed: the phone's settings cannot be read");
     DbText newName = Text(name);
     PhoneSettingRecord record = settings.unchanged();
     record.Name = newName.data();
     calls::Require("DB_LIB_SetPhoneSetting", DB_LIB_SetPhoneSetting(&record));
 }
 
-std::optional<LocalTime> Books::lastSync(const std::string& imei)
+std::optional<LocalTime> Database::lastSync(const std::string& imei)
 {
     DateValue time{0.0, kDateNull};
     calls::Require("DB_LIB_GetLastSyncTime", DB_LIB_GetLastSyncTime(Text(imei).c_str(), &time));
     return FromDateValue(time);
 }
 
-std::int32_t Books::setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode)
+std::int32_t Database::setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode)
 {
     const DateValue date = ToDateValue(time);
     constexpr std::int32_t kNeedMount = 1;  // The phone is reached as a mounted folder.
     return DB_LIB_SetLastSyncTime(Text(imei).c_str(), &date, errorCode, kNeedMount);
 }
 
-std::vector<RecordedFolder> Books::folders(const std::string& imei, Category category)
+std::vector<RecordedFolder> Database::folders(const std::string& imei, Category category)
 {
     const Family& family = FamilyOf(category);
     OwnedList<FolderList> list([&](FolderList* record) { (void)family.getFolders(kNoPhone, record); });
@@ -174,7 +174,7 @@ std::vector<RecordedFolder> Books::folders(const std::string& imei, Category cat
     return calls::ToFolders(list);
 }
 
-std::vector<RecordedFile> Books::files(const std::string& imei, Category category)
+std::vector<RecordedFile> Database::files(const std::string& imei, Category category)
 {
     const Family& family = FamilyOf(category);
     OwnedList<SyncedFileList> list(
@@ -185,7 +185,7 @@ std::vector<RecordedFile> Books::files(const std::string& imei, Category categor
     return calls::ToFiles(list);
 }
 
-std::int32_t Books::addFolder(const std::string& imei, Category category, const RecordedFolder& folder)
+std::int32_t Database::addFolder(const std::string& imei, Category category, const RecordedFolder& folder)
 {
     DbText path = Text(folder.path);
     FolderRecord record{};
@@ -197,19 +197,19 @@ std::int32_t Books::addFolder(const std::string& imei, Category category, const 
     return FamilyOf(category).addFolder(Text(imei).c_str(), &record);
 }
 
-std::int32_t Books::addFile(const std::string& imei, Category category, const RecordedFile& file)
+std::int32_t Database::addFile(const std::string& imei, Category category, const RecordedFile& file)
 {
     const calls::FileArguments arguments(file);
     return FamilyOf(category).setAddedFile(Text(imei).c_str(), &arguments.record);
 }
 
-std::int32_t Books::updateFile(const std::string& imei, Category category, const RecordedFile& file)
+std::int32_t Database::updateFile(const std::string& imei, Category category, const RecordedFile& file)
 {
     const calls::FileArguments arguments(file);
     return FamilyOf(category).setUpdatedFile(Text(imei).c_str(), &arguments.record);
 }
 
-bool Books::isRecorded(const std::string& imei, Category category, const RecordedFile& file)
+bool Database::isRecorded(const std::string& imei, Category category, const RecordedFile& file)
 {
     const std::vector<RecordedFile> all = files(imei, category);
     return std::any_of(all.begin(), all.end(), [&](const RecordedFile& row) {
@@ -217,7 +217,7 @@ bool Books::isRecorded(const std::string& imei, Category category, const Recorde
     });
 }
 
-std::int32_t Books::removeFile(const std::string& imei, Category category, const std::string& path)
+std::int32_t Database::removeFile(const std::string& imei, Category category, const std::string& path)
 {
     const calls::FileArguments arguments(RecordedFile{path, {}, {}, {}});
     return FamilyOf(category).setDeletedFile(Text(imei).c_str(), &arguments.record);

@@ -1,5 +1,5 @@
-// The library's exports with owners for what they hand out and UTF-8 for their texts: the opening of the books, phones
-// and media. The other families stand in books/; nothing else calls exports.
+// The library's exports with owners for what they hand out and UTF-8 for their texts: the opening of the database,
+// phones and media. The other families stand in database/; nothing else calls exports.
 #pragma once
 
 #include <kesta_db/kesta_db.h>
@@ -16,7 +16,7 @@
 namespace kesta {
 
 /// A call without which the command cannot go on has failed; the text says which and why.
-class BooksError : public std::runtime_error {
+class DatabaseError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
@@ -51,19 +51,19 @@ struct RecordedFile {
 /// What the result of a call means, in words.
 [[nodiscard]] std::string ResultText(std::int32_t code);
 
-/// Texts handed in must be valid UTF-8: a BooksError says so otherwise. Methods that return a code leave it to the
+/// Texts handed in must be valid UTF-8: a DatabaseError says so otherwise. Methods that return a code leave it to the
 /// caller what follows from it: 0 is success.
-class Books {
+class Database {
 public:
     /// Throws when the database is not open.
-    Books();
+    Database();
 
     [[nodiscard]] std::vector<PhoneSettings> phones();
     [[nodiscard]] std::optional<PhoneSettings> phone(const std::string& imei);
     void announce(const std::string& imei, const std::string& name);
     /// The phone must have been announced. Everything else of its settings stays.
     void rename(const std::string& imei, const std::string& name);
-    /// Nothing when the phone has not been synced yet.
+    /// std::nullopt if the phone has not been synced yet.
     [[nodiscard]] std::optional<LocalTime> lastSync(const std::string& imei);
     [[nodiscard]] std::int32_t setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode);
 

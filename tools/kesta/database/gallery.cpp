@@ -4,7 +4,7 @@
 
 namespace kesta {
 
-std::vector<RecordedFolder> GalleryBooks::folders(const std::string& imei)
+std::vector<RecordedFolder> GalleryRecords::folders(const std::string& imei)
 {
     calls::OwnedList<FolderList> list([](FolderList* record) { (void)DB_GALLERY_GetFolders(calls::kNoPhone, record); });
     const DbText phone = calls::Text(imei);

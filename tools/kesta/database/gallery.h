@@ -9,12 +9,12 @@
 
 namespace kesta {
 
-class GalleryBooks {
+class GalleryRecords {
 public:
-    explicit GalleryBooks(Books& /*opened*/) {}
+    explicit GalleryRecords(Database& /*opened*/) {}
 
     /// Picture and video folders in the library's order. Video folders behind the last picture folder are not in it;
-    /// Books::folders has them all.
+    /// Database::folders has them all.
     [[nodiscard]] std::vector<RecordedFolder> folders(const std::string& imei);
 };
 

@@ -20,7 +20,7 @@ std::int32_t IdOf(MainFolder folder)
 
 }  // namespace
 
-std::vector<MainFolderFigures> MainFolderBooks::all()
+std::vector<MainFolderFigures> MainFolderRecords::all()
 {
     // No argument makes the library empty this list without filling it again, so one record serves all calls.
     static MainFolderList list{0, nullptr};
@@ -36,12 +36,12 @@ std::vector<MainFolderFigures> MainFolderBooks::all()
     return folders;
 }
 
-bool MainFolderBooks::isSelected(const std::string& imei, MainFolder folder)
+bool MainFolderRecords::isSelected(const std::string& imei, MainFolder folder)
 {
     return DB_LIB_IsFolderSelected(Text(imei).c_str(), IdOf(folder)) != 0;
 }
 
-std::int32_t MainFolderBooks::select(const std::string& imei, MainFolder folder, bool selected)
+std::int32_t MainFolderRecords::select(const std::string& imei, MainFolder folder, bool selected)
 {
     return DB_LIB_SetFolderSelected(Text(imei).c_str(), IdOf(folder), selected ? 1 : 0);
 }

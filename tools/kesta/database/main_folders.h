@@ -35,7 +35,7 @@ inline constexpr std::array kMainFolders{MainFolder::kMusic,    MainFolder::kGal
     return kFolders[static_cast<std::size_t>(category)];
 }
 
-/// What the books hold of one main folder, whichever the phone.
+/// What the database holds of one main folder, whichever the phone.
 struct MainFolderFigures {
     MainFolder folder = MainFolder::kMusic;
     std::int32_t items = 0;
@@ -43,9 +43,9 @@ struct MainFolderFigures {
     std::string setting;
 };
 
-class MainFolderBooks {
+class MainFolderRecords {
 public:
-    explicit MainFolderBooks(Books& /*opened*/) {}
+    explicit MainFolderRecords(Database& /*opened*/) {}
 
     /// Leaves out folders that this client has no name for.
     [[nodiscard]] std::vector<MainFolderFigures> all();

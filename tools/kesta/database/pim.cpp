@@ -17,7 +17,7 @@ struct ItemArguments {
     ItemArguments(PimKind kind, const PimItem& item) : id(Text(item.id)), data(item.data)
     {
         if (data.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
-            throw BooksError(fmt::format("the entry {} is too large for the books", Printable(item.id)));
+            throw DatabaseError(fmt::format("the entry {} is too large for the database", Printable(item.id)));
         record = {id.data(), TypeOf(kind), static_cast<std::int32_t>(data.size()),
                   reinterpret_cast<std::uint8_t*>(data.data())};
     }
@@ -31,7 +31,7 @@ struct ItemArguments {
 
 }  // namespace
 
-std::vector<PimFolder> PimBooks::folders(PimKind kind, const std::string& parentId, bool recursive)
+std::vector<PimFolder> PimRecords::folders(PimKind kind, const std::string& parentId, bool recursive)
 {
     const DbText parent = Text(parentId);
     calls::OwnedList<PimFolderList> list(
@@ -41,14 +41,14 @@ std::vector<PimFolder> PimBooks::folders(PimKind kind, const std::string& parent
     std::vector<PimFolder> folders;
     folders.reserve(list.size());
     for (const PimFolderRecord& record : list) {
-        // The library passes over a row that it cannot read.
-        if (record.PimID == nullptr) throw BooksError("DB_PIM_GetFolders failed: a folder cannot be read");
+        // The library skips a row that it cannot read.
+        if (record.PimID == nullptr) throw DatabaseError("DB_PIM_GetFolders failed: a folder cannot be read");
         folders.push_back({FromDbText(record.PimID), FromDbText(record.ParentPimID), FromDbText(record.Path)});
     }
     return folders;
 }
 
-std::vector<PimItem> PimBooks::items(PimKind kind, const std::string& folderId)
+std::vector<PimItem> PimRecords::items(PimKind kind, const std::string& folderId)
 {
     const DbText folder = Text(folderId);
     calls::OwnedList<PimItemList> list([](PimItemList* record) { (void)DB_PIM_GetItems(record, kNoFolder, 0, 0); });
@@ -56,7 +56,7 @@ std::vector<PimItem> PimBooks::items(PimKind kind, const std::string& folderId)
     std::vector<PimItem> items;
     items.reserve(list.size());
     for (const PimItemRecord& record : list) {
-        if (record.PimID == nullptr) throw BooksError("DB_PIM_GetItems failed: an item cannot be read");
+        if (record.PimID == nullptr) throw DatabaseError("DB_PIM_GetItems failed: an item cannot be read");
         const auto length = static_cast<std::size_t>(record.DataLength);
         items.push_back(
             {FromDbText(record.PimID),
@@ -65,36 +65,36 @@ std::vector<PimItem> PimBooks::items(PimKind kind, const std::string& folderId)
     return items;
 }
 
-std::int32_t PimBooks::addFolder(PimKind kind, const PimFolder& folder)
+std::int32_t PimRecords::addFolder(PimKind kind, const PimFolder& folder)
 {
     DbText id = Text(folder.id), path = Text(folder.path);
     const PimFolderRecord record{id.data(), nullptr, path.data(), TypeOf(kind)};
     return DB_PIM_AddFolder(&record, Text(folder.parentId).c_str());
 }
 
-std::int32_t PimBooks::removeFolder(const std::string& id)
+std::int32_t PimRecords::removeFolder(const std::string& id)
 {
     return DB_PIM_DeleteFolder(Text(id).c_str());
 }
 
-std::int32_t PimBooks::addItem(PimKind kind, const std::string& folderPath, const PimItem& item)
+std::int32_t PimRecords::addItem(PimKind kind, const std::string& folderPath, const PimItem& item)
 {
     const ItemArguments arguments(kind, item);
     return DB_PIM_AddItem(&arguments.record, Text(folderPath).c_str());
 }
 
-std::int32_t PimBooks::updateItem(PimKind kind, const PimItem& item)
+std::int32_t PimRecords::updateItem(PimKind kind, const PimItem& item)
 {
     const ItemArguments arguments(kind, item);
     return DB_PIM_UpdateItem(&arguments.record);
 }
 
-std::int32_t PimBooks::removeItem(const std::string& id)
+std::int32_t PimRecords::removeItem(const std::string& id)
 {
     return DB_PIM_DeleteItem(Text(id).c_str());
 }
 
-std::vector<PimLogRow> PimBooks::log(const std::string& imei, PimKind kind)
+std::vector<PimLogRow> PimRecords::log(const std::string& imei, PimKind kind)
 {
     // No argument makes the library empty this record without filling it again, so one record serves all calls. A log
     // without items leaves the record as it is, which the count tells.
@@ -115,7 +115,7 @@ std::vector<PimLogRow> PimBooks::log(const std::string& imei, PimKind kind)
     return rows;
 }
 
-std::string PimBooks::logProfile(const std::string& imei, PimKind kind)
+std::string PimRecords::logProfile(const std::string& imei, PimKind kind)
 {
     // The library writes as much as there is, and no statement with which it was stored can have held more than this.
     constexpr std::size_t kLongestStatement = 40960;
@@ -124,17 +124,17 @@ std::string PimBooks::logProfile(const std::string& imei, PimKind kind)
     return FromDbText(buffer.data());
 }
 
-std::int32_t PimBooks::clearLog(const std::string& imei, PimKind kind)
+std::int32_t PimRecords::clearLog(const std::string& imei, PimKind kind)
 {
     return DB_PIMLOG_ClearAll(Text(imei).c_str(), TypeOf(kind));
 }
 
-std::int32_t PimBooks::setLogProfile(const std::string& imei, PimKind kind, const std::string& profile)
+std::int32_t PimRecords::setLogProfile(const std::string& imei, PimKind kind, const std::string& profile)
 {
     return DB_PIMLOG_SetPimProfile(Text(imei).c_str(), Text(profile).c_str(), TypeOf(kind));
 }
 
-std::int32_t PimBooks::appendToLog(const std::string& imei, PimKind kind, const std::vector<PimLogRow>& rows)
+std::int32_t PimRecords::appendToLog(const std::string& imei, PimKind kind, const std::vector<PimLogRow>& rows)
 {
     std::vector<DbText> texts;
     texts.reserve(rows.size() * 2);

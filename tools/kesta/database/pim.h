@@ -1,5 +1,5 @@
-// Contacts and calendar in the books: the store of folders and entries, which all phones share, and each phone's log of
-// what has been put on it.
+// Contacts and calendar in the database: the store of folders and entries, which all phones share, and each phone's log
+// of what has been put on it.
 #pragma once
 
 #include <cstddef>
@@ -36,9 +36,9 @@ struct PimLogRow {
 
 /// Identifiers go into statements in the system's code page and without quotes: ASCII without apostrophes only. Methods
 /// that return a code leave it to the caller what follows from it: 0 is success.
-class PimBooks {
+class PimRecords {
 public:
-    explicit PimBooks(Books& /*opened*/) {}
+    explicit PimRecords(Database& /*opened*/) {}
 
     /// The folders right below the parent, or at the root; all of them, level by level, when recursive.
     [[nodiscard]] std::vector<PimFolder> folders(PimKind kind, const std::string& parentId, bool recursive);

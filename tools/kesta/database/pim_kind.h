@@ -1,4 +1,4 @@
-// The two kinds of PIM data: what the user calls them, how the books number them, and where they go on the phone.
+// The two kinds of PIM data: what the user calls them, how the database numbers them, and where they go on the phone.
 #pragma once
 
 #include <array>
@@ -12,13 +12,13 @@ enum class PimKind { kContacts, kCalendar };
 
 inline constexpr std::array kPimKinds{PimKind::kContacts, PimKind::kCalendar};
 
-/// As in options, in JSON and in the books' identifiers: "contacts".
+/// As in options, in JSON and in the database's identifiers: "contacts".
 [[nodiscard]] constexpr std::string_view KeyOf(PimKind kind)
 {
     return kind == PimKind::kContacts ? "contacts" : "calendar";
 }
 
-/// The root folder in the books and the folder in the phone's root.
+/// The root folder in the database and the folder in the phone's root.
 [[nodiscard]] constexpr std::string_view TitleOf(PimKind kind)
 {
     return kind == PimKind::kContacts ? "Contacts" : "Calendar";
@@ -30,8 +30,8 @@ inline constexpr std::array kPimKinds{PimKind::kContacts, PimKind::kCalendar};
     return kind == PimKind::kContacts ? ".vcf" : ".ics";
 }
 
-/// The books leave the numbers of the kinds to their callers: here they are those of the main folders people and
-/// calendar, so that a number means one thing throughout the books.
+/// The database leaves the numbers of the kinds to their callers: here they are those of the main folders people and
+/// calendar, so that a number means one thing throughout the database.
 [[nodiscard]] constexpr std::int32_t TypeOf(PimKind kind)
 {
     return kind == PimKind::kContacts ? 1500 : 1600;

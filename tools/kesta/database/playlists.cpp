@@ -58,7 +58,7 @@ private:
 
 }  // namespace
 
-std::vector<RecordedPlaylist> PlaylistBooks::lists()
+std::vector<RecordedPlaylist> PlaylistRecords::lists()
 {
     calls::OwnedList<PlaylistList> list(
         [](PlaylistList* record) { (void)DB_PLAYERMUSIC_GetPlaylists(calls::kNoPhone, record); });
@@ -85,18 +85,18 @@ std::vector<RecordedPlaylist> PlaylistBooks::lists()
     return lists;
 }
 
-std::int32_t PlaylistBooks::beginConfirming()
+std::int32_t PlaylistRecords::beginConfirming()
 {
     return DB_PLAYERMUSIC_ClearAll(Text(imei_).c_str());
 }
 
-std::int32_t PlaylistBooks::confirm(const RecordedPlaylist& list)
+std::int32_t PlaylistRecords::confirm(const RecordedPlaylist& list)
 {
     const ListArguments arguments(list);
     return DB_PLAYERMUSIC_AddPlaylist(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistBooks::setAdded(const std::string& name, const std::string& idInPhone)
+std::int32_t PlaylistRecords::setAdded(const std::string& name, const std::string& idInPhone)
 {
     RecordedPlaylist list = Named(name);
     list.idInPhone = idInPhone;
@@ -104,24 +104,24 @@ std::int32_t PlaylistBooks::setAdded(const std::string& name, const std::string&
     return DB_PLAYERMUSIC_SetAddedPlaylist(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistBooks::setUpdated(const std::string& name)
+std::int32_t PlaylistRecords::setUpdated(const std::string& name)
 {
     const ListArguments arguments(Named(name));
     return DB_PLAYERMUSIC_SetUpdatedPlaylist(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistBooks::setDeleted(const std::string& name)
+std::int32_t PlaylistRecords::setDeleted(const std::string& name)
 {
     const ListArguments arguments(Named(name));
     return DB_PLAYERMUSIC_SetDeletedPlaylist(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistBooks::forget(const std::string& name)
+std::int32_t PlaylistRecords::forget(const std::string& name)
 {
     return DB_PLAYERMUSIC_DeleteList(Text(imei_).c_str(), Text(name).c_str());
 }
 
-std::vector<RecordedFile> PlaylistBooks::files()
+std::vector<RecordedFile> PlaylistRecords::files()
 {
     calls::OwnedList<SyncedFileList> list(
         [](SyncedFileList* record) { (void)DB_PLAYERMUSIC_GetSyncedFiles(calls::kNoPhone, nullptr, record); });
@@ -132,25 +132,25 @@ std::vector<RecordedFile> PlaylistBooks::files()
     return calls::ToFiles(list);
 }
 
-std::int32_t PlaylistBooks::addFile(const RecordedFile& file)
+std::int32_t PlaylistRecords::addFile(const RecordedFile& file)
 {
     const calls::FileArguments arguments(file);
     return DB_PLAYERMUSIC_SetAddedFile(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistBooks::updateFile(const RecordedFile& file)
+std::int32_t PlaylistRecords::updateFile(const RecordedFile& file)
 {
     const calls::FileArguments arguments(file);
     return DB_PLAYERMUSIC_SetUpdatedFile(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistBooks::removeFile(const std::string& path)
+std::int32_t PlaylistRecords::removeFile(const std::string& path)
 {
     const calls::FileArguments arguments(RecordedFile{path, {}, {}, {}});
     return DB_PLAYERMUSIC_SetDeletedFile(Text(imei_).c_str(), &arguments.record);
 }
 
-std::vector<std::string> PlaylistBooks::members(const std::string& list)
+std::vector<std::string> PlaylistRecords::members(const std::string& list)
 {
     OwnedNames names;
     calls::Require("DB_PLAYERMUSIC_GetListFilesname",
@@ -161,7 +161,7 @@ std::vector<std::string> PlaylistBooks::members(const std::string& list)
     return members;
 }
 
-std::int32_t PlaylistBooks::setMembers(const std::string& list, const std::vector<std::string>& members)
+std::int32_t PlaylistRecords::setMembers(const std::string& list, const std::vector<std::string>& members)
 {
     std::vector<DbText> texts;
     texts.reserve(members.size());

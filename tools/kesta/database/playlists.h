@@ -1,4 +1,5 @@
-// The books' playlists of one phone: the lists with their state, the music that went along, and each list's members.
+// The database's playlists of one phone: the lists with their state, the music that went along, and each list's
+// members.
 #pragma once
 
 #include <kesta_db/kesta_db.h>
@@ -17,7 +18,7 @@ enum class PlaylistState : std::int32_t {
     kCurrent = 0,         // on the phone
     kNew = 1,             // to be added to the phone
     kUnconfirmed = 3,     // not seen again on the PC: to be removed from the phone
-    kDeletedOnPhone = 4,  // the phone's user deleted it; kept in the books so that it does not come back
+    kDeletedOnPhone = 4,  // the phone's user deleted it; kept in the database so that it does not come back
 };
 
 struct RecordedPlaylist {
@@ -32,9 +33,9 @@ struct RecordedPlaylist {
 };
 
 /// Methods that return a code leave it to the caller what follows from it: 0 is success.
-class PlaylistBooks {
+class PlaylistRecords {
 public:
-    PlaylistBooks(Books&, std::string imei) : imei_(std::move(imei)) {}
+    PlaylistRecords(Database&, std::string imei) : imei_(std::move(imei)) {}
 
     /// The phone must be known, here and below.
     [[nodiscard]] std::vector<RecordedPlaylist> lists();
@@ -44,9 +45,9 @@ public:
     [[nodiscard]] std::int32_t confirm(const RecordedPlaylist& list);
     [[nodiscard]] std::int32_t setAdded(const std::string& name, const std::string& idInPhone);
     [[nodiscard]] std::int32_t setUpdated(const std::string& name);
-    /// Takes an unconfirmed list out of the books, with the records of all files that name it as theirs.
+    /// Takes an unconfirmed list out of the database, with the records of all files that name it as theirs.
     [[nodiscard]] std::int32_t setDeleted(const std::string& name);
-    /// The list is gone from the PC: what is not on the phone leaves the books.
+    /// The list is gone from the PC: what is not on the phone leaves the database.
     [[nodiscard]] std::int32_t forget(const std::string& name);
 
     /// The music that was copied for playlists. A file's basePath is the list that it came with.

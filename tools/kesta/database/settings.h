@@ -9,16 +9,16 @@
 namespace kesta {
 
 /// Methods that return a code leave it to the caller what follows from it: 0 is success.
-class SettingsBooks {
+class SettingsRecords {
 public:
-    SettingsBooks(Books& /*opened*/, std::string imei) : imei_(std::move(imei)) {}
+    SettingsRecords(Database& /*opened*/, std::string imei) : imei_(std::move(imei)) {}
 
-    /// Writes what differs between the two; everything else keeps its value in the books, to the character. NeedMount
-    /// cannot be written by itself.
+    /// Writes what differs between the two; everything else keeps its value in the database, to the character.
+    /// NeedMount cannot be written by itself.
     [[nodiscard]] std::int32_t write(const PhoneSettings& before, const PhoneSettings& after);
-    /// Success does not say that the books know the folder.
+    /// Success does not say that the database knows the folder.
     [[nodiscard]] std::int32_t selectFolder(Category category, const std::string& path, bool selected);
-    /// Success does not say that the books know the playlist.
+    /// Success does not say that the database knows the playlist.
     [[nodiscard]] std::int32_t selectPlaylist(const std::string& name, bool selected);
 
 private:

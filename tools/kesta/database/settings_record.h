@@ -1,4 +1,4 @@
-// The library's settings record of one phone. For books.cpp and books/settings.cpp only.
+// The library's settings record of one phone. For database.cpp and database/settings.cpp only.
 #pragma once
 
 #include <string>

@@ -14,7 +14,7 @@ namespace kesta::formats {
 enum class LinkKind {
     kWeb,     // http, https, ftp
     kScript,  // javascript: a program for the browser, not a place
-    kPlace,   // place: a search in the browser's own books
+    kPlace,   // place: a search in the browser's own database
     kData,    // data: the page itself
     kOther,   // file, mailto, chrome, about, ...
 };

@@ -42,7 +42,7 @@ public:
         : file_(file), folding_(folding)
     {
     }
-    /// The next content line; nothing at the end of the file. Empty lines are passed over.
+    /// The next content line; nothing at the end of the file. Empty lines are skipped.
     [[nodiscard]] std::optional<ContentLine> next();
 
 private:

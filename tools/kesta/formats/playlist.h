@@ -31,7 +31,7 @@ struct Location {
 struct PlaylistEntry {
     Location location;
     std::string title;           // of #EXTINF, empty without
-    std::optional<int> seconds;  // of #EXTINF; nothing when it is negative, as for streams
+    std::optional<int> seconds;  // of #EXTINF; std::nullopt when it is negative, as for streams
     std::size_t line = 0;
 
     bool operator==(const PlaylistEntry&) const = default;

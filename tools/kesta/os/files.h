@@ -44,7 +44,7 @@ struct FileInfo {
 
 struct DirectoryEntry {
     std::string name;   // what could be converted, when the name is not valid
-    bool valid = true;  // false: the name is no valid text and cannot be written down in the books
+    bool valid = true;  // false: the name is no valid text and cannot be written down in the database
     bool isLink = false;
 };
 

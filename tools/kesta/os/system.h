@@ -14,7 +14,7 @@ std::vector<std::string> Arguments(int argc, char** argv);
 
 /// Seconds since 1970, UTC.
 std::int64_t Now();
-/// The user's local calendar time as seconds since 30 December 1899; nothing when the system cannot tell it.
+/// The user's local calendar time as seconds since 30 December 1899; std::nullopt when the system cannot tell it.
 std::optional<std::int64_t> LocalSeconds(std::int64_t utcSeconds);
 
 /// As file systems that ignore case see the character.

@@ -20,7 +20,7 @@ bool IsSameFile(const PhoneFile& there, std::uint64_t size, std::int64_t modifie
            std::abs(there.modifiedSeconds - modifiedSeconds) <= kTimeTolerance;
 }
 
-bool PhonePlaces::reserve(const std::string& phonePath)
+bool PhonePaths::reserve(const std::string& phonePath)
 {
     const std::string key = CaseKey(phonePath);
     if (folders_.contains(key) || !files_.insert(key).second) return false;
@@ -29,17 +29,17 @@ bool PhonePlaces::reserve(const std::string& phonePath)
     return true;
 }
 
-void PhonePlaces::release(const std::string& phonePath)
+void PhonePaths::release(const std::string& phonePath)
 {
     freed_.insert(CaseKey(phonePath));
 }
 
-bool PhonePlaces::isReserved(const std::string& phonePath) const
+bool PhonePaths::isReserved(const std::string& phonePath) const
 {
     return files_.contains(CaseKey(phonePath));
 }
 
-std::string PhonePlaces::allocateFolder(const std::string& parent, const std::string& name)
+std::string PhonePaths::allocateFolder(const std::string& parent, const std::string& name)
 {
     std::string path = parent + '/' + name;
     for (unsigned attempt = 0;; ++attempt) {
@@ -50,12 +50,12 @@ std::string PhonePlaces::allocateFolder(const std::string& parent, const std::st
             folders_.insert(key);
             return path;
         }
-        path = fmt::format("{}/{}", parent, MarkedName(name, path, attempt));
+        path = fmt::format("{}/{}", parent, SuffixedName(name, path, attempt));
     }
 }
 
-PhonePlaces::Place PhonePlaces::allocate(const std::vector<std::string>& parts, const std::string& seed,
-                                         const IsSame& isSame)
+PhonePaths::Place PhonePaths::allocate(const std::vector<std::string>& parts, const std::string& seed,
+                                       const IsSame& isSame)
 {
     std::string directory = top_;
     for (std::size_t i = 0; i + 1 < parts.size(); ++i) directory = allocateFolder(directory, SafeName(parts[i]));
@@ -70,7 +70,7 @@ PhonePlaces::Place PhonePlaces::allocate(const std::vector<std::string>& parts, 
                 return {path, there.entry == PhoneEntry::kFile};
             }
         }
-        path = fmt::format("{}/{}", directory, MarkedName(name, seed, attempt));
+        path = fmt::format("{}/{}", directory, SuffixedName(name, seed, attempt));
     }
 }
 

@@ -13,9 +13,9 @@
 namespace kesta {
 
 /// The places of one folder of the phone.
-class PhonePlaces {
+class PhonePaths {
 public:
-    PhonePlaces(std::string top, const PhoneView& phone) : top_(std::move(top)), phone_(phone) {}
+    PhonePaths(std::string top, const PhoneView& phone) : top_(std::move(top)), phone_(phone) {}
 
     /// Says that the place belongs to a recorded file. False when another one has it already.
     bool reserve(const std::string& phonePath);

@@ -27,10 +27,10 @@ FamilyCounts& Summary::beginFamily(std::string title, const char* noun)
     return families.back();
 }
 
-std::size_t Summary::allHeldBack() const
+std::size_t Summary::allDeferred() const
 {
-    std::size_t all = heldBack;
-    for (const FamilyCounts& family : families) all += family.heldBack;
+    std::size_t all = deferred;
+    for (const FamilyCounts& family : families) all += family.deferred;
     return all;
 }
 
@@ -38,7 +38,7 @@ ExitCode Summary::exitCode() const
 {
     if (stopped()) return stop;
     if (!failures.empty()) return ExitCode::kIncomplete;
-    return allHeldBack() > 0 ? ExitCode::kHeldBack : ExitCode::kSuccess;
+    return allDeferred() > 0 ? ExitCode::kDeferred : ExitCode::kSuccess;
 }
 
 std::string Counted(std::size_t count, const char* noun)
@@ -71,24 +71,24 @@ std::string Describe(const Summary& summary, bool dryRun, double seconds)
     if (summary.failures.size() > kListedFailures)
         fmt::format_to(out, "  and {} more\n", summary.failures.size() - kListedFailures);
     for (const std::string& note : summary.notes) fmt::format_to(out, "Note: {}\n", note);
-    if (summary.heldBack > 0) {
+    if (summary.deferred > 0) {
         fmt::format_to(out,
-                       "Held back: {} to be removed from the phone, more than half of a category. "
+                       "Deferred: {} to be removed from the phone, more than half of a category. "
                        "Add --force if that is what you want.\n",
-                       Counted(summary.heldBack, "file"));
+                       Counted(summary.deferred, "file"));
     }
     for (const FamilyCounts& family : summary.families) {
-        if (family.heldBack == 0) continue;
+        if (family.deferred == 0) continue;
         fmt::format_to(out,
-                       "Held back: {} to be removed from the phone, more than half of those recorded. "
+                       "Deferred: {} to be removed from the phone, more than half of those recorded. "
                        "Add --force if that is what you want.\n",
-                       Counted(family.heldBack, family.noun));
+                       Counted(family.deferred, family.noun));
     }
     if (summary.stopped()) fmt::format_to(out, "Stopped: {}\n", Printable(summary.stopReason));
     fmt::format_to(out, "{}: {} copied, {} updated, {} removed, {} unchanged, {} failed",
                    dryRun ? "A sync would give" : "Summary", summary.copied, summary.updated, summary.removed,
                    summary.unchanged, summary.failures.size());
-    if (summary.adopted > 0) fmt::format_to(out, ", {} taken into the books as found", summary.adopted);
+    if (summary.adopted > 0) fmt::format_to(out, ", {} recorded as found", summary.adopted);
     if (summary.notReached > 0) fmt::format_to(out, ", {} not reached", summary.notReached);
     if (dryRun)
         fmt::format_to(out, " ({} to copy)", FormatSize(summary.bytes));

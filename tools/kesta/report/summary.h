@@ -20,11 +20,11 @@ struct FamilyCounts {
     std::string title;          // "Playlists"
     const char* noun = "item";  // of one of them: "playlist"
     std::size_t added = 0, updated = 0, removed = 0, unchanged = 0;
-    std::size_t heldBack = 0;  // removals left out, since they are more than half of what is recorded
+    std::size_t deferred = 0;  // removals left out, since they are more than half of what is recorded
 };
 
 struct Summary {
-    std::size_t copied = 0, updated = 0, adopted = 0, removed = 0, unchanged = 0, heldBack = 0;
+    std::size_t copied = 0, updated = 0, adopted = 0, removed = 0, unchanged = 0, deferred = 0;
     std::size_t notReached = 0;  // planned, but the run ended before
     std::uint64_t bytes = 0;
     std::deque<FamilyCounts> families;  // in the order of their turn; a reference into it stays good
@@ -39,7 +39,7 @@ struct Summary {
     [[nodiscard]] bool stopped() const { return stop != ExitCode::kSuccess; }
     /// Begins the counts of another family.
     FamilyCounts& beginFamily(std::string title, const char* noun);
-    [[nodiscard]] std::size_t allHeldBack() const;
+    [[nodiscard]] std::size_t allDeferred() const;
     [[nodiscard]] ExitCode exitCode() const;
 };
 

@@ -11,7 +11,7 @@ std::string ClientFolder()
     return os::Join(os::Join(os::Join(data, "NORVIK"), "NORVIK Sync"), "Client");
 }
 
-os::Status WriteClientNote(const std::string& path, const std::string& text)
+os::Status WriteStateFile(const std::string& path, const std::string& text)
 {
     const std::string folder = ClientFolder();
     if (folder.empty() || !os::MakePrivateDirectories(folder))

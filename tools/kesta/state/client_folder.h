@@ -1,4 +1,4 @@
-// Where the client keeps notes of its own on the PC, beside the books.
+// Where the client keeps notes of its own on the PC, beside the database.
 #pragma once
 
 #include <string>
@@ -10,6 +10,6 @@ namespace kesta {
 /// Empty when there is no folder for application data.
 [[nodiscard]] std::string ClientFolder();
 /// Replaces a note in the folder, which is made when it is missing.
-os::Status WriteClientNote(const std::string& path, const std::string& text);
+os::Status WriteStateFile(const std::string& path, const std::string& text);
 
 }  // namespace kesta

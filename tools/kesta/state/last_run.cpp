@@ -8,7 +8,7 @@
 namespace kesta {
 namespace {
 
-std::string NotePath(const std::string& imei)
+std::string StatePath(const std::string& imei)
 {
     return os::Join(ClientFolder(), SafeName(imei + ".json"));
 }
@@ -20,13 +20,13 @@ os::Status SaveLastRun(const std::string& imei, const LastRun& run)
     const nlohmann::ordered_json json{
         {"imei", imei}, {"time", FormatLocalTime(run.time)}, {"code", run.code}, {"reason", run.reason}};
     constexpr auto kReplace = nlohmann::json::error_handler_t::replace;
-    return WriteClientNote(NotePath(imei), json.dump(4, ' ', false, kReplace) + "\n");
+    return WriteStateFile(StatePath(imei), json.dump(4, ' ', false, kReplace) + "\n");
 }
 
 std::optional<LastRun> LoadLastRun(const std::string& imei, LocalTime time)
 {
     std::string text;
-    if (!os::ReadText(NotePath(imei), text).ok()) return std::nullopt;
+    if (!os::ReadText(StatePath(imei), text).ok()) return std::nullopt;
     try {
         const auto json = nlohmann::json::parse(text);
         if (json.at("imei") != imei || json.at("time") != FormatLocalTime(time)) return std::nullopt;

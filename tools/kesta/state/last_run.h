@@ -1,4 +1,4 @@
-// How the last run of each phone ended. The books take a run's error code but have no way to give it back, so the
+// How the last run of each phone ended. The database takes a run's error code but have no way to give it back, so the
 // client keeps a note of its own beside them.
 #pragma once
 
@@ -17,7 +17,7 @@ struct LastRun {
 };
 
 os::Status SaveLastRun(const std::string& imei, const LastRun& run);
-/// Nothing when there is no note, or none about the run that ended at this time.
+/// std::nullopt if there is no note, or none about the run that ended at this time.
 [[nodiscard]] std::optional<LastRun> LoadLastRun(const std::string& imei, LocalTime time);
 
 }  // namespace kesta

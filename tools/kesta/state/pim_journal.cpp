@@ -46,7 +46,7 @@ os::Status WritePimJournal(const std::string& imei, const PimJournal& journal)
         for (const PimLogRow& row : *journal.rowsOf(kind))
             rows.push_back({row.guid, row.luid, ToJson(row.pcTime), ToJson(row.phoneTime)});
     }
-    return WriteClientNote(JournalPath(imei), text.dump(-1, ' ', false, json::error_handler_t::replace) + "\n");
+    return WriteStateFile(JournalPath(imei), text.dump(-1, ' ', false, json::error_handler_t::replace) + "\n");
 }
 
 os::Status ReadPimJournal(const std::string& imei, std::optional<PimJournal>& journal)

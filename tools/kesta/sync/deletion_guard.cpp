@@ -9,17 +9,17 @@
 namespace kesta {
 namespace {
 
-std::string NotePath(const std::string& imei)
+std::string StatePath(const std::string& imei)
 {
     return os::Join(ClientFolder(), SafeName(imei + ".held-back.json"));
 }
 
 }  // namespace
 
-RemovalGuard::RemovalGuard(const std::string& imei, bool force) : imei_(imei), force_(force)
+DeletionGuard::DeletionGuard(const std::string& imei, bool force) : imei_(imei), force_(force)
 {
     std::string text;
-    if (!os::ReadText(NotePath(imei), text).ok()) return;
+    if (!os::ReadText(StatePath(imei), text).ok()) return;
     const auto json = nlohmann::json::parse(text, nullptr, false);
     // Anybody may have damaged it.
     if (!json.is_object() || !json.contains("imei") || json["imei"] != imei || !json.contains("recorded")) return;
@@ -28,7 +28,7 @@ RemovalGuard::RemovalGuard(const std::string& imei, bool force) : imei_(imei), f
         if (recorded.is_number_unsigned()) recordedBefore_.emplace(what, recorded.get<std::size_t>());
 }
 
-bool RemovalGuard::holdsBack(const std::string& what, std::size_t leaving, std::size_t recorded)
+bool DeletionGuard::defers(const std::string& what, std::size_t leaving, std::size_t recorded)
 {
     const auto before = recordedBefore_.find(what);
     if (before != recordedBefore_.end()) recorded = std::min(recorded, before->second);
@@ -43,19 +43,19 @@ bool RemovalGuard::holdsBack(const std::string& what, std::size_t leaving, std::
     return areTooMany;
 }
 
-void RemovalGuard::save(Summary& summary)
+void DeletionGuard::save(Summary& summary)
 {
     if (!hasChanged_ || imei_.empty()) return;
     hasChanged_ = false;
     os::Status status;
     if (recordedBefore_.empty()) {
-        status = os::RemoveFile(NotePath(imei_));
+        status = os::RemoveFile(StatePath(imei_));
     } else {
         const nlohmann::ordered_json json{{"imei", imei_}, {"recorded", recordedBefore_}};
         constexpr auto kReplace = nlohmann::json::error_handler_t::replace;
-        status = WriteClientNote(NotePath(imei_), json.dump(4, ' ', false, kReplace) + "\n");
+        status = WriteStateFile(StatePath(imei_), json.dump(4, ' ', false, kReplace) + "\n");
     }
-    if (!status.ok()) summary.notes.push_back("what is held back cannot be noted for the next run: " + status.text());
+    if (!status.ok()) summary.notes.push_back("what is deferred cannot be noted for the next run: " + status.text());
 }
 
 }  // namespace kesta

@@ -10,16 +10,16 @@
 
 namespace kesta {
 
-class RemovalGuard {
+class DeletionGuard {
 public:
     /// Remembers nothing; force: lets everything pass.
-    explicit RemovalGuard(bool force) : force_(force) {}
-    /// With what the phone's earlier runs have held back.
-    RemovalGuard(const std::string& imei, bool force);
+    explicit DeletionGuard(bool force) : force_(force) {}
+    /// With what the phone's earlier runs have deferred.
+    DeletionGuard(const std::string& imei, bool force);
 
     /// Whether so many removals wait. While some do, what has been added since does not count as recorded: otherwise
     /// the next run would find them to be less than half.
-    [[nodiscard]] bool holdsBack(const std::string& what, std::size_t leaving, std::size_t recorded);
+    [[nodiscard]] bool defers(const std::string& what, std::size_t leaving, std::size_t recorded);
 
     /// Notes on the PC what waits, to be called before anything is added.
     void save(Summary& summary);

@@ -37,7 +37,7 @@ os::Status RemoveJournal(const PhoneFolder& phone)
     return status.failure() == os::Failure::kMissing ? os::Status() : status;
 }
 
-os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string>& recordedPlaces, Leftovers& leftovers)
+os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string>& recordedPaths, Leftovers& leftovers)
 {
     std::string text;
     std::set<std::string> folders{phone.root()};
@@ -46,7 +46,7 @@ os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string
     else if (status.failure() != os::Failure::kMissing)
         return status;
 
-    const std::unordered_set<std::string> recorded(recordedPlaces.begin(), recordedPlaces.end());
+    const std::unordered_set<std::string> recorded(recordedPaths.begin(), recordedPaths.end());
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         if (!IsPlace(line)) continue;
@@ -60,8 +60,8 @@ os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string
         os::FileInfo info;
         if (os::ReadInfoOfLink(path, info).ok()) leftovers.temporaryFiles.push_back(path);
     }
-    // A killed run leaves at most one, and none when it was still copying. More mean that these are not the books the
-    // files were recorded in, or that the user has put files there: they stay, and planning takes those in that are
+    // A killed run leaves at most one, and none when it was still copying. More mean that these are not the database
+    // the files were recorded in, or that the user has put files there: they stay, and planning takes those in that are
     // what the PC has.
     if (leftovers.unknownFiles.size() > 1 || !leftovers.temporaryFiles.empty()) leftovers.unknownFiles.clear();
     return {};

@@ -23,9 +23,8 @@ struct Leftovers {
 os::Status WriteJournal(const PhoneFolder& phone, const std::vector<std::string>& places);
 os::Status RemoveJournal(const PhoneFolder& phone);
 
-/// What a killed run has left behind. recordedPlaces: the phone paths of all recorded files.
-os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string>& recordedPlaces,
-                         Leftovers& leftovers);
+/// What a killed run has left behind. recordedPaths: the phone paths of all recorded files.
+os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string>& recordedPaths, Leftovers& leftovers);
 /// Removes it, and the journal.
 os::Status RemoveLeftovers(PhoneFolder& phone, const Leftovers& leftovers);
 

@@ -40,9 +40,9 @@ enum class Written { kYes, kAgain, kNo };
 
 class PhoneBackup {
 public:
-    PhoneBackup(Books& books, const Marker& marker, PhoneFolder& phone, const SyncOptions& options, Progress& progress,
-                Summary& summary)
-        : books_(books), marker_(marker), phone_(phone), options_(options), progress_(progress), summary_(summary)
+    PhoneBackup(Database& database, const Marker& marker, PhoneFolder& phone, const SyncOptions& options,
+                Progress& progress, Summary& summary)
+        : database_(database), marker_(marker), phone_(phone), options_(options), progress_(progress), summary_(summary)
     {
     }
 
@@ -84,7 +84,7 @@ private:
             summary_.fail(*options_.backup, "the folder for backups cannot be used: " + status.text());
             return false;
         }
-        const auto now = BooksTime(os::Now());
+        const auto now = ToLocalTime(os::Now());
         if (!now) {
             summary_.fail(*options_.backup, "the PC's clock is out of order, so the backup has no date");
             return false;
@@ -227,22 +227,22 @@ private:
 
     void record()
     {
-        BackupBooks backups(books_);
+        BackupRecords backups(database_);
         os::FileInfo info;
         if (os::Status status = os::ReadInfo(archive_, info); !status.ok())
             return summary_.fail(archive_, "it cannot be found again: " + status.text());
         if (!backups.of(marker_.imei)) {
-            summary_.notes.push_back("the books have no table for backups; the archive itself is complete.");
+            summary_.notes.push_back("the database has no table for backups; the archive itself is complete.");
             return;
         }
         constexpr const char* kWholePhone = "/";
         const RecordedBackup backup{-1, archive_, kWholePhone, static_cast<std::int64_t>(info.size),
-                                    BooksTime(info.modified.seconds)};
+                                    ToLocalTime(info.modified.seconds)};
         if (!backups.add(marker_.imei, backup))
-            summary_.fail(archive_, "it is complete, but cannot be recorded in the books");
+            summary_.fail(archive_, "it is complete, but cannot be recorded in the database");
     }
 
-    Books& books_;
+    Database& database_;
     const Marker& marker_;
     PhoneFolder& phone_;
     const SyncOptions& options_;
@@ -257,10 +257,10 @@ private:
 
 }  // namespace
 
-void BackUpPhone(Books& books, const Marker& phoneMarker, PhoneFolder& phone, const SyncOptions& options,
+void BackUpPhone(Database& database, const Marker& phoneMarker, PhoneFolder& phone, const SyncOptions& options,
                  Progress& progress, Summary& summary)
 {
-    PhoneBackup(books, phoneMarker, phone, options, progress, summary).run();
+    PhoneBackup(database, phoneMarker, phone, options, progress, summary).run();
 }
 
 }  // namespace kesta

@@ -10,9 +10,9 @@
 
 namespace kesta {
 
-/// Writes the archive to the folder that the options name, and records it where the books have a table for backups.
+/// Writes the archive to the folder that the options name, and records it where the database has a table for backups.
 /// A dry run only says what would be written.
-void BackUpPhone(Books& books, const Marker& phoneMarker, PhoneFolder& phone, const SyncOptions& options,
+void BackUpPhone(Database& database, const Marker& phoneMarker, PhoneFolder& phone, const SyncOptions& options,
                  Progress& progress, Summary& summary);
 
 }  // namespace kesta

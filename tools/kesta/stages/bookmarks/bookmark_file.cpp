@@ -35,7 +35,7 @@ std::string Escaped(std::string_view text)
 
 class Writer {
 public:
-    std::string run(std::span<const FileMark> marks) &&
+    std::string run(std::span<const FileBookmark> marks) &&
     {
         text_ =
             "<!DOCTYPE NETSCAPE-Bookmark-file-1>\n"
@@ -44,7 +44,7 @@ public:
             "<TITLE>Bookmarks</TITLE>\n"
             "<H1>Bookmarks</H1>\n"
             "<DL><p>\n";
-        for (const FileMark& mark : marks) {
+        for (const FileBookmark& mark : marks) {
             enter(mark.folders);
             indent();
             text_ += fmt::format("<DT><A HREF=\"{}\"", Escaped(mark.url));
@@ -83,7 +83,7 @@ private:
 
 }  // namespace
 
-std::string BookmarkFileText(std::span<const FileMark> marks)
+std::string BookmarkFileText(std::span<const FileBookmark> marks)
 {
     return Writer().run(marks);
 }

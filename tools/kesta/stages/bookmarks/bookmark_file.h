@@ -9,7 +9,7 @@
 
 namespace kesta {
 
-struct FileMark {
+struct FileBookmark {
     std::string title, url;
     std::vector<std::string> folders;   // outermost first
     std::optional<std::int64_t> added;  // seconds since 1970 in UTC
@@ -17,6 +17,6 @@ struct FileMark {
 };
 
 /// UTF-8. The marks keep their order; neighbours in the same folder stand in one.
-[[nodiscard]] std::string BookmarkFileText(std::span<const FileMark> marks);
+[[nodiscard]] std::string BookmarkFileText(std::span<const FileBookmark> marks);
 
 }  // namespace kesta

@@ -16,18 +16,18 @@ namespace {
 constexpr std::int32_t kOnThePhone = 0;
 
 // A record's statement ends at 40960 bytes; each apostrophe counts twice in it.
-constexpr std::size_t kLongestMark = 40'000;
+constexpr std::size_t kLongestBookmark = 40'000;
 
-bool FitsTheBooks(const std::string& title, const std::string& url)
+bool FitsTheDatabase(const std::string& title, const std::string& url)
 {
     const auto inStatement = [](const std::string& text) {
         return text.size() + static_cast<std::size_t>(std::count(text.begin(), text.end(), '\''));
     };
-    return inStatement(title) + inStatement(url) <= kLongestMark;
+    return inStatement(title) + inStatement(url) <= kLongestBookmark;
 }
 
 // "Bookmarks/bookmarks.html#b12" is the element b12 in that page; 0 for any other id.
-std::int32_t NumberOf(const RecordedMark& mark, const std::string& place)
+std::int32_t NumberOf(const RecordedBookmark& mark, const std::string& place)
 {
     const std::string_view id = mark.idOnPhone;
     if (!id.starts_with(place) || !id.substr(place.size()).starts_with("#b")) return 0;
@@ -41,7 +41,7 @@ class Planner {
 public:
     explicit Planner(const BookmarkPlanInput& input) : input_(input)
     {
-        for (const RecordedMark& mark : input.recorded) {
+        for (const RecordedBookmark& mark : input.recorded) {
             recorded_.emplace(mark.url, &mark);
             lastNumber_ = std::max(lastNumber_, NumberOf(mark, input.place));
         }
@@ -50,13 +50,13 @@ public:
     BookmarkPlan run() &&
     {
         for (const formats::Bookmark& bookmark : input_.file.bookmarks) take(bookmark);
-        std::vector<RecordedMark> gone;
-        for (const RecordedMark& mark : input_.recorded)
+        std::vector<RecordedBookmark> gone;
+        for (const RecordedBookmark& mark : input_.recorded)
             if (!seen_.contains(mark.url)) gone.push_back(mark);
         if (!input_.file.problems.empty()) {
             keep(gone);
-        } else if (input_.guard.holdsBack("bookmarks", gone.size(), input_.recorded.size())) {
-            plan_.heldBack = gone.size();
+        } else if (input_.guard.defers("bookmarks", gone.size(), input_.recorded.size())) {
+            plan_.deferred = gone.size();
             keep(gone);
         } else {
             plan_.removed = std::move(gone);
@@ -71,9 +71,9 @@ private:
             ++plan_.notOfTheWeb;
             return;
         }
-        FileMark mark{bookmark.title, bookmark.url, bookmark.folders, bookmark.added, {}};
+        FileBookmark mark{bookmark.title, bookmark.url, bookmark.folders, bookmark.added, {}};
         if (seen_.insert(bookmark.url).second) {
-            if (!FitsTheBooks(bookmark.title, bookmark.url)) {
+            if (!FitsTheDatabase(bookmark.title, bookmark.url)) {
                 plan_.tooLong.push_back(bookmark.url);
                 tooLong_.insert(bookmark.url);
             } else {
@@ -84,19 +84,19 @@ private:
     }
 
     // What is not to be removed yet stays in the phone's file, where it stands now.
-    void keep(const std::vector<RecordedMark>& gone)
+    void keep(const std::vector<RecordedBookmark>& gone)
     {
-        std::unordered_map<std::string, const RecordedMark*> kept;
-        for (const RecordedMark& mark : gone) kept.emplace(mark.url, &mark);
+        std::unordered_map<std::string, const RecordedBookmark*> kept;
+        for (const RecordedBookmark& mark : gone) kept.emplace(mark.url, &mark);
         for (const formats::Bookmark& bookmark : input_.onPhone.bookmarks) {
             const auto found = kept.find(bookmark.url);
             if (found == kept.end()) continue;
-            const RecordedMark& record = *found->second;
+            const RecordedBookmark& record = *found->second;
             plan_.contents.push_back(
                 {record.title, record.url, bookmark.folders, bookmark.added, enter(record.title, record.url)});
             kept.erase(found);
         }
-        for (const RecordedMark& mark : gone)
+        for (const RecordedBookmark& mark : gone)
             if (kept.contains(mark.url))
                 plan_.contents.push_back({mark.title, mark.url, {}, {}, enter(mark.title, mark.url)});
     }
@@ -107,7 +107,7 @@ private:
         const auto known = recorded_.find(url);
         std::int32_t number = known == recorded_.end() ? 0 : NumberOf(*known->second, input_.place);
         if (number == 0) number = ++lastNumber_;
-        RecordedMark mark{title, url, fmt::format("{}#b{}", input_.place, number), number, kOnThePhone};
+        RecordedBookmark mark{title, url, fmt::format("{}#b{}", input_.place, number), number, kOnThePhone};
         if (known == recorded_.end())
             plan_.added.push_back(mark);
         else if (known->second->title != title || known->second->idOnPhone != mark.idOnPhone ||
@@ -120,7 +120,7 @@ private:
 
     const BookmarkPlanInput& input_;
     BookmarkPlan plan_;
-    std::unordered_map<std::string, const RecordedMark*> recorded_;
+    std::unordered_map<std::string, const RecordedBookmark*> recorded_;
     std::unordered_set<std::string> seen_, tooLong_;
     std::int32_t lastNumber_ = 0;
 };
@@ -132,7 +132,7 @@ BookmarkPlan PlanBookmarks(const BookmarkPlanInput& input)
     return Planner(input).run();
 }
 
-std::string PlaceOfMark(const RecordedMark& mark)
+std::string PhonePathOf(const RecordedBookmark& mark)
 {
     const std::string place = mark.idOnPhone.substr(0, mark.idOnPhone.rfind('#'));
     return IsPhonePath(place, kBookmarkFolder) ? place : std::string();

@@ -1,4 +1,5 @@
-// What a sync has to do about bookmarks, from the file of the PC, the books and the file on the phone. Changes nothing.
+// What a sync has to do about bookmarks, from the file of the PC, the database and the file on the phone. Changes
+// nothing.
 #pragma once
 
 #include <string>
@@ -13,20 +14,20 @@ namespace kesta {
 
 struct BookmarkPlanInput {
     const formats::Bookmarks& file;  // of the PC
-    const std::vector<RecordedMark>& recorded;
+    const std::vector<RecordedBookmark>& recorded;
     const formats::Bookmarks& onPhone;  // what the phone's file holds now; empty when there is none
     std::string place;                  // of the phone's file
-    RemovalGuard& guard;
+    DeletionGuard& guard;
 };
 
 struct BookmarkPlan {
-    std::vector<FileMark> contents;  // of the phone's file
-    std::vector<RecordedMark> added, updated;
-    std::vector<RecordedMark> removed;
+    std::vector<FileBookmark> contents;  // of the phone's file
+    std::vector<RecordedBookmark> added, updated;
+    std::vector<RecordedBookmark> removed;
     std::size_t unchanged = 0;
-    std::size_t heldBack = 0;          // removals left out, since they are more than half of what is recorded
+    std::size_t deferred = 0;          // removals left out, since they are more than half of what is recorded
     std::size_t notOfTheWeb = 0;       // bookmarks that are no addresses of pages: of no use on another machine
-    std::vector<std::string> tooLong;  // URLs that the books cannot take, or not with their title
+    std::vector<std::string> tooLong;  // URLs that the database cannot take, or not with their title
 };
 
 /// A URL that the file has several times is recorded once, under its first title. While the file has problems, what it
@@ -34,6 +35,6 @@ struct BookmarkPlan {
 [[nodiscard]] BookmarkPlan PlanBookmarks(const BookmarkPlanInput& input);
 
 /// The phone path of the file in which the mark stands; empty when the id is not one of this client's.
-[[nodiscard]] std::string PlaceOfMark(const RecordedMark& mark);
+[[nodiscard]] std::string PhonePathOf(const RecordedBookmark& mark);
 
 }  // namespace kesta

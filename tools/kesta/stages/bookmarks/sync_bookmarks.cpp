@@ -16,7 +16,7 @@ namespace kesta {
 namespace {
 
 constexpr std::int32_t kRecordedAlready = 19;
-constexpr std::int32_t kDefaultType = 1;  // of a phone that is new to the books
+constexpr std::int32_t kDefaultType = 1;  // of a phone that is new to the database
 
 os::Status ReadBookmarkFile(const std::string& path, std::string& text)
 {
@@ -30,9 +30,9 @@ os::Status ReadBookmarkFile(const std::string& path, std::string& text)
 
 class BookmarkSync {
 public:
-    BookmarkSync(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                 RemovalGuard& guard, Progress& progress, Summary& summary)
-        : marks_(books, imei),
+    BookmarkSync(Database& database, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+                 DeletionGuard& guard, Progress& progress, Summary& summary)
+        : marks_(database, imei),
           phone_(phone),
           options_(options),
           guard_(guard),
@@ -40,9 +40,9 @@ public:
           summary_(summary),
           counts_(summary.beginFamily("Bookmarks", "bookmark"))
     {
-        if (const auto settings = books.phone(imei)) {
+        if (const auto settings = database.phone(imei)) {
             type_ = settings->bookmarkType;
-            recorded_ = marks_.marks();
+            recorded_ = marks_.bookmarks();
         }
     }
 
@@ -60,9 +60,9 @@ public:
         }
         tell(plan);
         if (options_.dryRun)
-            foretell(plan);
+            preview(plan);
         else
-            carryOut(plan, text);
+            execute(plan, text);
     }
 
 private:
@@ -86,8 +86,8 @@ private:
     // Each bookmark type is a set of marks of its own, and so has a file of its own.
     void choosePlace()
     {
-        for (const RecordedMark& mark : recorded_) {
-            place_ = PlaceOfMark(mark);
+        for (const RecordedBookmark& mark : recorded_) {
+            place_ = PhonePathOf(mark);
             isOurs_ = !place_.empty();
             if (isOurs_) return;
         }
@@ -103,7 +103,7 @@ private:
     {
         const std::string name = defaultName();
         for (unsigned attempt = 0; phone_.find(place_).entry != PhoneEntry::kNothing; ++attempt)
-            place_ = fmt::format("{}/{}", kBookmarkFolder, MarkedName(name, name, attempt));
+            place_ = fmt::format("{}/{}", kBookmarkFolder, SuffixedName(name, name, attempt));
         isThere_ = false;
     }
 
@@ -127,19 +127,20 @@ private:
     void tell(const BookmarkPlan& plan)
     {
         counts_.unchanged = plan.unchanged;
-        counts_.heldBack = plan.heldBack;
-        for (const std::string& url : plan.tooLong) summary_.fail(url.substr(0, 60) + "...", "too long for the books");
+        counts_.deferred = plan.deferred;
+        for (const std::string& url : plan.tooLong)
+            summary_.fail(url.substr(0, 60) + "...", "too long for the database");
         if (plan.notOfTheWeb > 0)
             summary_.notes.push_back(fmt::format("{} left out that {} no page of the web.",
                                                  Counted(plan.notOfTheWeb, "bookmark"),
                                                  plan.notOfTheWeb == 1 ? "is" : "are"));
     }
 
-    void foretell(const BookmarkPlan& plan)
+    void preview(const BookmarkPlan& plan)
     {
-        const auto say = [&](const char* verb, const std::vector<RecordedMark>& marks, std::size_t& count) {
+        const auto say = [&](const char* verb, const std::vector<RecordedBookmark>& marks, std::size_t& count) {
             count = marks.size();
-            for (const RecordedMark& mark : marks)
+            for (const RecordedBookmark& mark : marks)
                 if (!options_.quiet) progress_.say(fmt::format("{:<9} {}", verb, Printable(mark.url)));
         };
         say("add", plan.added, counts_.added);
@@ -147,8 +148,8 @@ private:
         say("remove", plan.removed, counts_.removed);
     }
 
-    // The phone first, then the books.
-    void carryOut(const BookmarkPlan& plan, const std::string& text)
+    // The phone first, then the database.
+    void execute(const BookmarkPlan& plan, const std::string& text)
     {
         if (os::Interrupted()) return summary_.stopWith(ExitCode::kInterrupted, "interrupted");
         if (!phone_.isStillThere()) return summary_.stopWith(ExitCode::kPhoneGone, "the phone went away");
@@ -187,27 +188,27 @@ private:
 
     bool record(const BookmarkPlan& plan)
     {
-        for (const RecordedMark& mark : plan.added)
+        for (const RecordedBookmark& mark : plan.added)
             if (!enter(add(mark), "added", mark, counts_.added)) return false;
-        for (const RecordedMark& mark : plan.updated)
+        for (const RecordedBookmark& mark : plan.updated)
             if (!enter(marks_.update(mark), "updated", mark, counts_.updated)) return false;
-        for (const RecordedMark& mark : plan.removed)
+        for (const RecordedBookmark& mark : plan.removed)
             if (!enter(marks_.remove(mark.url), "removed", mark, counts_.removed)) return false;
         return true;
     }
 
-    std::int32_t add(const RecordedMark& mark)
+    std::int32_t add(const RecordedBookmark& mark)
     {
         const std::int32_t code = marks_.add(mark);
         return code == kRecordedAlready ? marks_.update(mark) : code;
     }
 
     // False when the run is to end here.
-    bool enter(std::int32_t code, const char* verb, const RecordedMark& mark, std::size_t& count)
+    bool enter(std::int32_t code, const char* verb, const RecordedBookmark& mark, std::size_t& count)
     {
         if (code != 0) {
-            summary_.fail(mark.url, "it cannot be recorded in the books: " + ResultText(code));
-            summary_.stopWith(ExitCode::kBooks, "the books cannot be written");
+            summary_.fail(mark.url, "it cannot be recorded in the database: " + ResultText(code));
+            summary_.stopWith(ExitCode::kDatabase, "the database cannot be written");
             return false;
         }
         ++count;
@@ -217,34 +218,34 @@ private:
         return false;
     }
 
-    BookmarkBooks marks_;
+    BookmarkRecords marks_;
     PhoneFolder& phone_;
     const SyncOptions& options_;
-    RemovalGuard& guard_;
+    DeletionGuard& guard_;
     Progress& progress_;
     Summary& summary_;
     FamilyCounts& counts_;
     std::int32_t type_ = kDefaultType;
-    std::vector<RecordedMark> recorded_;
+    std::vector<RecordedBookmark> recorded_;
     formats::Bookmarks file_, onPhone_;
     std::string place_, phoneText_;
-    bool isOurs_ = false;   // the books know the place
+    bool isOurs_ = false;   // the database knows the place
     bool isThere_ = false;  // a file is in it
 };
 
 }  // namespace
 
-void SyncBookmarks(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                   RemovalGuard& guard, Progress& progress, Summary& summary)
+void SyncBookmarks(Database& database, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+                   DeletionGuard& guard, Progress& progress, Summary& summary)
 {
-    BookmarkSync(books, imei, phone, options, guard, progress, summary).run();
+    BookmarkSync(database, imei, phone, options, guard, progress, summary).run();
 }
 
-std::vector<std::string> PlacesOfBookmarks(Books& books, const std::string& imei)
+std::vector<std::string> PhonePathsOfBookmarks(Database& database, const std::string& imei)
 {
     std::vector<std::string> places;
-    for (const RecordedMark& mark : BookmarkBooks(books, imei).marks()) {
-        std::string place = PlaceOfMark(mark);
+    for (const RecordedBookmark& mark : BookmarkRecords(database, imei).bookmarks()) {
+        std::string place = PhonePathOf(mark);
         if (!place.empty() && (places.empty() || places.back() != place)) places.push_back(std::move(place));
     }
     return places;

@@ -1,4 +1,4 @@
-// The bookmarks of one run: one file on the phone that any browser opens, and a record in the books for each mark.
+// The bookmarks of one run: one file on the phone that any browser opens, and a record in the database for each mark.
 #pragma once
 
 #include <string>
@@ -14,10 +14,10 @@
 namespace kesta {
 
 /// Brings the phone's bookmark file in line with the file that the options name. A dry run changes nothing.
-void SyncBookmarks(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                   RemovalGuard& guard, Progress& progress, Summary& summary);
+void SyncBookmarks(Database& database, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+                   DeletionGuard& guard, Progress& progress, Summary& summary);
 
-/// The phone paths that the books know of bookmark files.
-[[nodiscard]] std::vector<std::string> PlacesOfBookmarks(Books& books, const std::string& imei);
+/// The phone paths that the database knows of bookmark files.
+[[nodiscard]] std::vector<std::string> PhonePathsOfBookmarks(Database& database, const std::string& imei);
 
 }  // namespace kesta

@@ -18,46 +18,46 @@ constexpr std::int32_t kStatementTooLong = 18;
 
 std::int32_t MediaRecords::add(const Action& action)
 {
-    return books_.addFile(imei_, action.category, action.file);
+    return database_.addFile(imei_, action.category, action.file);
 }
 
 std::int32_t MediaRecords::update(const Action& action)
 {
-    return books_.updateFile(imei_, action.category, action.file);
+    return database_.updateFile(imei_, action.category, action.file);
 }
 
 std::int32_t MediaRecords::remove(const Action& action)
 {
-    return books_.removeFile(imei_, action.category, action.file.path);
+    return database_.removeFile(imei_, action.category, action.file.path);
 }
 
 bool MediaRecords::holds(const Action& action)
 {
-    return books_.isRecorded(imei_, action.category, action.file);
+    return database_.isRecorded(imei_, action.category, action.file);
 }
 
-void Foretell(const std::vector<CategoryPlan>& plans, bool quiet, Progress& progress, Summary& summary)
+void Preview(const std::vector<CategoryPlan>& plans, bool quiet, Progress& progress, Summary& summary)
 {
-    const auto foretell = [&](const char* verb, const Action& action, std::size_t& count) {
+    const auto preview = [&](const char* verb, const Action& action, std::size_t& count) {
         ++count;
         const std::string& place = action.file.phonePath.empty() ? action.file.path : action.file.phonePath;
         if (!quiet) progress.say(fmt::format("{:<9} {}", verb, Printable(place)));
     };
     for (const CategoryPlan& plan : plans) {
-        for (const Action& action : plan.removals) foretell("remove", action, summary.removed);
+        for (const Action& action : plan.removals) preview("remove", action, summary.removed);
         for (const Action& action : plan.copies) {
             if (action.kind == ActionKind::kAdopt) {
-                foretell("record", action, summary.adopted);
+                preview("record", action, summary.adopted);
                 continue;
             }
             const bool isUpdate = action.kind == ActionKind::kUpdate;
-            foretell(isUpdate ? "update" : "copy", action, isUpdate ? summary.updated : summary.copied);
+            preview(isUpdate ? "update" : "copy", action, isUpdate ? summary.updated : summary.copied);
             summary.bytes += action.size;
         }
     }
 }
 
-void CarryOut::run(const std::vector<CategoryPlan>& plans)
+void Execute::run(const std::vector<CategoryPlan>& plans)
 {
     std::size_t actions = 0;
     std::uint64_t bytes = 0;
@@ -75,7 +75,7 @@ void CarryOut::run(const std::vector<CategoryPlan>& plans)
             fmt::format("the phone did not take the modification time of {}.", Counted(timesLost_, "file")));
 }
 
-bool CarryOut::mayGoOn()
+bool Execute::mayGoOn()
 {
     if (os::Interrupted()) summary_.stopWith(ExitCode::kInterrupted, "interrupted");
     if (!summary_.stopped() && !phone_.isStillThere()) summary_.stopWith(ExitCode::kPhoneGone, "the phone went away");
@@ -83,14 +83,14 @@ bool CarryOut::mayGoOn()
     return !summary_.stopped();
 }
 
-void CarryOut::removeAll(const std::vector<CategoryPlan>& plans)
+void Execute::removeAll(const std::vector<CategoryPlan>& plans)
 {
     for (const CategoryPlan& plan : plans)
         for (const Action& action : plan.removals)
             if (mayGoOn()) remove(action);
 }
 
-void CarryOut::remove(const Action& action)
+void Execute::remove(const Action& action)
 {
     const std::string& place = action.file.phonePath;
     if (!place.empty()) {
@@ -98,19 +98,19 @@ void CarryOut::remove(const Action& action)
             summary_.fail(place, "it cannot be removed from the phone: " + status.text());
             return stopOnPhoneFailure(status, place);
         }
-        // While the books still know the file: what a killed run leaves of the folders, the next one comes by again.
+        // While the database still know the file: what a killed run leaves of the folders, the next one comes by again.
         if (os::Status status = phone_.tidyAbove(place); !status.ok())
             summary_.fail(place, "the empty folder above it cannot be removed from the phone: " + status.text());
     }
     if (const std::int32_t code = records_.remove(action); code != 0) {
-        summary_.fail(action.file.path, "it cannot be taken out of the books: " + ResultText(code));
-        return summary_.stopWith(ExitCode::kBooks, "the books cannot be written");
+        summary_.fail(action.file.path, "it cannot be removed from the database: " + ResultText(code));
+        return summary_.stopWith(ExitCode::kDatabase, "the database cannot be written");
     }
     ++summary_.removed;
     progress_.endFile("removed", place.empty() ? action.file.path : place, 0);
 }
 
-void CarryOut::copyAll(const std::vector<CategoryPlan>& plans)
+void Execute::copyAll(const std::vector<CategoryPlan>& plans)
 {
     std::vector<std::string> places;
     for (const CategoryPlan& plan : plans)
@@ -132,7 +132,7 @@ void CarryOut::copyAll(const std::vector<CategoryPlan>& plans)
         summary_.fail(std::string(kJournalName), "it cannot be removed from the phone: " + status.text());
 }
 
-void CarryOut::copy(const Action& action)
+void Execute::copy(const Action& action)
 {
     if (action.kind == ActionKind::kAdopt) return record(action);
     if (os::Status status = phone_.makeFolders(action.file.phonePath); !status.ok()) {
@@ -142,7 +142,7 @@ void CarryOut::copy(const Action& action)
     copyContents(action);
 }
 
-void CarryOut::copyContents(const Action& action)
+void Execute::copyContents(const Action& action)
 {
     CopyRequest request;
     request.source = action.file.path;
@@ -158,7 +158,7 @@ void CarryOut::copyContents(const Action& action)
         timesLost_ += result.timeKept ? 0 : 1;
         Action done = action;
         done.size = result.source.size;
-        done.file.modified = BooksTime(result.source.modified.seconds);
+        done.file.modified = ToLocalTime(result.source.modified.seconds);
         return record(done);
     }
     if (!request.mayReplace) {
@@ -183,7 +183,7 @@ void CarryOut::copyContents(const Action& action)
     progress_.endFile("failed", action.file.phonePath, action.size);
 }
 
-void CarryOut::record(const Action& action)
+void Execute::record(const Action& action)
 {
     std::int32_t code = 0;
     if (action.kind != ActionKind::kUpdate) code = records_.add(action);
@@ -204,16 +204,16 @@ void CarryOut::record(const Action& action)
                                              : "copied",
                                  action.file.phonePath, isAdopted ? 0 : action.size);
     }
-    summary_.fail(action.file.path, "it cannot be recorded in the books: " + ResultText(code));
+    summary_.fail(action.file.path, "it cannot be recorded in the database: " + ResultText(code));
     // A text that is too long is that file's own matter; anything else would fail again for the next one.
-    if (code != kStatementTooLong) summary_.stopWith(ExitCode::kBooks, "the books cannot be written");
+    if (code != kStatementTooLong) summary_.stopWith(ExitCode::kDatabase, "the database cannot be written");
     if (action.kind != ActionKind::kCopy) return;
     os::Status status = phone_.removeFile(action.file.phonePath);
     if (status.ok()) status = phone_.tidyAbove(action.file.phonePath);
     if (!status.ok()) filesLeftBehind_ = true;
 }
 
-void CarryOut::stopOnPhoneFailure(const os::Status& status, const std::string& path)
+void Execute::stopOnPhoneFailure(const os::Status& status, const std::string& path)
 {
     StopOnPhoneFailure(phone_, status, summary_);
     if (!summary_.stopped()) progress_.endFile("failed", path, 0);

@@ -1,4 +1,5 @@
-// Carries a plan out: the phone first, then the books, so that the books never promise what the phone does not have.
+// Carries a plan out: the phone first, then the database, so that the database never promises what the phone does not
+// have.
 #pragma once
 
 #include <string>
@@ -12,7 +13,7 @@
 
 namespace kesta {
 
-/// Where the books keep what is carried out. The methods return the library's codes.
+/// Where the database keeps what is executed. The methods return the library's codes.
 class FileRecords {
 public:
     virtual ~FileRecords() = default;
@@ -26,23 +27,23 @@ public:
 /// The files of the media folders.
 class MediaRecords : public FileRecords {
 public:
-    MediaRecords(Books& books, std::string imei) : books_(books), imei_(std::move(imei)) {}
+    MediaRecords(Database& database, std::string imei) : database_(database), imei_(std::move(imei)) {}
     [[nodiscard]] std::int32_t add(const Action& action) override;
     [[nodiscard]] std::int32_t update(const Action& action) override;
     [[nodiscard]] std::int32_t remove(const Action& action) override;
     [[nodiscard]] bool holds(const Action& action) override;
 
 private:
-    Books& books_;
+    Database& database_;
     std::string imei_;
 };
 
-/// Says and counts what carrying the plans out would do.
-void Foretell(const std::vector<CategoryPlan>& plans, bool quiet, Progress& progress, Summary& summary);
+/// Says and counts what executing the plans  would do.
+void Preview(const std::vector<CategoryPlan>& plans, bool quiet, Progress& progress, Summary& summary);
 
-class CarryOut {
+class Execute {
 public:
-    CarryOut(FileRecords& records, PhoneFolder& phone, Progress& progress, Summary& summary)
+    Execute(FileRecords& records, PhoneFolder& phone, Progress& progress, Summary& summary)
         : records_(records), phone_(phone), progress_(progress), summary_(summary)
     {
     }

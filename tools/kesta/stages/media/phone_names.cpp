@@ -28,7 +28,7 @@ void PhoneNames::chooseRoots(const PlanInput& input)
         const auto [owner, isFirst] = ownerOfKey.emplace(CaseKey(parts[1]), file.basePath);
         if (owner->second == file.basePath) roots_.emplace(file.basePath, parts[1]);
     }
-    // Folders get their names in the order in which the books came to know them, new ones in the user's order.
+    // Folders get their names in the order in which the database came to know them, new ones in the user's order.
     std::vector<const RecordedFolder*> known;
     for (const RecordedFolder& folder : input.known) known.push_back(&folder);
     std::sort(known.begin(), known.end(), [](const auto* a, const auto* b) { return a->rowId < b->rowId; });
@@ -43,7 +43,7 @@ void PhoneNames::chooseRoots(const PlanInput& input)
         if (roots_.contains(folder)) continue;
         std::string name = NameForRoot(folder);
         for (unsigned attempt = 0; !ownerOfKey.emplace(CaseKey(name), folder).second; ++attempt)
-            name = MarkedName(NameForRoot(folder), folder, attempt);
+            name = SuffixedName(NameForRoot(folder), folder, attempt);
         roots_.emplace(folder, name);
     }
 }
@@ -52,7 +52,7 @@ PhoneNames::Place PhoneNames::allocate(const std::string& folder, const ScannedF
 {
     std::vector<std::string> parts = SplitPath(file.relative);
     parts.insert(parts.begin(), roots_.at(folder));
-    return PhonePlaces::allocate(parts, file.path, [&](const std::string&, const PhoneFile& there) {
+    return PhonePaths::allocate(parts, file.path, [&](const std::string&, const PhoneFile& there) {
         return IsSameFile(there, file.size, file.modified.seconds);
     });
 }

@@ -10,15 +10,15 @@
 namespace kesta {
 
 /// The places of a category: each chosen folder has a folder of its own on the phone.
-class PhoneNames : public PhonePlaces {
+class PhoneNames : public PhonePaths {
 public:
     PhoneNames(Category category, const PhoneView& phone)
-        : PhonePlaces(std::string(PhoneFolderOf(category)), phone), category_(category)
+        : PhonePaths(std::string(PhoneFolderOf(category)), phone), category_(category)
     {
     }
 
     /// Fixes the folder on the phone for each chosen folder: where its recorded files lie, else its own name, with a
-    /// mark when another folder has that name.
+    /// suffix when another folder has that name.
     void chooseRoots(const PlanInput& input);
 
     [[nodiscard]] Place allocate(const std::string& folder, const ScannedFile& file);

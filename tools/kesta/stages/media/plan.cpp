@@ -63,19 +63,19 @@ CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone)
     std::vector<const RecordedFile*> staying, leaving;
     for (const RecordedFile& file : input.recorded)
         (!wanted.contains(file.path) && gone.isGone(file) ? leaving : staying).push_back(&file);
-    if (input.guard.holdsBack(std::string(KeyOf(input.category)), leaving.size(), plan.recorded)) {
-        plan.heldBack = leaving.size();
+    if (input.guard.defers(std::string(KeyOf(input.category)), leaving.size(), plan.recorded)) {
+        plan.deferred = leaving.size();
         staying.insert(staying.end(), leaving.begin(), leaving.end());
         leaving.clear();
     }
 
     PhoneNames names(input.category, phone);
     std::unordered_map<std::string, const RecordedFile*> recorded;
-    std::unordered_set<std::string> homeless;  // recorded in a place that is not theirs
+    std::unordered_set<std::string> misplaced;  // recorded in a place that is not theirs
     for (const RecordedFile* file : staying) {
         recorded.emplace(file->path, file);
         if (!IsPhonePath(file->phonePath, input.category) || !names.reserve(file->phonePath))
-            homeless.insert(file->path);
+            misplaced.insert(file->path);
     }
     for (const RecordedFile* file : leaving) {
         Action action{ActionKind::kRemove, input.category, *file, 0};
@@ -90,16 +90,16 @@ CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone)
     for (const auto& [path, source] : wanted) {
         Action action{ActionKind::kCopy,
                       input.category,
-                      {path, source.folder->path, {}, source.file->booksTime},
+                      {path, source.folder->path, {}, source.file->localTime},
                       source.file->size};
         const auto known = recorded.find(path);
         if (known != recorded.end()) {
             action.kind = ActionKind::kUpdate;
             action.file.basePath = known->second->basePath;
             const PhoneFile there =
-                homeless.contains(path) ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone.find(known->second->phonePath);
+                misplaced.contains(path) ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone.find(known->second->phonePath);
             if (there.entry == PhoneEntry::kFile && there.size == source.file->size &&
-                known->second->modified == source.file->booksTime) {
+                known->second->modified == source.file->localTime) {
                 ++plan.unchanged;
                 continue;
             }

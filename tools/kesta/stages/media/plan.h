@@ -1,4 +1,4 @@
-// What a sync has to do for one category, from what is on the PC, in the books and on the phone. Changes nothing.
+// What a sync has to do for one category, from what is on the PC, in the database and on the phone. Changes nothing.
 #pragma once
 
 #include <cstdint>
@@ -18,13 +18,13 @@ enum class ActionKind {
     kCopy,    // new: copy, then record
     kUpdate,  // changed, or not as recorded on the phone: copy again, then record
     kAdopt,   // lies on the phone already, of the same size and time: only record
-    kRemove   // gone from the PC: remove from the phone, then from the books
+    kRemove   // gone from the PC: remove from the phone, then from the database
 };
 
 struct Action {
     ActionKind kind = ActionKind::kCopy;
     Category category = Category::kMusic;
-    RecordedFile file;  // as it is to be recorded; an empty phonePath in a removal: only the books know the file
+    RecordedFile file;  // as it is to be recorded; an empty phonePath in a removal: only the database knows the file
     std::uint64_t size = 0;
 };
 
@@ -33,7 +33,7 @@ struct PlanInput {
     std::vector<const FolderScan*> folders;  // the chosen ones that were found, in the user's order
     std::vector<RecordedFolder> known;       // all of the category
     std::vector<RecordedFile> recorded;      // all of the category
-    RemovalGuard& guard;
+    DeletionGuard& guard;
 };
 
 struct CategoryPlan {
@@ -41,7 +41,7 @@ struct CategoryPlan {
     std::vector<Action> copies;
     std::size_t unchanged = 0;
     std::size_t recorded = 0;
-    std::size_t heldBack = 0;  // removals left out, since they are more than half of what is recorded
+    std::size_t deferred = 0;  // removals left out, since they are more than half of what is recorded
 };
 
 [[nodiscard]] CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone);

@@ -17,7 +17,7 @@ struct ScannedFile {
     std::string relative;  // below the chosen folder, with '/' between the components
     std::uint64_t size = 0;
     os::FileTime modified;
-    std::optional<LocalTime> booksTime;  // the same to the second, as the books keep it
+    std::optional<LocalTime> localTime;  // the same to the second, as the database keeps it
 };
 
 /// Something in the folder that is there but cannot be synced. Nothing at or below its path counts as gone.
@@ -37,7 +37,7 @@ struct FolderScan {
 };
 
 struct ScanOptions {
-    os::FileId phone;  // the phone's own folder is passed over when it lies in a chosen one
+    os::FileId phone;  // the phone's own folder is skipped when it lies in a chosen one
     std::function<bool(std::size_t filesSoFar)> keepGoing = [](std::size_t) { return true; };
 };
 

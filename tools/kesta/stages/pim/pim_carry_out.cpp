@@ -13,7 +13,7 @@ namespace {
 
 [[noreturn]] void Fail(std::string_view call, std::int32_t code)
 {
-    throw BooksError(fmt::format("{} failed: {}", call, ResultText(code)));
+    throw DatabaseError(fmt::format("{} failed: {}", call, ResultText(code)));
 }
 
 void Require(std::string_view call, std::int32_t code)
@@ -55,7 +55,7 @@ std::string PimLogProfile(PimKind kind)
     return fmt::format("kesta 1 {}", KeyOf(kind));
 }
 
-void PimCarryOut::run(std::vector<PimWork>& works, bool hasJournal)
+void PimExecute::run(std::vector<PimWork>& works, bool hasJournal)
 {
     for (const PimWork& work : works) store(work);
     if (summary_.stopped()) return;
@@ -68,7 +68,7 @@ void PimCarryOut::run(std::vector<PimWork>& works, bool hasJournal)
     if (!isIdle) saveLogs(works, places);
 }
 
-PimJournal PimCarryOut::plannedPlaces(const std::vector<PimWork>& works)
+PimJournal PimExecute::plannedPlaces(const std::vector<PimWork>& works)
 {
     PimJournal journal;
     for (const PimWork& work : works)
@@ -77,7 +77,7 @@ PimJournal PimCarryOut::plannedPlaces(const std::vector<PimWork>& works)
     return journal;
 }
 
-void PimCarryOut::writeJournal(const PimJournal& journal)
+void PimExecute::writeJournal(const PimJournal& journal)
 {
     if (os::Status status = WritePimJournal(imei_, journal); !status.ok())
         summary_.stopWith(ExitCode::kFailure,
@@ -85,7 +85,7 @@ void PimCarryOut::writeJournal(const PimJournal& journal)
 }
 
 // Also after a run that was stopped: the logs are to say what the phone has.
-void PimCarryOut::saveLogs(const std::vector<PimWork>& works, const PimJournal& journal)
+void PimExecute::saveLogs(const std::vector<PimWork>& works, const PimJournal& journal)
 {
     PimJournal withRows = journal;
     for (const PimWork& work : works) withRows.rowsOf(work.kind) = RowsAfter(work);
@@ -98,25 +98,25 @@ void PimCarryOut::saveLogs(const std::vector<PimWork>& works, const PimJournal& 
     if (!status.ok()) summary_.fail("the journal of contacts and calendars", "it cannot be removed: " + status.text());
 }
 
-bool PimCarryOut::mayGoOn()
+bool PimExecute::mayGoOn()
 {
     if (os::Interrupted()) summary_.stopWith(ExitCode::kInterrupted, "interrupted");
     return !summary_.stopped();
 }
 
-void PimCarryOut::store(const PimWork& work)
+void PimExecute::store(const PimWork& work)
 {
     const bool hasNew = std::any_of(work.store.folders.begin(), work.store.folders.end(),
                                     [](const PimStorePlan& plan) { return plan.isNew; });
     if (hasNew && !work.rootIsStored && mayGoOn())
-        Require("DB_PIM_AddFolder", books_.addFolder(work.kind, PimRootFolder(work.kind)));
+        Require("DB_PIM_AddFolder", database_.addFolder(work.kind, PimRootFolder(work.kind)));
     for (const PimStorePlan& plan : work.store.folders)
         if (mayGoOn()) storeFolder(work, plan);
 }
 
-void PimCarryOut::storeFolder(const PimWork& work, const PimStorePlan& plan)
+void PimExecute::storeFolder(const PimWork& work, const PimStorePlan& plan)
 {
-    if (plan.isNew) Require("DB_PIM_AddFolder", books_.addFolder(work.kind, plan.folder));
+    if (plan.isNew) Require("DB_PIM_AddFolder", database_.addFolder(work.kind, plan.folder));
     std::size_t done = 0;
     const auto goesOn = [&] {
         progress_.remark(fmt::format(" {}: {} of {} changes stored", TitleOf(work.kind), done++,
@@ -127,41 +127,41 @@ void PimCarryOut::storeFolder(const PimWork& work, const PimStorePlan& plan)
         if (goesOn()) addItem(work, plan, plan.entries[i]);
     for (const std::size_t i : plan.updated)
         if (goesOn())
-            Require("DB_PIM_UpdateItem", books_.updateItem(work.kind, {plan.entries[i].id, plan.entries[i].bytes}));
+            Require("DB_PIM_UpdateItem", database_.updateItem(work.kind, {plan.entries[i].id, plan.entries[i].bytes}));
     std::string failure;
     for (const std::string& id : plan.removed) {
         if (!goesOn()) break;
         // Another program may have removed it in the meantime: what counts is that it is gone.
-        if (const std::int32_t code = books_.removeItem(id); code != 0)
+        if (const std::int32_t code = database_.removeItem(id); code != 0)
             failure = "DB_PIM_DeleteItem failed: " + ResultText(code);
     }
     if (summary_.stopped()) return;
     if (plan.changes()) checkStored(work, plan, failure);
-    if (plan.isLeaving) Require("DB_PIM_DeleteFolder", books_.removeFolder(plan.folder.id));
+    if (plan.isLeaving) Require("DB_PIM_DeleteFolder", database_.removeFolder(plan.folder.id));
 }
 
-void PimCarryOut::addItem(const PimWork& work, const PimStorePlan& plan, const PimEntry& entry)
+void PimExecute::addItem(const PimWork& work, const PimStorePlan& plan, const PimEntry& entry)
 {
     const PimItem item{entry.id, entry.bytes};
-    std::int32_t code = books_.addItem(work.kind, plan.folder.path, item);
+    std::int32_t code = database_.addItem(work.kind, plan.folder.path, item);
     // An item that hangs in the air, since somebody removed its folder, keeps its id from being used again.
-    if (code != 0 && books_.removeItem(entry.id) == 0) code = books_.addItem(work.kind, plan.folder.path, item);
+    if (code != 0 && database_.removeItem(entry.id) == 0) code = database_.addItem(work.kind, plan.folder.path, item);
     Require("DB_PIM_AddItem", code);
 }
 
 // Items are added by a folder's path, which another program's folder may share.
-void PimCarryOut::checkStored(const PimWork& work, const PimStorePlan& plan, const std::string& failure)
+void PimExecute::checkStored(const PimWork& work, const PimStorePlan& plan, const std::string& failure)
 {
     std::set<std::string> wanted, stored;
     for (const PimEntry& entry : plan.entries) wanted.insert(entry.id);
-    for (const PimItem& item : books_.items(work.kind, plan.folder.id)) stored.insert(item.id);
+    for (const PimItem& item : database_.items(work.kind, plan.folder.id)) stored.insert(item.id);
     if (stored == wanted) return;
-    if (!failure.empty()) throw BooksError(failure);
-    throw BooksError(fmt::format("the books' folder '{}' holds {} entries instead of {}", plan.folder.path,
-                                 stored.size(), wanted.size()));
+    if (!failure.empty()) throw DatabaseError(failure);
+    throw DatabaseError(fmt::format("the database's folder '{}' holds {} entries instead of {}", plan.folder.path,
+                                    stored.size(), wanted.size()));
 }
 
-void PimCarryOut::writeFiles(std::vector<PimWork>& works)
+void PimExecute::writeFiles(std::vector<PimWork>& works)
 {
     std::size_t files = 0;
     std::uint64_t bytes = 0;
@@ -175,7 +175,7 @@ void PimCarryOut::writeFiles(std::vector<PimWork>& works)
     progress_.start(files, bytes);
     for (PimWork& work : works) {
         for (PimPhonePlan& plan : work.phone.files) {
-            if (carryOut(plan)) {
+            if (execute(plan)) {
                 Count(plan, *work.counts);
             } else {
                 plan.rows = plan.oldRows;
@@ -186,7 +186,7 @@ void PimCarryOut::writeFiles(std::vector<PimWork>& works)
     progress_.finish();
 }
 
-bool PimCarryOut::carryOut(PimPhonePlan& plan)
+bool PimExecute::execute(PimPhonePlan& plan)
 {
     if (plan.action == PimFileAction::kKeep) return true;
     if (mayGoOn() && !phone_.isStillThere()) summary_.stopWith(ExitCode::kPhoneGone, "the phone went away");
@@ -211,7 +211,7 @@ bool PimCarryOut::carryOut(PimPhonePlan& plan)
     return true;
 }
 
-bool PimCarryOut::write(PimPhonePlan& plan)
+bool PimExecute::write(PimPhonePlan& plan)
 {
     if (os::Status status = phone_.makeFolders(plan.phonePath); !status.ok()) {
         failOnPhone(plan, "its folder cannot be made on the phone", status);
@@ -227,15 +227,15 @@ bool PimCarryOut::write(PimPhonePlan& plan)
 }
 
 // Without the file's time the next run looks into the file.
-void PimCarryOut::setPhoneTimes(PimPhonePlan& plan) const
+void PimExecute::setPhoneTimes(PimPhonePlan& plan) const
 {
     os::FileInfo info;
     if (!os::ReadInfo(phone_.native(plan.phonePath), info).ok()) return;
     for (PimLogRow& row : plan.rows)
-        if (!row.phoneTime) row.phoneTime = BooksTime(info.modified.seconds);
+        if (!row.phoneTime) row.phoneTime = ToLocalTime(info.modified.seconds);
 }
 
-void PimCarryOut::failOnPhone(const PimPhonePlan& plan, const std::string& what, const os::Status& status)
+void PimExecute::failOnPhone(const PimPhonePlan& plan, const std::string& what, const os::Status& status)
 {
     summary_.fail(plan.phonePath, fmt::format("{}: {}", what, status.text()));
     progress_.endFile("failed", plan.phonePath, plan.text.size());
@@ -246,7 +246,7 @@ void PimCarryOut::failOnPhone(const PimPhonePlan& plan, const std::string& what,
 }
 
 // A log cannot be changed, only cleared and appended to; where nothing old changes, appending will do.
-void PimCarryOut::saveLog(const PimWork& work)
+void PimExecute::saveLog(const PimWork& work)
 {
     const std::vector<PimLogRow> after = RowsAfter(work), before = SortedPimRows(work.log);
     if (IsLogAsPlanned(work)) return;
@@ -260,12 +260,12 @@ void PimCarryOut::saveLog(const PimWork& work)
         std::erase_if(
             rows, [&](const PimLogRow& row) { return std::binary_search(before.begin(), before.end(), row, byGuid); });
     else
-        Require("DB_PIMLOG_ClearAll", books_.clearLog(imei_, work.kind));
-    Require("DB_PIMLOG_SaveLog", books_.appendToLog(imei_, work.kind, rows));
-    if (SortedPimRows(books_.log(imei_, work.kind)) != after)
-        throw BooksError("DB_PIMLOG_SaveLog failed: the log does not hold what was saved");
+        Require("DB_PIMLOG_ClearAll", database_.clearLog(imei_, work.kind));
+    Require("DB_PIMLOG_SaveLog", database_.appendToLog(imei_, work.kind, rows));
+    if (SortedPimRows(database_.log(imei_, work.kind)) != after)
+        throw DatabaseError("DB_PIMLOG_SaveLog failed: the log does not hold what was saved");
     if (!onlyNew || before.empty())
-        Require("DB_PIMLOG_SetPimProfile", books_.setLogProfile(imei_, work.kind, PimLogProfile(work.kind)));
+        Require("DB_PIMLOG_SetPimProfile", database_.setLogProfile(imei_, work.kind, PimLogProfile(work.kind)));
 }
 
 }  // namespace kesta

@@ -1,4 +1,4 @@
-// Carries out what was planned for contacts and calendars: the store first, then the phone, then the phone's log, so
+// Executes what was planned for contacts and calendars: the store first, then the phone, then the phone's log, so
 // that a run that is killed is made good by the next one.
 #pragma once
 
@@ -24,7 +24,7 @@ struct PimWork {
     bool rootIsStored = false;
     PimStorePlans store;
     std::vector<PimLogRow> log;  // each entry once
-    bool logIsInOrder = true;    // false: the books hold something else, and are to get the log as a whole
+    bool logIsInOrder = true;    // false: the database holds something else, and are to get the log as a whole
     PimPhonePlans phone;
 };
 
@@ -34,14 +34,14 @@ struct PimWork {
 /// By their entries' ids.
 [[nodiscard]] std::vector<PimLogRow> SortedPimRows(std::vector<PimLogRow> rows);
 
-class PimCarryOut {
+class PimExecute {
 public:
-    PimCarryOut(PimBooks& books, std::string imei, PhoneFolder& phone, Progress& progress, Summary& summary)
-        : books_(books), imei_(std::move(imei)), phone_(phone), progress_(progress), summary_(summary)
+    PimExecute(PimRecords& database, std::string imei, PhoneFolder& phone, Progress& progress, Summary& summary)
+        : database_(database), imei_(std::move(imei)), phone_(phone), progress_(progress), summary_(summary)
     {
     }
 
-    /// hasJournal: the last run has left one. Throws BooksError and PhoneError.
+    /// hasJournal: the last run has left one. Throws DatabaseError and PhoneError.
     void run(std::vector<PimWork>& works, bool hasJournal);
 
 private:
@@ -53,14 +53,14 @@ private:
     [[nodiscard]] static PimJournal plannedPlaces(const std::vector<PimWork>& works);
     void saveLogs(const std::vector<PimWork>& works, const PimJournal& journal);
     void writeFiles(std::vector<PimWork>& works);
-    [[nodiscard]] bool carryOut(PimPhonePlan& plan);
+    [[nodiscard]] bool execute(PimPhonePlan& plan);
     [[nodiscard]] bool write(PimPhonePlan& plan);
     void setPhoneTimes(PimPhonePlan& plan) const;
     void saveLog(const PimWork& work);
     [[nodiscard]] bool mayGoOn();
     void failOnPhone(const PimPhonePlan& plan, const std::string& what, const os::Status& status);
 
-    PimBooks& books_;
+    PimRecords& database_;
     std::string imei_;
     PhoneFolder& phone_;
     Progress& progress_;

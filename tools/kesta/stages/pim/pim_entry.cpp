@@ -29,7 +29,7 @@ bool IsDigest(std::string_view text, std::size_t length)
 
 std::optional<LocalTime> TimeOf(const std::optional<std::int64_t>& utcSeconds)
 {
-    return utcSeconds ? BooksTime(*utcSeconds) : std::nullopt;
+    return utcSeconds ? ToLocalTime(*utcSeconds) : std::nullopt;
 }
 
 }  // namespace
@@ -72,12 +72,12 @@ std::string PimFileDigest(std::string_view fileName)
     return ShortDigest(fileName);
 }
 
-std::string ToLuid(const PimPlace& place)
+std::string ToLuid(const PimCopy& place)
 {
     return fmt::format("{}-{}", place.file, place.digest);
 }
 
-PimPlace FromLuid(const std::string& luid)
+PimCopy FromLuid(const std::string& luid)
 {
     const std::string_view text(luid);
     if (text.size() != kShortDigest + 1 + kDigest || text[kShortDigest] != '-') return {};

@@ -1,4 +1,4 @@
-// Contacts and calendar entries as the client handles them, and the names that the books know them by.
+// Contacts and calendar entries as the client handles them, and the names that the database knows them by.
 //
 // A folder's id is "<kind>-<digest of the file's path>-<digest of the calendar's name>", an entry's adds the digest of
 // its UID: whatever paths, names and UIDs hold, the ids stay short, ASCII and without quotes.
@@ -31,14 +31,14 @@ struct PimEntry {
 [[nodiscard]] bool IsOfPimSource(const std::string& folderId, const std::string& sourceId);
 
 /// What a phone has of an entry, as its log says: which file holds it, and what it holds.
-struct PimPlace {
+struct PimCopy {
     std::string file;    // PimFileDigest of the file's name
     std::string digest;  // of the contents
 };
 [[nodiscard]] std::string PimFileDigest(std::string_view fileName);
-[[nodiscard]] std::string ToLuid(const PimPlace& place);
+[[nodiscard]] std::string ToLuid(const PimCopy& place);
 /// Empty fields for a text of another form.
-[[nodiscard]] PimPlace FromLuid(const std::string& luid);
+[[nodiscard]] PimCopy FromLuid(const std::string& luid);
 
 /// Reads digest and time out of a stored entry.
 [[nodiscard]] PimEntry ReadStored(PimKind kind, PimItem item);

@@ -28,7 +28,7 @@ public:
                 taken_.insert(CaseKey(name->second));
     }
 
-    /// Where the recorded file lies; nothing when it is not there.
+    /// Where the recorded file lies; std::nullopt when it is not there.
     [[nodiscard]] std::optional<std::string> find(const std::string& fileDigest) const
     {
         const auto name = names_.find(fileDigest);
@@ -48,7 +48,7 @@ public:
                 taken_.insert(CaseKey(name));
                 return place;
             }
-            name = MarkedName(wish, folder.id, attempt);
+            name = SuffixedName(wish, folder.id, attempt);
         }
     }
 
@@ -114,7 +114,7 @@ private:
         if (folder.entries.empty() && plan.oldRows.empty()) return;
         compare(folder, plan);
         const bool areTooMany =
-            source.complete && input_.guard.holdsBack("phone " + folder.folder.id, plan.removed, plan.oldRows.size());
+            source.complete && input_.guard.defers("phone " + folder.folder.id, plan.removed, plan.oldRows.size());
         if (plan.removed > 0 && (areTooMany || !source.complete)) {
             leaveAlone(source, plan);
         } else if (folder.entries.empty()) {
@@ -139,7 +139,7 @@ private:
             } else {
                 const bool isSame = FromLuid(place->second->luid).digest == entry.digest;
                 if (!isSame) ++plan.updated;
-                if (isSame && !folder.heldBack.contains(entry.id)) ++plan.unchanged;
+                if (isSame && !folder.deferred.contains(entry.id)) ++plan.unchanged;
                 if (isSame) row = *place->second;
                 old.erase(place);
             }
@@ -151,7 +151,7 @@ private:
     static void leaveAlone(const PimSource& source, PimPhonePlan& plan)
     {
         plan.waitsForSource = !source.complete;
-        plan.heldBack = source.complete ? plan.removed : 0;
+        plan.deferred = source.complete ? plan.removed : 0;
         plan.added = plan.updated = plan.removed = 0;
         plan.rows = plan.oldRows;
     }
@@ -184,7 +184,7 @@ private:
         // The latest row was written with the file.
         std::optional<LocalTime> recorded;
         for (const PimLogRow& row : rows) recorded = std::max(recorded, row.phoneTime);
-        const auto time = BooksTime(there.modifiedSeconds);
+        const auto time = ToLocalTime(there.modifiedSeconds);
         return recorded && time && std::abs(*recorded - *time) <= kTimeTolerance;
     }
 

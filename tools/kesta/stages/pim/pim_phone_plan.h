@@ -30,7 +30,7 @@ struct PimPhoneInput {
     const PimStorePlans& store;
     const std::vector<PimLogRow>& log;   // all of the kind
     const std::set<std::string>& owned;  // places that the last run, which was cut short, was about to write
-    RemovalGuard& guard;
+    DeletionGuard& guard;
 };
 
 enum class PimFileAction {
@@ -46,10 +46,10 @@ struct PimPhonePlan {
     std::string phonePath;   // empty for a file to be removed that is not there
     std::string text;        // to be written
     std::size_t added = 0, updated = 0, removed = 0, unchanged = 0;
-    std::size_t heldBack = 0;     // removals for which the whole file is left as it is
+    std::size_t deferred = 0;     // removals for which the whole file is left as it is
     bool waitsForSource = false;  // it is left as it is because the file of the PC is not known to be complete
     std::vector<PimLogRow> oldRows;
-    std::vector<PimLogRow> rows;  // once it is carried out; without a phone time where it is the file's
+    std::vector<PimLogRow> rows;  // once it is executed; without a phone time where it is the file's
 };
 
 struct PimPhonePlans {

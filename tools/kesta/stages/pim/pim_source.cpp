@@ -38,7 +38,7 @@ public:
              const std::optional<std::int64_t>& modifiedUtc)
     {
         const std::size_t copy = ++copies_[std::string(uid)];
-        std::optional<LocalTime> modified = modifiedUtc ? BooksTime(*modifiedUtc) : std::nullopt;
+        std::optional<LocalTime> modified = modifiedUtc ? ToLocalTime(*modifiedUtc) : std::nullopt;
         if (!modified) modified = fileTime_;
         folder_.entries.push_back({PimEntryId(folder_.id, uid, copy), std::move(bytes), std::move(digest), modified});
     }
@@ -108,7 +108,7 @@ PimSource ReadPimSource(PimKind kind, const std::string& canonicalPath)
         }
         isSteady = before.size == after.size && before.modified == after.modified && contents.size() == after.size;
     }
-    PimSource source = MakePimSource(kind, canonicalPath, contents, BooksTime(after.modified.seconds));
+    PimSource source = MakePimSource(kind, canonicalPath, contents, ToLocalTime(after.modified.seconds));
     if (isSteady) return source;
     source.complete = false;
     source.problem = "it is being written";

@@ -28,7 +28,7 @@ public:
             const auto length = fileName.size() - ExtensionOf(kind_).size();
             std::string path = fmt::format("{}/{}", TitleOf(kind_), fileName.substr(0, length));
             if (taken_.insert(CaseKey(path)).second) return path;
-            fileName = MarkedName(wish, id, attempt);
+            fileName = SuffixedName(wish, id, attempt);
         }
     }
 
@@ -89,7 +89,7 @@ private:
     {
         result_.refusedFolders.insert(wanted.id);
         result_.refusals.push_back(
-            {source.path, fmt::format("the books have no room for '{}': they take {} folders of {}", wanted.name,
+            {source.path, fmt::format("the database has no room for '{}': they take {} folders of {}", wanted.name,
                                       input_.folderLimit, KeyOf(input_.kind))});
     }
 
@@ -120,7 +120,7 @@ private:
         }
         if (leftOut > 0)
             result_.refusals.push_back(
-                {plan.source->path, fmt::format("{} of its entries are left out: the books take {} in a folder",
+                {plan.source->path, fmt::format("{} of its entries are left out: the database takes {} in a folder",
                                                 leftOut, input_.itemLimit)});
         planRemovals(known, seen, plan);
     }
@@ -134,13 +134,13 @@ private:
             if (!seen.contains(entry.id)) leaving.push_back(&entry);
         std::sort(leaving.begin(), leaving.end(), [](const auto* a, const auto* b) { return a->id < b->id; });
         const bool areTooMany =
-            plan.source->complete && input_.guard.holdsBack("store " + plan.folder.id, leaving.size(), known.size());
+            plan.source->complete && input_.guard.defers("store " + plan.folder.id, leaving.size(), known.size());
         for (const PimEntry* entry : leaving) {
             if (plan.source->complete && !areTooMany) {
                 plan.removed.push_back(entry->id);
                 continue;
             }
-            if (plan.source->complete) plan.heldBack.insert(entry->id);
+            if (plan.source->complete) plan.deferred.insert(entry->id);
             plan.entries.push_back(*entry);
         }
     }

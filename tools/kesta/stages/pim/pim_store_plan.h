@@ -1,5 +1,5 @@
-// What a sync has to do in the books' store of contacts or calendars, so that it holds what the files of the PC hold.
-// Changes nothing.
+// What a sync has to do in the database's store of contacts or calendars, so that it holds what the files of the PC
+// hold. Changes nothing.
 #pragma once
 
 #include <cstddef>
@@ -23,7 +23,7 @@ struct PimStoreInput {
     PimKind kind = PimKind::kContacts;
     const std::vector<PimSource>& sources;      // those that are not readable are left alone
     const std::vector<StoredPimFolder>& known;  // all of the kind; the entries are needed of the sources' folders only
-    RemovalGuard& guard;
+    DeletionGuard& guard;
     std::size_t folderLimit = kMostListedPimFolders - 1;  // the root takes part in a listing of the whole tree
     std::size_t itemLimit = kMostListedPimItems;
 };
@@ -37,7 +37,7 @@ struct PimStorePlan {
     std::vector<std::size_t> added;    // of these
     std::vector<std::size_t> updated;  // of these
     std::vector<std::string> removed;  // ids
-    std::set<std::string> heldBack;    // ids of what stays, since it would be more than half of the folder
+    std::set<std::string> deferred;    // ids of what stays, since it would be more than half of the folder
     [[nodiscard]] bool changes() const { return !added.empty() || !updated.empty() || !removed.empty(); }
 };
 

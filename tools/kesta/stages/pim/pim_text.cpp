@@ -81,7 +81,7 @@ struct Calendar {
 std::string CalendarText(const std::string& name, const std::vector<PimEntry>& entries)
 {
     std::vector<Calendar> calendars;
-    std::string unknown;  // contents that another program left in the books
+    std::string unknown;  // contents that another program left in the database
     for (const PimEntry& entry : entries) {
         const formats::RawCalendars read = formats::ReadCalendars(entry.bytes);
         if (!read.problems.empty()) {

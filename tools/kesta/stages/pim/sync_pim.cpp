@@ -44,9 +44,9 @@ private:
 
 class PimRun {
 public:
-    PimRun(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options, RemovalGuard& guard,
-           Progress& progress, Summary& summary)
-        : pim_(books),
+    PimRun(Database& database, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+           DeletionGuard& guard, Progress& progress, Summary& summary)
+        : pim_(database),
           imei_(imei),
           phone_(phone),
           options_(options),
@@ -54,7 +54,7 @@ public:
           progress_(progress),
           summary_(summary)
     {
-        isKnown_ = !imei.empty() && books.phone(imei).has_value();
+        isKnown_ = !imei.empty() && database.phone(imei).has_value();
     }
 
     void run()
@@ -66,9 +66,9 @@ public:
             const bool isGiven = !filesOf(kind).empty();
             if (isGiven || journal_) prepare(kind, isGiven, works);
         }
-        if (options_.dryRun) return foretell(works);
+        if (options_.dryRun) return preview(works);
         guard_.save(summary_);
-        PimCarryOut(pim_, imei_, phone_, progress_, summary_).run(works, hasJournal_);
+        PimExecute(pim_, imei_, phone_, progress_, summary_).run(works, hasJournal_);
     }
 
 private:
@@ -171,9 +171,9 @@ private:
 
     void report(const PimWork& work)
     {
-        for (const PimStorePlan& plan : work.store.folders) work.counts->heldBack += plan.heldBack.size();
+        for (const PimStorePlan& plan : work.store.folders) work.counts->deferred += plan.deferred.size();
         for (const PimPhonePlan& plan : work.phone.files) {
-            work.counts->heldBack += plan.heldBack;
+            work.counts->deferred += plan.deferred;
             if (plan.waitsForSource)
                 summary_.notes.push_back(
                     fmt::format("what the phone has of {} stays as it is until that file can be read to its end.",
@@ -181,7 +181,7 @@ private:
         }
     }
 
-    void foretell(const std::vector<PimWork>& works)
+    void preview(const std::vector<PimWork>& works)
     {
         for (const PimWork& work : works) {
             for (const PimPhonePlan& plan : work.phone.files) {
@@ -199,11 +199,11 @@ private:
         }
     }
 
-    PimBooks pim_;
+    PimRecords pim_;
     std::string imei_;
     PhoneFolder& phone_;
     const SyncOptions& options_;
-    RemovalGuard& guard_;
+    DeletionGuard& guard_;
     Progress& progress_;
     Summary& summary_;
     bool isKnown_ = false;
@@ -213,13 +213,13 @@ private:
 
 }  // namespace
 
-void SyncPim(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options, RemovalGuard& guard,
-             Progress& progress, Summary& summary)
+void SyncPim(Database& database, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+             DeletionGuard& guard, Progress& progress, Summary& summary)
 {
     try {
-        PimRun(books, imei, phone, options, guard, progress, summary).run();
-    } catch (const BooksError& failure) {
-        summary.stopWith(ExitCode::kBooks, failure.what());
+        PimRun(database, imei, phone, options, guard, progress, summary).run();
+    } catch (const DatabaseError& failure) {
+        summary.stopWith(ExitCode::kDatabase, failure.what());
     } catch (const PhoneError& failure) {
         summary.stopWith(ExitCode::kPhoneGone, failure.what());
     }

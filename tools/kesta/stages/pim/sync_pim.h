@@ -1,4 +1,4 @@
-// Contacts and calendars: the books' store is brought up to the files of the PC, then the phone up to the store.
+// Contacts and calendars: the database's store is brought up to the files of the PC, then the phone up to the store.
 #pragma once
 
 #include <string>
@@ -13,7 +13,7 @@
 namespace kesta {
 
 /// The phone must have been announced, but for a dry run. What fails goes to the summary.
-void SyncPim(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options, RemovalGuard& guard,
-             Progress& progress, Summary& summary);
+void SyncPim(Database& database, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+             DeletionGuard& guard, Progress& progress, Summary& summary);
 
 }  // namespace kesta

@@ -35,10 +35,10 @@ std::vector<std::string> MembersToRecord(const PcPlaylist& list, const std::vect
 std::vector<ListWork> ListCarrier::findWork(const PlaylistPlan& plan, const std::vector<RecordedPlaylist>& recorded,
                                             const std::function<std::string(const ListMember&)>& placeOf)
 {
-    PhonePlaces places(std::string(kPlaylistFolder), phone_);
+    PhonePaths places(std::string(kPlaylistFolder), phone_);
     std::map<std::string, std::string> placeOfList;
     for (const RecordedPlaylist& list : recorded) {
-        const std::string place = PlaceOfList(list);
+        const std::string place = PhonePathOfList(list);
         const bool leaves = std::find(plan.leaving.begin(), plan.leaving.end(), &list) != plan.leaving.end();
         if (place.empty() || leaves || !places.reserve(place)) continue;
         placeOfList.emplace(list.name, place);
@@ -93,11 +93,11 @@ bool ListCarrier::mayGoOn()
     return !summary_.stopped();
 }
 
-bool ListCarrier::requireBooks(std::int32_t code, const std::string& name, const char* what)
+bool ListCarrier::requireDatabase(std::int32_t code, const std::string& name, const char* what)
 {
     if (code == 0) return true;
     summary_.fail(name, fmt::format("{}: {}", what, ResultText(code)));
-    summary_.stopWith(ExitCode::kBooks, "the books cannot be written");
+    summary_.stopWith(ExitCode::kDatabase, "the database cannot be written");
     return false;
 }
 
@@ -121,7 +121,7 @@ bool ListCarrier::write(const std::vector<ListWork>& all,
             mayGoOn() && writeOne(work, former == members.end() ? std::vector<std::string>() : former->second);
         allWritten = allWritten && written;
     }
-    if (summary_.stop == ExitCode::kPhoneGone || summary_.stop == ExitCode::kBooks) return false;
+    if (summary_.stop == ExitCode::kPhoneGone || summary_.stop == ExitCode::kDatabase) return false;
     if (os::Status status = RemoveJournal(phone_); !status.ok())
         summary_.fail(std::string(kJournalName), "it cannot be removed from the phone: " + status.text());
     return allWritten;
@@ -139,7 +139,8 @@ bool ListCarrier::writeOne(const ListWork& work, const std::vector<std::string>&
             return false;
         }
     }
-    if (!requireBooks(record(work, formerMembers), work.bring.list->path, "the list cannot be recorded in the books"))
+    if (!requireDatabase(record(work, formerMembers), work.bring.list->path,
+                         "the list cannot be recorded in the database"))
         return false;
     const bool wasOnPhone = work.bring.record->idInPhone.has_value();
     ++(wasOnPhone ? counts_.updated : counts_.added);
@@ -152,16 +153,16 @@ std::int32_t ListCarrier::record(const ListWork& work, const std::vector<std::st
 {
     const std::string& name = work.bring.list->name;
     const std::vector<std::string> names = MembersToRecord(*work.bring.list, formerMembers);
-    if (const std::int32_t code = books_.setMembers(name, names); code != 0) return code;
+    if (const std::int32_t code = database_.setMembers(name, names); code != 0) return code;
     // The library does not say whether each name was taken.
-    const std::vector<std::string> stored = books_.members(name);
+    const std::vector<std::string> stored = database_.members(name);
     if (std::set<std::string>(stored.begin(), stored.end()) != std::set<std::string>(names.begin(), names.end()))
         return 1;
-    const std::int32_t code = work.isNew ? books_.setAdded(name, work.place) : books_.setUpdated(name);
+    const std::int32_t code = work.isNew ? database_.setAdded(name, work.place) : database_.setUpdated(name);
     if (code != 0) return code;
     RecordedPlaylist record = *work.bring.record;
     record.digest = work.contents.digest;
-    return books_.confirm(record);
+    return database_.confirm(record);
 }
 
 void ListCarrier::remove(const std::vector<const RecordedPlaylist*>& leaving, const std::vector<RecordedFile>& files)
@@ -172,16 +173,16 @@ void ListCarrier::remove(const std::vector<const RecordedPlaylist*>& leaving, co
 
 void ListCarrier::removeOne(const RecordedPlaylist& list)
 {
-    const std::string place = PlaceOfList(list);
+    const std::string place = PhonePathOfList(list);
     if (!place.empty() && !placesInUse_.contains(CaseKey(place))) {
         if (os::Status status = phone_.removeFile(place); !status.ok()) {
             summary_.fail(place, "it cannot be removed from the phone: " + status.text());
             return StopOnPhoneFailure(phone_, status, summary_);
         }
     }
-    std::int32_t code = books_.setMembers(list.name, {});
-    if (code == 0) code = books_.setDeleted(list.name);
-    if (!requireBooks(code, list.name, "the playlist cannot be taken out of the books")) return;
+    std::int32_t code = database_.setMembers(list.name, {});
+    if (code == 0) code = database_.setDeleted(list.name);
+    if (!requireDatabase(code, list.name, "the playlist cannot be removed from the database")) return;
     if (!list.idInPhone) return;
     ++counts_.removed;
     progress_.endFile("removed", place.empty() ? list.name : place, 0);
@@ -191,9 +192,9 @@ void ListCarrier::forget(const std::vector<const RecordedPlaylist*>& lists, cons
 {
     for (const RecordedPlaylist* list : lists) {
         if (!mayGoOn() || HasFiles(*list, files)) continue;
-        std::int32_t code = books_.setMembers(list->name, {});
-        if (code == 0) code = books_.forget(list->name);
-        if (!requireBooks(code, list->name, "the playlist cannot be taken out of the books")) return;
+        std::int32_t code = database_.setMembers(list->name, {});
+        if (code == 0) code = database_.forget(list->name);
+        if (!requireDatabase(code, list->name, "the playlist cannot be removed from the database")) return;
     }
 }
 

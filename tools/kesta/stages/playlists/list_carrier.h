@@ -1,4 +1,4 @@
-// Brings the lists themselves to the phone and takes them off it: the phone first, then the books.
+// Brings the lists themselves to the phone and takes them off it: the phone first, then the database.
 #pragma once
 
 #include <map>
@@ -27,8 +27,9 @@ struct ListWork {
 
 class ListCarrier {
 public:
-    ListCarrier(PlaylistBooks& books, PhoneFolder& phone, Progress& progress, Summary& summary, FamilyCounts& counts)
-        : books_(books), phone_(phone), progress_(progress), summary_(summary), counts_(counts)
+    ListCarrier(PlaylistRecords& database, PhoneFolder& phone, Progress& progress, Summary& summary,
+                FamilyCounts& counts)
+        : database_(database), phone_(phone), progress_(progress), summary_(summary), counts_(counts)
     {
     }
 
@@ -36,11 +37,11 @@ public:
     [[nodiscard]] std::vector<ListWork> findWork(const PlaylistPlan& plan,
                                                  const std::vector<RecordedPlaylist>& recorded,
                                                  const std::function<std::string(const ListMember&)>& placeOf);
-    /// members: what the books have for each list. Answers whether every list got there.
+    /// members: what the database has for each list. Answers whether every list got there.
     bool write(const std::vector<ListWork>& work, const std::map<std::string, std::vector<std::string>>& members);
     /// Lists whose files are still recorded stay for the next run.
     void remove(const std::vector<const RecordedPlaylist*>& leaving, const std::vector<RecordedFile>& files);
-    /// Takes lists that the phone does not have out of the books.
+    /// Takes lists that the phone does not have out of the database.
     void forget(const std::vector<const RecordedPlaylist*>& lists, const std::vector<RecordedFile>& files);
 
 private:
@@ -48,10 +49,10 @@ private:
     bool writeOne(const ListWork& work, const std::vector<std::string>& formerMembers);
     void removeOne(const RecordedPlaylist& list);
     [[nodiscard]] std::int32_t record(const ListWork& work, const std::vector<std::string>& formerMembers);
-    bool requireBooks(std::int32_t code, const std::string& name, const char* what);
+    bool requireDatabase(std::int32_t code, const std::string& name, const char* what);
     [[nodiscard]] bool mayGoOn();
 
-    PlaylistBooks& books_;
+    PlaylistRecords& database_;
     PhoneFolder& phone_;
     Progress& progress_;
     Summary& summary_;

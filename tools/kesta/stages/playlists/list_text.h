@@ -19,7 +19,7 @@ struct ListText {
 [[nodiscard]] std::optional<ListText> MakeListText(const PcPlaylist& list,
                                                    const std::function<std::string(const ListMember&)>& placeOf);
 
-/// What the books keep of the list's members: paths on the PC and URLs, each once.
+/// What the database keeps of the list's members: paths on the PC and URLs, each once.
 [[nodiscard]] std::vector<std::string> MemberNames(const PcPlaylist& list);
 
 }  // namespace kesta

@@ -112,7 +112,7 @@ private:
         member.found = true;
         member.size = info.size;
         member.modified = info.modified;
-        member.booksTime = BooksTime(info.modified.seconds);
+        member.localTime = ToLocalTime(info.modified.seconds);
         return member;
     }
 

@@ -20,13 +20,13 @@ struct ListMember {
     bool found = false;            // it is a file that is there
     std::uint64_t size = 0;
     os::FileTime modified;
-    std::optional<LocalTime> booksTime;
+    std::optional<LocalTime> localTime;
 
     [[nodiscard]] bool isUrl() const { return entry.location.kind == formats::LocationKind::kUrl; }
 };
 
 struct PcPlaylist {
-    std::string name;  // the key in the books: the file's name without its ending, where that is unique
+    std::string name;  // the key in the database: the file's name without its ending, where that is unique
     std::string path;
     std::string title;  // as players show it; never empty
     std::vector<ListMember> members;

@@ -24,10 +24,10 @@ public:
     PlaylistPlan run() &&
     {
         sortOut();
-        holdBack();
+        defer();
         for (const ListToBring& bring : plan_.lists) collectNeeds(bring);
         planFiles();
-        rehome();
+        reassign();
         return std::move(plan_);
     }
 
@@ -43,7 +43,7 @@ private:
             else if (record.state == PlaylistState::kDeletedOnPhone)
                 plan_.deletedOnPhone.push_back(&record);
             else if (!record.selected)
-                passOver(record);
+                skip(record);
             else if (!found->second->readable)
                 keep(record);
             else
@@ -60,12 +60,12 @@ private:
         else if (record.state == PlaylistState::kUnconfirmed)
             plan_.leaving.push_back(&record);
         else if (!record.selected)
-            passOver(record);
+            skip(record);
         else
             keep(record);
     }
 
-    void passOver(const RecordedPlaylist& record)
+    void skip(const RecordedPlaylist& record)
     {
         plan_.notSelected.push_back(&record);
         keep(record);
@@ -90,7 +90,7 @@ private:
         return bring.record->idInPhone && bring.list->members.empty() && !membersOf(*bring.record).empty();
     }
 
-    void holdBack()
+    void defer()
     {
         const auto isOnPhone = [](const RecordedPlaylist& record) { return record.idInPhone.has_value(); };
         const auto onPhone =
@@ -100,8 +100,8 @@ private:
                                                    [&](const RecordedPlaylist* record) { return isOnPhone(*record); }) +
                                      std::count_if(plan_.lists.begin(), plan_.lists.end(),
                                                    [&](const ListToBring& bring) { return isEmptied(bring); }));
-        if (!input_.guard.holdsBack("playlists", losses, onPhone)) return;
-        plan_.heldBack = losses;
+        if (!input_.guard.defers("playlists", losses, onPhone)) return;
+        plan_.deferred = losses;
         std::erase_if(plan_.leaving, [&](const RecordedPlaylist* record) {
             if (isOnPhone(*record)) keep(*record);
             return isOnPhone(*record);
@@ -116,7 +116,7 @@ private:
     {
         for (const ListMember& member : bring.list->members) {
             if (member.isUrl()) continue;
-            if (PlaceInMedia(member, input_.media, phone_).empty())
+            if (PathInMedia(member, input_.media, phone_).empty())
                 needs_.try_emplace(member.path, Need{&member, bring.list->name});
             else
                 carried_.insert(member.path);
@@ -168,12 +168,12 @@ private:
             return;
         }
         if (record != nullptr && there.entry == PhoneEntry::kFile && there.size == member.size &&
-            record->modified == member.booksTime) {
+            record->modified == member.localTime) {
             ++plan_.files.unchanged;
             return;
         }
         Action action{
-            ActionKind::kCopy, Category::kMusic, {member.path, need.owner, {}, member.booksTime}, member.size};
+            ActionKind::kCopy, Category::kMusic, {member.path, need.owner, {}, member.localTime}, member.size};
         if (record != nullptr) {
             action.kind = ActionKind::kUpdate;
             action.file.basePath = record->basePath;
@@ -193,7 +193,7 @@ private:
     }
 
     // The library forgets a list's files with the list, those that other lists need as well.
-    void rehome()
+    void reassign()
     {
         std::set<std::string> ending;
         for (const RecordedPlaylist* record : plan_.leaving) ending.insert(record->name);
@@ -203,14 +203,14 @@ private:
             const auto need = needs_.find(file.path);
             const auto keeper = kept_.find(file.path);
             if (need == needs_.end() && keeper == kept_.end()) continue;
-            plan_.rehomed.push_back(file);
-            plan_.rehomed.back().basePath = need != needs_.end() ? need->second.owner : keeper->second;
+            plan_.reassigned.push_back(file);
+            plan_.reassigned.back().basePath = need != needs_.end() ? need->second.owner : keeper->second;
         }
     }
 
     const PlaylistPlanInput& input_;
     const PhoneView& phone_;
-    PhonePlaces places_;
+    PhonePaths places_;
     PlaylistPlan plan_;
     std::map<std::string, Need> needs_;        // by path on the PC
     std::map<std::string, std::string> kept_;  // path on the PC to the list that keeps it
@@ -224,18 +224,18 @@ PlaylistPlan PlanPlaylists(const PlaylistPlanInput& input, const PhoneView& phon
     return Planner(input, phone).run();
 }
 
-std::string PlaceInMedia(const ListMember& member, const MediaPlaces& media, const PhoneView& phone)
+std::string PathInMedia(const ListMember& member, const MediaPhonePaths& media, const PhoneView& phone)
 {
     for (const std::string* path : {&member.path, &member.namedPath}) {
         const auto found = media.find(*path);
         if (found == media.end()) continue;
-        const MediaPlace& place = found->second;
+        const MediaPhonePath& place = found->second;
         if (place.isPlanned || phone.find(place.phonePath).entry == PhoneEntry::kFile) return place.phonePath;
     }
     return {};
 }
 
-std::string PlaceOfList(const RecordedPlaylist& list)
+std::string PhonePathOfList(const RecordedPlaylist& list)
 {
     const std::string place = list.idInPhone.value_or(std::string());
     return IsPhonePath(place, kPlaylistFolder) && SplitPath(place).size() == 2 ? place : std::string();

@@ -1,4 +1,4 @@
-// What a sync has to do about playlists, from the lists of the PC, the books and the phone. Changes nothing.
+// What a sync has to do about playlists, from the lists of the PC, the database and the phone. Changes nothing.
 #pragma once
 
 #include <map>
@@ -15,21 +15,21 @@
 namespace kesta {
 
 /// Where media sync has put a file.
-struct MediaPlace {
+struct MediaPhonePath {
     std::string phonePath;
     bool isPlanned = false;  // by a dry run: it is not there yet
 };
 
 /// By the file's path on the PC.
-using MediaPlaces = std::unordered_map<std::string, MediaPlace>;
+using MediaPhonePaths = std::unordered_map<std::string, MediaPhonePath>;
 
 struct PlaylistPlanInput {
     const std::vector<PcPlaylist>& lists;
     const std::vector<RecordedPlaylist>& recorded;                   // after the lists of the PC have been confirmed
     const std::map<std::string, std::vector<std::string>>& members;  // of the recorded lists, as the phone has them
     const std::vector<RecordedFile>& files;                          // that were copied for playlists
-    const MediaPlaces& media;
-    RemovalGuard& guard;
+    const MediaPhonePaths& media;
+    DeletionGuard& guard;
 };
 
 /// A list that is to be on the phone as the PC has it.
@@ -40,22 +40,22 @@ struct ListToBring {
 
 struct PlaylistPlan {
     std::vector<ListToBring> lists;
-    std::vector<const RecordedPlaylist*> leaving;    // to be removed from the phone and the books
-    std::vector<const RecordedPlaylist*> forgotten;  // only the books still have them
+    std::vector<const RecordedPlaylist*> leaving;    // to be removed from the phone and the database
+    std::vector<const RecordedPlaylist*> forgotten;  // only the database still has them
     std::vector<const RecordedPlaylist*> notSelected, deletedOnPhone;
-    CategoryPlan files;                 // removals and copies of members
-    CategoryPlan superseded;            // members that media sync carries by now: removed when no list names them
-    std::vector<RecordedFile> rehomed;  // members of leaving lists, under the lists that need them still
-    std::map<std::string, std::string> places;  // of members by their path on the PC, once all is carried out
-    std::size_t heldBack = 0;  // lists to be removed or emptied, since they are more than half of those on the phone
+    CategoryPlan files;                    // removals and copies of members
+    CategoryPlan superseded;               // members that media sync carries by now: removed when no list names them
+    std::vector<RecordedFile> reassigned;  // members of leaving lists, under the lists that need them still
+    std::map<std::string, std::string> places;  // of members by their path on the PC, once all is executed
+    std::size_t deferred = 0;  // lists to be removed or emptied, since they are more than half of those on the phone
 };
 
 [[nodiscard]] PlaylistPlan PlanPlaylists(const PlaylistPlanInput& input, const PhoneView& phone);
 
 /// Where media sync has the member on the phone; empty when it has not.
-[[nodiscard]] std::string PlaceInMedia(const ListMember& member, const MediaPlaces& media, const PhoneView& phone);
+[[nodiscard]] std::string PathInMedia(const ListMember& member, const MediaPhonePaths& media, const PhoneView& phone);
 
-/// The list's own place, when the books tell one that can be this client's; else empty.
-[[nodiscard]] std::string PlaceOfList(const RecordedPlaylist& list);
+/// The list's own place, when the database tells one that can be this client's; else empty.
+[[nodiscard]] std::string PhonePathOfList(const RecordedPlaylist& list);
 
 }  // namespace kesta

@@ -20,13 +20,13 @@ namespace {
 // The music that goes along with playlists.
 class MemberRecords : public FileRecords {
 public:
-    explicit MemberRecords(PlaylistBooks& books) : books_(books) {}
-    [[nodiscard]] std::int32_t add(const Action& action) override { return books_.addFile(action.file); }
-    [[nodiscard]] std::int32_t update(const Action& action) override { return books_.updateFile(action.file); }
-    [[nodiscard]] std::int32_t remove(const Action& action) override { return books_.removeFile(action.file.path); }
+    explicit MemberRecords(PlaylistRecords& database) : database_(database) {}
+    [[nodiscard]] std::int32_t add(const Action& action) override { return database_.addFile(action.file); }
+    [[nodiscard]] std::int32_t update(const Action& action) override { return database_.updateFile(action.file); }
+    [[nodiscard]] std::int32_t remove(const Action& action) override { return database_.removeFile(action.file.path); }
     [[nodiscard]] bool holds(const Action& action) override
     {
-        const std::vector<RecordedFile> all = books_.files();
+        const std::vector<RecordedFile> all = database_.files();
         return std::any_of(all.begin(), all.end(), [&](const RecordedFile& row) {
             return row.path == action.file.path && row.phonePath == action.file.phonePath &&
                    row.modified == action.file.modified;
@@ -34,7 +34,7 @@ public:
     }
 
 private:
-    PlaylistBooks& books_;
+    PlaylistRecords& database_;
 };
 
 RecordedPlaylist* FindList(std::vector<RecordedPlaylist>& lists, const std::string& name)
@@ -58,10 +58,10 @@ void Measure(const PcPlaylist& list, RecordedPlaylist& record)
 
 class PlaylistSync {
 public:
-    PlaylistSync(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                 const MediaPlaces& media, RemovalGuard& guard, Progress& progress, Summary& summary)
-        : books_(books, imei),
-          isKnown_(books.phone(imei).has_value()),
+    PlaylistSync(Database& database, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+                 const MediaPhonePaths& media, DeletionGuard& guard, Progress& progress, Summary& summary)
+        : database_(database, imei),
+          isKnown_(database.phone(imei).has_value()),
           phone_(phone),
           options_(options),
           media_(media),
@@ -77,15 +77,15 @@ public:
         if (!readLists()) return;
         confirm();
         for (const RecordedPlaylist& list : recorded_)
-            if (isKnown_) members_[list.name] = books_.members(list.name);
-        if (isKnown_) files_ = books_.files();
+            if (isKnown_) members_[list.name] = database_.members(list.name);
+        if (isKnown_) files_ = database_.files();
         takeInFilesOfThePhone();
         const PlaylistPlan plan = PlanPlaylists({pc_.lists, recorded_, members_, files_, media_, guard_}, phone_);
         tell(plan);
         if (options_.dryRun)
-            foretell(plan);
+            preview(plan);
         else
-            carryOut(plan);
+            execute(plan);
     }
 
 private:
@@ -132,24 +132,24 @@ private:
 
     void confirm()
     {
-        if (isKnown_) recorded_ = books_.lists();
+        if (isKnown_) recorded_ = database_.lists();
         const std::vector<RecordedPlaylist> lists = listsToConfirm(recorded_);
-        if (options_.dryRun) return foreseeConfirmed(lists);
+        if (options_.dryRun) return predictConfirmed(lists);
         const auto require = [](std::int32_t code) {
-            if (code != 0) throw BooksError("the playlists cannot be entered in the books: " + ResultText(code));
+            if (code != 0) throw DatabaseError("the playlists cannot be entered in the database: " + ResultText(code));
         };
-        require(books_.beginConfirming());
-        for (const RecordedPlaylist& list : lists) require(books_.confirm(list));
-        recorded_ = books_.lists();
+        require(database_.beginConfirming());
+        for (const RecordedPlaylist& list : lists) require(database_.confirm(list));
+        recorded_ = database_.lists();
         for (const RecordedPlaylist& list : lists) {
             const RecordedPlaylist* row = FindList(recorded_, list.name);
             if (row == nullptr || row->state == PlaylistState::kUnconfirmed || row->count != list.count)
-                throw BooksError(fmt::format("the playlist {} could not be entered in the books", list.name));
+                throw DatabaseError(fmt::format("the playlist {} could not be entered in the database", list.name));
         }
     }
 
-    // What the books would hold after that.
-    void foreseeConfirmed(const std::vector<RecordedPlaylist>& lists)
+    // What the database would hold after that.
+    void predictConfirmed(const std::vector<RecordedPlaylist>& lists)
     {
         for (RecordedPlaylist& row : recorded_)
             if (row.state != PlaylistState::kDeletedOnPhone) row.state = PlaylistState::kUnconfirmed;
@@ -182,17 +182,17 @@ private:
     {
         for (const RecordedPlaylist* list : plan.notSelected)
             summary_.notes.push_back(fmt::format(
-                "the playlist {} is not selected for this phone in the books: passed over.", Printable(list->name)));
+                "the playlist {} is not selected for this phone in the database: skipped.", Printable(list->name)));
         for (const RecordedPlaylist* list : plan.deletedOnPhone)
             summary_.notes.push_back(
-                fmt::format("the playlist {} was deleted on the phone: passed over.", Printable(list->name)));
-        counts_.heldBack = plan.heldBack;
+                fmt::format("the playlist {} was deleted on the phone: skipped.", Printable(list->name)));
+        counts_.deferred = plan.deferred;
         summary_.unchanged += plan.files.unchanged;
     }
 
-    void foretell(const PlaylistPlan& plan)
+    void preview(const PlaylistPlan& plan)
     {
-        Foretell({plan.files, plan.superseded}, options_.quiet, progress_, summary_);
+        Preview({plan.files, plan.superseded}, options_.quiet, progress_, summary_);
         const auto say = [&](const char* verb, const std::string& place) {
             if (!options_.quiet) progress_.say(fmt::format("{:<9} {}", verb, Printable(place)));
         };
@@ -201,9 +201,9 @@ private:
             ++counts_.removed;
             say("remove", *list->idInPhone);
         }
-        ListCarrier carrier(books_, phone_, progress_, summary_, counts_);
+        ListCarrier carrier(database_, phone_, progress_, summary_, counts_);
         const auto placeOf = [&](const ListMember& member) {
-            const std::string place = PlaceInMedia(member, media_, phone_);
+            const std::string place = PathInMedia(member, media_, phone_);
             const auto own = plan.places.find(member.path);
             return place.empty() && own != plan.places.end() ? own->second : place;
         };
@@ -215,16 +215,16 @@ private:
     }
 
     // Members come before the lists that name them. What only goes because media sync has it now goes last.
-    void carryOut(const PlaylistPlan& plan)
+    void execute(const PlaylistPlan& plan)
     {
         guard_.save(summary_);
-        MemberRecords records(books_);
-        if (!rehome(plan.rehomed)) return;
-        CarryOut(records, phone_, progress_, summary_).run({plan.files});
+        MemberRecords records(database_);
+        if (!reassign(plan.reassigned)) return;
+        Execute(records, phone_, progress_, summary_).run({plan.files});
         if (summary_.stopped()) return;
-        files_ = books_.files();
+        files_ = database_.files();
         for (const RecordedFile& file : files_) placeOfFile_.emplace(file.path, file.phonePath);
-        ListCarrier carrier(books_, phone_, progress_, summary_, counts_);
+        ListCarrier carrier(database_, phone_, progress_, summary_, counts_);
         const std::vector<ListWork> work =
             carrier.findWork(plan, recorded_, [&](const ListMember& member) { return placeNow(member); });
         progress_.start(plan.leaving.size() + work.size(), 0);
@@ -232,13 +232,13 @@ private:
         carrier.forget(plan.forgotten, files_);
         const bool allWritten = !summary_.stopped() && carrier.write(work, members_);
         progress_.finish();
-        if (allWritten) CarryOut(records, phone_, progress_, summary_).run({plan.superseded});
+        if (allWritten) Execute(records, phone_, progress_, summary_).run({plan.superseded});
     }
 
     // Where the member lies on the phone now, whatever was planned.
     [[nodiscard]] std::string placeNow(const ListMember& member) const
     {
-        if (std::string place = PlaceInMedia(member, media_, phone_); !place.empty()) return place;
+        if (std::string place = PathInMedia(member, media_, phone_); !place.empty()) return place;
         const auto own = placeOfFile_.find(member.path);
         const bool isThere = own != placeOfFile_.end() && IsPhonePath(own->second, kPlaylistMediaFolder) &&
                              phone_.find(own->second).entry == PhoneEntry::kFile;
@@ -246,7 +246,7 @@ private:
     }
 
     // The library cannot give a record to another list: it is taken out and entered anew, and noted in between.
-    bool rehome(const std::vector<RecordedFile>& files)
+    bool reassign(const std::vector<RecordedFile>& files)
     {
         if (files.empty()) return true;
         std::vector<std::string> places;
@@ -259,9 +259,9 @@ private:
             return false;
         }
         for (const RecordedFile& file : files) {
-            std::int32_t code = books_.removeFile(file.path);
-            if (code == 0) code = books_.addFile(file);
-            if (code != 0) throw BooksError("the books cannot be written: " + ResultText(code));
+            std::int32_t code = database_.removeFile(file.path);
+            if (code == 0) code = database_.addFile(file);
+            if (code != 0) throw DatabaseError("the database cannot be written: " + ResultText(code));
         }
         status = RemoveJournal(phone_);
         if (!status.ok())
@@ -269,12 +269,12 @@ private:
         return true;
     }
 
-    PlaylistBooks books_;
+    PlaylistRecords database_;
     bool isKnown_;
     PhoneFolder& phone_;
     const SyncOptions& options_;
-    MediaPlaces media_;
-    RemovalGuard& guard_;
+    MediaPhonePaths media_;
+    DeletionGuard& guard_;
     Progress& progress_;
     Summary& summary_;
     FamilyCounts& counts_;
@@ -287,15 +287,15 @@ private:
 
 }  // namespace
 
-void SyncPlaylists(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                   const MediaPlaces& media, RemovalGuard& guard, Progress& progress, Summary& summary)
+void SyncPlaylists(Database& database, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+                   const MediaPhonePaths& media, DeletionGuard& guard, Progress& progress, Summary& summary)
 {
-    PlaylistSync(books, imei, phone, options, media, guard, progress, summary).run();
+    PlaylistSync(database, imei, phone, options, media, guard, progress, summary).run();
 }
 
-std::vector<std::string> PlacesOfPlaylists(Books& books, const std::string& imei)
+std::vector<std::string> PhonePathsOfPlaylists(Database& database, const std::string& imei)
 {
-    PlaylistBooks playlists(books, imei);
+    PlaylistRecords playlists(database, imei);
     std::vector<std::string> places;
     for (const RecordedPlaylist& list : playlists.lists())
         if (list.idInPhone) places.push_back(*list.idInPhone);

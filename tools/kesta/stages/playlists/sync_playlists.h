@@ -1,4 +1,4 @@
-// The playlists of one run: the lists on the phone, the music that they need, and the books about both.
+// The playlists of one run: the lists on the phone, the music that they need, and the records of both.
 #pragma once
 
 #include <string>
@@ -15,10 +15,10 @@
 namespace kesta {
 
 /// Brings the phone's playlists in line with those of the folder that the options name. A dry run changes nothing.
-void SyncPlaylists(Books& books, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
-                   const MediaPlaces& media, RemovalGuard& guard, Progress& progress, Summary& summary);
+void SyncPlaylists(Database& database, const std::string& imei, PhoneFolder& phone, const SyncOptions& options,
+                   const MediaPhonePaths& media, DeletionGuard& guard, Progress& progress, Summary& summary);
 
-/// The phone paths that the books know of lists and of their music.
-[[nodiscard]] std::vector<std::string> PlacesOfPlaylists(Books& books, const std::string& imei);
+/// The phone paths that the database knows of lists and of their music.
+[[nodiscard]] std::vector<std::string> PhonePathsOfPlaylists(Database& database, const std::string& imei);
 
 }  // namespace kesta
