@@ -216,7 +216,7 @@ TEST_F(FamiliesFaultsTest, ListOrMusicThatCannotBeWritten_IsReported_TheRestGoes
     EXPECT_EQ(phoneFiles().at("Playlists/One.m3u8"), "#EXTM3U\n#PLAYLIST:One\nMedia/Extra/a\n");
     const Ended list = sync({"--playlists", pc("lists")}, failing("rename", EIO, "One.m3u8"));
     EXPECT_EQ(list.exitCode, 3) << list.out;
-    EXPECT_THAT(list.out, HasSubstr("the list cannot be written to the phone"));
+    EXPECT_THAT(list.out, HasSubstr("One.m3u8: it cannot be written to the phone"));
     EXPECT_EQ(phoneFiles().at("Playlists/One.m3u8"), "#EXTM3U\n#PLAYLIST:One\nMedia/Extra/a\n");
     EXPECT_EQ(sync({"--playlists", pc("lists")}).exitCode, 0);
     EXPECT_EQ(phoneFiles().at("Playlists/One.m3u8"), "#EXTM3U\n#PLAYLIST:One\nMedia/Extra/a\nMedia/Extra/b\n");

@@ -23,7 +23,7 @@ using testing::SizeIs;
 using testing::StartsWith;
 
 /// The store and one phone, to which plans are applied as a run that succeeds would.
-class World : public PimPhoneView {
+class World : public Phone {
 public:
     explicit World(PimKind kind) : kind_(kind) {}
 

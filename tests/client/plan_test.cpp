@@ -68,16 +68,16 @@ protected:
         input_.recorded.push_back({path(folder, relative), Folder(folder), place, ToLocalTime(time)});
         phone_.put(place, size, time);
     }
-    CategoryPlan plan()
+    FilePlan plan()
     {
         input_.folders.clear();
         for (const auto& name : order_.empty() ? names() : order_) input_.folders.push_back(&scans_.at(name));
         return PlanCategory(input_, phone_);
     }
-    static std::vector<std::string> places(const std::vector<Action>& actions)
+    static std::vector<std::string> places(const std::vector<FileChange>& actions)
     {
         std::vector<std::string> places;
-        for (const Action& action : actions) places.push_back(action.file.phonePath);
+        for (const FileChange& action : actions) places.push_back(action.file.phonePath);
         return places;
     }
 
@@ -99,10 +99,10 @@ private:
 TEST_F(PlanTest, NewFile_IsCopied)
 {
     givenFile("Rock", "sub/a.mp3");
-    const CategoryPlan found = plan();
+    const FilePlan found = plan();
     ASSERT_THAT(found.copies, SizeIs(1));
-    const Action& copy = found.copies[0];
-    EXPECT_EQ(copy.kind, ActionKind::kCopy);
+    const FileChange& copy = found.copies[0];
+    EXPECT_EQ(copy.kind, ChangeKind::kPut);
     EXPECT_EQ(copy.file.path, path("Rock", "sub/a.mp3"));
     EXPECT_EQ(copy.file.basePath, Folder("Rock"));
     EXPECT_EQ(copy.file.phonePath, "Music/Rock/sub/a.mp3");
@@ -118,10 +118,10 @@ TEST_F(PlanTest, RecordedFile_IsUnchangedOnlyWithTimeAndSize)
     givenFile("Rock", "missing");
     for (const char* name : {"same", "newer", "larger"}) recorded("Rock", name, std::string("Music/Rock/") + name);
     input_.recorded.push_back({path("Rock", "missing"), Folder("Rock"), "Music/Rock/missing", ToLocalTime(kTime)});
-    const CategoryPlan found = plan();
+    const FilePlan found = plan();
     EXPECT_EQ(found.unchanged, 1u);
     EXPECT_THAT(places(found.copies), ElementsAre("Music/Rock/larger", "Music/Rock/missing", "Music/Rock/newer"));
-    for (const Action& action : found.copies) EXPECT_EQ(action.kind, ActionKind::kUpdate);
+    for (const FileChange& action : found.copies) EXPECT_EQ(action.kind, ChangeKind::kReplace);
 }
 
 TEST_F(PlanTest, TimeOnThePhone_DoesNotCount)
@@ -220,10 +220,10 @@ TEST_F(PlanTest, FileThatIsThereAlready_IsTakenIn)
 {
     givenFile("Rock", "a");
     phone_.put("Music/Rock/a", 10, kTime + 2);  // as FAT rounds
-    const CategoryPlan found = plan();
-    EXPECT_EQ(found.copies.at(0).kind, ActionKind::kAdopt);
+    const FilePlan found = plan();
+    EXPECT_EQ(found.copies.at(0).kind, ChangeKind::kAdopt);
     phone_.put("Music/Rock/a", 10, kTime + 3);
-    EXPECT_EQ(plan().copies.at(0).kind, ActionKind::kCopy);
+    EXPECT_EQ(plan().copies.at(0).kind, ChangeKind::kPut);
     EXPECT_NE(plan().copies.at(0).file.phonePath, "Music/Rock/a");
 }
 
@@ -245,10 +245,10 @@ TEST_F(PlanTest, RenamedInCaseOnly_GetsTheFreedPlace)
     recorded("Rock", "Song", "Music/Rock/Song");
     recorded("Rock", "other", "Music/Rock/other");
     phone_.put("Music/Rock/song", 10);  // what a phone that ignores case answers
-    const CategoryPlan found = plan();
+    const FilePlan found = plan();
     EXPECT_THAT(places(found.removals), ElementsAre("Music/Rock/Song"));
     EXPECT_THAT(places(found.copies), ElementsAre("Music/Rock/song"));
-    EXPECT_EQ(found.copies[0].kind, ActionKind::kCopy);
+    EXPECT_EQ(found.copies[0].kind, ChangeKind::kPut);
 }
 
 TEST_F(PlanTest, TwoRecordsOfOnePlace_AreTakenApart)
@@ -257,10 +257,10 @@ TEST_F(PlanTest, TwoRecordsOfOnePlace_AreTakenApart)
     givenFile("Rock", "b");
     recorded("Rock", "a", "Music/Rock/a");
     recorded("Rock", "b", "Music/Rock/A");
-    const CategoryPlan found = plan();
+    const FilePlan found = plan();
     EXPECT_EQ(found.unchanged, 1u);
     ASSERT_THAT(found.copies, SizeIs(1));
-    EXPECT_EQ(found.copies[0].kind, ActionKind::kUpdate);
+    EXPECT_EQ(found.copies[0].kind, ChangeKind::kReplace);
     EXPECT_NE(CaseKey(found.copies[0].file.phonePath), CaseKey("Music/Rock/a"));
 }
 
@@ -279,10 +279,10 @@ TEST_F(PlanTest, RecordOutsideTheCategory_IsNeitherTrustedNorTouched)
     recorded("Rock", "a", "../pc/a");
     recorded("Rock", "b", "Music/Rock/b");
     recorded("Rock", "gone", "E:\\Music\\gone");
-    const CategoryPlan found = plan();
+    const FilePlan found = plan();
     EXPECT_THAT(places(found.removals), ElementsAre(""));
     EXPECT_THAT(places(found.copies), ElementsAre("Music/Rock/a"));
-    EXPECT_EQ(found.copies[0].kind, ActionKind::kUpdate);
+    EXPECT_EQ(found.copies[0].kind, ChangeKind::kReplace);
 }
 
 TEST_F(PlanTest, FoldersOfOneName_AreToldApartTheSameWayEachTime)
@@ -309,7 +309,7 @@ TEST_F(PlanTest, InnerFolder_IsInChargeOfItsFiles)
     FolderScan& inner = given("inner");
     inner.path = os::Join(Folder("Rock"), "Live");
     inner.files.push_back({path("Rock", "Live/a"), "a", 10, {kTime, 0}, ToLocalTime(kTime)});
-    const CategoryPlan found = plan();
+    const FilePlan found = plan();
     EXPECT_THAT(places(found.copies), ElementsAre("Music/Live/a"));
     EXPECT_EQ(found.copies[0].file.basePath, inner.path);
 }
@@ -319,7 +319,7 @@ TEST_F(PlanTest, FileRecordedForAnotherFolder_KeepsItsRecord)
     givenFile("Rock", "Live/a");
     input_.recorded.push_back(
         {path("Rock", "Live/a"), os::Join(Folder("Rock"), "Live"), "Music/Live/a", ToLocalTime(kTime - 5)});
-    const CategoryPlan found = plan();
+    const FilePlan found = plan();
     ASSERT_THAT(found.copies, SizeIs(1));
     EXPECT_EQ(found.copies[0].file.phonePath, "Music/Live/a");
     EXPECT_EQ(found.copies[0].file.basePath, os::Join(Folder("Rock"), "Live"));

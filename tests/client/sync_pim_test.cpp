@@ -203,6 +203,9 @@ TEST_F(SyncPimTest, DryRun_ChangesNothing)
     const Ended known = syncContacts({"Friends.vcf"}, {"--dry-run", "--force"});
     EXPECT_EQ(known.exitCode, 0);
     EXPECT_THAT(known.out, HasSubstr("Contacts: 1 added, 1 updated, 1 removed, 0 unchanged"));
+    EXPECT_THAT(known.out, HasSubstr("            update    Anne\n"));
+    EXPECT_THAT(known.out, HasSubstr("            add       Cay\n"));
+    EXPECT_THAT(known.out, HasSubstr("            remove    Bob\n"));
     givenFile("Friends.vcf", "");
     const Ended all = syncContacts({"Friends.vcf"}, {"--dry-run", "--force"});
     EXPECT_THAT(all.out, HasSubstr("remove    Contacts/Friends.vcf"));

@@ -70,7 +70,7 @@ TEST_F(TraceTest, SomethingElseInTheSocketsPlace_IsLeftAlone)
     std::ofstream(socket()) << "a file";
     const Ended run = client({"trace"});
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_THAT(run.err, HasSubstr("is no socket"));
+    EXPECT_THAT(run.err, HasSubstr("is not a socket"));
     EXPECT_TRUE(fs::is_regular_file(socket()));
 }
 

@@ -49,7 +49,7 @@ TEST(WordsTest, Summary_TellsTheMostImportantReason)
 {
     Summary summary;
     EXPECT_EQ(summary.exitCode(), ExitCode::kSuccess);
-    summary.deferred = 3;
+    summary.files.deferred = 3;
     EXPECT_EQ(summary.exitCode(), ExitCode::kDeferred);
     summary.fail("/pc/a\n", "broken");
     EXPECT_EQ(summary.exitCode(), ExitCode::kIncomplete);

@@ -2,13 +2,14 @@
 
 #include <cstdio>
 #include <exception>
+#include <sstream>
 #include <string>
 
+#include "base/stop_run.h"
 #include "base/text.h"
 #include "commands/commands.h"
 #include "database/database.h"
 #include "os/system.h"
-#include "phone/phone_folder.h"
 #include "report/output.h"
 
 namespace {
@@ -24,7 +25,12 @@ struct Runner {
 
 int Report(kesta::ExitCode code, const std::exception& failure)
 {
-    (void)std::fprintf(stderr, "kesta: %s\n", kesta::Printable(failure.what()).c_str());
+    std::string text;
+    std::istringstream lines(failure.what());
+    for (std::string line; std::getline(lines, line);) {
+        text += kesta::Printable(line) + '\n';
+    }
+    (void)std::fprintf(stderr, "kesta: %s", text.c_str());
     return static_cast<int>(code);
 }
 
@@ -42,10 +48,10 @@ int main(int argc, char** argv)
             exitCode = kesta::ExitCode::kFailure;
         }
         return static_cast<int>(exitCode);
+    } catch (const kesta::StopRun& stop) {
+        return Report(stop.code(), stop);
     } catch (const kesta::DatabaseError& failure) {
         return Report(kesta::ExitCode::kDatabase, failure);
-    } catch (const kesta::PhoneError& failure) {
-        return Report(kesta::ExitCode::kPhoneGone, failure);
     } catch (const std::exception& failure) {
         return Report(kesta::ExitCode::kFailure, failure);
     }

@@ -19,6 +19,7 @@
 #include "report/output.h"
 #include "report/summary.h"
 #include "report/table.h"
+#include "stages/pim/pim_entry.h"
 
 namespace kesta {
 namespace {
@@ -157,7 +158,7 @@ Listing ListPim(Database& database, const FilesOptions& options, PimKind kind)
         listing.text += fmt::format("{}{}: {}\n", std::string(2 * node.depth, ' '), Printable(node.name),
                                     CountedEntries(node.items.size()));
         for (const PimItem& item : node.items) {
-            const std::string title = TitleOfEntry(kind, item);
+            const std::string title = TitleOfEntry(kind, item.data);
             const bool isOnPhone = onPhone.contains(item.id);
             json["items"].push_back(
                 {{"id", item.id}, {"title", title}, {"size", item.data.size()}, {"on_phone", isOnPhone}});

@@ -8,24 +8,9 @@
 #include <variant>
 #include <vector>
 
-#include "database/category.h"
+#include "sync/sync_options.h"
 
 namespace kesta {
-
-struct SyncOptions {
-    std::string phone;
-    std::optional<std::string> imei;
-    std::optional<std::string> name;
-    std::array<std::vector<std::string>, kCategories.size()> folders;  // by category
-    std::optional<std::string> playlists;                              // a folder
-    std::optional<std::string> bookmarks;                              // a file
-    std::vector<std::string> contacts;                                 // files
-    std::vector<std::string> calendars;                                // files
-    std::optional<std::string> backup;                                 // the folder for archives
-    bool dryRun = false;
-    bool force = false;
-    bool quiet = false;
-};
 
 struct StatusOptions {
     std::optional<std::string> imei;

@@ -1,4 +1,5 @@
 #include "commands/phones.h"
+#include "base/stop_run.h"
 
 #include <fmt/format.h>
 
@@ -9,7 +10,7 @@ namespace kesta {
 PhoneSettings KnownPhone(Database& database, const std::string& imei)
 {
     auto phone = database.phone(imei);
-    if (!phone) throw std::runtime_error(fmt::format("no phone with the IMEI {} is known", imei));
+    if (!phone) throw StopRun(ExitCode::kFailure, fmt::format("no phone with the IMEI {} is known", imei));
     return *std::move(phone);
 }
 

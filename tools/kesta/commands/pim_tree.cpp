@@ -3,8 +3,6 @@
 #include <fmt/format.h>
 
 #include "base/text.h"
-#include "formats/icalendar.h"
-#include "formats/vcard.h"
 
 namespace kesta {
 namespace {
@@ -57,16 +55,6 @@ std::string PimTreeText(const std::vector<PimNode>& tree, const std::string& ind
                             CountedEntries(node.items.size()));
     }
     return text;
-}
-
-std::string TitleOfEntry(PimKind kind, const PimItem& item)
-{
-    if (kind == PimKind::kContacts) {
-        const formats::Cards cards = formats::ParseCards(item.data);
-        return cards.cards.empty() ? std::string() : cards.cards.front().name;
-    }
-    const formats::Calendars calendars = formats::ParseCalendars(item.data);
-    return calendars.entries.empty() ? std::string() : calendars.entries.front().summary;
 }
 
 std::string CountedEntries(std::size_t count)

@@ -21,8 +21,6 @@ struct PimNode {
 [[nodiscard]] Json PimTreeJson(const std::vector<PimNode>& tree);
 /// With a line for each folder and the number of its entries.
 [[nodiscard]] std::string PimTreeText(const std::vector<PimNode>& tree, const std::string& indent);
-/// What the entry calls itself; empty when it cannot be read.
-[[nodiscard]] std::string TitleOfEntry(PimKind kind, const PimItem& item);
 /// "1 entry", "2 entries"
 [[nodiscard]] std::string CountedEntries(std::size_t count);
 

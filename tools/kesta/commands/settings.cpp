@@ -2,9 +2,9 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
 
+#include "base/stop_run.h"
 #include "base/text.h"
 #include "commands/commands.h"
 #include "commands/json.h"
@@ -21,16 +21,6 @@ namespace kesta {
 namespace {
 
 constexpr std::string_view kSelectPrefix = "select.";
-
-// A change that cannot be made; none is made then.
-class Refusal : public std::runtime_error {
-public:
-    Refusal(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
-    [[nodiscard]] ExitCode code() const { return code_; }
-
-private:
-    ExitCode code_;
-};
 
 struct FolderChange {
     Category category = Category::kMusic;
@@ -60,7 +50,7 @@ std::string SelectNameOf(MainFolder folder)
     for (const MainFolder folder : kMainFolders) names.push_back(SelectNameOf(folder));
     const std::vector<std::string> near = NearNames(name, names);
     const std::string hint = near.empty() ? "" : fmt::format(" Did you mean {}?", fmt::join(near, " or "));
-    throw Refusal(ExitCode::kUsage, fmt::format("there is no setting {}.{}\nThe settings are {}.", Printable(name),
+    throw StopRun(ExitCode::kUsage, fmt::format("there is no setting {}.{}\nThe settings are {}.", Printable(name),
                                                 hint, fmt::join(names, ", ")));
 }
 
@@ -69,17 +59,17 @@ void ReadChange(const std::string& change, Changes& changes)
     const auto equals = change.find('=');
     const std::string name = change.substr(0, equals);
     if (equals == std::string::npos)
-        throw Refusal(ExitCode::kUsage, fmt::format("{} is no change: write NAME=VALUE", Printable(change)));
+        throw StopRun(ExitCode::kUsage, fmt::format("{} is no change: write NAME=VALUE", Printable(change)));
     const std::string value = change.substr(equals + 1);
     const auto refuseValue = [&](const std::string& problem) {
-        throw Refusal(ExitCode::kUsage, fmt::format("{} cannot be '{}': {}", name, Printable(value), problem));
+        throw StopRun(ExitCode::kUsage, fmt::format("{} cannot be '{}': {}", name, Printable(value), problem));
     };
     for (const MainFolder folder : kMainFolders) {
         if (name != SelectNameOf(folder)) continue;
         const auto selected = ParseTruth(value);
         if (!selected) refuseValue("it is yes or no");
         if (!changes.mainFolders.emplace(folder, *selected).second)
-            throw Refusal(ExitCode::kUsage, fmt::format("{} is given twice", name));
+            throw StopRun(ExitCode::kUsage, fmt::format("{} is given twice", name));
         return;
     }
     const Setting* setting = FindSetting(name);
@@ -87,7 +77,7 @@ void ReadChange(const std::string& change, Changes& changes)
     if (const std::string problem = TakeSetting(changes.settings, *setting, value); !problem.empty())
         refuseValue(problem);
     if (std::find(changes.names.begin(), changes.names.end(), name) != changes.names.end())
-        throw Refusal(ExitCode::kUsage, fmt::format("{} is given twice", name));
+        throw StopRun(ExitCode::kUsage, fmt::format("{} is given twice", name));
     changes.names.push_back(name);
 }
 
@@ -104,13 +94,13 @@ void ReadFolder(Database& database, const std::string& imei, const Selection& se
                            change.selected != selection.selected;
                 });
             if (contradicts)
-                throw Refusal(ExitCode::kUsage,
+                throw StopRun(ExitCode::kUsage,
                               fmt::format("{} is selected and deselected at once", Printable(folder.path)));
             changes.folders.push_back({category, folder.path, selection.selected});
         }
     }
     if (!isKnown)
-        throw Refusal(ExitCode::kFailure,
+        throw StopRun(ExitCode::kFailure,
                       fmt::format("the database knows no folder {} of this phone: it becomes known by "
                                   "its first sync",
                                   Printable(selection.what)));
@@ -119,12 +109,12 @@ void ReadFolder(Database& database, const std::string& imei, const Selection& se
 void ReadPlaylist(const std::vector<RecordedPlaylist>& lists, const Selection& selection, Changes& changes)
 {
     if (std::none_of(lists.begin(), lists.end(), [&](const auto& list) { return list.name == selection.what; }))
-        throw Refusal(ExitCode::kFailure,
+        throw StopRun(ExitCode::kFailure,
                       fmt::format("the database knows no playlist {} of this phone", Printable(selection.what)));
     if (std::any_of(changes.playlists.begin(), changes.playlists.end(), [&](const Selection& other) {
             return other.what == selection.what && other.selected != selection.selected;
         }))
-        throw Refusal(ExitCode::kUsage,
+        throw StopRun(ExitCode::kUsage,
                       fmt::format("{} is selected and deselected at once", Printable(selection.what)));
     changes.playlists.push_back(selection);
 }
@@ -142,11 +132,11 @@ Changes ReadChanges(Database& database, const SettingsOptions& options, const Ph
     return changes;
 }
 
-void Expect(bool stored, const std::string& what, std::int32_t code)
+void Expect(bool isStored, const std::string& what, Result result)
 {
-    if (stored) return;
+    if (isStored) return;
     throw DatabaseError(
-        fmt::format("{} could not be changed{}", Printable(what), code == 0 ? std::string() : ": " + ResultText(code)));
+        fmt::format("{} could not be changed{}", Printable(what), result.ok() ? std::string() : ": " + result.text()));
 }
 
 // The library says of some of these that they went well when they did not, so the database has to tell.
@@ -155,26 +145,26 @@ void Make(Database& database, const Changes& changes, const PhoneSettings& befor
     const std::string& imei = before.imei;
     SettingsRecords settings(database, imei);
     if (!changes.names.empty()) {
-        const std::int32_t code = settings.write(before, changes.settings);
+        const Result result = settings.write(before, changes.settings);
         const auto after = database.phone(imei);
         for (const std::string& name : changes.names) {
             const Setting& setting = *FindSetting(name);
-            Expect(code == 0 && after && ShowSetting(*after, setting) == ShowSetting(changes.settings, setting), name,
-                   code);
+            Expect(result.ok() && after && ShowSetting(*after, setting) == ShowSetting(changes.settings, setting), name,
+                   result);
         }
     }
     MainFolderRecords mainFolders(database);
     for (const auto& [folder, selected] : changes.mainFolders) {
-        const std::int32_t code = mainFolders.select(imei, folder, selected);
-        Expect(code == 0 && mainFolders.isSelected(imei, folder) == selected, SelectNameOf(folder), code);
+        const Result result = mainFolders.select(imei, folder, selected);
+        Expect(result.ok() && mainFolders.isSelected(imei, folder) == selected, SelectNameOf(folder), result);
     }
     for (const FolderChange& change : changes.folders) {
-        const std::int32_t code = settings.selectFolder(change.category, change.path, change.selected);
-        Expect(code == 0, change.path, code);
+        const Result result = settings.selectFolder(change.category, change.path, change.selected);
+        Expect(result.ok(), change.path, result);
     }
     for (const Selection& selection : changes.playlists) {
-        const std::int32_t code = settings.selectPlaylist(selection.what, selection.selected);
-        Expect(code == 0, selection.what, code);
+        const Result result = settings.selectPlaylist(selection.what, selection.selected);
+        Expect(result.ok(), selection.what, result);
     }
 }
 
@@ -224,16 +214,13 @@ ExitCode RunSettings(const SettingsOptions& options)
     Database database;
     PhoneSettings phone = KnownPhone(database, options.imei);
     const bool isToChange = !options.changes.empty() || !options.folders.empty() || !options.playlists.empty();
-    try {
-        if (isToChange) {
-            const Changes changes = ReadChanges(database, options, phone);
-            Make(database, changes, phone);
-            if (!options.json) ShowChanges(changes, phone);
-            phone = KnownPhone(database, options.imei);
+    if (isToChange) {
+        const Changes changes = ReadChanges(database, options, phone);
+        Make(database, changes, phone);
+        if (!options.json) {
+            ShowChanges(changes, phone);
         }
-    } catch (const Refusal& refusal) {
-        (void)std::fprintf(stderr, "kesta: %s\n", refusal.what());
-        return refusal.code();
+        phone = KnownPhone(database, options.imei);
     }
     if (options.json) {
         PrintJson({{"imei", phone.imei},

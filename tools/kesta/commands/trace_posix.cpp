@@ -17,6 +17,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "base/stop_run.h"
 #include "base/text.h"
 #include "commands/commands.h"
 #include "os/files.h"
@@ -29,7 +30,7 @@ class Descriptor {
 public:
     explicit Descriptor(int value) : value_(value)
     {
-        if (value_ < 0) throw std::runtime_error(fmt::format("no socket: {}", std::strerror(errno)));
+        if (value_ < 0) throw StopRun(ExitCode::kFailure, fmt::format("no socket: {}", std::strerror(errno)));
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
@@ -52,7 +53,7 @@ sockaddr_un AddressOf(const std::string& path)
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.size() >= sizeof address.sun_path)
-        throw std::runtime_error(fmt::format("the path of the trace socket is too long: {}", path));
+        throw StopRun(ExitCode::kFailure, fmt::format("the path of the trace socket is too long: {}", path));
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     return address;
 }
@@ -62,14 +63,15 @@ void RemoveStaleSocket(const std::string& path, const sockaddr_un& address)
 {
     struct stat info {};
     if (lstat(path.c_str(), &info) != 0) return;
-    if (!S_ISSOCK(info.st_mode)) throw std::runtime_error(fmt::format("{} is no socket; it is left alone", path));
+    if (!S_ISSOCK(info.st_mode))
+        throw StopRun(ExitCode::kFailure, fmt::format("{} is not a socket; it is left alone", path));
     const Descriptor probe(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     if (connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
-        throw std::runtime_error("another trace viewer is running");
+        throw StopRun(ExitCode::kFailure, "another trace viewer is running");
     if (errno != ECONNREFUSED)
-        throw std::runtime_error(fmt::format("{} cannot be looked at: {}", path, std::strerror(errno)));
+        throw StopRun(ExitCode::kFailure, fmt::format("{} cannot be looked at: {}", path, std::strerror(errno)));
     if (unlink(path.c_str()) != 0 && errno != ENOENT)
-        throw std::runtime_error(fmt::format("the old {} cannot be removed: {}", path, std::strerror(errno)));
+        throw StopRun(ExitCode::kFailure, fmt::format("the old {} cannot be removed: {}", path, std::strerror(errno)));
 }
 
 // The bound socket; its file goes with it.
@@ -81,7 +83,7 @@ public:
         RemoveStaleSocket(path_, address);
         constexpr int kOn = 1;
         if (setsockopt(socket_.get(), SOL_SOCKET, SO_PASSCRED, &kOn, sizeof kOn) != 0)
-            throw std::runtime_error(fmt::format("senders cannot be told apart: {}", std::strerror(errno)));
+            throw StopRun(ExitCode::kFailure, fmt::format("senders cannot be told apart: {}", std::strerror(errno)));
         // A burst of lines waits here instead of holding the writers up. Only root may go beyond the system's limit.
         constexpr int kBuffer = 8 << 20;
         if (setsockopt(socket_.get(), SOL_SOCKET, SO_RCVBUFFORCE, &kBuffer, sizeof kBuffer) != 0)
@@ -90,7 +92,8 @@ public:
         const int bound = bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
         const int code = errno;
         (void)umask(before);
-        if (bound != 0) throw std::runtime_error(fmt::format("{} cannot be bound: {}", path_, std::strerror(code)));
+        if (bound != 0)
+            throw StopRun(ExitCode::kFailure, fmt::format("{} cannot be bound: {}", path_, std::strerror(code)));
         (void)lstat(path_.c_str(), &file_);
     }
     Viewer(const Viewer&) = delete;

@@ -14,10 +14,11 @@ std::optional<std::vector<RecordedBackup>> Read(const std::function<std::int32_t
 {
     calls::OwnedList<BackupList> list(
         [](BackupList* record) { (void)DB_BACKUP_GetPhoneBackups(calls::kNoPhone, record); });
-    constexpr std::int32_t kOneRowTooMany = 100;
-    std::int32_t code = read(list.get());
-    for (int again = 0; code == kOneRowTooMany && again < 10; ++again) code = read(list.get());
-    if (code != 0) return std::nullopt;
+    Result result = read(list.get());
+    for (int again = 0; result.isOneRowTooMany() && again < 10; ++again) {
+        result = read(list.get());
+    }
+    if (!result.ok()) return std::nullopt;
     std::vector<RecordedBackup> backups;
     backups.reserve(list.size());
     for (const BackupRecord& record : list)

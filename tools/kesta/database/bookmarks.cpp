@@ -41,19 +41,19 @@ std::vector<RecordedBookmark> BookmarkRecords::bookmarks()
     return bookmarks;
 }
 
-std::int32_t BookmarkRecords::add(const RecordedBookmark& mark)
+Result BookmarkRecords::add(const RecordedBookmark& mark)
 {
     const BookmarkArguments arguments(mark);
     return DB_BOOKMARK_SetAddedMark(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t BookmarkRecords::update(const RecordedBookmark& mark)
+Result BookmarkRecords::update(const RecordedBookmark& mark)
 {
     const BookmarkArguments arguments(mark);
     return DB_BOOKMARK_SetUpdatedMark(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t BookmarkRecords::remove(const std::string& url)
+Result BookmarkRecords::remove(const std::string& url)
 {
     return DB_BOOKMARK_SetDeletedMark(Text(imei_).c_str(), Text(url).c_str());
 }

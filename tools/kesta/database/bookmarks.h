@@ -24,10 +24,10 @@ public:
 
     [[nodiscard]] std::vector<RecordedBookmark> bookmarks();
     /// The phone must be known, here and below.
-    [[nodiscard]] std::int32_t add(const RecordedBookmark& mark);
+    Result add(const RecordedBookmark& mark);
     /// The title, the id on the phone and the flag.
-    [[nodiscard]] std::int32_t update(const RecordedBookmark& mark);
-    [[nodiscard]] std::int32_t remove(const std::string& url);
+    Result update(const RecordedBookmark& mark);
+    Result remove(const std::string& url);
 
 private:
     std::string imei_;

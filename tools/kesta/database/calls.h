@@ -51,16 +51,6 @@ private:
     return FromDbText(text);
 }
 
-[[noreturn]] inline void Fail(std::string_view call, std::int32_t code)
-{
-    throw DatabaseError(fmt::format("{} failed: {}", call, ResultText(code)));
-}
-
-inline void Require(std::string_view call, std::int32_t code)
-{
-    if (code != 0) Fail(call, code);
-}
-
 /// A list record that gives its contents back by the call that it is made with. A list for which no argument makes the
 /// library empty it has no such call: keep one static record of it and pass that in every time.
 template <class List>
@@ -88,10 +78,11 @@ private:
 template <class Call>
 void ReadList(std::string_view call, const Call& read)
 {
-    constexpr std::int32_t kOneRowTooMany = 100;
-    std::int32_t code = read();
-    for (int again = 0; code == kOneRowTooMany && again < 10; ++again) code = read();
-    Require(call, code);
+    Result result = read();
+    for (int again = 0; result.isOneRowTooMany() && again < 10; ++again) {
+        result = read();
+    }
+    Require(call, result);
 }
 
 [[nodiscard]] inline std::vector<RecordedFolder> ToFolders(const OwnedList<FolderList>& list)

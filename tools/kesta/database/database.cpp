@@ -79,26 +79,9 @@ PhoneSettings ToSettings(const PhoneSettingRecord& record)
 
 }  // namespace
 
-std::string ResultText(std::int32_t code)
+void Require(std::string_view call, Result result)
 {
-    switch (code) {
-        case 5:
-            return "another program has the database locked";
-        case 8:
-            return "the database is read-only";
-        case 10:
-            return "the database cannot be read or written (I/O error)";
-        case 11:
-            return "the database is damaged";
-        case 13:
-            return "no space is left on the PC for the database";
-        case 18:
-            return "the names are too long for the database";
-        case 19:
-            return "it is recorded already";
-        default:
-            return fmt::format("result {}", code);
-    }
+    if (!result.ok()) throw DatabaseError(fmt::format("{} failed: {}", call, result.text()));
 }
 
 Database::Database()
@@ -111,7 +94,7 @@ Database::Database()
         case 8398:
             throw DatabaseError("the database is of another version, or another program holds it");
         default:
-            throw DatabaseError("the database cannot be opened: " + ResultText(code));
+            throw DatabaseError("the database cannot be opened: " + Result(code).text());
     }
 }
 
@@ -148,17 +131,17 @@ void Database::rename(const std::string& imei, const std::string& name)
     DbText newName = Text(name);
     PhoneSettingRecord record = settings.unchanged();
     record.Name = newName.data();
-    calls::Require("DB_LIB_SetPhoneSetting", DB_LIB_SetPhoneSetting(&record));
+    Require("DB_LIB_SetPhoneSetting", DB_LIB_SetPhoneSetting(&record));
 }
 
 std::optional<LocalTime> Database::lastSync(const std::string& imei)
 {
     DateValue time{0.0, kDateNull};
-    calls::Require("DB_LIB_GetLastSyncTime", DB_LIB_GetLastSyncTime(Text(imei).c_str(), &time));
+    Require("DB_LIB_GetLastSyncTime", DB_LIB_GetLastSyncTime(Text(imei).c_str(), &time));
     return FromDateValue(time);
 }
 
-std::int32_t Database::setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode)
+Result Database::setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode)
 {
     const DateValue date = ToDateValue(time);
     constexpr std::int32_t kNeedMount = 1;  // The phone is reached as a mounted folder.
@@ -185,7 +168,7 @@ std::vector<RecordedFile> Database::files(const std::string& imei, Category cate
     return calls::ToFiles(list);
 }
 
-std::int32_t Database::addFolder(const std::string& imei, Category category, const RecordedFolder& folder)
+Result Database::addFolder(const std::string& imei, Category category, const RecordedFolder& folder)
 {
     DbText path = Text(folder.path);
     FolderRecord record{};
@@ -197,13 +180,13 @@ std::int32_t Database::addFolder(const std::string& imei, Category category, con
     return FamilyOf(category).addFolder(Text(imei).c_str(), &record);
 }
 
-std::int32_t Database::addFile(const std::string& imei, Category category, const RecordedFile& file)
+Result Database::addFile(const std::string& imei, Category category, const RecordedFile& file)
 {
     const calls::FileArguments arguments(file);
     return FamilyOf(category).setAddedFile(Text(imei).c_str(), &arguments.record);
 }
 
-std::int32_t Database::updateFile(const std::string& imei, Category category, const RecordedFile& file)
+Result Database::updateFile(const std::string& imei, Category category, const RecordedFile& file)
 {
     const calls::FileArguments arguments(file);
     return FamilyOf(category).setUpdatedFile(Text(imei).c_str(), &arguments.record);
@@ -217,7 +200,7 @@ bool Database::isRecorded(const std::string& imei, Category category, const Reco
     });
 }
 
-std::int32_t Database::removeFile(const std::string& imei, Category category, const std::string& path)
+Result Database::removeFile(const std::string& imei, Category category, const std::string& path)
 {
     const calls::FileArguments arguments(RecordedFile{path, {}, {}, {}});
     return FamilyOf(category).setDeletedFile(Text(imei).c_str(), &arguments.record);

@@ -8,10 +8,12 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/dates.h"
 #include "database/category.h"
+#include "database/result.h"
 
 namespace kesta {
 
@@ -20,6 +22,9 @@ class DatabaseError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+/// For calls without which nothing can go on: throws unless the result is success.
+void Require(std::string_view call, Result result);
 
 struct PhoneSettings {
     std::string imei, name, photoPath, docPath, wifiMac, calendarPeriodText;
@@ -48,9 +53,6 @@ struct RecordedFile {
     std::optional<LocalTime> modified;
 };
 
-/// What the result of a call means, in words.
-[[nodiscard]] std::string ResultText(std::int32_t code);
-
 /// Texts handed in must be valid UTF-8: a DatabaseError says so otherwise. Methods that return a code leave it to the
 /// caller what follows from it: 0 is success.
 class Database {
@@ -65,16 +67,16 @@ public:
     void rename(const std::string& imei, const std::string& name);
     /// std::nullopt if the phone has not been synced yet.
     [[nodiscard]] std::optional<LocalTime> lastSync(const std::string& imei);
-    [[nodiscard]] std::int32_t setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode);
+    Result setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode);
 
     [[nodiscard]] std::vector<RecordedFolder> folders(const std::string& imei, Category category);
     [[nodiscard]] std::vector<RecordedFile> files(const std::string& imei, Category category);
-    [[nodiscard]] std::int32_t addFolder(const std::string& imei, Category category, const RecordedFolder& folder);
-    [[nodiscard]] std::int32_t addFile(const std::string& imei, Category category, const RecordedFile& file);
-    [[nodiscard]] std::int32_t updateFile(const std::string& imei, Category category, const RecordedFile& file);
+    Result addFolder(const std::string& imei, Category category, const RecordedFolder& folder);
+    Result addFile(const std::string& imei, Category category, const RecordedFile& file);
+    Result updateFile(const std::string& imei, Category category, const RecordedFile& file);
     /// Whether exactly this is recorded for the file. Reads all of the category: for doubtful cases only.
     [[nodiscard]] bool isRecorded(const std::string& imei, Category category, const RecordedFile& file);
-    [[nodiscard]] std::int32_t removeFile(const std::string& imei, Category category, const std::string& path);
+    Result removeFile(const std::string& imei, Category category, const std::string& path);
 };
 
 }  // namespace kesta

@@ -41,7 +41,7 @@ bool MainFolderRecords::isSelected(const std::string& imei, MainFolder folder)
     return DB_LIB_IsFolderSelected(Text(imei).c_str(), IdOf(folder)) != 0;
 }
 
-std::int32_t MainFolderRecords::select(const std::string& imei, MainFolder folder, bool selected)
+Result MainFolderRecords::select(const std::string& imei, MainFolder folder, bool selected)
 {
     return DB_LIB_SetFolderSelected(Text(imei).c_str(), IdOf(folder), selected ? 1 : 0);
 }

@@ -52,7 +52,7 @@ public:
     /// A folder of which nothing is stored for the phone counts as selected.
     [[nodiscard]] bool isSelected(const std::string& imei, MainFolder folder);
     /// The phone must be known. 0 is success.
-    [[nodiscard]] std::int32_t select(const std::string& imei, MainFolder folder, bool selected);
+    Result select(const std::string& imei, MainFolder folder, bool selected);
 };
 
 }  // namespace kesta

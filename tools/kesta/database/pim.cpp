@@ -65,31 +65,31 @@ std::vector<PimItem> PimRecords::items(PimKind kind, const std::string& folderId
     return items;
 }
 
-std::int32_t PimRecords::addFolder(PimKind kind, const PimFolder& folder)
+Result PimRecords::addFolder(PimKind kind, const PimFolder& folder)
 {
     DbText id = Text(folder.id), path = Text(folder.path);
     const PimFolderRecord record{id.data(), nullptr, path.data(), TypeOf(kind)};
     return DB_PIM_AddFolder(&record, Text(folder.parentId).c_str());
 }
 
-std::int32_t PimRecords::removeFolder(const std::string& id)
+Result PimRecords::removeFolder(const std::string& id)
 {
     return DB_PIM_DeleteFolder(Text(id).c_str());
 }
 
-std::int32_t PimRecords::addItem(PimKind kind, const std::string& folderPath, const PimItem& item)
+Result PimRecords::addItem(PimKind kind, const std::string& folderPath, const PimItem& item)
 {
     const ItemArguments arguments(kind, item);
     return DB_PIM_AddItem(&arguments.record, Text(folderPath).c_str());
 }
 
-std::int32_t PimRecords::updateItem(PimKind kind, const PimItem& item)
+Result PimRecords::updateItem(PimKind kind, const PimItem& item)
 {
     const ItemArguments arguments(kind, item);
     return DB_PIM_UpdateItem(&arguments.record);
 }
 
-std::int32_t PimRecords::removeItem(const std::string& id)
+Result PimRecords::removeItem(const std::string& id)
 {
     return DB_PIM_DeleteItem(Text(id).c_str());
 }
@@ -120,21 +120,21 @@ std::string PimRecords::logProfile(const std::string& imei, PimKind kind)
     // The library writes as much as there is, and no statement with which it was stored can have held more than this.
     constexpr std::size_t kLongestStatement = 40960;
     std::vector<DbChar> buffer(kLongestStatement + 1, 0);
-    calls::Require("DB_PIMLOG_GetPimProfile", DB_PIMLOG_GetPimProfile(Text(imei).c_str(), buffer.data(), TypeOf(kind)));
+    Require("DB_PIMLOG_GetPimProfile", DB_PIMLOG_GetPimProfile(Text(imei).c_str(), buffer.data(), TypeOf(kind)));
     return FromDbText(buffer.data());
 }
 
-std::int32_t PimRecords::clearLog(const std::string& imei, PimKind kind)
+Result PimRecords::clearLog(const std::string& imei, PimKind kind)
 {
     return DB_PIMLOG_ClearAll(Text(imei).c_str(), TypeOf(kind));
 }
 
-std::int32_t PimRecords::setLogProfile(const std::string& imei, PimKind kind, const std::string& profile)
+Result PimRecords::setLogProfile(const std::string& imei, PimKind kind, const std::string& profile)
 {
     return DB_PIMLOG_SetPimProfile(Text(imei).c_str(), Text(profile).c_str(), TypeOf(kind));
 }
 
-std::int32_t PimRecords::appendToLog(const std::string& imei, PimKind kind, const std::vector<PimLogRow>& rows)
+Result PimRecords::appendToLog(const std::string& imei, PimKind kind, const std::vector<PimLogRow>& rows)
 {
     std::vector<DbText> texts;
     texts.reserve(rows.size() * 2);

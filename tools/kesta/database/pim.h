@@ -44,20 +44,20 @@ public:
     [[nodiscard]] std::vector<PimFolder> folders(PimKind kind, const std::string& parentId, bool recursive);
     /// The items of the one folder, which must be known.
     [[nodiscard]] std::vector<PimItem> items(PimKind kind, const std::string& folderId);
-    [[nodiscard]] std::int32_t addFolder(PimKind kind, const PimFolder& folder);
-    [[nodiscard]] std::int32_t removeFolder(const std::string& id);
-    [[nodiscard]] std::int32_t addItem(PimKind kind, const std::string& folderPath, const PimItem& item);
-    [[nodiscard]] std::int32_t updateItem(PimKind kind, const PimItem& item);
-    [[nodiscard]] std::int32_t removeItem(const std::string& id);
+    Result addFolder(PimKind kind, const PimFolder& folder);
+    Result removeFolder(const std::string& id);
+    Result addItem(PimKind kind, const std::string& folderPath, const PimItem& item);
+    Result updateItem(PimKind kind, const PimItem& item);
+    Result removeItem(const std::string& id);
 
     /// The phone must have been announced.
     [[nodiscard]] std::vector<PimLogRow> log(const std::string& imei, PimKind kind);
     /// Who wrote the log, and in which form; empty when there is none.
     [[nodiscard]] std::string logProfile(const std::string& imei, PimKind kind);
-    [[nodiscard]] std::int32_t clearLog(const std::string& imei, PimKind kind);
-    [[nodiscard]] std::int32_t setLogProfile(const std::string& imei, PimKind kind, const std::string& profile);
+    Result clearLog(const std::string& imei, PimKind kind);
+    Result setLogProfile(const std::string& imei, PimKind kind, const std::string& profile);
     /// Success does not say that each row was stored: read the log again.
-    [[nodiscard]] std::int32_t appendToLog(const std::string& imei, PimKind kind, const std::vector<PimLogRow>& rows);
+    Result appendToLog(const std::string& imei, PimKind kind, const std::vector<PimLogRow>& rows);
 };
 
 }  // namespace kesta

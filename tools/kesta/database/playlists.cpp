@@ -85,18 +85,18 @@ std::vector<RecordedPlaylist> PlaylistRecords::lists()
     return lists;
 }
 
-std::int32_t PlaylistRecords::beginConfirming()
+Result PlaylistRecords::beginConfirming()
 {
     return DB_PLAYERMUSIC_ClearAll(Text(imei_).c_str());
 }
 
-std::int32_t PlaylistRecords::confirm(const RecordedPlaylist& list)
+Result PlaylistRecords::confirm(const RecordedPlaylist& list)
 {
     const ListArguments arguments(list);
     return DB_PLAYERMUSIC_AddPlaylist(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistRecords::setAdded(const std::string& name, const std::string& idInPhone)
+Result PlaylistRecords::setAdded(const std::string& name, const std::string& idInPhone)
 {
     RecordedPlaylist list = Named(name);
     list.idInPhone = idInPhone;
@@ -104,19 +104,19 @@ std::int32_t PlaylistRecords::setAdded(const std::string& name, const std::strin
     return DB_PLAYERMUSIC_SetAddedPlaylist(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistRecords::setUpdated(const std::string& name)
+Result PlaylistRecords::setUpdated(const std::string& name)
 {
     const ListArguments arguments(Named(name));
     return DB_PLAYERMUSIC_SetUpdatedPlaylist(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistRecords::setDeleted(const std::string& name)
+Result PlaylistRecords::setDeleted(const std::string& name)
 {
     const ListArguments arguments(Named(name));
     return DB_PLAYERMUSIC_SetDeletedPlaylist(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistRecords::forget(const std::string& name)
+Result PlaylistRecords::forget(const std::string& name)
 {
     return DB_PLAYERMUSIC_DeleteList(Text(imei_).c_str(), Text(name).c_str());
 }
@@ -132,19 +132,19 @@ std::vector<RecordedFile> PlaylistRecords::files()
     return calls::ToFiles(list);
 }
 
-std::int32_t PlaylistRecords::addFile(const RecordedFile& file)
+Result PlaylistRecords::addFile(const RecordedFile& file)
 {
     const calls::FileArguments arguments(file);
     return DB_PLAYERMUSIC_SetAddedFile(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistRecords::updateFile(const RecordedFile& file)
+Result PlaylistRecords::updateFile(const RecordedFile& file)
 {
     const calls::FileArguments arguments(file);
     return DB_PLAYERMUSIC_SetUpdatedFile(Text(imei_).c_str(), &arguments.record);
 }
 
-std::int32_t PlaylistRecords::removeFile(const std::string& path)
+Result PlaylistRecords::removeFile(const std::string& path)
 {
     const calls::FileArguments arguments(RecordedFile{path, {}, {}, {}});
     return DB_PLAYERMUSIC_SetDeletedFile(Text(imei_).c_str(), &arguments.record);
@@ -153,15 +153,15 @@ std::int32_t PlaylistRecords::removeFile(const std::string& path)
 std::vector<std::string> PlaylistRecords::members(const std::string& list)
 {
     OwnedNames names;
-    calls::Require("DB_PLAYERMUSIC_GetListFilesname",
-                   DB_PLAYERMUSIC_GetListFilesname(Text(imei_).c_str(), Text(list).c_str(), names.get()));
+    Require("DB_PLAYERMUSIC_GetListFilesname",
+            DB_PLAYERMUSIC_GetListFilesname(Text(imei_).c_str(), Text(list).c_str(), names.get()));
     std::vector<std::string> members;
     members.reserve(static_cast<std::size_t>(names.get()->Count));
     for (std::int32_t i = 0; i < names.get()->Count; ++i) members.push_back(FromDbText(names.get()->Items[i]));
     return members;
 }
 
-std::int32_t PlaylistRecords::setMembers(const std::string& list, const std::vector<std::string>& members)
+Result PlaylistRecords::setMembers(const std::string& list, const std::vector<std::string>& members)
 {
     std::vector<DbText> texts;
     texts.reserve(members.size());

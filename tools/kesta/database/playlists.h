@@ -40,26 +40,26 @@ public:
     /// The phone must be known, here and below.
     [[nodiscard]] std::vector<RecordedPlaylist> lists();
     /// Every list but those deleted on the phone becomes unconfirmed.
-    [[nodiscard]] std::int32_t beginConfirming();
+    Result beginConfirming();
     /// Confirms a list of the PC, or enters it. The code does not tell whether the statements succeeded; lists() does.
-    [[nodiscard]] std::int32_t confirm(const RecordedPlaylist& list);
-    [[nodiscard]] std::int32_t setAdded(const std::string& name, const std::string& idInPhone);
-    [[nodiscard]] std::int32_t setUpdated(const std::string& name);
+    Result confirm(const RecordedPlaylist& list);
+    Result setAdded(const std::string& name, const std::string& idInPhone);
+    Result setUpdated(const std::string& name);
     /// Takes an unconfirmed list out of the database, with the records of all files that name it as theirs.
-    [[nodiscard]] std::int32_t setDeleted(const std::string& name);
+    Result setDeleted(const std::string& name);
     /// The list is gone from the PC: what is not on the phone leaves the database.
-    [[nodiscard]] std::int32_t forget(const std::string& name);
+    Result forget(const std::string& name);
 
     /// The music that was copied for playlists. A file's basePath is the list that it came with.
     [[nodiscard]] std::vector<RecordedFile> files();
-    [[nodiscard]] std::int32_t addFile(const RecordedFile& file);
-    [[nodiscard]] std::int32_t updateFile(const RecordedFile& file);
-    [[nodiscard]] std::int32_t removeFile(const std::string& path);
+    Result addFile(const RecordedFile& file);
+    Result updateFile(const RecordedFile& file);
+    Result removeFile(const std::string& path);
 
     /// A list's members, in no particular order.
     [[nodiscard]] std::vector<std::string> members(const std::string& list);
     /// Replaces them; what is given twice is stored once. The code does not tell whether all were stored.
-    [[nodiscard]] std::int32_t setMembers(const std::string& list, const std::vector<std::string>& members);
+    Result setMembers(const std::string& list, const std::vector<std::string>& members);
 
 private:
     std::string imei_;

@@ -60,7 +60,7 @@ constexpr std::array kNumbers{NumberField{&PhoneSettings::contactPreferSide, &Ph
 
 }  // namespace
 
-std::int32_t SettingsRecords::write(const PhoneSettings& before, const PhoneSettings& after)
+Result SettingsRecords::write(const PhoneSettings& before, const PhoneSettings& after)
 {
     calls::OwnedSettings present;
     if (!present.read(imei_)) throw DatabaseError("DB_LIB_GetPhoneSetting failed: the phone's settings cannot be read");
@@ -81,14 +81,14 @@ std::int32_t SettingsRecords::write(const PhoneSettings& before, const PhoneSett
     return DB_LIB_SetPhoneSetting(&record);
 }
 
-std::int32_t SettingsRecords::selectFolder(Category category, const std::string& path, bool selected)
+Result SettingsRecords::selectFolder(Category category, const std::string& path, bool selected)
 {
     constexpr std::array kCalls{&DB_MUSIC_SetFolderSelected, &DB_IMAGE_SetFolderSelected, &DB_VIDEO_SetFolderSelected,
                                 &DB_DOCUMENT_SetFolderSelected};
     return kCalls[static_cast<std::size_t>(category)](Text(imei_).c_str(), Text(path).c_str(), Truth(selected));
 }
 
-std::int32_t SettingsRecords::selectPlaylist(const std::string& name, bool selected)
+Result SettingsRecords::selectPlaylist(const std::string& name, bool selected)
 {
     return DB_PLAYERMUSIC_SetListSelected(Text(imei_).c_str(), Text(name).c_str(), Truth(selected));
 }

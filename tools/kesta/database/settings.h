@@ -15,11 +15,11 @@ public:
 
     /// Writes what differs between the two; everything else keeps its value in the database, to the character.
     /// NeedMount cannot be written by itself.
-    [[nodiscard]] std::int32_t write(const PhoneSettings& before, const PhoneSettings& after);
+    Result write(const PhoneSettings& before, const PhoneSettings& after);
     /// Success does not say that the database knows the folder.
-    [[nodiscard]] std::int32_t selectFolder(Category category, const std::string& path, bool selected);
+    Result selectFolder(Category category, const std::string& path, bool selected);
     /// Success does not say that the database knows the playlist.
-    [[nodiscard]] std::int32_t selectPlaylist(const std::string& name, bool selected);
+    Result selectPlaylist(const std::string& name, bool selected);
 
 private:
     std::string imei_;

@@ -24,6 +24,21 @@ os::Status NoFolder(const std::string& phonePath)
 
 }  // namespace
 
+ExitCode ExitCodeOf(const os::Status& status)
+{
+    switch (status.failure()) {
+        case os::Failure::kBusy:
+            return ExitCode::kAnotherSync;
+        case os::Failure::kReadOnly:
+        case os::Failure::kDenied:
+            return ExitCode::kPhoneReadOnly;
+        case os::Failure::kFull:
+            return ExitCode::kPhoneFull;
+        default:
+            return ExitCode::kFailure;
+    }
+}
+
 os::Status PhoneFolder::open()
 {
     os::FileInfo info;
@@ -52,10 +67,41 @@ PhoneFile PhoneFolder::find(const std::string& phonePath) const
     if (os::Status status = os::ReadInfoOfLink(native(phonePath), info); !status.ok()) {
         // What the phone cannot name is not there; copying it will give the reason.
         if (status.failure() == os::Failure::kMissing || status.failure() == os::Failure::kTooLong) return {};
-        throw PhoneError(fmt::format("the phone cannot be read: {}: {}", Printable(phonePath), status.text()));
+        throw StopRun(ExitCode::kPhoneGone,
+                      fmt::format("the phone cannot be read: {}: {}", Printable(phonePath), status.text()));
     }
     return {info.kind == os::FileKind::kFile ? PhoneEntry::kFile : PhoneEntry::kOther, info.size,
             info.modified.seconds};
+}
+
+std::vector<std::string> PhoneFolder::names(const std::string& folder) const
+{
+    // A file of that name shows when something is to be written there.
+    if (find(folder).entry != PhoneEntry::kOther) return {};
+    std::vector<os::DirectoryEntry> entries;
+    if (os::Status status = os::ListDirectory(native(folder), entries); !status.ok())
+        throw StopRun(ExitCode::kPhoneGone, fmt::format("the phone cannot be read: {}: {}", folder, status.text()));
+    std::vector<std::string> names;
+    for (os::DirectoryEntry& entry : entries) {
+        if (entry.valid) {
+            names.push_back(std::move(entry.name));
+        }
+    }
+    return names;
+}
+
+bool PhoneFolder::holds(const std::string& phonePath, const std::string& text) const
+{
+    std::string contents;
+    return os::ReadText(native(phonePath), contents).ok() && contents == text;
+}
+
+std::optional<StopRun> PhoneFolder::whyNothingCanBeWritten(const os::Status& status) const
+{
+    if (!isStillThere()) return StopRun(ExitCode::kPhoneGone, "the phone went away");
+    if (status.failure() == os::Failure::kFull) return StopRun(ExitCode::kPhoneFull, "the phone is full");
+    if (status.failure() == os::Failure::kReadOnly) return StopRun(ExitCode::kPhoneReadOnly, "the phone is read-only");
+    return std::nullopt;
 }
 
 os::Status PhoneFolder::checkWay(const std::string& phonePath, Way& way) const

@@ -1,22 +1,22 @@
 // The phone: any mounted folder. Phone paths have '/' between their components and begin below the folder.
 #pragma once
 
+#include <optional>
 #include <set>
-#include <stdexcept>
 #include <string>
+#include <vector>
 
+#include "base/stop_run.h"
 #include "os/files.h"
 #include "phone/phone_view.h"
 
 namespace kesta {
 
-/// The phone can no longer be read.
-class PhoneError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+/// How a run ends that cannot do without what has failed on the phone.
+[[nodiscard]] ExitCode ExitCodeOf(const os::Status& status);
 
-class PhoneFolder : public PhoneView {
+/// What finds that the phone can no longer be read throws.
+class PhoneFolder : public Phone {
 public:
     /// Takes a canonical path.
     explicit PhoneFolder(std::string root) : root_(std::move(root)) {}
@@ -30,6 +30,10 @@ public:
 
     [[nodiscard]] std::string native(const std::string& phonePath) const;
     [[nodiscard]] PhoneFile find(const std::string& phonePath) const override;
+    [[nodiscard]] std::vector<std::string> names(const std::string& folder) const override;
+    [[nodiscard]] bool holds(const std::string& phonePath, const std::string& text) const override;
+    /// A failure that every further write would meet, as the end of the run: the phone is gone, full or read-only.
+    [[nodiscard]] std::optional<StopRun> whyNothingCanBeWritten(const os::Status& status) const;
 
     /// Creates the folders on the way to a file. Refuses a way that leads over a link.
     os::Status makeFolders(const std::string& phonePath);

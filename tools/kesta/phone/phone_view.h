@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace kesta {
 
@@ -19,6 +20,15 @@ class PhoneView {
 public:
     virtual ~PhoneView() = default;
     [[nodiscard]] virtual PhoneFile find(const std::string& phonePath) const = 0;
+};
+
+/// With a look into folders and files.
+class Phone : public PhoneView {
+public:
+    /// The names of the files in a folder of the phone's root.
+    [[nodiscard]] virtual std::vector<std::string> names(const std::string& folder) const = 0;
+    /// Whether the file holds exactly this.
+    [[nodiscard]] virtual bool holds(const std::string& phonePath, const std::string& text) const = 0;
 };
 
 }  // namespace kesta

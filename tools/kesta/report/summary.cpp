@@ -14,29 +14,42 @@ constexpr std::size_t kListedFailures = 50;
 
 }  // namespace
 
+Tally& Tally::operator+=(const Tally& other)
+{
+    added += other.added;
+    updated += other.updated;
+    adopted += other.adopted;
+    removed += other.removed;
+    unchanged += other.unchanged;
+    deferred += other.deferred;
+    return *this;
+}
+
 void Summary::stopWith(ExitCode code, std::string reason)
 {
-    if (stopped()) return;
+    if (isStopped()) return;
     stop = code;
     stopReason = std::move(reason);
 }
 
-FamilyCounts& Summary::beginFamily(std::string title, const char* noun)
+Tally& Summary::beginFamily(std::string title, const char* noun)
 {
-    families.push_back({std::move(title), noun});
-    return families.back();
+    families.push_back({std::move(title), noun, {}});
+    return families.back().tally;
 }
 
-std::size_t Summary::allDeferred() const
+size_t Summary::allDeferred() const
 {
-    std::size_t all = deferred;
-    for (const FamilyCounts& family : families) all += family.deferred;
+    size_t all = files.deferred;
+    for (const FamilyTally& family : families) {
+        all += family.tally.deferred;
+    }
     return all;
 }
 
 ExitCode Summary::exitCode() const
 {
-    if (stopped()) return stop;
+    if (isStopped()) return stop;
     if (!failures.empty()) return ExitCode::kIncomplete;
     return allDeferred() > 0 ? ExitCode::kDeferred : ExitCode::kSuccess;
 }
@@ -59,7 +72,7 @@ std::string FormatSize(std::uint64_t bytes)
     return fmt::format("{:.1f} {}", value, kUnits[unit]);
 }
 
-std::string Describe(const Summary& summary, bool dryRun, double seconds)
+std::string Describe(const Summary& summary, bool isPreview, double seconds)
 {
     fmt::memory_buffer text;
     const auto out = std::back_inserter(text);
@@ -71,32 +84,32 @@ std::string Describe(const Summary& summary, bool dryRun, double seconds)
     if (summary.failures.size() > kListedFailures)
         fmt::format_to(out, "  and {} more\n", summary.failures.size() - kListedFailures);
     for (const std::string& note : summary.notes) fmt::format_to(out, "Note: {}\n", note);
-    if (summary.deferred > 0) {
+    if (summary.files.deferred > 0) {
         fmt::format_to(out,
                        "Deferred: {} to be removed from the phone, more than half of a category. "
                        "Add --force if that is what you want.\n",
-                       Counted(summary.deferred, "file"));
+                       Counted(summary.files.deferred, "file"));
     }
-    for (const FamilyCounts& family : summary.families) {
-        if (family.deferred == 0) continue;
+    for (const FamilyTally& family : summary.families) {
+        if (family.tally.deferred == 0) continue;
         fmt::format_to(out,
                        "Deferred: {} to be removed from the phone, more than half of those recorded. "
                        "Add --force if that is what you want.\n",
-                       Counted(family.deferred, family.noun));
+                       Counted(family.tally.deferred, family.noun));
     }
-    if (summary.stopped()) fmt::format_to(out, "Stopped: {}\n", Printable(summary.stopReason));
+    if (summary.isStopped()) fmt::format_to(out, "Stopped: {}\n", Printable(summary.stopReason));
     fmt::format_to(out, "{}: {} copied, {} updated, {} removed, {} unchanged, {} failed",
-                   dryRun ? "A sync would give" : "Summary", summary.copied, summary.updated, summary.removed,
-                   summary.unchanged, summary.failures.size());
-    if (summary.adopted > 0) fmt::format_to(out, ", {} recorded as found", summary.adopted);
+                   isPreview ? "A sync would give" : "Summary", summary.files.added, summary.files.updated,
+                   summary.files.removed, summary.files.unchanged, summary.failures.size());
+    if (summary.files.adopted > 0) fmt::format_to(out, ", {} recorded as found", summary.files.adopted);
     if (summary.notReached > 0) fmt::format_to(out, ", {} not reached", summary.notReached);
-    if (dryRun)
+    if (isPreview)
         fmt::format_to(out, " ({} to copy)", FormatSize(summary.bytes));
     else
         fmt::format_to(out, " ({} in {:.1f} s)", FormatSize(summary.bytes), seconds);
-    for (const FamilyCounts& family : summary.families) {
-        fmt::format_to(out, "\n{}: {} added, {} updated, {} removed, {} unchanged", family.title, family.added,
-                       family.updated, family.removed, family.unchanged);
+    for (const FamilyTally& family : summary.families) {
+        fmt::format_to(out, "\n{}: {} added, {} updated, {} removed, {} unchanged", family.title, family.tally.added,
+                       family.tally.updated, family.tally.removed, family.tally.unchanged);
     }
     return fmt::to_string(text);
 }

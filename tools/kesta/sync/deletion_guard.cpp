@@ -43,7 +43,7 @@ bool DeletionGuard::defers(const std::string& what, std::size_t leaving, std::si
     return areTooMany;
 }
 
-void DeletionGuard::save(Summary& summary)
+void DeletionGuard::save(Report& report)
 {
     if (!hasChanged_ || imei_.empty()) return;
     hasChanged_ = false;
@@ -55,7 +55,7 @@ void DeletionGuard::save(Summary& summary)
         constexpr auto kReplace = nlohmann::json::error_handler_t::replace;
         status = WriteStateFile(StatePath(imei_), json.dump(4, ' ', false, kReplace) + "\n");
     }
-    if (!status.ok()) summary.notes.push_back("what is deferred cannot be noted for the next run: " + status.text());
+    if (!status.ok()) report.note("what is deferred cannot be noted for the next run: " + status.text());
 }
 
 }  // namespace kesta

@@ -6,7 +6,7 @@
 #include <map>
 #include <string>
 
-#include "report/summary.h"
+#include "report/report.h"
 
 namespace kesta {
 
@@ -22,7 +22,7 @@ public:
     [[nodiscard]] bool defers(const std::string& what, std::size_t leaving, std::size_t recorded);
 
     /// Notes on the PC what waits, to be called before anything is added.
-    void save(Summary& summary);
+    void save(Report& report);
 
 private:
     std::string imei_;

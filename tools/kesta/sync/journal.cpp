@@ -4,6 +4,7 @@
 #include <set>
 #include <sstream>
 #include <unordered_set>
+#include <utility>
 
 #include "base/names.h"
 #include "phone/phone_layout.h"
@@ -16,7 +17,13 @@ std::string JournalPath(const PhoneFolder& phone)
     return phone.native(std::string(kJournalName));
 }
 
-bool IsPlace(const std::string& line)
+os::Status RemoveJournal(const PhoneFolder& phone)
+{
+    os::Status status = os::RemoveFile(JournalPath(phone));
+    return status.failure() == os::Failure::kMissing ? os::Status() : status;
+}
+
+bool IsOfJournal(const std::string& line)
 {
     return IsPhonePath(line, kPlaylistFolder) || IsPhonePath(line, kBookmarkFolder) ||
            std::any_of(kCategories.begin(), kCategories.end(), [&](Category c) { return IsPhonePath(line, c); });
@@ -24,17 +31,26 @@ bool IsPlace(const std::string& line)
 
 }  // namespace
 
-os::Status WriteJournal(const PhoneFolder& phone, const std::vector<std::string>& places)
+void PhoneJournal::begin(const std::vector<std::string>& phonePaths)
 {
     std::string text;
-    for (const std::string& place : places) text += place + '\n';
-    return os::WriteText(JournalPath(phone), phone.native(std::string(kTemporaryName)), text);
+    for (const std::string& path : phonePaths) {
+        text += path + '\n';
+    }
+    const os::Status status = os::WriteText(JournalPath(phone_), phone_.native(std::string(kTemporaryName)), text);
+    hasBegun_ = status.ok();
+    if (hasBegun_) return;
+    report_.fail(std::string(kJournalName), "it cannot be written to the phone: " + status.text());
+    throw phone_.whyNothingCanBeWritten(status).value_or(StopRun(ExitCode::kFailure, "the phone cannot be written"));
 }
 
-os::Status RemoveJournal(const PhoneFolder& phone)
+void PhoneJournal::end(bool isInOrder)
 {
-    os::Status status = os::RemoveFile(JournalPath(phone));
-    return status.failure() == os::Failure::kMissing ? os::Status() : status;
+    // What a run leaves behind the next one finds by it.
+    if (!std::exchange(hasBegun_, false) || !isInOrder || !phone_.isStillThere()) return;
+    if (os::Status status = RemoveJournal(phone_); !status.ok()) {
+        report_.fail(std::string(kJournalName), "it cannot be removed from the phone: " + status.text());
+    }
 }
 
 os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string>& recordedPaths, Leftovers& leftovers)
@@ -49,7 +65,7 @@ os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string
     const std::unordered_set<std::string> recorded(recordedPaths.begin(), recordedPaths.end());
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-        if (!IsPlace(line)) continue;
+        if (!IsOfJournal(line)) continue;
         folders.insert(os::ParentOf(phone.native(line)));
         leftovers.foldersOf.push_back(line);
         if (!recorded.contains(line) && phone.find(line).entry == PhoneEntry::kFile)

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "phone/phone_folder.h"
+#include "report/report.h"
+#include "sync/plan.h"
 
 namespace kesta {
 
@@ -19,9 +21,17 @@ struct Leftovers {
     bool journalFound = false;
 };
 
-/// Replaces the journal.
-os::Status WriteJournal(const PhoneFolder& phone, const std::vector<std::string>& places);
-os::Status RemoveJournal(const PhoneFolder& phone);
+class PhoneJournal : public Journal {
+public:
+    PhoneJournal(const PhoneFolder& phone, Report& report) : phone_(phone), report_(report) {}
+    void begin(const std::vector<std::string>& phonePaths) override;
+    void end(bool isInOrder) override;
+
+private:
+    const PhoneFolder& phone_;
+    Report& report_;
+    bool hasBegun_ = false;
+};
 
 /// What a killed run has left behind. recordedPaths: the phone paths of all recorded files.
 os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string>& recordedPaths, Leftovers& leftovers);

@@ -53,9 +53,9 @@ private:
 
 }  // namespace
 
-CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone)
+FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
 {
-    CategoryPlan plan;
+    FilePlan plan;
     plan.recorded = input.recorded.size();
     const auto wanted = CollectFiles(input);
 
@@ -78,7 +78,7 @@ CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone)
             misplaced.insert(file->path);
     }
     for (const RecordedFile* file : leaving) {
-        Action action{ActionKind::kRemove, input.category, *file, 0};
+        FileChange action{ChangeKind::kRemove, input.category, *file, 0};
         if (!IsPhonePath(file->phonePath, input.category) || names.isReserved(file->phonePath))
             action.file.phonePath.clear();
         else
@@ -88,13 +88,13 @@ CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone)
     names.chooseRoots(input);
 
     for (const auto& [path, source] : wanted) {
-        Action action{ActionKind::kCopy,
-                      input.category,
-                      {path, source.folder->path, {}, source.file->localTime},
-                      source.file->size};
+        FileChange action{ChangeKind::kPut,
+                          input.category,
+                          {path, source.folder->path, {}, source.file->localTime},
+                          source.file->size};
         const auto known = recorded.find(path);
         if (known != recorded.end()) {
-            action.kind = ActionKind::kUpdate;
+            action.kind = ChangeKind::kReplace;
             action.file.basePath = known->second->basePath;
             const PhoneFile there =
                 misplaced.contains(path) ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone.find(known->second->phonePath);
@@ -108,7 +108,7 @@ CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone)
         if (action.file.phonePath.empty()) {
             const auto place = names.allocate(source.folder->path, *source.file);
             action.file.phonePath = place.phonePath;
-            if (place.sameFileIsThere && known == recorded.end()) action.kind = ActionKind::kAdopt;
+            if (place.sameFileIsThere && known == recorded.end()) action.kind = ChangeKind::kAdopt;
         }
         plan.copies.push_back(std::move(action));
     }

@@ -11,18 +11,12 @@
 #include "phone/phone_view.h"
 #include "stages/media/scan.h"
 #include "sync/deletion_guard.h"
+#include "sync/plan.h"
 
 namespace kesta {
 
-enum class ActionKind {
-    kCopy,    // new: copy, then record
-    kUpdate,  // changed, or not as recorded on the phone: copy again, then record
-    kAdopt,   // lies on the phone already, of the same size and time: only record
-    kRemove   // gone from the PC: remove from the phone, then from the database
-};
-
-struct Action {
-    ActionKind kind = ActionKind::kCopy;
+struct FileChange {
+    ChangeKind kind = ChangeKind::kPut;
     Category category = Category::kMusic;
     RecordedFile file;  // as it is to be recorded; an empty phonePath in a removal: only the database knows the file
     std::uint64_t size = 0;
@@ -36,14 +30,14 @@ struct PlanInput {
     DeletionGuard& guard;
 };
 
-struct CategoryPlan {
-    std::vector<Action> removals;
-    std::vector<Action> copies;
+struct FilePlan {
+    std::vector<FileChange> removals;
+    std::vector<FileChange> copies;
     std::size_t unchanged = 0;
     std::size_t recorded = 0;
     std::size_t deferred = 0;  // removals left out, since they are more than half of what is recorded
 };
 
-[[nodiscard]] CategoryPlan PlanCategory(const PlanInput& input, const PhoneView& phone);
+[[nodiscard]] FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone);
 
 }  // namespace kesta

@@ -104,4 +104,14 @@ PimEntry ReadStored(PimKind kind, PimItem item)
     return entry;
 }
 
+std::string TitleOfEntry(PimKind kind, const std::string& bytes)
+{
+    if (kind == PimKind::kContacts) {
+        const formats::Cards cards = formats::ParseCards(bytes);
+        return cards.cards.empty() ? std::string() : cards.cards.front().name;
+    }
+    const formats::Calendars calendars = formats::ParseCalendars(bytes);
+    return calendars.entries.empty() ? std::string() : calendars.entries.front().summary;
+}
+
 }  // namespace kesta

@@ -43,4 +43,7 @@ struct PimCopy {
 /// Reads digest and time out of a stored entry.
 [[nodiscard]] PimEntry ReadStored(PimKind kind, PimItem item);
 
+/// What the stored contents call themselves; empty when they cannot be read.
+[[nodiscard]] std::string TitleOfEntry(PimKind kind, const std::string& bytes);
+
 }  // namespace kesta

@@ -19,7 +19,7 @@ constexpr std::int64_t kTimeTolerance = 2;
 // The files' places on this phone. Each keeps the one that the log knows.
 class FileNames {
 public:
-    FileNames(const PimPhoneInput& input, const PimPhoneView& phone)
+    FileNames(const PimPhoneInput& input, const Phone& phone)
         : input_(input), phone_(phone), folder_(TitleOf(input.kind))
     {
         for (std::string& name : phone.names(folder_)) names_.emplace(PimFileDigest(name), std::move(name));
@@ -62,7 +62,7 @@ private:
     }
 
     const PimPhoneInput& input_;
-    const PimPhoneView& phone_;
+    const Phone& phone_;
     std::string folder_;
     std::map<std::string, std::string> names_;  // by PimFileDigest
     std::set<std::string> taken_;               // case keys
@@ -70,10 +70,7 @@ private:
 
 class PhonePlanner {
 public:
-    PhonePlanner(const PimPhoneInput& input, const PimPhoneView& phone)
-        : input_(input), phone_(phone), names_(input, phone)
-    {
-    }
+    PhonePlanner(const PimPhoneInput& input, const Phone& phone) : input_(input), phone_(phone), names_(input, phone) {}
 
     PimPhonePlans run() &&
     {
@@ -198,7 +195,7 @@ private:
     }
 
     const PimPhoneInput& input_;
-    const PimPhoneView& phone_;
+    const Phone& phone_;
     FileNames names_;
     std::map<std::string, std::vector<PimLogRow>> rows_;  // by folder
     PimPhonePlans result_;
@@ -206,7 +203,7 @@ private:
 
 }  // namespace
 
-PimPhonePlans PlanPimPhone(const PimPhoneInput& input, const PimPhoneView& phone)
+PimPhonePlans PlanPimPhone(const PimPhoneInput& input, const Phone& phone)
 {
     return PhonePlanner(input, phone).run();
 }

@@ -15,15 +15,6 @@
 
 namespace kesta {
 
-/// The phone as planning sees it.
-class PimPhoneView : public PhoneView {
-public:
-    /// The names of the files in a folder of the phone's root.
-    [[nodiscard]] virtual std::vector<std::string> names(const std::string& folder) const = 0;
-    /// Whether the file holds exactly this.
-    [[nodiscard]] virtual bool holds(const std::string& phonePath, const std::string& text) const = 0;
-};
-
 struct PimPhoneInput {
     PimKind kind = PimKind::kContacts;
     const std::vector<PimSource>& sources;
@@ -48,6 +39,7 @@ struct PimPhonePlan {
     std::size_t added = 0, updated = 0, removed = 0, unchanged = 0;
     std::size_t deferred = 0;     // removals for which the whole file is left as it is
     bool waitsForSource = false;  // it is left as it is because the file of the PC is not known to be complete
+    bool isDone = false;          // executed: rows holds, and no longer oldRows
     std::vector<PimLogRow> oldRows;
     std::vector<PimLogRow> rows;  // once it is executed; without a phone time where it is the file's
 };
@@ -57,6 +49,6 @@ struct PimPhonePlans {
     std::vector<PimLogRow> others;  // rows that this run has nothing to do with
 };
 
-[[nodiscard]] PimPhonePlans PlanPimPhone(const PimPhoneInput& input, const PimPhoneView& phone);
+[[nodiscard]] PimPhonePlans PlanPimPhone(const PimPhoneInput& input, const Phone& phone);
 
 }  // namespace kesta

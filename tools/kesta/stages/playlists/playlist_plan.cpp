@@ -135,7 +135,7 @@ private:
             }
             records.emplace(file.path, &file);
             if (IsPhonePath(file.phonePath, kPlaylistMediaFolder) && places_.reserve(file.phonePath))
-                plan_.places[file.path] = file.phonePath;
+                plan_.phonePaths[file.path] = file.phonePath;
         }
         for (const RecordedFile* file : leaving) planRemoval(*file);
         for (const auto& [path, need] : needs_) {
@@ -147,7 +147,7 @@ private:
 
     void planRemoval(const RecordedFile& file)
     {
-        Action action{ActionKind::kRemove, Category::kMusic, file, 0};
+        FileChange action{ChangeKind::kRemove, Category::kMusic, file, 0};
         // In any other place lies what somebody else has put there, or a member that stays.
         if (!IsPhonePath(file.phonePath, kPlaylistMediaFolder) || places_.isReserved(file.phonePath))
             action.file.phonePath.clear();
@@ -159,12 +159,12 @@ private:
     void planMember(const Need& need, const RecordedFile* record)
     {
         const ListMember& member = *need.member;
-        const auto place = plan_.places.find(member.path);
+        const auto place = plan_.phonePaths.find(member.path);
         const PhoneFile there =
-            place == plan_.places.end() ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone_.find(place->second);
+            place == plan_.phonePaths.end() ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone_.find(place->second);
         if (!member.found) {
             // The list still names it, so it stays on the phone, if it got there while it could be read.
-            if (there.entry != PhoneEntry::kFile) plan_.places.erase(member.path);
+            if (there.entry != PhoneEntry::kFile) plan_.phonePaths.erase(member.path);
             return;
         }
         if (record != nullptr && there.entry == PhoneEntry::kFile && there.size == member.size &&
@@ -172,10 +172,10 @@ private:
             ++plan_.files.unchanged;
             return;
         }
-        Action action{
-            ActionKind::kCopy, Category::kMusic, {member.path, need.owner, {}, member.localTime}, member.size};
+        FileChange action{
+            ChangeKind::kPut, Category::kMusic, {member.path, need.owner, {}, member.localTime}, member.size};
         if (record != nullptr) {
-            action.kind = ActionKind::kUpdate;
+            action.kind = ChangeKind::kReplace;
             action.file.basePath = record->basePath;
             if (there.entry != PhoneEntry::kOther) action.file.phonePath = place->second;
         }
@@ -186,9 +186,9 @@ private:
             const auto found =
                 places_.allocate({os::NameOf(os::ParentOf(member.path)), os::NameOf(member.path)}, member.path, isSame);
             action.file.phonePath = found.phonePath;
-            if (found.sameFileIsThere && record == nullptr) action.kind = ActionKind::kAdopt;
+            if (found.sameFileIsThere && record == nullptr) action.kind = ChangeKind::kAdopt;
         }
-        plan_.places[member.path] = action.file.phonePath;
+        plan_.phonePaths[member.path] = action.file.phonePath;
         plan_.files.copies.push_back(std::move(action));
     }
 
@@ -229,8 +229,7 @@ std::string PathInMedia(const ListMember& member, const MediaPhonePaths& media, 
     for (const std::string* path : {&member.path, &member.namedPath}) {
         const auto found = media.find(*path);
         if (found == media.end()) continue;
-        const MediaPhonePath& place = found->second;
-        if (place.isPlanned || phone.find(place.phonePath).entry == PhoneEntry::kFile) return place.phonePath;
+        if (phone.find(found->second).entry == PhoneEntry::kFile) return found->second;
     }
     return {};
 }

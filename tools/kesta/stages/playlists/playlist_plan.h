@@ -8,20 +8,12 @@
 #include <vector>
 
 #include "database/playlists.h"
+#include "stages/media/media_paths.h"
 #include "stages/media/plan.h"
 #include "stages/playlists/pc_playlists.h"
 #include "sync/deletion_guard.h"
 
 namespace kesta {
-
-/// Where media sync has put a file.
-struct MediaPhonePath {
-    std::string phonePath;
-    bool isPlanned = false;  // by a dry run: it is not there yet
-};
-
-/// By the file's path on the PC.
-using MediaPhonePaths = std::unordered_map<std::string, MediaPhonePath>;
 
 struct PlaylistPlanInput {
     const std::vector<PcPlaylist>& lists;
@@ -43,10 +35,10 @@ struct PlaylistPlan {
     std::vector<const RecordedPlaylist*> leaving;    // to be removed from the phone and the database
     std::vector<const RecordedPlaylist*> forgotten;  // only the database still has them
     std::vector<const RecordedPlaylist*> notSelected, deletedOnPhone;
-    CategoryPlan files;                    // removals and copies of members
-    CategoryPlan superseded;               // members that media sync carries by now: removed when no list names them
+    FilePlan files;                        // removals and copies of members
+    FilePlan superseded;                   // members that media sync carries by now: removed when no list names them
     std::vector<RecordedFile> reassigned;  // members of leaving lists, under the lists that need them still
-    std::map<std::string, std::string> places;  // of members by their path on the PC, once all is executed
+    std::map<std::string, std::string> phonePaths;  // of members by their path on the PC, once all is executed
     std::size_t deferred = 0;  // lists to be removed or emptied, since they are more than half of those on the phone
 };
 

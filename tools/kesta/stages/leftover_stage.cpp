@@ -1,0 +1,51 @@
+#include "stages/leftover_stage.h"
+
+#include <fmt/format.h>
+
+#include "stages/bookmarks/bookmark_stage.h"
+#include "stages/playlists/playlist_stage.h"
+#include "sync/journal.h"
+
+namespace kesta {
+
+Plan LeftoverStage::plan(Session& session)
+{
+    Plan plan(session.report.summary.files);
+    std::vector<std::string> phonePaths;
+    if (session.isKnown) {
+        for (const Category category : kCategories) {
+            MediaState::OfCategory& state = state_.categories[static_cast<size_t>(category)];
+            state.known = session.database.folders(session.imei, category);
+            state.recorded = session.database.files(session.imei, category);
+            for (const RecordedFile& file : state.recorded) {
+                phonePaths.push_back(file.phonePath);
+            }
+        }
+        for (std::string& path : PhonePathsOfPlaylists(session.database, session.imei)) {
+            phonePaths.push_back(std::move(path));
+        }
+        for (std::string& path : PhonePathsOfBookmarks(session.database, session.imei)) {
+            phonePaths.push_back(std::move(path));
+        }
+    }
+    Leftovers leftovers;
+    if (os::Status status = FindLeftovers(phone_, phonePaths, leftovers); !status.ok())
+        throw StopRun(ExitCodeOf(status), "the phone's journal cannot be read: " + status.text());
+    if (!leftovers.journalFound && leftovers.temporaryFiles.empty()) return plan;
+    const size_t files = leftovers.temporaryFiles.size() + leftovers.unknownFiles.size();
+    const std::string counted = Counted(files, "leftover");
+    Change change;
+    change.verb.planned = kRemoved.planned;
+    change.shown = counted + " of the last run, which was cut short";
+    change.record = [this, leftovers, counted, &report = session.report](const Written&) {
+        if (os::Status status = RemoveLeftovers(phone_, leftovers); !status.ok())
+            throw StopRun(ExitCodeOf(status),
+                          "what the last run left on the phone cannot be removed: " + status.text());
+        report.note(fmt::format("the last run was cut short; {} of it removed.", counted));
+        return Result();
+    };
+    plan.add(std::move(change));
+    return plan;
+}
+
+}  // namespace kesta

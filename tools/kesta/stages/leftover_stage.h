@@ -1,0 +1,20 @@
+// What a run that was cut short has left on the phone.
+#pragma once
+
+#include "stages/media/media_stage.h"
+
+namespace kesta {
+
+/// Reads what the database has of media, and sees to what a run that was cut short has left on the phone: before
+/// anything else is planned.
+class LeftoverStage : public Stage {
+public:
+    LeftoverStage(MediaState& state, PhoneFolder& phone) : state_(state), phone_(phone) {}
+    [[nodiscard]] Plan plan(Session& session) override;
+
+private:
+    MediaState& state_;
+    PhoneFolder& phone_;
+};
+
+}  // namespace kesta

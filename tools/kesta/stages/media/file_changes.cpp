@@ -1,0 +1,85 @@
+#include "stages/media/file_changes.h"
+
+#include <algorithm>
+
+namespace kesta {
+namespace {
+
+Result Enter(FileChange file, FileRecords& records, const Written& written)
+{
+    if (written.isWritten) {
+        file.size = written.size;
+        file.file.modified = written.modified;
+    }
+    if (file.kind == ChangeKind::kRemove) return records.remove(file);
+    if (file.kind == ChangeKind::kReplace) return records.update(file);
+    const Result added = records.add(file);
+    if (!added.isRecordedAlready()) return added;
+    // Recorded in the meantime by somebody else, as a rule: what counts is what lies on the phone now. But the row can
+    // also have been refused for another reason, and updating a row that is not there succeeds.
+    const Result updated = records.update(file);
+    return !updated.ok() || records.holds(file) ? updated : added;
+}
+
+}  // namespace
+
+Result MediaRecords::add(const FileChange& change)
+{
+    return database_.addFile(imei_, change.category, change.file);
+}
+
+Result MediaRecords::update(const FileChange& change)
+{
+    return database_.updateFile(imei_, change.category, change.file);
+}
+
+Result MediaRecords::remove(const FileChange& change)
+{
+    return database_.removeFile(imei_, change.category, change.file.path);
+}
+
+bool MediaRecords::holds(const FileChange& change)
+{
+    return IsAmong(change.file, database_.files(imei_, change.category));
+}
+
+bool IsAmong(const RecordedFile& row, const std::vector<RecordedFile>& recorded)
+{
+    return std::any_of(recorded.begin(), recorded.end(), [&](const RecordedFile& other) {
+        return other.path == row.path && other.phonePath == row.phonePath && other.modified == row.modified;
+    });
+}
+
+Change ToChange(const FileChange& file, FileRecords& records)
+{
+    Change change;
+    change.kind = file.kind;
+    change.phonePath = file.file.phonePath;
+    change.subject = file.file.path;
+    switch (file.kind) {
+        case ChangeKind::kRemove:
+            change.verb = kRemoved;
+            change.counts.removed = 1;
+            break;
+        case ChangeKind::kAdopt:
+            change.verb = kRecorded;
+            change.counts.adopted = 1;
+            break;
+        case ChangeKind::kReplace:
+            change.verb = kUpdated;
+            change.counts.updated = 1;
+            break;
+        default:
+            change.verb = kCopied;
+            change.counts.added = 1;
+            break;
+    }
+    if (change.isToWrite()) {
+        change.pcFile = file.file.path;
+        change.size = file.size;
+    }
+    change.record = [file, &records](const Written& written) { return Enter(file, records, written); };
+    return change;
+}
+
+}  // namespace kesta

@@ -1,0 +1,54 @@
+// The changes that bring the lists themselves to the phone, and take them off it.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "phone/phone_paths.h"
+#include "phone/phone_view.h"
+#include "report/report.h"
+#include "stages/playlists/list_text.h"
+#include "stages/playlists/playlist_stage.h"
+
+namespace kesta {
+
+class ListChanges {
+public:
+    ListChanges(PlaylistRun& state, const Phone& phone, Report& report, Plan& plan)
+        : state_(state), phone_(phone), report_(report), plan_(plan)
+    {
+    }
+
+    /// Removals first. Where two lists have had one phone path, the file of the one that stays is not removed.
+    void add();
+
+private:
+    /// A list whose file on the phone is to be written.
+    struct Work {
+        const ListToBring* bring = nullptr;
+        ListText contents;
+        std::string phonePath;
+        bool isNew = false;    // the phone path is not recorded yet
+        bool isThere = false;  // the very same list lies there already
+    };
+
+    void findWork();
+    void addRemoval(const RecordedPlaylist& list);
+    void addForgetting(const RecordedPlaylist& list);
+    [[nodiscard]] Change toChange(const Work& work);
+    [[nodiscard]] bool isOnPhone(const Work& work) const;
+    /// Where the member lies on the phone now; empty when it does not.
+    [[nodiscard]] std::string pathOf(const ListMember& member) const;
+    [[nodiscard]] std::set<std::string> listsWithFiles() const;
+
+    PlaylistRun& state_;
+    const Phone& phone_;
+    Report& report_;
+    Plan& plan_;
+    std::vector<Work> work_;
+    std::set<std::string> pathsInUse_;  // case keys
+};
+
+}  // namespace kesta

@@ -1,0 +1,48 @@
+// Makes the changes of a plan: the phone first, then the database, so that the database never promises what the phone
+// does not have. Interrupts, a phone that is gone, full or read-only, the journal, progress and counts are seen to here
+// and nowhere else.
+#pragma once
+
+#include "phone/copy_file.h"
+#include "sync/journal.h"
+#include "sync/session.h"
+
+namespace kesta {
+
+class Executor : public Runner {
+public:
+    /// What the guard defers is noted before anything else is changed.
+    Executor(PhoneFolder& phone, DeletionGuard& guard, Report& report)
+        : phone_(phone), guard_(guard), report_(report), journal_(phone, report)
+    {
+    }
+
+    [[nodiscard]] const Phone& phone() const override { return phone_; }
+    /// A change that fails goes to the report, and the others are made; what every other one would meet is thrown.
+    void run(const Plan& plan) override;
+
+private:
+    void makeAll(const Plan& plan, Journal& journal);
+    void checkPhone() const;
+    /// False when it failed.
+    [[nodiscard]] bool make(const Change& change, const Plan& plan);
+    [[nodiscard]] bool remove(const Change& change);
+    [[nodiscard]] bool write(const Change& change, Written& written);
+    [[nodiscard]] bool copy(const Change& change, Written& written);
+    [[nodiscard]] bool writeText(const Change& change, Written& written);
+    [[nodiscard]] bool record(const Change& change, const Written& written);
+    void takeBack(const Change& change);
+    void fail(const Change& change, const std::string& reason);
+    void stopIfNothingCanBeWritten(const os::Status& status) const;
+
+    PhoneFolder& phone_;
+    DeletionGuard& guard_;
+    Report& report_;
+    PhoneJournal journal_;
+    bool isLeftBehind_ = false;  // something is on the phone, but neither recorded nor removed again
+    size_t next_ = 0;            // the change that is being made
+    bool hasFailed_ = false;     // that change
+    size_t timesLost_ = 0;
+};
+
+}  // namespace kesta

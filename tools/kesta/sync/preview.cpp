@@ -1,0 +1,43 @@
+#include "sync/preview.h"
+
+#include <fmt/format.h>
+
+#include "base/text.h"
+
+namespace kesta {
+
+void PlannedPhone::make(const Change& change)
+{
+    if (change.phonePath.empty()) return;
+    if (change.isToWrite()) {
+        changed_[change.phonePath] = {PhoneEntry::kFile, change.size, 0};
+    } else if (change.kind == ChangeKind::kRemove) {
+        changed_[change.phonePath] = {};
+    }
+}
+
+PhoneFile PlannedPhone::find(const std::string& phonePath) const
+{
+    const auto changed = changed_.find(phonePath);
+    return changed == changed_.end() ? phone_.find(phonePath) : changed->second;
+}
+
+void Preview::run(const Plan& plan)
+{
+    *plan.tally += plan.found;
+    for (const Change& change : plan.changes) {
+        (change.tally != nullptr ? *change.tally : *plan.tally) += change.counts;
+        if (!change.pcFile.empty() && change.isToWrite()) {
+            report_.summary.bytes += change.size;
+        }
+        phone_.make(change);
+        if (change.verb.planned[0] == '\0' || report_.isQuiet) continue;
+        report_.progress.say(fmt::format("{:<9} {}", change.verb.planned, Printable(change.name())));
+        if (!change.entries) continue;
+        for (const std::string& entry : change.entries()) {
+            report_.progress.say(fmt::format("{:<9}   {}", "", Printable(entry)));
+        }
+    }
+}
+
+}  // namespace kesta
