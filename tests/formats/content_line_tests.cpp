@@ -45,6 +45,11 @@ TEST(ContentLine, QuotedPrintable)
     EXPECT_EQ(DecodedValue(First("N;quoted-printable:a=\r\nEND:VCARD\r\n")), "a");
     EXPECT_EQ(DecodedValue(First("N;ENCODING=8BIT:a=\r\nb")), "a=");
     EXPECT_EQ(DecodedValue(First("N;QUOTED-PRINTABLE:a=00b")), "a b");
+    EXPECT_EQ(DecodedValue(First("N;CHARSET=ISO-8859-2:Ji\xF8\xED")), "Jiří");
+    EXPECT_EQ(DecodedValue(First("N;CHARSET=Shift_JIS:\x91\xBE\x98\x59")), "太郎");
+    EXPECT_EQ(DecodedValue(First("N;CHARSET=windows-1251:\xC8\xE2\xE0\xED")), "Иван");
+    const std::string cut = DecodedValue(First("N;CHARSET=SHIFT-JIS:a\x91"));  // in the middle of a character
+    EXPECT_TRUE(cut.starts_with('a') && IsUtf8(cut)) << cut;
     EXPECT_EQ(DecodedValue(First("N;CHARSET=X-ODD:\xFC")), "ü");
 }
 

@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "formats/ascii.h"
+#include "formats/system_charset.h"
 
 namespace kesta::formats {
 namespace {
@@ -16,6 +17,62 @@ constexpr std::array<char16_t, 32> kUpperControls = {0x20AC, 0x0081, 0x201A, 0x0
                                                      0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
                                                      0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                                      0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+// Files spell names in many ways: "ISO-8859-2", "iso_8859-2", "ISO8859-2". Letters and digits are compared.
+struct NamedCharset {
+    std::string_view name;
+    SystemCharset charset;
+};
+
+constexpr std::array kCharsets{NamedCharset{"ISO88592", {"ISO-8859-2", 28592}},
+                               NamedCharset{"LATIN2", {"ISO-8859-2", 28592}},
+                               NamedCharset{"ISO88593", {"ISO-8859-3", 28593}},
+                               NamedCharset{"ISO88594", {"ISO-8859-4", 28594}},
+                               NamedCharset{"ISO88595", {"ISO-8859-5", 28595}},
+                               NamedCharset{"ISO88596", {"ISO-8859-6", 28596}},
+                               NamedCharset{"ISO88597", {"ISO-8859-7", 28597}},
+                               NamedCharset{"ISO88598", {"ISO-8859-8", 28598}},
+                               NamedCharset{"ISO88599", {"ISO-8859-9", 28599}},
+                               NamedCharset{"LATIN5", {"ISO-8859-9", 28599}},
+                               NamedCharset{"ISO885913", {"ISO-8859-13", 28603}},
+                               NamedCharset{"ISO885915", {"ISO-8859-15", 28605}},
+                               NamedCharset{"LATIN9", {"ISO-8859-15", 28605}},
+                               NamedCharset{"WINDOWS1250", {"CP1250", 1250}},
+                               NamedCharset{"WINDOWS1251", {"CP1251", 1251}},
+                               NamedCharset{"WINDOWS1253", {"CP1253", 1253}},
+                               NamedCharset{"WINDOWS1254", {"CP1254", 1254}},
+                               NamedCharset{"WINDOWS1255", {"CP1255", 1255}},
+                               NamedCharset{"WINDOWS1256", {"CP1256", 1256}},
+                               NamedCharset{"WINDOWS1257", {"CP1257", 1257}},
+                               NamedCharset{"WINDOWS1258", {"CP1258", 1258}},
+                               NamedCharset{"KOI8R", {"KOI8-R", 20866}},
+                               NamedCharset{"KOI8U", {"KOI8-U", 21866}},
+                               NamedCharset{"SHIFTJIS", {"CP932", 932}},
+                               NamedCharset{"SJIS", {"CP932", 932}},
+                               NamedCharset{"XSJIS", {"CP932", 932}},
+                               NamedCharset{"CP932", {"CP932", 932}},
+                               NamedCharset{"WINDOWS31J", {"CP932", 932}},
+                               NamedCharset{"EUCJP", {"EUC-JP", 20932}},
+                               NamedCharset{"GB2312", {"GBK", 936}},
+                               NamedCharset{"GBK", {"GBK", 936}},
+                               NamedCharset{"GB18030", {"GB18030", 54936}},
+                               NamedCharset{"BIG5", {"BIG5", 950}},
+                               NamedCharset{"EUCKR", {"CP949", 949}},
+                               NamedCharset{"KSC56011987", {"CP949", 949}},
+                               NamedCharset{"TIS620", {"CP874", 874}}};
+
+// "CP1251" and "WINDOWS-1251" are one name.
+std::string Normalized(std::string_view charset)
+{
+    std::string name;
+    for (const char c : charset) {
+        const bool isLower = c >= 'a' && c <= 'z';
+        if (isLower || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')) {
+            name += isLower ? static_cast<char>(c - 'a' + 'A') : c;
+        }
+    }
+    return name.starts_with("CP125") ? "WINDOWS" + name.substr(2) : name;
+}
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
@@ -71,8 +128,15 @@ std::string FromUtf8OrLatin1(std::string_view bytes)
 
 std::string FromNamedCharset(std::string_view bytes, std::string_view charset)
 {
-    for (const std::string_view name : {"ISO-8859-1", "ISO8859-1", "ISO_8859-1", "LATIN1", "WINDOWS-1252", "CP1252"})
-        if (EqualsIgnoringCase(charset, name)) return FromLatin1(bytes);
+    if (charset.empty()) return FromUtf8OrLatin1(bytes);
+    const std::string normalized = Normalized(charset);
+    for (const std::string_view name : {"ISO88591", "LATIN1", "WINDOWS1252"}) {
+        if (normalized == name) return FromLatin1(bytes);
+    }
+    for (const auto& [name, systemCharset] : kCharsets) {
+        if (normalized != name) continue;
+        if (auto text = FromSystemCharset(bytes, systemCharset)) return *std::move(text);
+    }
     return FromUtf8OrLatin1(bytes);
 }
 

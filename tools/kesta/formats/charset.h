@@ -14,7 +14,7 @@ namespace kesta::formats {
 /// The text as UTF-8 if it is valid UTF-8, else from Latin-1.
 [[nodiscard]] std::string FromUtf8OrLatin1(std::string_view bytes);
 
-/// By the name of a character set as files spell it. Latin-1 and its kin are converted; UTF-8, unknown names and none
+/// By the name of a character set as files spell it: ISO-8859-2, Shift_JIS, Windows-1251. UTF-8, unknown names and none
 /// go by validity.
 [[nodiscard]] std::string FromNamedCharset(std::string_view bytes, std::string_view charset);
 
