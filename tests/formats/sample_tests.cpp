@@ -153,7 +153,7 @@ TEST(Samples, NetscapeBookmarkParser_ExportsOfManyPrograms)
         for (const fs::path& file : FilesOf("php-netscape-bookmark-parser", extension)) {
             SCOPED_TRACE(file.string());
             const std::string contents = Contents(file);
-            test::CheckBookmarks(contents);
+            test::FormatNamed("bookmarks").check(contents);
             if (!ParseBookmarks(contents).bookmarks.empty()) ++read;
         }
     EXPECT_GE(read, 5U);
@@ -169,9 +169,9 @@ TEST(Samples, EveryFile_KeepsTheProperties)
         const std::string extension = file.path().extension().string();
         SCOPED_TRACE(file.path().string());
         const bool isCard = extension == ".vcf" || extension == ".vcard";
-        if (isCard) test::CheckCards(Contents(file.path()));
-        if (extension == ".ics") test::CheckCalendars(Contents(file.path()));
-        if (IsPlaylistName(file.path().string())) test::CheckPlaylist(Contents(file.path()));
+        if (isCard) test::FormatNamed("cards").check(Contents(file.path()));
+        if (extension == ".ics") test::FormatNamed("calendars").check(Contents(file.path()));
+        if (IsPlaylistName(file.path().string())) test::FormatNamed("playlist").check(Contents(file.path()));
         if (isCard || extension == ".ics") ++files;
     }
     if (files == 0) GTEST_SKIP() << "no package could be fetched";

@@ -28,8 +28,6 @@ bool IsText(std::string_view text)
     return IsUtf8(text) && text.find('\0') == std::string_view::npos;
 }
 
-}  // namespace
-
 void CheckPlaylist(std::string_view file)
 {
     const Playlist playlist = ParsePlaylist(file, PlaylistEncoding::kByValidity);
@@ -94,6 +92,38 @@ void CheckCalendars(std::string_view file)
         Require(entry.uidDerived || again.entries[0].uid == entry.uid, "an entry keeps its UID", file);
         Require(again.entries[0].bytes == entry.bytes, "a complete calendar is complete", file);
     }
+}
+
+}  // namespace
+
+std::span<const Format> Formats()
+{
+    static const std::vector<Format> formats{
+        {"playlist",
+         CheckPlaylist,
+         {"\n", "\r", "#EXTINF:1,", "file:///", "C:\\", "\\\\", "//", "./", "%0A", "#", " ", "\xFF\xFE"}},
+        {"bookmarks",
+         CheckBookmarks,
+         {"<DL>", "</DL>", "<DT>", "<A HREF=x>", "</A>", "<H3>", "</H3>", "&#0;", "{", "}", "[", "\"", "<template>",
+          "<svg>"}},
+        {"cards",
+         CheckCards,
+         {"\n", "\n ", "=\n", "BEGIN:VCARD\n", "END:VCARD\n", ";", ":", "\"", "AGENT:\n", "ENCODING=QUOTED-PRINTABLE",
+          "=00", "UID:\n", "CHARSET=SHIFT_JIS"}},
+        {"calendars",
+         CheckCalendars,
+         {"\n", "\n ", "BEGIN:VEVENT\n", "END:VEVENT\n", "BEGIN:VCALENDAR\n", "END:VCALENDAR\n", "BEGIN:VTIMEZONE\n",
+          "BEGIN:VODD\n", ";TZID=", "UID:1@x\n", "VERSION:1.0\n", "X-WR-CALNAME:x\n", "=\n"}}};
+    return formats;
+}
+
+const Format& FormatNamed(std::string_view name)
+{
+    for (const Format& format : Formats()) {
+        if (format.name == name) return format;
+    }
+    std::fprintf(stderr, "There is no format %.*s.\n", static_cast<int>(name.size()), name.data());
+    std::abort();
 }
 
 }  // namespace kesta::test

@@ -7,7 +7,7 @@ seconds=${1:-60}
 build=${KESTA_FUZZ_BUILD:-build/fuzz}
 
 cmake -S . -B "$build" -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Release >/dev/null
-targets=(playlist bookmarks cards calendars)
+mapfile -t targets < <(ls tests/fuzz/seeds)
 ninja -C "$build" "${targets[@]/#/fuzz_}" >"$build/fuzz.log" 2>&1 || { tail -n 40 "$build/fuzz.log"; exit 1; }
 for target in "${targets[@]}"; do
     mkdir -p "$build/corpus/$target"
