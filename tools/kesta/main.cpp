@@ -1,9 +1,15 @@
 // kesta: brings a phone up to date with the PC and shows what is recorded about it.
 
+#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <functional>
+#include <iostream>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "base/stop_run.h"
 #include "base/text.h"
@@ -13,15 +19,6 @@
 #include "report/output.h"
 
 namespace {
-
-struct Runner {
-    kesta::ExitCode operator()(const kesta::SyncOptions& options) const { return kesta::RunSync(options); }
-    kesta::ExitCode operator()(const kesta::StatusOptions& options) const { return kesta::RunStatus(options); }
-    kesta::ExitCode operator()(const kesta::FilesOptions& options) const { return kesta::RunFiles(options); }
-    kesta::ExitCode operator()(const kesta::WhyOptions& options) const { return kesta::RunWhy(options); }
-    kesta::ExitCode operator()(const kesta::SettingsOptions& options) const { return kesta::RunSettings(options); }
-    kesta::ExitCode operator()(const kesta::TraceOptions&) const { return kesta::RunTrace(); }
-};
 
 int Report(kesta::ExitCode code, const std::exception& failure)
 {
@@ -34,6 +31,37 @@ int Report(kesta::ExitCode code, const std::exception& failure)
     return static_cast<int>(code);
 }
 
+// The command that the arguments name, with its options; none when help or a mistake has been printed.
+std::function<kesta::ExitCode()> Parse(std::vector<std::string> arguments, kesta::ExitCode& exitCode)
+{
+    CLI::App app("Brings a phone up to date with the PC and records what is on it.", "kesta");
+    app.require_subcommand(1);
+    app.footer(std::string("kesta COMMAND --help shows a command's options and examples.\n\n") + kesta::kExitCodeHelp);
+    std::vector<std::pair<const CLI::App*, std::function<kesta::ExitCode()>>> commands;
+    const auto add = [&](const kesta::Command& command) {
+        CLI::App* subcommand = app.add_subcommand(command.name, command.about);
+        commands.emplace_back(subcommand, command.prepare(*subcommand));
+    };
+#define KESTA_ADD(NAME) add(kesta::NAME##Command());
+    KESTA_COMMANDS(KESTA_ADD)
+#undef KESTA_ADD
+    try {
+        std::reverse(arguments.begin(), arguments.end());  // The parser takes them from the back.
+        app.parse(std::move(arguments));
+    } catch (const CLI::Success& help) {
+        (void)app.exit(help, std::cout, std::cerr);
+        return {};
+    } catch (const CLI::ParseError& mistake) {
+        exitCode = kesta::ExitCode::kUsage;
+        std::cerr << "kesta: " << kesta::Printable(mistake.what()) << "\nTry kesta --help, or kesta COMMAND --help.\n";
+        return {};
+    }
+    for (const auto& [command, run] : commands) {
+        if (command->parsed()) return run;
+    }
+    return {};
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -41,8 +69,9 @@ int main(int argc, char** argv)
     try {
         kesta::os::PrepareOutput();
         kesta::ExitCode exitCode = kesta::ExitCode::kSuccess;
-        const auto options = kesta::ParseOptions(kesta::os::Arguments(argc, argv), exitCode);
-        if (options) exitCode = std::visit(Runner(), *options);
+        if (const auto run = Parse(kesta::os::Arguments(argc, argv), exitCode)) {
+            exitCode = run();
+        }
         if (kesta::outputHasFailed && exitCode == kesta::ExitCode::kSuccess) {
             (void)std::fputs("kesta: the output could not be written\n", stderr);
             exitCode = kesta::ExitCode::kFailure;

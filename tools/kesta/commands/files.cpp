@@ -1,10 +1,14 @@
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
+#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <set>
 
 #include "base/text.h"
-#include "commands/commands.h"
+#include "commands/command.h"
 #include "commands/json.h"
 #include "commands/pc_path.h"
 #include "commands/phone_status.h"
@@ -23,6 +27,18 @@
 
 namespace kesta {
 namespace {
+
+/// What kesta files lists: the categories of media and the other families.
+inline constexpr std::array<std::string_view, 11> kFilesCategories{"music",    "images",    "videos",    "documents",
+                                                                   "gallery",  "playlists", "bookmarks", "backups",
+                                                                   "contacts", "calendar",  "log"};
+
+struct FilesOptions {
+    std::string imei;
+    std::string category;  // one of kFilesCategories
+    std::optional<std::string> folder;
+    bool json = false;
+};
 
 // What a category holds, in both forms.
 struct Listing {
@@ -214,9 +230,7 @@ bool HasFolders(const std::string& category)
     return category != "bookmarks" && category != "backups" && category != "log";
 }
 
-}  // namespace
-
-ExitCode RunFiles(const FilesOptions& options)
+ExitCode Run(const FilesOptions& options)
 {
     if (options.folder && !HasFolders(options.category)) {
         (void)std::fprintf(stderr, "kesta: --folder has no meaning for %s\n", options.category.c_str());
@@ -233,6 +247,50 @@ ExitCode RunFiles(const FilesOptions& options)
     json.update(listing.json);
     PrintJson(json);
     return ExitCode::kSuccess;
+}
+
+constexpr const char* kFilesExamples =
+    "Examples:\n"
+    "  kesta files --imei 004999010640000 --category music\n"
+    "  kesta files --imei 004999010640000 --category images --folder ~/Pictures/2026 --json\n"
+    "  kesta files --imei 004999010640000 --category playlists\n"
+    "\n"
+    "Categories:\n"
+    "  music, images, videos, documents  the files copied from folders of that category\n"
+    "  gallery                           the folders of pictures and videos as one list\n"
+    "  playlists                         the playlists, their members and the music copied for them\n"
+    "  bookmarks                         the web bookmarks of the phone's present bookmark type\n"
+    "  backups                           the archives made of the phone\n"
+    "  contacts, calendar                the entries of the store, folder by folder\n"
+    "  log                               which contacts and calendar entries the phone has\n"
+    "\n";
+
+std::string CategoryProblem(const std::string& key)
+{
+    if (std::find(kFilesCategories.begin(), kFilesCategories.end(), key) != kFilesCategories.end()) return {};
+    return fmt::format("the categories are {}", fmt::join(kFilesCategories, ", "));
+}
+
+std::function<ExitCode()> Prepare(CLI::App& app)
+{
+    const auto options = std::make_shared<FilesOptions>();
+    app.add_option("--imei", options->imei, "the phone")->required()->type_name("IMEI");
+    app.add_option("--category", options->category, "what to list: see below")
+        ->required()
+        ->type_name("NAME")
+        ->check(CategoryProblem);
+    app.add_option("--folder", options->folder, "only what belongs to this folder, or to the playlist of this name")
+        ->type_name("DIR");
+    app.add_flag("--json", options->json, "as JSON");
+    app.footer(std::string(kFilesExamples) + kExitCodeHelp);
+    return [options] { return Run(*options); };
+}
+
+}  // namespace
+
+Command FilesCommand()
+{
+    return {"files", "list the files or entries recorded for a phone", Prepare};
 }
 
 }  // namespace kesta

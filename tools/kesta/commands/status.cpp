@@ -1,9 +1,11 @@
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
+#include <memory>
 
 #include "base/text.h"
-#include "commands/commands.h"
+#include "commands/command.h"
 #include "commands/json.h"
 #include "commands/phone_status.h"
 #include "commands/phones.h"
@@ -14,6 +16,11 @@
 
 namespace kesta {
 namespace {
+
+struct StatusOptions {
+    std::optional<std::string> imei;
+    bool json = false;
+};
 
 Json LibraryJson(Database& database)
 {
@@ -45,9 +52,7 @@ void PrintAsText(Database& database, std::vector<PhoneSettings> phones)
     if (!store.empty()) Print("Contacts and calendar in the database, for all phones\n" + store + "\n");
 }
 
-}  // namespace
-
-ExitCode RunStatus(const StatusOptions& options)
+ExitCode Run(const StatusOptions& options)
 {
     Database database;
     std::vector<PhoneSettings> phones = ChosenPhones(database, options.imei);
@@ -56,6 +61,28 @@ ExitCode RunStatus(const StatusOptions& options)
     else
         PrintAsText(database, std::move(phones));
     return ExitCode::kSuccess;
+}
+
+constexpr const char* kStatusExamples =
+    "Examples:\n"
+    "  kesta status\n"
+    "  kesta status --imei 004999010640000 --json\n"
+    "\n";
+
+std::function<ExitCode()> Prepare(CLI::App& app)
+{
+    const auto options = std::make_shared<StatusOptions>();
+    app.add_option("--imei", options->imei, "only this phone")->type_name("IMEI");
+    app.add_flag("--json", options->json, "as JSON");
+    app.footer(std::string(kStatusExamples) + kExitCodeHelp);
+    return [options] { return Run(*options); };
+}
+
+}  // namespace
+
+Command StatusCommand()
+{
+    return {"status", "show the phones and what the database holds for each", Prepare};
 }
 
 }  // namespace kesta

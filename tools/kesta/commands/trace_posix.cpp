@@ -19,7 +19,7 @@
 
 #include "base/stop_run.h"
 #include "base/text.h"
-#include "commands/commands.h"
+#include "commands/trace.h"
 #include "os/files.h"
 #include "os/system.h"
 

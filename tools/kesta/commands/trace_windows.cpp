@@ -1,6 +1,6 @@
 #include <cstdio>
 
-#include "commands/commands.h"
+#include "commands/trace.h"
 
 namespace kesta {
 

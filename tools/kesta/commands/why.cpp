@@ -1,9 +1,11 @@
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
+#include <memory>
 
 #include "base/text.h"
-#include "commands/commands.h"
+#include "commands/command.h"
 #include "commands/json.h"
 #include "commands/phones.h"
 #include "commands/why_reasons.h"
@@ -13,6 +15,12 @@
 
 namespace kesta {
 namespace {
+
+struct WhyOptions {
+    std::string path;
+    std::optional<std::string> imei;
+    bool json = false;
+};
 
 const char* KeyOf(PcEntry::Kind kind)
 {
@@ -80,9 +88,7 @@ std::string ToText(const PhoneSettings& phone, const Explanation& explanation)
     return text;
 }
 
-}  // namespace
-
-ExitCode RunWhy(const WhyOptions& options)
+ExitCode Run(const WhyOptions& options)
 {
     Database database;
     std::vector<PhoneSettings> phones = ChosenPhones(database, options.imei);
@@ -104,6 +110,32 @@ ExitCode RunWhy(const WhyOptions& options)
     if (phones.empty()) Print("No phone has been synced yet. Begin with: kesta sync --help\n");
     for (const PhoneSettings& phone : phones) Print(ToText(phone, Explain(database, phone.imei, entry)));
     return ExitCode::kSuccess;
+}
+
+constexpr const char* kWhyExamples =
+    "Examples:\n"
+    "  kesta why ~/Music/Rock/song.mp3\n"
+    "  kesta why ~/Pictures/2026 --imei 004999010640000\n"
+    "  kesta why ~/Music/Rock/song.mp3 --json\n"
+    "\n"
+    "The path is a file or folder of the PC, which may be gone by now. Nothing is changed.\n"
+    "\n";
+
+std::function<ExitCode()> Prepare(CLI::App& app)
+{
+    const auto options = std::make_shared<WhyOptions>();
+    app.add_option("path", options->path, "the file or folder of the PC")->required()->type_name("PATH");
+    app.add_option("--imei", options->imei, "only this phone")->type_name("IMEI");
+    app.add_flag("--json", options->json, "as JSON");
+    app.footer(std::string(kWhyExamples) + kExitCodeHelp);
+    return [options] { return Run(*options); };
+}
+
+}  // namespace
+
+Command WhyCommand()
+{
+    return {"why", "say why a file or folder is on a phone, or why it is not", Prepare};
 }
 
 }  // namespace kesta

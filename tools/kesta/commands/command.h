@@ -1,15 +1,25 @@
-// The command line's options, a group for each command.
+// What a command of the client is. A further one is one file with a function that returns its Command, and one line in
+// commands/commands.h.
 #pragma once
 
+#include <functional>
 #include <string>
 
-#include "commands/options.h"
+#include "base/exit_codes.h"
 
 namespace CLI {
 class App;
 }
 
 namespace kesta {
+
+/// What goes wrong beyond its exit code a command throws.
+struct Command {
+    const char* name;
+    const char* about;
+    /// Adds the command's options, which the function that is returned runs it with.
+    std::function<ExitCode()> (*prepare)(CLI::App& app);
+};
 
 /// The end of every command's help.
 inline constexpr const char* kExitCodeHelp =
@@ -31,11 +41,5 @@ inline constexpr const char* kExitCodeHelp =
 {
     return path.empty() ? "a path cannot be empty" : "";
 }
-
-void AddSync(CLI::App& app, SyncOptions& options);
-void AddStatus(CLI::App& app, StatusOptions& options);
-void AddFiles(CLI::App& app, FilesOptions& options);
-void AddWhy(CLI::App& app, WhyOptions& options);
-void AddSettings(CLI::App& app, SettingsOptions& options);
 
 }  // namespace kesta
