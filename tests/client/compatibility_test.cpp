@@ -157,6 +157,7 @@ TEST_F(CompatibilityTest, ChangesOnThePc_GoToTheSamePlaces)
     EXPECT_THAT(after.at("Playlists/Media/Loose/x.mp3"), "sung anew, too");
     EXPECT_EQ(database().text("SELECT [Path] FROM tBFile"), "http://site1.example/");
     EXPECT_FALSE(fs::exists(note("351111.held-back.json")));
+    EXPECT_FALSE(fs::exists(note("351111.deferred.json")));
 }
 
 // What a client that was killed leaves: a file without a record, and a card file that was being replaced.

@@ -61,11 +61,11 @@ TEST_F(SyncSafetyTest, DamagedNoteOfWhatIsHeldBack_IsReplaced)
     ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
     for (const char* name : {"a", "b"}) removeFile(std::string("Rock/") + name);
     for (const char* text : {"{\"imei\": 351111}", "{\"imei\": \"351111\", \"recorded\": 3}", "[]", "{"}) {
-        std::ofstream(note("351111.held-back.json"), std::ios::binary) << text;
+        std::ofstream(note("351111.deferred.json"), std::ios::binary) << text;
         const Ended run = sync({"--music", pc("Rock")});
         EXPECT_EQ(run.exitCode, 4) << text << run.err;
         EXPECT_THAT(run.out, HasSubstr("Deferred: 2 files")) << text;
-        std::ifstream replaced(note("351111.held-back.json"));
+        std::ifstream replaced(note("351111.deferred.json"));
         EXPECT_EQ(nlohmann::json::parse(replaced, nullptr, false)["recorded"]["music"], 3) << text;
     }
 }

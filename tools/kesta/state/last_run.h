@@ -1,5 +1,5 @@
-// How the last run of each phone ended. The database takes a run's error code but have no way to give it back, so the
-// client keeps a note of its own beside them.
+// How the last run of each phone ended. The database takes a run's error code but has no way to give it back, so the
+// client keeps a state file of its own beside it.
 #pragma once
 
 #include <optional>

@@ -1,19 +1,16 @@
 #include "state/pim_journal.h"
 
-#include <nlohmann/json.hpp>
-
-#include "base/names.h"
-#include "state/client_folder.h"
+#include "state/state_file.h"
 
 namespace kesta {
 namespace {
 
 using nlohmann::json;
 
-// No IMEI holds a blank, so that this is no other note's name.
-std::string JournalPath(const std::string& imei)
+// No IMEI holds a blank, so that this is no other file's name.
+std::string FileOf(const std::string& imei)
 {
-    return os::Join(ClientFolder(), SafeName("pim of " + imei + ".json"));
+    return "pim of " + imei + ".json";
 }
 
 json ToJson(const std::optional<LocalTime>& time)
@@ -39,30 +36,31 @@ std::vector<PimLogRow> RowsFrom(const json& values)
 
 os::Status WritePimJournal(const std::string& imei, const PimJournal& journal)
 {
-    json text{{"imei", imei}, {"places", journal.places}};
+    nlohmann::ordered_json state{{"places", journal.places}};
     for (const PimKind kind : kPimKinds) {
         if (!journal.rowsOf(kind)) continue;
-        json& rows = text[std::string(KeyOf(kind))] = json::array();
-        for (const PimLogRow& row : *journal.rowsOf(kind))
+        auto& rows = state[std::string(KeyOf(kind))] = json::array();
+        for (const PimLogRow& row : *journal.rowsOf(kind)) {
             rows.push_back({row.guid, row.luid, ToJson(row.pcTime), ToJson(row.phoneTime)});
+        }
     }
-    return WriteStateFile(JournalPath(imei), text.dump(-1, ' ', false, json::error_handler_t::replace) + "\n");
+    return WriteStateFile(FileOf(imei), imei, std::move(state));
 }
 
 os::Status ReadPimJournal(const std::string& imei, std::optional<PimJournal>& journal)
 {
     journal.reset();
-    std::string text;
-    if (os::Status status = os::ReadText(JournalPath(imei), text); !status.ok())
-        return status.failure() == os::Failure::kMissing ? os::Status() : status;
+    json state;
+    if (os::Status status = ReadStateFile(FileOf(imei), imei, state); !status.ok() || state.is_null()) return status;
     try {
-        const json read = json::parse(text);
         PimJournal found;
-        found.places = read.at("places").get<std::set<std::string>>();
-        for (const PimKind kind : kPimKinds)
-            if (const auto rows = read.find(KeyOf(kind)); rows != read.end()) found.rowsOf(kind) = RowsFrom(*rows);
-        // Case-insensitive file systems may give another phone's.
-        if (read.at("imei").get<std::string>() == imei) journal = std::move(found);
+        found.places = state.at("places").get<std::set<std::string>>();
+        for (const PimKind kind : kPimKinds) {
+            if (const auto rows = state.find(KeyOf(kind)); rows != state.end()) {
+                found.rowsOf(kind) = RowsFrom(*rows);
+            }
+        }
+        journal = std::move(found);
     } catch (const json::exception& failure) {
         return {os::Failure::kOther, std::string("it is damaged: ") + failure.what()};
     }
@@ -71,8 +69,7 @@ os::Status ReadPimJournal(const std::string& imei, std::optional<PimJournal>& jo
 
 os::Status RemovePimJournal(const std::string& imei)
 {
-    os::Status status = os::RemoveFile(JournalPath(imei));
-    return status.failure() == os::Failure::kMissing ? os::Status() : status;
+    return RemoveStateFile(FileOf(imei));
 }
 
 }  // namespace kesta

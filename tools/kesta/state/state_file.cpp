@@ -1,0 +1,57 @@
+#include "state/state_file.h"
+
+#include "base/names.h"
+#include "os/files.h"
+#include "os/system.h"
+
+namespace kesta {
+namespace {
+
+// Empty when there is no folder for application data.
+std::string StateFolder()
+{
+    const std::string data = os::DataDirectory();
+    if (data.empty()) return {};
+    return os::Join(os::Join(os::Join(data, "NORVIK"), "NORVIK Sync"), "Client");
+}
+
+std::string PathOf(const std::string& name)
+{
+    return os::Join(StateFolder(), SafeName(name));
+}
+
+}  // namespace
+
+os::Status ReadStateFile(const std::string& name, const std::string& imei, nlohmann::json& state)
+{
+    state = nullptr;
+    std::string text;
+    if (os::Status status = os::ReadText(PathOf(name), text); !status.ok())
+        return status.failure() == os::Failure::kMissing ? os::Status() : status;
+    nlohmann::json read = nlohmann::json::parse(text, nullptr, false);
+    if (!read.is_object() || !read.contains("imei") || !read["imei"].is_string())
+        return {os::Failure::kOther, "it is damaged"};
+    if (read["imei"] == imei) {
+        state = std::move(read);
+    }
+    return {};
+}
+
+os::Status WriteStateFile(const std::string& name, const std::string& imei, nlohmann::ordered_json state)
+{
+    const std::string folder = StateFolder();
+    if (folder.empty() || !os::MakePrivateDirectories(folder))
+        return {os::Failure::kOther, "the folder for application data cannot be made"};
+    state["imei"] = imei;
+    constexpr auto kReplace = nlohmann::json::error_handler_t::replace;
+    const std::string path = PathOf(name);
+    return os::WriteText(path, path + ".new", state.dump(-1, ' ', false, kReplace) + "\n");
+}
+
+os::Status RemoveStateFile(const std::string& name)
+{
+    os::Status status = os::RemoveFile(PathOf(name));
+    return status.failure() == os::Failure::kMissing ? os::Status() : status;
+}
+
+}  // namespace kesta

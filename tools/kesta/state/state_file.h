@@ -1,0 +1,22 @@
+// What the client keeps of each phone on the PC, beside the database: JSON objects that say which phone they are about.
+//
+//     nlohmann::json state;
+//     if (ReadStateFile(imei + ".json", imei, state).ok() && !state.is_null()) ...
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "os/status.h"
+
+namespace kesta {
+
+/// Leaves state null when there is no such file, or only one about another phone: file systems that ignore case mix up
+/// names. Fails for a file that cannot be read or is damaged.
+os::Status ReadStateFile(const std::string& name, const std::string& imei, nlohmann::json& state);
+/// Replaces the file. The phone is added to what it says.
+os::Status WriteStateFile(const std::string& name, const std::string& imei, nlohmann::ordered_json state);
+/// It is no failure when there is none.
+os::Status RemoveStateFile(const std::string& name);
+
+}  // namespace kesta
