@@ -114,9 +114,12 @@ Calendars ParseCalendars(std::string_view file)
 
     std::vector<Series> all;
     std::map<std::pair<std::string, std::string>, std::size_t> places;  // by calendar name and UID
+    std::set<std::string> names;
     Calendars result;
     for (const RawCalendar& calendar : raw.calendars) {
-        if (std::ranges::find(result.names, calendar.name) == result.names.end()) result.names.push_back(calendar.name);
+        if (names.insert(calendar.name).second) {
+            result.names.push_back(calendar.name);
+        }
         const TimeZones zones = TimeZonesOf(calendar);
         for (const Component& part : calendar.entries) {
             // Without a UID nothing says what belongs together.

@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "base/names.h"
+#include "base/unique_name.h"
 
 namespace kesta {
 namespace {
@@ -41,37 +41,41 @@ bool PhonePaths::isReserved(const std::string& phonePath) const
 
 std::string PhonePaths::allocateFolder(const std::string& parent, const std::string& name)
 {
+    // Of folders whose names collide the path tells them apart, that of the last attempt.
     std::string path = parent + '/' + name;
-    for (unsigned attempt = 0;; ++attempt) {
-        const std::string key = CaseKey(path);
-        if (folders_.contains(key)) return path;
-        const bool fileIsThere = phone_.find(path).entry == PhoneEntry::kFile && !isFreed(key);
-        if (!files_.contains(key) && !fileIsThere) {
-            folders_.insert(key);
-            return path;
-        }
+    for (unsigned attempt = 0; !takeFolder(path); ++attempt) {
         path = fmt::format("{}/{}", parent, SuffixedName(name, path, attempt));
     }
+    return path;
+}
+
+bool PhonePaths::takeFolder(const std::string& path)
+{
+    const std::string key = CaseKey(path);
+    if (folders_.contains(key)) return true;
+    const bool fileIsThere = phone_.find(path).entry == PhoneEntry::kFile && !isFreed(key);
+    return !files_.contains(key) && !fileIsThere && folders_.insert(key).second;
 }
 
 PhonePaths::Place PhonePaths::allocate(const std::vector<std::string>& parts, const std::string& seed,
                                        const IsSame& isSame)
 {
     std::string directory = top_;
-    for (std::size_t i = 0; i + 1 < parts.size(); ++i) directory = allocateFolder(directory, SafeName(parts[i]));
-    const std::string name = SafeName(parts.back());
-    std::string path = directory + '/' + name;
-    for (unsigned attempt = 0;; ++attempt) {
-        const std::string key = CaseKey(path);
-        if (!files_.contains(key) && !folders_.contains(key)) {
-            const PhoneFile there = isFreed(key) ? PhoneFile{} : phone_.find(path);
-            if (there.entry == PhoneEntry::kNothing || isSame(path, there)) {
-                files_.insert(key);
-                return {path, there.entry == PhoneEntry::kFile};
-            }
-        }
-        path = fmt::format("{}/{}", directory, SuffixedName(name, seed, attempt));
+    for (size_t i = 0; i + 1 < parts.size(); ++i) {
+        directory = allocateFolder(directory, SafeName(parts[i]));
     }
+    Place place;
+    (void)UniqueName(SafeName(parts.back()), seed, [&](const std::string& name) {
+        place.phonePath = directory + '/' + name;
+        const std::string key = CaseKey(place.phonePath);
+        if (files_.contains(key) || folders_.contains(key)) return false;
+        const PhoneFile there = isFreed(key) ? PhoneFile{} : phone_.find(place.phonePath);
+        if (there.entry != PhoneEntry::kNothing && !isSame(place.phonePath, there)) return false;
+        files_.insert(key);
+        place.sameFileIsThere = there.entry == PhoneEntry::kFile;
+        return true;
+    });
+    return place;
 }
 
 }  // namespace kesta

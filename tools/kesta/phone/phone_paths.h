@@ -34,6 +34,8 @@ public:
 
 private:
     [[nodiscard]] std::string allocateFolder(const std::string& parent, const std::string& name);
+    /// False when something else is there.
+    [[nodiscard]] bool takeFolder(const std::string& path);
     [[nodiscard]] bool isFreed(const std::string& key) const { return freed_.contains(key) && !files_.contains(key); }
 
     std::string top_;

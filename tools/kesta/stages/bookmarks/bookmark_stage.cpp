@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "base/names.h"
 #include "base/text.h"
+#include "base/unique_name.h"
 #include "phone/phone_layout.h"
 
 namespace kesta {
@@ -92,9 +92,10 @@ std::string BookmarkStage::defaultName() const
 void BookmarkStage::moveAside(const Phone& phone)
 {
     const std::string name = defaultName();
-    for (unsigned attempt = 0; phone.find(phonePath_).entry != PhoneEntry::kNothing; ++attempt) {
-        phonePath_ = fmt::format("{}/{}", kBookmarkFolder, SuffixedName(name, name, attempt));
-    }
+    (void)UniqueName(name, name, [&](const std::string& other) {
+        phonePath_ = fmt::format("{}/{}", kBookmarkFolder, other);
+        return phone.find(phonePath_).entry == PhoneEntry::kNothing;
+    });
     isThere_ = false;
 }
 

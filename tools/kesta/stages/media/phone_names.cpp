@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "base/names.h"
+#include "base/unique_name.h"
 
 namespace kesta {
 namespace {
@@ -41,9 +41,9 @@ void PhoneNames::chooseRoots(const PlanInput& input)
     for (const FolderScan* folder : input.folders) order.push_back(folder->path);
     for (const std::string& folder : order) {
         if (roots_.contains(folder)) continue;
-        std::string name = NameForRoot(folder);
-        for (unsigned attempt = 0; !ownerOfKey.emplace(CaseKey(name), folder).second; ++attempt)
-            name = SuffixedName(NameForRoot(folder), folder, attempt);
+        const std::string name = UniqueName(NameForRoot(folder), folder, [&](const std::string& wish) {
+            return ownerOfKey.emplace(CaseKey(wish), folder).second;
+        });
         roots_.emplace(folder, name);
     }
 }

@@ -53,6 +53,30 @@ private:
 
 }  // namespace
 
+std::optional<FileChange> CompareFile(const ComparedFile& file, Category category, const std::string& basePath,
+                                      const Allocate& allocate)
+{
+    FileChange change{ChangeKind::kPut, category, {file.path, basePath, {}, file.modified}, file.size};
+    if (file.record != nullptr) {
+        if (file.there.entry == PhoneEntry::kFile && file.there.size == file.size &&
+            file.record->modified == file.modified)
+            return std::nullopt;
+        change.kind = ChangeKind::kReplace;
+        change.file.basePath = file.record->basePath;
+        if (file.there.entry != PhoneEntry::kOther) {
+            change.file.phonePath = file.record->phonePath;
+        }
+    }
+    if (change.file.phonePath.empty()) {
+        const auto found = allocate();
+        change.file.phonePath = found.phonePath;
+        if (found.sameFileIsThere && file.record == nullptr) {
+            change.kind = ChangeKind::kAdopt;
+        }
+    }
+    return change;
+}
+
 FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
 {
     FilePlan plan;
@@ -88,29 +112,22 @@ FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
     names.chooseRoots(input);
 
     for (const auto& [path, source] : wanted) {
-        FileChange action{ChangeKind::kPut,
-                          input.category,
-                          {path, source.folder->path, {}, source.file->localTime},
-                          source.file->size};
-        const auto known = recorded.find(path);
-        if (known != recorded.end()) {
-            action.kind = ChangeKind::kReplace;
-            action.file.basePath = known->second->basePath;
-            const PhoneFile there =
-                misplaced.contains(path) ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone.find(known->second->phonePath);
-            if (there.entry == PhoneEntry::kFile && there.size == source.file->size &&
-                known->second->modified == source.file->localTime) {
-                ++plan.unchanged;
-                continue;
+        ComparedFile file{path, source.file->size, source.file->localTime};
+        if (const auto known = recorded.find(path); known != recorded.end()) {
+            file.record = known->second;
+            if (!misplaced.contains(path)) {
+                file.there = phone.find(known->second->phonePath);
             }
-            if (there.entry != PhoneEntry::kOther) action.file.phonePath = known->second->phonePath;
         }
-        if (action.file.phonePath.empty()) {
-            const auto place = names.allocate(source.folder->path, *source.file);
-            action.file.phonePath = place.phonePath;
-            if (place.sameFileIsThere && known == recorded.end()) action.kind = ChangeKind::kAdopt;
+        const auto& [scanned, folder] = source;
+        const auto allocate = [&, scanned = scanned, folder = folder] {
+            return names.allocate(folder->path, *scanned);
+        };
+        if (auto change = CompareFile(file, input.category, folder->path, allocate)) {
+            plan.copies.push_back(*std::move(change));
+        } else {
+            ++plan.unchanged;
         }
-        plan.copies.push_back(std::move(action));
     }
     return plan;
 }

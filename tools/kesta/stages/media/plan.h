@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "database/category.h"
 #include "database/database.h"
+#include "phone/phone_paths.h"
 #include "phone/phone_view.h"
 #include "stages/media/scan.h"
 #include "sync/deletion_guard.h"
@@ -37,6 +39,23 @@ struct FilePlan {
     std::size_t recorded = 0;
     std::size_t deferred = 0;  // removals left out, since they are more than half of what is recorded
 };
+
+/// A file of the PC, where its record says that it lies on the phone, and how it is there.
+struct ComparedFile {
+    std::string path;
+    std::uint64_t size = 0;
+    std::optional<LocalTime> modified;
+    const RecordedFile* record = nullptr;       // none: it is not recorded
+    PhoneFile there{PhoneEntry::kOther, 0, 0};  // kOther: what is recorded cannot be this file's phone path
+};
+
+/// Gives a file a phone path. Called when it needs one.
+using Allocate = std::function<PhonePaths::Place()>;
+
+/// What is to be done for the file; std::nullopt when it is on the phone as it is on the PC. A file that is new is
+/// recorded under basePath, any other one stays where it is.
+[[nodiscard]] std::optional<FileChange> CompareFile(const ComparedFile& file, Category category,
+                                                    const std::string& basePath, const Allocate& allocate);
 
 [[nodiscard]] FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone);
 

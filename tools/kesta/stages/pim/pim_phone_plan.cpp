@@ -7,7 +7,7 @@
 #include <map>
 #include <optional>
 
-#include "base/names.h"
+#include "base/unique_name.h"
 #include "stages/pim/pim_text.h"
 
 namespace kesta {
@@ -41,15 +41,12 @@ public:
     {
         const std::string wish =
             SafeName(folder.path.substr(folder.path.rfind('/') + 1) + std::string(ExtensionOf(input_.kind)));
-        std::string name = wish;
-        for (unsigned attempt = 0;; ++attempt) {
-            std::string place = fmt::format("{}/{}", folder_, name);
-            if (!taken_.contains(CaseKey(name)) && isFree(place, text)) {
-                taken_.insert(CaseKey(name));
-                return place;
-            }
-            name = SuffixedName(wish, folder.id, attempt);
-        }
+        std::string path;
+        (void)UniqueName(wish, folder.id, [&](const std::string& name) {
+            path = fmt::format("{}/{}", folder_, name);
+            return !taken_.contains(CaseKey(name)) && isFree(path, text) && taken_.insert(CaseKey(name)).second;
+        });
+        return path;
     }
 
 private:

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 
 #include "formats/ascii.h"
 #include "formats/charset.h"
@@ -69,11 +70,14 @@ formats::Problems ReadCalendar(std::string_view contents, std::optional<LocalTim
     for (const std::string& name : read.names)
         source.folders.push_back(
             {PimFolderId(source.id, name), name.empty() ? NameWithoutExtension(source.path) : name, {}});
-    for (std::size_t i = 0; i < read.names.size(); ++i) {
-        FolderFiller filler(source.folders[i], modified);
-        for (formats::CalendarEntry& entry : read.entries)
-            if (entry.calendar == read.names[i])
-                filler.add(entry.uid, std::move(entry.bytes), std::move(entry.digest), entry.modified);
+    std::unordered_map<std::string_view, FolderFiller> fillers;
+    for (size_t i = 0; i < read.names.size(); ++i) {
+        fillers.try_emplace(read.names[i], source.folders[i], modified);
+    }
+    for (formats::CalendarEntry& entry : read.entries) {
+        const auto filler = fillers.find(entry.calendar);
+        if (filler == fillers.end()) continue;
+        filler->second.add(entry.uid, std::move(entry.bytes), std::move(entry.digest), entry.modified);
     }
     return std::move(read.problems);
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <unordered_map>
 
 #include "base/names.h"
 #include "base/text.h"
@@ -18,25 +19,46 @@ const std::vector<std::string>& FilesOf(PimKind kind, const SyncOptions& options
     return kind == PimKind::kContacts ? options.contacts : options.calendars;
 }
 
+// The contents of all entries that a run has to do with, by their ids. Gathered when they are first asked for.
+class EntryContents {
+public:
+    explicit EntryContents(const PimWork& work) : work_(work) {}
+
+    [[nodiscard]] std::string titleOf(const std::string& id)
+    {
+        if (contents_.empty()) {
+            gather();
+        }
+        const auto found = contents_.find(id);
+        const std::string title = found == contents_.end() ? std::string() : TitleOfEntry(work_.kind, *found->second);
+        return title.empty() ? id : title;
+    }
+
+private:
+    void gather()
+    {
+        for (const StoredPimFolder& folder : work_.stored) {
+            for (const PimEntry& entry : folder.entries) {
+                contents_[entry.id] = &entry.bytes;
+            }
+        }
+        for (const PimStorePlan& folder : work_.store.folders) {
+            for (const PimEntry& entry : folder.entries) {
+                contents_[entry.id] = &entry.bytes;
+            }
+        }
+    }
+
+    const PimWork& work_;
+    std::unordered_map<std::string, const std::string*> contents_;
+};
+
 // What happens to which entry of the file.
-std::vector<std::string> EntriesOf(const PimWork& work, const PimPhonePlan& file)
+std::vector<std::string> EntriesOf(EntryContents& contents, const PimPhonePlan& file)
 {
-    std::map<std::string, const std::string*> contents;
-    for (const StoredPimFolder& folder : work.stored) {
-        for (const PimEntry& entry : folder.entries) {
-            contents[entry.id] = &entry.bytes;
-        }
-    }
-    for (const PimStorePlan& folder : work.store.folders) {
-        for (const PimEntry& entry : folder.entries) {
-            contents[entry.id] = &entry.bytes;
-        }
-    }
     std::vector<std::string> entries;
     const auto tell = [&](const Verb& verb, const std::string& id) {
-        const auto found = contents.find(id);
-        const std::string title = found == contents.end() ? std::string() : TitleOfEntry(work.kind, *found->second);
-        entries.push_back(fmt::format("{:<9} {}", verb.planned, title.empty() ? id : title));
+        entries.push_back(fmt::format("{:<9} {}", verb.planned, contents.titleOf(id)));
     };
     std::map<std::string, std::string> before;
     for (const PimLogRow& row : file.oldRows) {
@@ -303,6 +325,7 @@ void PimStage::checkStored(PimKind kind, const PimStorePlan& folder, const std::
 
 void PimStage::addFileChanges(PimWork& work, Tally& tally, Plan& plan)
 {
+    const auto contents = std::make_shared<EntryContents>(work);
     for (PimPhonePlan& file : work.phone.files) {
         Change change;
         change.tally = &tally;
@@ -314,7 +337,7 @@ void PimStage::addFileChanges(PimWork& work, Tally& tally, Plan& plan)
         }
         change.phonePath = file.phonePath;
         change.subject = file.phonePath.empty() ? file.sourcePath : file.phonePath;
-        change.entries = [&work, &file] { return EntriesOf(work, file); };
+        change.entries = [contents, &file] { return EntriesOf(*contents, file); };
         switch (file.action) {
             case PimFileAction::kRemove:
                 change.kind = ChangeKind::kRemove;

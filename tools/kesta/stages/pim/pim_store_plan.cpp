@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "base/names.h"
+#include "base/unique_name.h"
 
 namespace kesta {
 namespace {
@@ -23,13 +23,13 @@ public:
     [[nodiscard]] std::string allocate(const std::string& name, const std::string& id)
     {
         const std::string wish = SafeName(name + std::string(ExtensionOf(kind_)));
-        std::string fileName = wish;
-        for (unsigned attempt = 0;; ++attempt) {
+        std::string path;
+        (void)UniqueName(wish, id, [&](const std::string& fileName) {
             const auto length = fileName.size() - ExtensionOf(kind_).size();
-            std::string path = fmt::format("{}/{}", TitleOf(kind_), fileName.substr(0, length));
-            if (taken_.insert(CaseKey(path)).second) return path;
-            fileName = SuffixedName(wish, id, attempt);
-        }
+            path = fmt::format("{}/{}", TitleOf(kind_), fileName.substr(0, length));
+            return taken_.insert(CaseKey(path)).second;
+        });
+        return path;
     }
 
 private:

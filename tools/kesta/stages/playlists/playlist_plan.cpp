@@ -167,29 +167,21 @@ private:
             if (there.entry != PhoneEntry::kFile) plan_.phonePaths.erase(member.path);
             return;
         }
-        if (record != nullptr && there.entry == PhoneEntry::kFile && there.size == member.size &&
-            record->modified == member.localTime) {
-            ++plan_.files.unchanged;
-            return;
-        }
-        FileChange action{
-            ChangeKind::kPut, Category::kMusic, {member.path, need.owner, {}, member.localTime}, member.size};
-        if (record != nullptr) {
-            action.kind = ChangeKind::kReplace;
-            action.file.basePath = record->basePath;
-            if (there.entry != PhoneEntry::kOther) action.file.phonePath = place->second;
-        }
-        if (action.file.phonePath.empty()) {
+        const auto allocate = [&] {
             const auto isSame = [&](const std::string&, const PhoneFile& other) {
                 return IsSameFile(other, member.size, member.modified.seconds);
             };
-            const auto found =
-                places_.allocate({os::NameOf(os::ParentOf(member.path)), os::NameOf(member.path)}, member.path, isSame);
-            action.file.phonePath = found.phonePath;
-            if (found.sameFileIsThere && record == nullptr) action.kind = ChangeKind::kAdopt;
+            return places_.allocate({os::NameOf(os::ParentOf(member.path)), os::NameOf(member.path)}, member.path,
+                                    isSame);
+        };
+        auto change = CompareFile({member.path, member.size, member.localTime, record, there}, Category::kMusic,
+                                  need.owner, allocate);
+        if (!change) {
+            ++plan_.files.unchanged;
+            return;
         }
-        plan_.phonePaths[member.path] = action.file.phonePath;
-        plan_.files.copies.push_back(std::move(action));
+        plan_.phonePaths[member.path] = change->file.phonePath;
+        plan_.files.copies.push_back(*std::move(change));
     }
 
     // The library forgets a list's files with the list, those that other lists need as well.
