@@ -9,8 +9,10 @@
  *   Linux     $XDG_DATA_HOME/NORVIK/NORVIK Sync/Database/KESTA_DB.s3db   (~/.local/share without that variable)
  *
  * THREADS AND PROCESSES. Every function may be called from any thread. All calls of all threads and processes of one
- * user are serialised by one named mutex, so a call may wait for another one. A database locked by another program is
- * waited for up to about ten seconds per statement.
+ * user (on Windows: of one session) are serialised by one named mutex, so a call may wait for another one. A database
+ * locked by another program is waited for up to about ten seconds per statement. A process may be forked at any time,
+ * also while other threads call: the fork waits for the call that runs, and the child opens the database anew at its
+ * first call.
  *
  * TEXTS are zero-terminated UTF-16. A null pointer where a text is expected is taken as the empty text where the text
  * is quoted into the database, and as the six characters "(null)" where it stands for itself (every IMEI that chooses a
@@ -20,8 +22,21 @@
  * RESULTS. Unless its comment says otherwise a function returns 0 for success and 1 for failure; 1 is also the answer
  * when the database is not open and when a record, list or out pointer is null. "An SQLite code" is the plain
  * result code of the statement that failed (5 busy, 8 read-only, 10 I/O error, 11 damaged file, 13 disk full,
- * 18 statement too long, 19 the row exists already). The library opens no transaction: what an earlier step of the
- * same call has changed stays changed when a later one fails.
+ * 18 statement too long, 19 the row exists already, 23 refused). The library opens no transaction: what an earlier step
+ * of the same call has changed stays changed when a later one fails.
+ *
+ * DURABILITY. What a call has acknowledged survives the end of the process at any moment. A loss of power may undo the
+ * very last change that was acknowledged, never more, and never damages the file.
+ *
+ * An empty answer may be a failed one. A list is counted before it is read: when the count itself cannot be read (the
+ * file locked for more than ten seconds, an I/O error, no memory), the answer is 0 with an empty list. A phone that
+ * cannot be looked up is taken for one that is not known. Who would remove something because a list is empty makes sure
+ * first that a row known to exist can be read.
+ *
+ * STATEMENTS. A text that is not quoted, as every IMEI that chooses a phone, is part of its statement: it must come
+ * from a source that may read and change every row. More than that it cannot do: once the database is open, statements
+ * that begin or end transactions, change the schema or the settings, or reach other files are refused with code 23. A
+ * statement that takes more than a thousand million of SQLite's steps (some ten seconds) is ended with code 9.
  *
  * MEMORY. Records that the caller fills stay the caller's, texts included. A list record starts as {0, NULL}; the
  * library fills it, owns the array and its texts, and frees them when the same record is passed to a function with
@@ -365,11 +380,19 @@ KESTA_DB_STATIC_ASSERT(sizeof(PimItemList) == 2 * sizeof(void *));
 
 /**
  * Opens the database, unless it is open already. The library calls this itself when it is loaded, so that a program
- * needs it only to learn whether that worked, or to try again after it did not.
- * A missing file is created; a file of another version, or one that is no database, is deleted and created afresh.
+ * needs it only to learn whether that worked, or to try again after it did not. A missing file is created: under the
+ * name KESTA_DB.part in the same folder, and renamed when it is complete. A file of another version, or one that is not
+ * a database, is deleted and created afresh; before that it gets a second name beside it,
+ * KESTA_DB.s3db.replaced-YYYYMMDD-HHMMSS (local time), its journal too, where that can be done, and the three newest of
+ * these are kept. A file counts as not a database only when every byte of it and of its journal can be read. A file
+ * that another process holds is waited for up to two seconds.
+ *
+ * Without an application-data folder (no home, or one that cannot be made) the answer is 0 all the same, on a private
+ * temporary database without tables: every call that needs one fails.
  *
  * @return 0 open; 19 the file is read-only; 8398 the file is of another version and cannot be deleted, or its version
- *         cannot be told for now (locked, unreadable); 1 or an SQLite code: it could not be created or opened
+ *         cannot be told for now (locked, unreadable): it is left as it is; 1 or an SQLite code: it could not be
+ *         created or opened
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_Open(void);
 
@@ -427,7 +450,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_MainFoldersChanged(MainFolderList *lis
  * @param imei  identifies the phone; of two identities joined by a colon the first is kept as the second IMEI as well.
  *              An IMEI is looked up as it stands, so it must hold no apostrophe
  * @param name  display name
- * @return the phone's number, 1 or more; -1 when it could not be registered
+ * @return the phone's number, 1 or more, whether its main folders could be noted or not; -1 when it could not be
+ *         registered. A phone whose look-up fails is registered once more
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_PhoneDetected(const DbChar *imei, const DbChar *name);
 
@@ -585,7 +609,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_IsFolderDeleted(const DbChar *imei, 
  * at once, and whatever is recorded under it.
  *
  * @param deleted  1 or 0
- * @return 0 done, also when the folder is unknown; 1 unknown phone, or a statement failed
+ * @return 0 done, also when the folder is unknown; 1 unknown phone, or a statement failed. Whether the row of a folder
+ *         that was never synced went does not show
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetFolderDeleted(const DbChar *imei, const DbChar *path, int32_t deleted);
 
@@ -618,8 +643,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_GetSyncedFiles(const DbChar *imei, c
  * yet". A file already recorded is left as it was.
  *
  * @param file  Path, BasePath, PhonePath and ModifiedTime are read; the texts stay the caller's
- * @return 0 recorded; 1 unknown phone or closed database; 19 already recorded; any other SQLite code as the insert gave
- *         it
+ * @return 0 recorded, whether the folder's state could be changed or not; 1 unknown phone or closed database; 19
+ *         already recorded; any other SQLite code as the insert gave it
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetAddedFile(const DbChar *imei, const SyncedFileRecord *file);
 
@@ -642,7 +667,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetUpdatedFile(const DbChar *imei, c
 /**
  * Removes a music folder and all files recorded under it from a phone's books.
  *
- * @return 0 done, also when the folder was not known; 1 unknown phone, or the files could not be removed
+ * @return 0 done, also when the folder was not known; 1 unknown phone, or the files could not be removed. Two
+ *         statements: whether the folder's own row went does not show
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetDeletedFolder(const DbChar *imei, const DbChar *path);
 
@@ -857,7 +883,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetAddedPlaylist(const DbChar 
  *
  * @param playlist  only Name is read
  * @return 0 done, also when the playlist is unknown; 1 the playlist is in another state, unknown phone, or a statement
- *         failed
+ *         failed. Whether an unconfirmed playlist's own row went with its files does not show
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetDeletedPlaylist(const DbChar *imei,
                                                                      const PlaylistRecord *playlist);
@@ -894,7 +920,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetListFilesname(const DbChar 
  * Reacts to a playlist deleted on the PC: one that never was on the phone, or is no more, is forgotten with its files;
  * one that is becomes kPlaylistUnconfirmed and waits for its removal.
  *
- * @return 0 done, also when the playlist is unknown; 1 unknown phone, unknown state, or a statement failed
+ * @return 0 done, also when the playlist is unknown; 1 unknown phone, unknown state, or a statement failed. Whether the
+ *         playlist's own row went with its files does not show
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_DeleteList(const DbChar *imei, const DbChar *name);
 
@@ -954,7 +981,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_GetPhoneBackups(const DbChar *imei,
 
 /* ---- DB_BOOKMARK_*: web bookmarks ------------------------------------------------------------------------------- */
 
-/* Every function but DB_BOOKMARK_ClearAll sees and writes only the bookmarks of the phone's present BookMarkType. */
+/* Every function but DB_BOOKMARK_ClearAll sees and writes only the bookmarks of the phone's present BookMarkType. When
+ * that cannot be read, type 0 is taken, and the result does not show it. */
 
 /**
  * Forgets all bookmarks of a phone, of every type.
@@ -1054,8 +1082,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_ReadLog(const DbChar *imei, PimLog 
  * kept under no phone's number.
  *
  * @param log  read only; Items and the texts stay the caller's
- * @return 0, whether each item could be stored or not; 1 the log could not be found or created, or Items is null though
- *         Count is above 0 (a log without items is then left)
+ * @return 0, whether each item could be stored or not, and a phone whose look-up fails is an unknown one; 1 the log
+ *         could not be found or created, or Items is null though Count is above 0 (a log without items is then left)
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_SaveLog(const DbChar *imei, const PimLog *log);
 
@@ -1155,7 +1183,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetProfile(DbChar **slot);
  * Stores the profile of the store, in the place of the one before.
  *
  * @param slot  holds the text, which stays the caller's
- * @return 0 stored; 1 a statement failed
+ * @return 0 stored; 1 a statement failed. Two statements: when only the removal of the one before fails, there are two,
+ *         and the result is 0
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_SetProfile(DbChar *const *slot);
 
