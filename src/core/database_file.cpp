@@ -173,6 +173,11 @@ std::optional<int32_t> ReadDatabaseVersion(const DatabasePath& path)
     return version;
 }
 
+void ForgetUnfinished(const DatabasePath& path)
+{
+    (void)platform::RemoveFile(path.file().parent_path() / kUnfinishedName);
+}
+
 bool ReplaceFile(const DatabasePath& path)
 {
     ReplacedFiles replaced(path.file());

@@ -33,6 +33,10 @@ private:
 /// could be read. None when it cannot be told for now, because the file is locked or the system failed to read it.
 std::optional<int32_t> ReadDatabaseVersion(const DatabasePath& path);
 
+/// Lets go of what an earlier creation has left half made, before the file is used: whoever records something in it
+/// makes it his own.
+void ForgetUnfinished(const DatabasePath& path);
+
 /// Removes the file after giving it a second name beside it, "....replaced-YYYYMMDD-HHMMSS", where that can be done;
 /// the three newest of these stay. False when it cannot be removed.
 bool ReplaceFile(const DatabasePath& path);

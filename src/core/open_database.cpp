@@ -26,7 +26,10 @@ ResultCode PrepareFile(const DatabasePath& path, Trail trail)
         return ResultCode::kReadOnlyFile;
     }
     const std::optional<int32_t> version = ReadDatabaseVersion(path);
-    if (version == kDatabaseVersion) return ResultCode::kSuccess;
+    if (version == kDatabaseVersion) {
+        ForgetUnfinished(path);
+        return ResultCode::kSuccess;
+    }
     // A file that may be valid is never thrown away.
     if (!version.has_value() || !ReplaceFile(path)) return ResultCode::kFileInTheWay;
     return CreateDatabase(path);
