@@ -42,11 +42,15 @@ void Module::start() noexcept
     platform::OpenTrace();
     DbAccessLock.open("NORVIK_KESTA_DB_ACCESS_MUTEX", &DatabaseFolder);
     watchForks();
-    if (EscapeBuffer_ == nullptr) {
-        EscapeBuffer_.reset(new (std::nothrow) DbChar[kEscapeBufferUnits]);
-        if (EscapeBuffer_ != nullptr) TraceNew(EscapeBuffer_.get());
-    }
+    allocateBuffer();
     (void)DB_Open();  // a caller who wants to know asks again
+}
+
+void Module::allocateBuffer() noexcept
+{
+    if (EscapeBuffer_ != nullptr) return;
+    EscapeBuffer_.reset(new (std::nothrow) DbChar[kEscapeBufferUnits]);
+    if (EscapeBuffer_ != nullptr) TraceNew(EscapeBuffer_.get());
 }
 
 void Module::end() noexcept
@@ -92,6 +96,7 @@ void Module::startAnewInChild() noexcept
 char* Module::takeStatementBuffer() noexcept
 {
     assert(!bufferTaken_);
+    allocateBuffer();  // there was no memory for it when the library was loaded, or there still is none
     if (EscapeBuffer_ == nullptr) return nullptr;
     bufferTaken_ = true;
     return reinterpret_cast<char*>(EscapeBuffer_.get());

@@ -36,6 +36,7 @@ public:
     void leaveCall() { callsInside_.fetch_sub(1, std::memory_order_release); }
 
 private:
+    void allocateBuffer() noexcept;
     void watchForks() noexcept;
     void startAnewInChild() noexcept;
 

@@ -49,5 +49,10 @@ def read_only(bench, place, answer):
     expect(answer == 19, f"DB_Open answers {answer}")
 
 
+def temporary(bench, place, answer):
+    """Without an application-data folder a private temporary database is opened, in which there are no tables."""
+    expect(answer == 0, f"DB_Open answers {answer}")
+
+
 def any_answer(bench, place, answer):
     expect(answer == 0 or answer in NOT_OPEN, f"DB_Open answers {answer}")

@@ -4,7 +4,7 @@ import os
 import shutil
 
 import namespaces
-from hindrances import any_answer, closed, expect, expect_closed, expect_complete
+from hindrances import any_answer, closed, expect, expect_complete, temporary
 
 LONGEST_PATH = 504     # bytes that SQLite takes: it keeps room for "-journal"
 
@@ -61,7 +61,7 @@ def no_home_and_no_user(bench, place):
         os.chmod(folder, 0o755)
     os.chdir("/")
     namespaces.become(54321)
-    expect_closed((yield))
+    temporary(bench, place, (yield))
     yield
 
 
@@ -93,12 +93,12 @@ PLACES = {
     "empty": _environment(lambda place: "", _home, _opens_in(_in_home)),
     "not set": _environment(_no_environment, _home, _opens_in(_in_home)),
     "a dot": _environment(lambda place: ".", _home, _opens_in(_in_home)),
-    "a file": _environment(lambda place: "/dev/null", lambda place: place.root, closed),
-    "below a file": _environment(lambda place: "/dev/null/data", lambda place: place.root, closed),
+    "a file": _environment(lambda place: "/dev/null", lambda place: place.root, temporary),
+    "below a file": _environment(lambda place: "/dev/null/data", lambda place: place.root, temporary),
     "of the system": _environment(lambda place: "/proc/self", lambda place: place.root, closed),
-    "home below a file": _environment(_no_environment, lambda place: "/dev/null/home", closed),
+    "home below a file": _environment(_no_environment, lambda place: "/dev/null/home", temporary),
     "slashes": _named("a//b///"), "dots": _named("a/../b/./c"), "a name too long": _environment(
-        _below("n" * 256), lambda place: place.root, closed),
+        _below("n" * 256), lambda place: place.root, temporary),
     **{f"name {name}": _named(name) for name in (
         "with blanks ", "100%", "a?mode=memory", "a#b", "it's", '"', "ü", "\U0001f600", "line\nbreak", ":memory:", "-",
         "~", "$HOME", "file:x")},
