@@ -10,7 +10,6 @@ namespace kesta::test {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::MatchesRegex;
 using ::testing::SizeIs;
 
 namespace fs = std::filesystem;
@@ -20,6 +19,21 @@ std::string Bytes(const fs::path& file)
     std::ostringstream bytes;
     bytes << std::ifstream(file, std::ios::binary).rdbuf();
     return bytes.str();
+}
+
+/// The names with every digit behind "replaced-" as 0.
+std::vector<std::string> ShapesOf(std::vector<std::string> names)
+{
+    constexpr std::string_view kReplaced = "replaced-";
+    for (std::string& name : names) {
+        const size_t found = name.find(kReplaced);
+        if (found != std::string::npos) {
+            std::replace_if(
+                name.begin() + static_cast<std::ptrdiff_t>(found + kReplaced.size()), name.end(),
+                [](char c) { return c >= '0' && c <= '9'; }, '0');
+        }
+    }
+    return names;
 }
 
 class ReplacedFile : public ::testing::Test {
@@ -64,7 +78,7 @@ TEST_F(ReplacedFile, AnotherVersion_KeepsASecondName)
     const std::string before = Bytes(data.databasePath());
     load();
     EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tPhone"), "0");
-    ASSERT_THAT(names(), ElementsAre("KESTA_DB.s3db", MatchesRegex("KESTA_DB.s3db.replaced-[0-9]{8}-[0-9]{6}")));
+    ASSERT_THAT(ShapesOf(names()), ElementsAre("KESTA_DB.s3db", "KESTA_DB.s3db.replaced-00000000-000000"));
     EXPECT_EQ(Bytes(data.databaseFolder() / names()[1]), before);
 }
 
@@ -83,8 +97,8 @@ TEST_F(ReplacedFile, ItsJournals_AreKeptWithIt)
     givenFile(std::string(5000, 'z'));
     givenFile(journal, "-journal");
     load();
-    ASSERT_THAT(names(), ElementsAre("KESTA_DB.s3db", MatchesRegex("KESTA_DB.s3db.replaced-[0-9]{8}-[0-9]{6}"),
-                                     MatchesRegex("KESTA_DB.s3db.replaced-[0-9]{8}-[0-9]{6}-journal")));
+    ASSERT_THAT(ShapesOf(names()), ElementsAre("KESTA_DB.s3db", "KESTA_DB.s3db.replaced-00000000-000000",
+                                               "KESTA_DB.s3db.replaced-00000000-000000-journal"));
     EXPECT_EQ(Bytes(data.databaseFolder() / names()[2]), journal);
     EXPECT_EQ(names()[2], names()[1] + "-journal");
 }
