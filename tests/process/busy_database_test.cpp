@@ -22,10 +22,14 @@ protected:
     void lockFor(seconds duration, const std::string& mode = "EXCLUSIVE")
     {
         ASSERT_EQ(other.ask({"lock", mode, data.databasePath().string()}), "ok");
-        unlocked = std::async(std::launch::async, [this, duration] {
+        // A thread cannot begin on Windows while the library is being loaded.
+        std::promise<void> begun;
+        unlocked = std::async(std::launch::async, [this, duration, &begun] {
+            begun.set_value();
             std::this_thread::sleep_for(duration);
             return other.ask({"unlock"});
         });
+        begun.get_future().wait();
         (void)trace.take();
     }
 
