@@ -52,10 +52,10 @@ def judge(export, profile, result, outputs, state, columns):
     """None, or what departs from the rule and why it may; Failure for anything else."""
     note = None
     if result == profile.result:
+        if export == "DB_BACKUP_AddBackup" and outputs != profile.outputs and outputs[0]["bcID"] == -1:
+            return f"{export}: bcID is -1 when refreshing it failed"
         if state != profile.states[-1]:
             note = UNSEEN.get(export) or (_NO_ROWS if export in UNKNOWN else None)
-            if export == "DB_BACKUP_AddBackup" and outputs[0]["bcID"] == -1:
-                return f"{export}: bcID is -1 when refreshing it failed"
             if not note:
                 raise Failure(f"answers {result} as without the fault, but the rows differ: "
                               f"{difference(state, profile.states[-1])}")
