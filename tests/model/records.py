@@ -1,6 +1,10 @@
 """The records and exports of the interface, as data: the model and the ctypes side are both built from these tables."""
 
 import ctypes
+import os
+import re
+
+EXPORT_LIST = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../exports/kesta_db.def")
 
 
 class DateValue(ctypes.Structure):
@@ -75,7 +79,7 @@ _CATEGORY = {
 }
 CATEGORIES = {"MUSIC": "M", "IMAGE": "I", "VIDEO": "V", "DOCUMENT": "D"}
 
-EXPORTS = {
+_PARAMETERS = {
     "DB_Open": "", "DB_Close": "",
     "DB_LIB_UpdateMainFolderInfo": "in:MainFolderRecord", "DB_LIB_RefreshStatistics": "",
     "DB_LIB_GetAllMainFolders": "list:MainFolderRecord", "DB_LIB_MainFoldersChanged": "list:MainFolderRecord",
@@ -116,7 +120,22 @@ EXPORTS = {
     "DB_PIM_AddItem": "in:PimItemRecord text", "DB_PIM_UpdateItem": "in:PimItemRecord", "DB_PIM_DeleteItem": "text",
     "DB_PIM_GetProfile": "outslot", "DB_PIM_SetProfile": "slot", "DB_PIM_ClearAll": "i32 i32",
 }
-EXPORTS = {name: text.split() for name, text in EXPORTS.items()}
+
+
+def listed_exports():
+    """The names in the list of exports, in its order."""
+    with open(EXPORT_LIST, encoding="ascii") as file:
+        return re.findall(r"^\s+(DB_\w+)\s+@\d+$", file.read(), flags=re.M)
+
+
+def _with_parameters(names):
+    differing = set(names) ^ set(_PARAMETERS)
+    if differing or len(names) != len(_PARAMETERS):
+        raise AssertionError(f"the list of exports and the model's parameters differ: {sorted(differing)}")
+    return {name: _PARAMETERS[name].split() for name in names}
+
+
+EXPORTS = _with_parameters(listed_exports())
 
 
 def check_layout():
@@ -126,5 +145,3 @@ def check_layout():
             raise AssertionError(f"{name} has {ctypes.sizeof(STRUCTURES[name])} bytes instead of {size}")
     if ctypes.sizeof(DateValue) != 12 or ctypes.alignment(DateValue) != 4:
         raise AssertionError("DateValue must have 12 bytes and alignment 4")
-    if len(EXPORTS) != 125:
-        raise AssertionError(f"{len(EXPORTS)} exports instead of 125")
