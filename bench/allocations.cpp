@@ -24,19 +24,25 @@ size_t allocations = 0;
 // The program's own functions stand before the system's for the library too, which frees with the system's free.
 extern "C" void* malloc(size_t size)
 {
-    if (counting) ++allocations;
+    if (counting) {
+        ++allocations;
+    }
     return __libc_malloc(size);
 }
 
 extern "C" void* calloc(size_t count, size_t size)
 {
-    if (counting) ++allocations;
+    if (counting) {
+        ++allocations;
+    }
     return __libc_calloc(count, size);
 }
 
 extern "C" void* realloc(void* memory, size_t size)
 {
-    if (counting) ++allocations;
+    if (counting) {
+        ++allocations;
+    }
     return __libc_realloc(memory, size);
 }
 
@@ -58,7 +64,9 @@ bool failed = false;
 void Check(const char* what, size_t library, size_t allowed)
 {
     std::printf("%-58s %8zu, allowed %8zu%s\n", what, library, allowed, library > allowed ? "  missed" : "");
-    if (library > allowed) failed = true;
+    if (library > allowed) {
+        failed = true;
+    }
 }
 
 /// Per operation, beyond what SQLite allocates for the statements themselves.
@@ -71,7 +79,9 @@ void CheckOperation(const Scene& scene, const OperationTraits& traits)
         work->run(0);
         work->undo();
         counts[static_cast<size_t>(side)] = CountAllocations([&] {
-            for (size_t i = 0; i < times; ++i) work->run(i);
+            for (size_t i = 0; i < times; ++i) {
+                work->run(i);
+            }
         });
         work->undo();
     }
@@ -121,11 +131,15 @@ void CheckSameBooks(const Scene& scene, const OperationTraits& traits)
         const auto dump = [&] {
             Bare db(side == Side::kLibrary ? scene.database() : scene.bareDatabase());
             std::string dumped;
-            for (const char* query : kBooks) dumped += db.dump(query);
+            for (const char* query : kBooks) {
+                dumped += db.dump(query);
+            }
             return dumped;
         };
         unchanged = dump();
-        for (size_t i = 0; i < traits.perRun; ++i) work->run(i);
+        for (size_t i = 0; i < traits.perRun; ++i) {
+            work->run(i);
+        }
         books[static_cast<size_t>(side)] = dump();
         work->undo();
         Require(dump() == unchanged, "the books as they were");
@@ -138,7 +152,9 @@ void CheckFamily(Family family, Letters letters)
 {
     const Scene scene("/dev/shm", family, 1'000, letters);
     for (const OperationTraits& traits : kOperations) {
-        if (traits.family != family) continue;
+        if (traits.family != family) {
+            continue;
+        }
         switch (traits.kind) {
             case Kind::kWriter:
                 CheckOperation(scene, traits);
@@ -164,7 +180,9 @@ int main()
     using namespace kesta::bench;
     for (const Letters letters : {Letters::kAscii, Letters::kAny}) {
         std::printf("%s names\n", letters == Letters::kAscii ? "ASCII" : "non-ASCII");
-        for (const Family family : kFamilies) CheckFamily(family, letters);
+        for (const Family family : kFamilies) {
+            CheckFamily(family, letters);
+        }
     }
     return failed ? 1 : 0;
 }

@@ -48,7 +48,9 @@ int Bare::firstInt(const char* sql, int otherwise)
 size_t Bare::readTexts(const char* sql, int texts)
 {
     return forEachRow(sql, [&](sqlite3_stmt* row) {
-        for (int i = 0; i < texts; ++i) Require(text(row, i), sql);
+        for (int i = 0; i < texts; ++i) {
+            Require(text(row, i), sql);
+        }
         return true;
     });
 }
@@ -71,7 +73,9 @@ std::string Bare::dump(const char* sql)
 std::string Quoted(const std::u16string& text)
 {
     std::string quoted;
-    for (const char c : Utf8(text)) quoted.append(c == '\'' ? 2 : 1, c);
+    for (const char c : Utf8(text)) {
+        quoted.append(c == '\'' ? 2 : 1, c);
+    }
     return quoted;
 }
 

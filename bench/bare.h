@@ -36,7 +36,9 @@ public:
     /// Reads the text and says whether there is one.
     [[nodiscard]] bool text(sqlite3_stmt* row, int column) const
     {
-        if (form_ == TextForm::kUtf8) return sqlite3_column_text(row, column) != nullptr;
+        if (form_ == TextForm::kUtf8) {
+            return sqlite3_column_text(row, column) != nullptr;
+        }
         return sqlite3_column_text16(row, column) != nullptr;
     }
 

@@ -22,7 +22,9 @@ public:
     const Scene& get(const std::filesystem::path& place, Family family, size_t entries, Letters letters)
     {
         std::unique_ptr<Scene>& scene = scenes_[{place, family, entries, letters}];
-        if (scene == nullptr) scene = std::make_unique<Scene>(place, family, entries, letters);
+        if (scene == nullptr) {
+            scene = std::make_unique<Scene>(place, family, entries, letters);
+        }
         return *scene;
     }
 
@@ -42,9 +44,13 @@ void Run(benchmark::State& state, SceneKeeper& scenes, const Case& self)
 {
     const std::unique_ptr<Work> work =
         MakeWork(scenes.get(self.place, self.traits->family, self.entries, self.letters), *self.traits, self.side);
-    if (!self.traits->writes()) work->run(0);  // fills the page cache
+    if (!self.traits->writes()) {
+        work->run(0);  // fills the page cache
+    }
     size_t i = 0;
-    for (auto _ : state) work->run(i++);
+    for (auto _ : state) {
+        work->run(i++);
+    }
     work->undo();
     if (self.traits->kind == Kind::kList) {
         state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(self.entries));
@@ -63,7 +69,9 @@ void Register(SceneKeeper& scenes, const char* placeName, const Case& both)
             name.c_str(), [&scenes, self](benchmark::State& state) { Run(state, scenes, self); });
         registered->UseRealTime()->Repetitions(5);
         // The books grow with each of them, so that both sides must do it equally often.
-        if (self.traits->writes()) registered->Iterations(static_cast<benchmark::IterationCount>(self.traits->perRun));
+        if (self.traits->writes()) {
+            registered->Iterations(static_cast<benchmark::IterationCount>(self.traits->perRun));
+        }
     }
 }
 

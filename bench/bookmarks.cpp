@@ -29,14 +29,18 @@ std::string ListText(const char* columns)
 std::vector<Mark> NewMarks(const Scene& scene, size_t count)
 {
     std::vector<Mark> marks;
-    for (size_t i = 0; i < count; ++i) marks.push_back(MakeMark(scene.entries() + i, scene.letters()));
+    for (size_t i = 0; i < count; ++i) {
+        marks.push_back(MakeMark(scene.entries() + i, scene.letters()));
+    }
     return marks;
 }
 
 std::vector<Mark> SomeMarks(const Scene& scene, size_t count)
 {
     std::vector<Mark> marks;
-    for (size_t i = 0; i < count; ++i) marks.push_back(MakeMark(Scattered(i, scene.entries()), scene.letters()));
+    for (size_t i = 0; i < count; ++i) {
+        marks.push_back(MakeMark(Scattered(i, scene.entries()), scene.letters()));
+    }
     return marks;
 }
 
@@ -101,7 +105,9 @@ class BareLookUp : public BareWork {
 public:
     BareLookUp(const Scene& scene, Side side, size_t count) : BareWork(scene, side), type_(BookmarkTypeText(kImei))
     {
-        for (const Mark& mark : SomeMarks(scene, count)) texts_.push_back("SELECT *" + Condition(mark));
+        for (const Mark& mark : SomeMarks(scene, count)) {
+            texts_.push_back("SELECT *" + Condition(mark));
+        }
     }
     void run(size_t i) override
     {
@@ -174,7 +180,9 @@ public:
         for (int32_t i = 0; i < list_.Count; ++i) {
             const BookmarkRecord& mark = list_.Items[i];
             size.bytes += sizeof mark;
-            for (const char16_t* text : {mark.Title, mark.Path, mark.PhoneMID}) AddText(size, text);
+            for (const char16_t* text : {mark.Title, mark.Path, mark.PhoneMID}) {
+                AddText(size, text);
+            }
         }
         return size;
     }
@@ -216,7 +224,9 @@ private:
 
 void FillBookmarks(const Scene& scene, Bare& db)
 {
-    for (size_t n = 0; n < scene.entries(); ++n) db.exec(InsertText(MakeMark(n, scene.letters()), n).c_str());
+    for (size_t n = 0; n < scene.entries(); ++n) {
+        db.exec(InsertText(MakeMark(n, scene.letters()), n).c_str());
+    }
 }
 
 std::unique_ptr<Work> MakeBookmarkWork(const Scene& scene, const OperationTraits& traits, Side side)

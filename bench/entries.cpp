@@ -117,7 +117,9 @@ Contact MakeContact(size_t n, Letters letters)
     const std::string name = letters == Letters::kAscii ? "card" : kAnyArtists[n % 8];
     Contact contact = {Wide(name + "-7d1f04a2-93c6-4e58-b0a7-" + Digits(n, 12)), {}};
     contact.data.resize(kContactBytes);
-    for (size_t i = 0; i < kContactBytes; ++i) contact.data[i] = static_cast<uint8_t>(n + i * 31);
+    for (size_t i = 0; i < kContactBytes; ++i) {
+        contact.data[i] = static_cast<uint8_t>(n + i * 31);
+    }
     return contact;
 }
 

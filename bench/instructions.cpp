@@ -16,7 +16,9 @@ namespace {
 void WarmUp(Work& work, const OperationTraits& traits)
 {
     work.run(0);
-    if (!traits.writes()) return;
+    if (!traits.writes()) {
+        return;
+    }
     work.undo();
 }
 
@@ -28,7 +30,9 @@ void Count(const Scene& scene, const OperationTraits& traits, Side side)
     CALLGRIND_START_INSTRUMENTATION;
     CALLGRIND_ZERO_STATS;
     CALLGRIND_TOGGLE_COLLECT;
-    for (size_t i = 0; i < times; ++i) work->run(i);
+    for (size_t i = 0; i < times; ++i) {
+        work->run(i);
+    }
     CALLGRIND_TOGGLE_COLLECT;
     char name[128];
     std::snprintf(name, sizeof name, "%s%s %s %zu %zu %.2f", traits.name,
@@ -44,8 +48,12 @@ void CountAll(size_t entries, Letters letters)
     for (const Family family : kFamilies) {
         const Scene scene("/dev/shm", family, entries, letters);
         for (const OperationTraits& traits : kOperations) {
-            if (traits.family != family) continue;
-            for (const Side side : {Side::kLibrary, Side::kFloor}) Count(scene, traits, side);
+            if (traits.family != family) {
+                continue;
+            }
+            for (const Side side : {Side::kLibrary, Side::kFloor}) {
+                Count(scene, traits, side);
+            }
         }
     }
 }

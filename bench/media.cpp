@@ -58,14 +58,18 @@ size_t FoldersOf(const Scene& scene)
 std::vector<File> SomeFiles(const Scene& scene, size_t count)
 {
     std::vector<File> files;
-    for (size_t i = 0; i < count; ++i) files.push_back(MakeFile(Scattered(i, scene.entries()), scene.letters()));
+    for (size_t i = 0; i < count; ++i) {
+        files.push_back(MakeFile(Scattered(i, scene.entries()), scene.letters()));
+    }
     return files;
 }
 
 std::vector<File> NewFiles(const Scene& scene, size_t count)
 {
     std::vector<File> files;
-    for (size_t i = 0; i < count; ++i) files.push_back(MakeNewFile(i, scene.entries(), scene.letters()));
+    for (size_t i = 0; i < count; ++i) {
+        files.push_back(MakeNewFile(i, scene.entries(), scene.letters()));
+    }
     return files;
 }
 
@@ -101,7 +105,9 @@ class BareRecord : public BareWork {
 public:
     BareRecord(const Scene& scene, Side side, size_t count) : BareWork(scene, side), phone_(PhoneText(kImei))
     {
-        for (const File& file : NewFiles(scene, count)) texts_.push_back({InsertText(file), FlagText(file)});
+        for (const File& file : NewFiles(scene, count)) {
+            texts_.push_back({InsertText(file), FlagText(file)});
+        }
     }
     void run(size_t i) override
     {
@@ -140,7 +146,9 @@ class BareLookUp : public BareWork {
 public:
     BareLookUp(const Scene& scene, Side side, size_t count) : BareWork(scene, side)
     {
-        for (const File& file : SomeFiles(scene, count)) texts_.push_back(LookUpText(file));
+        for (const File& file : SomeFiles(scene, count)) {
+            texts_.push_back(LookUpText(file));
+        }
     }
     void run(size_t i) override
     {
@@ -175,7 +183,9 @@ public:
         for (int32_t i = 0; i < list_.Count; ++i) {
             const SyncedFileRecord& file = list_.Items[i];
             size.bytes += sizeof file;
-            for (const char16_t* text : {file.Path, file.BasePath, file.PhonePath}) AddText(size, text);
+            for (const char16_t* text : {file.Path, file.BasePath, file.PhonePath}) {
+                AddText(size, text);
+            }
         }
         return size;
     }
@@ -192,9 +202,12 @@ public:
     BareList(const Scene& scene, Side side, const std::vector<std::u16string>& folders)
         : BareWork(scene, side), expected_(folders.empty() ? scene.entries() : kFilesPerFolder)
     {
-        if (folders.empty()) texts_.push_back({CountAllText(), ListAllText()});
-        for (const std::u16string& folder : folders)
+        if (folders.empty()) {
+            texts_.push_back({CountAllText(), ListAllText()});
+        }
+        for (const std::u16string& folder : folders) {
             texts_.push_back({CountFolderText(folder), ListFolderText(folder)});
+        }
     }
     void run(size_t i) override
     {

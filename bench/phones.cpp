@@ -24,7 +24,9 @@ std::string NewPhoneText(const std::u16string& imei, const std::u16string& name)
 std::u16string NewImei(size_t i)
 {
     std::u16string imei = u"490154203200000";
-    for (size_t place = imei.size(); i != 0; i /= 10) imei[--place] = static_cast<char16_t>(u'0' + i % 10);
+    for (size_t place = imei.size(); i != 0; i /= 10) {
+        imei[--place] = static_cast<char16_t>(u'0' + i % 10);
+    }
     return imei;
 }
 
@@ -55,7 +57,9 @@ class LibraryAnnounceNew : public LibraryWork {
 public:
     LibraryAnnounceNew(const Scene& scene, size_t count) : LibraryWork(scene)
     {
-        for (size_t i = 0; i < count; ++i) imeis_.push_back(NewImei(i));
+        for (size_t i = 0; i < count; ++i) {
+            imeis_.push_back(NewImei(i));
+        }
     }
     void run(size_t i) override
     {
@@ -96,7 +100,9 @@ public:
             return true;
         });
         Require(folders == kMainFolderCount, "listing main folders");
-        for (const std::string& text : texts.contents) db_.exec(text.c_str());
+        for (const std::string& text : texts.contents) {
+            db_.exec(text.c_str());
+        }
     }
     void undo() override { change(kForgetNewPhones); }
 
@@ -113,8 +119,9 @@ private:
 
 std::unique_ptr<Work> MakePhoneWork(const Scene& scene, const OperationTraits& traits, Side side)
 {
-    if (traits.operation == Operation::kAnnounceKnown)
+    if (traits.operation == Operation::kAnnounceKnown) {
         return Make<LibraryAnnounceKnown, BareAnnounceKnown>(side, scene);
+    }
     return Make<LibraryAnnounceNew, BareAnnounceNew>(side, scene, traits.perRun);
 }
 

@@ -28,7 +28,9 @@ std::string ItemText(size_t row)
 std::vector<Contact> NewContacts(const Scene& scene, size_t count)
 {
     std::vector<Contact> contacts;
-    for (size_t i = 0; i < count; ++i) contacts.push_back(MakeContact(scene.entries() + i, scene.letters()));
+    for (size_t i = 0; i < count; ++i) {
+        contacts.push_back(MakeContact(scene.entries() + i, scene.letters()));
+    }
     return contacts;
 }
 
@@ -60,7 +62,9 @@ class BareAdd : public BareWork {
 public:
     BareAdd(const Scene& scene, Side side, size_t count) : BareWork(scene, side), contacts_(NewContacts(scene, count))
     {
-        for (const Contact& contact : contacts_) texts_.push_back(InsertText(contact));
+        for (const Contact& contact : contacts_) {
+            texts_.push_back(InsertText(contact));
+        }
     }
     void run(size_t i) override
     {
@@ -104,7 +108,9 @@ class BareList : public BareWork {
 public:
     BareList(const Scene& scene, Side side) : BareWork(scene, side)
     {
-        for (size_t n = 0; n < scene.entries(); ++n) texts_.push_back(ItemText(n + 1));
+        for (size_t n = 0; n < scene.entries(); ++n) {
+            texts_.push_back(ItemText(n + 1));
+        }
         rows_.reserve(scene.entries());
     }
     void run(size_t /*i*/) override
@@ -116,7 +122,9 @@ public:
             return true;
         });
         Require(rows_.size() == scene_.entries(), "finding the contacts");
-        for (const size_t id : rows_) readItem(texts_[id - 1].c_str());
+        for (const size_t id : rows_) {
+            readItem(texts_[id - 1].c_str());
+        }
     }
 
 private:
@@ -151,7 +159,9 @@ void FillPim(const Scene& scene, Bare& db)
 
 std::unique_ptr<Work> MakePimWork(const Scene& scene, const OperationTraits& traits, Side side)
 {
-    if (traits.operation == Operation::kListPimItems) return Make<LibraryList, BareList>(side, scene);
+    if (traits.operation == Operation::kListPimItems) {
+        return Make<LibraryList, BareList>(side, scene);
+    }
     return Make<LibraryAdd, BareAdd>(side, scene, traits.perRun);
 }
 

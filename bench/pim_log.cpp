@@ -31,7 +31,9 @@ std::string InsertText(int32_t log, const LogEntry& entry)
 std::vector<LogEntry> Entries(const Scene& scene)
 {
     std::vector<LogEntry> entries;
-    for (size_t n = 0; n < scene.entries(); ++n) entries.push_back(MakeLogEntry(n, scene.letters()));
+    for (size_t n = 0; n < scene.entries(); ++n) {
+        entries.push_back(MakeLogEntry(n, scene.letters()));
+    }
     return entries;
 }
 
@@ -60,13 +62,17 @@ class BareSave : public BareWork {
 public:
     BareSave(const Scene& scene, Side side) : BareWork(scene, side), phone_(PhoneText(kImei))
     {
-        for (const LogEntry& entry : Entries(scene)) texts_.push_back(InsertText(kSavedLog, entry));
+        for (const LogEntry& entry : Entries(scene)) {
+            texts_.push_back(InsertText(kSavedLog, entry));
+        }
     }
     void run(size_t /*i*/) override
     {
         Require(db_.firstInt(phone_.c_str(), -1) == 1, "finding the phone");
         Require(db_.firstInt(kFindSavedLog, -1) == kSavedLog, "finding the log");
-        for (const std::string& text : texts_) db_.exec(text.c_str());
+        for (const std::string& text : texts_) {
+            db_.exec(text.c_str());
+        }
     }
     void undo() override { change(kForgetSavedLog); }
 
@@ -91,7 +97,9 @@ public:
         for (int32_t i = 0; i < log_.Count; ++i) {
             const PimLogItem& item = log_.Items[i];
             size.bytes += sizeof item;
-            for (const char16_t* text : {item.Guid, item.Luid}) AddText(size, text);
+            for (const char16_t* text : {item.Guid, item.Luid}) {
+                AddText(size, text);
+            }
         }
         return size;
     }
@@ -135,12 +143,16 @@ void FillPimLog(const Scene& scene, Bare& db)
         db.exec(("INSERT INTO tPimLog ([phoneID], [Type]) VALUES (1, " + std::to_string(log) + ");").c_str());
     }
     db.exec(InsertText(kShortLog, MakeLogEntry(0, scene.letters())).c_str());
-    for (const LogEntry& entry : Entries(scene)) db.exec(InsertText(kFullLog, entry).c_str());
+    for (const LogEntry& entry : Entries(scene)) {
+        db.exec(InsertText(kFullLog, entry).c_str());
+    }
 }
 
 std::unique_ptr<Work> MakePimLogWork(const Scene& scene, const OperationTraits& traits, Side side)
 {
-    if (traits.operation == Operation::kReadPimLog) return Make<LibraryRead, BareRead>(side, scene);
+    if (traits.operation == Operation::kReadPimLog) {
+        return Make<LibraryRead, BareRead>(side, scene);
+    }
     return Make<LibrarySave, BareSave>(side, scene);
 }
 

@@ -106,13 +106,17 @@ public:
           phone_(PhoneText(kImei)),
           inserted_(operation == Operation::kAddNewPlaylist ? SQLITE_OK : SQLITE_CONSTRAINT)
     {
-        for (const Playlist& list : Additions(scene, operation, count)) texts_.push_back(AddTexts(list));
+        for (const Playlist& list : Additions(scene, operation, count)) {
+            texts_.push_back(AddTexts(list));
+        }
     }
     void run(size_t i) override
     {
         Require(db_.firstInt(phone_.c_str(), -1) == 1, "finding the phone");
         const std::array<std::string, 4>& texts = texts_[i];
-        for (size_t step = 0; step < 3; ++step) db_.exec(texts[step].c_str());
+        for (size_t step = 0; step < 3; ++step) {
+            db_.exec(texts[step].c_str());
+        }
         Require(db_.tryExec(texts[3].c_str()) == inserted_, "inserting a playlist");
     }
     void undo() override { BeginAnew(scene_, scene_.bareDatabase()); }
@@ -138,7 +142,9 @@ public:
         for (int32_t i = 0; i < list_.Count; ++i) {
             const PlaylistRecord& record = list_.Items[i];
             size.bytes += sizeof record;
-            for (const char16_t* text : {record.Name, record.Digest, record.IdInPhone}) AddText(size, text);
+            for (const char16_t* text : {record.Name, record.Digest, record.IdInPhone}) {
+                AddText(size, text);
+            }
         }
         return size;
     }
@@ -160,7 +166,9 @@ public:
             Require(sqlite3_column_int64(row, 0) > 0, kPlaylists);
             Require(db_.text(row, 1) && db_.text(row, 2), kPlaylists);
             (void)db_.text(row, 3);
-            for (const int column : {4, 5, 6, 9, 10}) Require(sqlite3_column_int(row, column) > 0, kPlaylists);
+            for (const int column : {4, 5, 6, 9, 10}) {
+                Require(sqlite3_column_int(row, column) > 0, kPlaylists);
+            }
             Require(sqlite3_column_int64(row, 7) > 0 && sqlite3_column_int64(row, 8) > 0, kPlaylists);
             return true;
         });
@@ -180,7 +188,9 @@ void FillPlaylists(const Scene& scene, Bare& db)
 
 std::unique_ptr<Work> MakePlaylistWork(const Scene& scene, const OperationTraits& traits, Side side)
 {
-    if (traits.operation == Operation::kListPlaylists) return Make<LibraryList, BareList>(side, scene);
+    if (traits.operation == Operation::kListPlaylists) {
+        return Make<LibraryList, BareList>(side, scene);
+    }
     return Make<LibraryAdd, BareAdd>(side, scene, traits.operation, traits.perRun);
 }
 

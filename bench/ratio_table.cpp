@@ -11,7 +11,7 @@ namespace {
 
 double Median(std::vector<double> values)
 {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
     std::nth_element(values.begin(), middle, values.end());
     return *middle;
 }
@@ -25,7 +25,9 @@ RatioTable::RatioTable() : ConsoleReporter(isatty(STDOUT_FILENO) != 0 ? OO_Color
 void RatioTable::ReportRuns(const std::vector<Run>& runs)
 {
     for (const Run& run : runs) {
-        if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
+        if (run.run_type != Run::RT_Iteration || run.error_occurred) {
+            continue;
+        }
         const std::string name = run.run_name.function_name;
         nanoseconds_[name].push_back(run.real_accumulated_time / static_cast<double>(run.iterations) * 1e9);
     }
@@ -37,10 +39,14 @@ void RatioTable::printTable() const
     constexpr std::string_view kLibrary = "/library";
     std::printf("\n%-44s %14s %14s %8s\n", "operation (median)", "library ns", "floor ns", "ratio");
     for (const auto& [name, times] : nanoseconds_) {
-        if (!name.ends_with(kLibrary)) continue;
+        if (!name.ends_with(kLibrary)) {
+            continue;
+        }
         const std::string operation = name.substr(0, name.size() - kLibrary.size());
         const auto floor = nanoseconds_.find(operation + "/floor");
-        if (floor == nanoseconds_.end()) continue;
+        if (floor == nanoseconds_.end()) {
+            continue;
+        }
         const double own = Median(times);
         const double bare = Median(floor->second);
         std::printf("%-44s %14.0f %14.0f %8.3f\n", operation.c_str(), own, bare, own / bare);

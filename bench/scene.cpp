@@ -41,7 +41,9 @@ PrivateFolder::~PrivateFolder()
 
 void Require(bool condition, const char* what)
 {
-    if (condition) return;
+    if (condition) {
+        return;
+    }
     std::fprintf(stderr, "failed: %s\n", what);
     std::exit(1);
 }

@@ -41,13 +41,17 @@ protected:
 template <class OfLibrary, class OfFloor, class... Args>
 std::unique_ptr<Work> Make(Side side, const Scene& scene, const Args&... args)
 {
-    if (side == Side::kLibrary) return std::make_unique<OfLibrary>(scene, args...);
+    if (side == Side::kLibrary) {
+        return std::make_unique<OfLibrary>(scene, args...);
+    }
     return std::make_unique<OfFloor>(scene, side, args...);
 }
 
 inline void AddText(ListSize& size, const char16_t* text)
 {
-    if (text == nullptr) return;
+    if (text == nullptr) {
+        return;
+    }
     ++size.pieces;
     size.bytes += (std::char_traits<char16_t>::length(text) + 1) * sizeof *text;
 }

@@ -118,7 +118,9 @@ TEST_F(BookmarkLists, GetSyncedMarks_MoreRowsThanCounted_FillsWhatWasCountedAndG
         moreCame = result == 100 && list.Count > 0;
     }
     EXPECT_TRUE(moreCame);
-    for (int32_t i = 0; i < list.Count; ++i) EXPECT_EQ(Utf8(list.Items[i].Title), "title");
+    for (int32_t i = 0; i < list.Count; ++i) {
+        EXPECT_EQ(Utf8(list.Items[i].Title), "title");
+    }
 }
 
 TEST_F(BookmarkLists, GetSyncedMarks_NullList_TakesTheExceptionWay)

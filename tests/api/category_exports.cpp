@@ -2,17 +2,17 @@
 
 namespace kesta::test {
 
-#define KESTA_CATEGORY(FAMILY, letter, deletedArgument)                                                       \
-    Category                                                                                                  \
-    {                                                                                                         \
-#FAMILY, letter, deletedArgument, [](const Exports& lib) {                                                  \
-            return CategoryCalls{lib.DB_##FAMILY##_AddFolder,        lib.DB_##FAMILY##_ClearAll,                    \
-                                 lib.DB_##FAMILY##_GetFolders,       lib.DB_##FAMILY##_GetFolder,                   \
-                                 lib.DB_##FAMILY##_IsFolderSelected, lib.DB_##FAMILY##_SetFolderSelected,           \
-                                 lib.DB_##FAMILY##_IsFolderDeleted,  lib.DB_##FAMILY##_SetFolderDeleted,            \
-                                 lib.DB_##FAMILY##_IsSyncedFile,     lib.DB_##FAMILY##_GetSyncedFiles,              \
-                                 lib.DB_##FAMILY##_SetAddedFile,     lib.DB_##FAMILY##_SetDeletedFile,              \
-                                 lib.DB_##FAMILY##_SetUpdatedFile,   lib.DB_##FAMILY##_SetDeletedFolder};           \
+#define KESTA_CATEGORY(FAMILY, letter, deletedArgument)                                             \
+    Category                                                                                        \
+    {                                                                                               \
+#FAMILY, letter, deletedArgument, [](const Exports& lib) {                                        \
+            return CategoryCalls{lib.DB_##FAMILY##_AddFolder,        lib.DB_##FAMILY##_ClearAll,          \
+                                 lib.DB_##FAMILY##_GetFolders,       lib.DB_##FAMILY##_GetFolder,         \
+                                 lib.DB_##FAMILY##_IsFolderSelected, lib.DB_##FAMILY##_SetFolderSelected, \
+                                 lib.DB_##FAMILY##_IsFolderDeleted,  lib.DB_##FAMILY##_SetFolderDeleted,  \
+                                 lib.DB_##FAMILY##_IsSyncedFile,     lib.DB_##FAMILY##_GetSyncedFiles,    \
+                                 lib.DB_##FAMILY##_SetAddedFile,     lib.DB_##FAMILY##_SetDeletedFile,    \
+                                 lib.DB_##FAMILY##_SetUpdatedFile,   lib.DB_##FAMILY##_SetDeletedFolder}; \
         } \
     }
 

@@ -280,7 +280,9 @@ TEST_P(CategoryLists, GetSyncedFiles_MoreRowsThanCounted_FillsWhatWasCountedAndG
         moreCame = result == 100 && list.Count > 0;
     }
     EXPECT_TRUE(moreCame);
-    for (int32_t i = 0; i < list.Count; ++i) EXPECT_EQ(Utf8(list.Items[i].BasePath), "C:\\A");
+    for (int32_t i = 0; i < list.Count; ++i) {
+        EXPECT_EQ(Utf8(list.Items[i].BasePath), "C:\\A");
+    }
 }
 
 }  // namespace

@@ -24,10 +24,16 @@ class OrdinaryUser {
 public:
     explicit OrdinaryUser(const fs::path& root)
     {
-        if (geteuid() != 0) return;
-        for (const auto& entry : fs::recursive_directory_iterator(root)) give(entry.path());
+        if (geteuid() != 0) {
+            return;
+        }
+        for (const auto& entry : fs::recursive_directory_iterator(root)) {
+            give(entry.path());
+        }
         give(root);
-        if (seteuid(kNobody) != 0) throw std::runtime_error("the user cannot be changed");
+        if (seteuid(kNobody) != 0) {
+            throw std::runtime_error("the user cannot be changed");
+        }
     }
     ~OrdinaryUser() { (void)!seteuid(getuid()); }
     OrdinaryUser(const OrdinaryUser&) = delete;
@@ -37,7 +43,9 @@ private:
     static constexpr uid_t kNobody = 65534;
     static void give(const fs::path& path)
     {
-        if (lchown(path.c_str(), kNobody, static_cast<gid_t>(-1)) != 0) throw std::runtime_error(path.string());
+        if (lchown(path.c_str(), kNobody, static_cast<gid_t>(-1)) != 0) {
+            throw std::runtime_error(path.string());
+        }
     }
 };
 
@@ -217,7 +225,9 @@ TEST_F(PosixConnection, Load_RelativeDataHome_IsPassedOverForTheHomeFolder)
 TEST_F(PosixConnection, Load_PathLongerThanItsBuffer_FailsToCreate)
 {
     fs::path deep = data.applicationData();
-    while (deep.native().size() < 1040) deep /= std::string(100, 'd');
+    while (deep.native().size() < 1040) {
+        deep /= std::string(100, 'd');
+    }
     setenv("XDG_DATA_HOME", deep.c_str(), 1);
     TraceLog trace(data.runtimeFolder());
     const Library lib(data);

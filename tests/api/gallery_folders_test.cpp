@@ -35,11 +35,15 @@ protected:
     }
     void givenImages(std::initializer_list<std::string_view> paths) const
     {
-        for (const std::string_view path : paths) given('I', {.path = path});
+        for (const std::string_view path : paths) {
+            given('I', {.path = path});
+        }
     }
     void givenVideos(std::initializer_list<std::string_view> paths) const
     {
-        for (const std::string_view path : paths) given('V', {.path = path});
+        for (const std::string_view path : paths) {
+            given('V', {.path = path});
+        }
     }
 
     /// The paths of the gallery. All folders of a test with equal times keep the order of the walk.
@@ -48,7 +52,9 @@ protected:
         FolderList list = {};
         EXPECT_EQ(lib.DB_GALLERY_GetFolders(W(kImei), &list), 0);
         std::vector<std::string> found;
-        for (int32_t i = 0; i < list.Count; ++i) found.push_back(Utf8(list.Items[i].Path));
+        for (int32_t i = 0; i < list.Count; ++i) {
+            found.push_back(Utf8(list.Items[i].Path));
+        }
         return found;
     }
 };
@@ -74,7 +80,9 @@ TEST_F(GalleryFolders, GetFolders_ImagesAddedInAnyOrder_ComeAsSqliteYieldsThem)
     given('I', {"C:\\A", "2024-01-01 00:00:03"});
     given('I', {"C:\\B", "2024-01-01 00:00:02"});
     std::string expected;
-    for (const std::string& path : paths()) expected += (expected.empty() ? "" : "\n") + path;
+    for (const std::string& path : paths()) {
+        expected += (expected.empty() ? "" : "\n") + path;
+    }
     EXPECT_EQ(sql.text("SELECT [Path] FROM (SELECT ROWID, [Path], [Count] FROM tIFolder WHERE [PhoneID] = 1)"),
               expected);
 }

@@ -89,7 +89,9 @@ protected:
         FolderList list = {};
         EXPECT_EQ(lib.DB_GALLERY_GetFolders(W(kImei), &list), 0);
         std::vector<std::string> paths;
-        for (int32_t i = 0; i < list.Count; ++i) paths.push_back(Utf8(list.Items[i].Path));
+        for (int32_t i = 0; i < list.Count; ++i) {
+            paths.push_back(Utf8(list.Items[i].Path));
+        }
         return paths;
     }
 };
@@ -120,7 +122,9 @@ TEST_F(GalleryTimes, GetFolders_HundredDistinctTimes_ComeInReverse)
     FolderList list = {};
     EXPECT_EQ(lib.DB_GALLERY_GetFolders(W(kImei), &list), 0);
     ASSERT_EQ(list.Count, 100);
-    for (int32_t i = 0; i < 100; ++i) EXPECT_EQ(Utf8(list.Items[i].Path), std::to_string(199 - i));
+    for (int32_t i = 0; i < 100; ++i) {
+        EXPECT_EQ(Utf8(list.Items[i].Path), std::to_string(199 - i));
+    }
 }
 
 }  // namespace

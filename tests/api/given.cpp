@@ -6,7 +6,9 @@ namespace {
 std::string Fields(std::initializer_list<std::string> fields)
 {
     std::string text;
-    for (const std::string& field : fields) text += (text.empty() ? "" : "|") + field;
+    for (const std::string& field : fields) {
+        text += (text.empty() ? "" : "|") + field;
+    }
     return text;
 }
 
@@ -69,7 +71,9 @@ template <class List>
 std::string Joined(const List& list)
 {
     std::string text;
-    for (int32_t i = 0; i < list.Count; ++i) text += (i > 0 ? "\n" : "") + ToString(list.Items[i]);
+    for (int32_t i = 0; i < list.Count; ++i) {
+        text += (i > 0 ? "\n" : "") + ToString(list.Items[i]);
+    }
     return text;
 }
 
@@ -93,7 +97,9 @@ std::string ToString(const MainFolderList& list)
 std::string Quoted(std::string_view text)
 {
     std::string quoted = "'";
-    for (const char c : text) quoted += c == '\'' ? std::string("''") : std::string(1, c);
+    for (const char c : text) {
+        quoted += c == '\'' ? std::string("''") : std::string(1, c);
+    }
     return quoted + "'";
 }
 

@@ -57,7 +57,9 @@ TEST_F(ListMemory, GetSyncedFiles_Released_TracesTheArrayFirstThenEveryText)
     std::multiset<std::string> texts;
     for (int32_t i = 0; i < list.Count; ++i) {
         for (const DbChar* text : {list.Items[i].Path, list.Items[i].BasePath, list.Items[i].PhonePath}) {
-            if (text != nullptr) texts.insert(Delete(text));
+            if (text != nullptr) {
+                texts.insert(Delete(text));
+            }
         }
     }
     const std::string array = Delete(list.Items);
@@ -139,7 +141,9 @@ TEST_F(ListMemory, EveryListExport_UsedAndReleased_LeavesNothingBehind)
     std::set<std::string> held;
     size_t announced = 0;
     for (const std::string& line : lines()) {
-        if (!line.starts_with("Memory ")) continue;
+        if (!line.starts_with("Memory ")) {
+            continue;
+        }
         const size_t end = line.find(' ', 7);
         const std::string address = line.substr(7, end - 7);
         if (line.ends_with(" NEW.")) {
@@ -182,7 +186,9 @@ TEST_F(ListMemory, GetSyncedFiles_ManyRows_AreAllThere)
     EXPECT_EQ(lib.DB_MUSIC_GetSyncedFiles(W(kImei), W("b"), &list), 0);
     ASSERT_EQ(list.Count, 5000);
     std::set<std::string> paths;
-    for (int32_t i = 0; i < list.Count; ++i) paths.insert(Utf8(list.Items[i].Path));
+    for (int32_t i = 0; i < list.Count; ++i) {
+        paths.insert(Utf8(list.Items[i].Path));
+    }
     EXPECT_EQ(paths.size(), 5000u);
     EXPECT_EQ(*paths.begin(), "00001");
     EXPECT_EQ(*paths.rbegin(), "05000");

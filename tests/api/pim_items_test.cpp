@@ -12,7 +12,9 @@ constexpr char kLookupError[] = "Error in DB_INTERNAL_PIM_GetItemID(), position 
 std::string Contents(size_t length)
 {
     std::string contents(length, '\0');
-    for (size_t i = 0; i < length; ++i) contents[i] = static_cast<char>(i * 7 % 256);
+    for (size_t i = 0; i < length; ++i) {
+        contents[i] = static_cast<char>(i * 7 % 256);
+    }
     return contents;
 }
 

@@ -43,7 +43,9 @@ protected:
         PimFolderList list = {};
         EXPECT_EQ(lib.DB_PIM_GetFolders(&list, W(parent), type, recursive), 0);
         std::vector<std::string> ids;
-        for (int32_t i = 0; i < list.Count; ++i) ids.push_back(Utf8(list.Items[i].PimID));
+        for (int32_t i = 0; i < list.Count; ++i) {
+            ids.push_back(Utf8(list.Items[i].PimID));
+        }
         return ids;
     }
     std::vector<std::string> items(const char* folder, int type, int recursive)
@@ -51,7 +53,9 @@ protected:
         PimItemList list = {};
         EXPECT_EQ(lib.DB_PIM_GetItems(&list, W(folder), type, recursive), 0);
         std::vector<std::string> ids;
-        for (int32_t i = 0; i < list.Count; ++i) ids.push_back(Utf8(list.Items[i].PimID));
+        for (int32_t i = 0; i < list.Count; ++i) {
+            ids.push_back(Utf8(list.Items[i].PimID));
+        }
         return ids;
     }
 };

@@ -217,7 +217,9 @@ TEST_F(PlaylistAdd, AddPlaylist_NameTooLongForAStatement_IsNotStoredCut)
     EXPECT_EQ(rows(), "");
     std::vector<std::string> errors;
     for (const std::string& line : trace.take()) {
-        if (line.starts_with("Error")) errors.push_back(line);
+        if (line.starts_with("Error")) {
+            errors.push_back(line);
+        }
     }
     EXPECT_THAT(errors, ElementsAre(Error("Update synced record failed."), Error("Update unsynced record failed."),
                                     Error("Update information failed."), Error("Insert new playlist failed.")));

@@ -58,7 +58,9 @@ TEST_F(PlaylistLists, GetPlaylists_AddedInAnyOrder_ComeAsSqliteYieldsThem)
     PlaylistList list = {};
     EXPECT_EQ(get(list), 0);
     std::string names;
-    for (int32_t i = 0; i < list.Count; ++i) names += (i > 0 ? "\n" : "") + Utf8(list.Items[i].Name);
+    for (int32_t i = 0; i < list.Count; ++i) {
+        names += (i > 0 ? "\n" : "") + Utf8(list.Items[i].Name);
+    }
     EXPECT_EQ(names, sql.text("SELECT [Path] FROM (SELECT ROWID, [Path], [Digest] FROM tPFolder WHERE [PhoneID] = 1)"));
     EXPECT_EQ(list.Count, 4);
 }
@@ -156,7 +158,9 @@ TEST_F(PlaylistLists, GetPlaylists_MoreRowsThanCounted_FillsWhatWasCountedAndGiv
     }
     EXPECT_TRUE(moreCame);
     EXPECT_EQ(trace.take().back(), "Exit DB_PLAYERMUSIC_GetPlaylists() with 100.");
-    for (int32_t i = 0; i < list.Count; ++i) EXPECT_EQ(Utf8(list.Items[i].IdInPhone), "P:/");
+    for (int32_t i = 0; i < list.Count; ++i) {
+        EXPECT_EQ(Utf8(list.Items[i].IdInPhone), "P:/");
+    }
 }
 
 TEST_F(PlaylistLists, GetPlaylists_NullImei_IsAnUnknownPhone)

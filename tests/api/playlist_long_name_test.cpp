@@ -23,7 +23,9 @@ TEST_F(PlaylistLongName, AddPlaylist_LongName_IsCutInEachStatementsLine)
         EXPECT_EQ(lib.DB_PLAYERMUSIC_AddPlaylist(W(kImei), &playlist), 0);
         int statements = 0;
         for (const std::string& line : trace.take()) {
-            if (line.find(", Exec SQL: ") == std::string::npos) continue;
+            if (line.find(", Exec SQL: ") == std::string::npos) {
+                continue;
+            }
             ++statements;
             // As a truth value: nobody wants to read it.
             EXPECT_TRUE(line.find("'" + shown + "'" + (statements < 4 ? " AND [" : ", 'd1'")) != std::string::npos ||

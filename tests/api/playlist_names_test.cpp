@@ -46,7 +46,9 @@ public:
     Names() : FileNameArray{} {}
     explicit Names(std::initializer_list<std::string_view> names) : Names()
     {
-        if (names.size() == 0) return;
+        if (names.size() == 0) {
+            return;
+        }
         Items = static_cast<DbChar**>(Allocate(names.size() * sizeof(DbChar*)));
         for (const std::string_view name : names) {
             const Text text(name);
@@ -57,7 +59,9 @@ public:
     }
     ~Names()
     {
-        for (int32_t i = 0; i < Count; ++i) Free(Items[i]);
+        for (int32_t i = 0; i < Count; ++i) {
+            Free(Items[i]);
+        }
         Free(Items);
     }
     Names(const Names&) = delete;
@@ -66,7 +70,9 @@ public:
     [[nodiscard]] std::vector<std::string> texts() const
     {
         std::vector<std::string> texts;
-        for (int32_t i = 0; i < Count; ++i) texts.push_back(Utf8(Items[i]));
+        for (int32_t i = 0; i < Count; ++i) {
+            texts.push_back(Utf8(Items[i]));
+        }
         return texts;
     }
 };
@@ -190,7 +196,9 @@ TEST_F(PlaylistNames, GetListFilesname_StoredNames_ComeAsSqliteYieldsThem)
     Names names;
     EXPECT_EQ(get(names), 0);
     std::string expected;
-    for (const std::string& name : names.texts()) expected += (expected.empty() ? "" : "\n") + name;
+    for (const std::string& name : names.texts()) {
+        expected += (expected.empty() ? "" : "\n") + name;
+    }
     EXPECT_EQ(sql.text("SELECT [Filename] FROM tPFilename WHERE [IMEI] = '351111' AND [Listname] = 'Rock'"), expected);
     EXPECT_THAT(names.texts(), UnorderedElementsAre("A", "B", "C"));
     EXPECT_THAT(trace.take(), ElementsAre(kEnterGet, "Memory NEW.", "Memory NEW.", "Memory NEW.", kExitGet));

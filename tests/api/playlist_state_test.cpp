@@ -36,7 +36,9 @@ protected:
 
 TEST_F(PlaylistState, ClearAll_SeveralPlaylists_AllBecomeUnconfirmedButThoseDeletedOnThePhone)
 {
-    for (const int flag : {0, 1, 2, 3, 4, 5}) givenRow("list " + std::to_string(flag), flag);
+    for (const int flag : {0, 1, 2, 3, 4, 5}) {
+        givenRow("list " + std::to_string(flag), flag);
+    }
     givenRow("other", 0, "NULL", 2);
     EXPECT_EQ(lib.DB_PLAYERMUSIC_ClearAll(W(kImei)), 0);
     EXPECT_EQ(flags(), "1|list 0|3\n1|list 1|3\n1|list 2|3\n1|list 3|3\n1|list 4|4\n1|list 5|3\n2|other|0");

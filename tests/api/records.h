@@ -165,7 +165,9 @@ template <class List>
 std::vector<std::string> Records(const List& list)
 {
     std::vector<std::string> records;
-    for (int32_t i = 0; i < list.Count; ++i) records.push_back(ToString(list.Items[i]));
+    for (int32_t i = 0; i < list.Count; ++i) {
+        records.push_back(ToString(list.Items[i]));
+    }
     return records;
 }
 
@@ -190,14 +192,18 @@ class AliveMemory {
 public:
     size_t after(const std::vector<std::string>& lines)
     {
-        for (const std::string& line : lines) note(line);
+        for (const std::string& line : lines) {
+            note(line);
+        }
         return alive_.size();
     }
 
 private:
     void note(const std::string& line)
     {
-        if (!line.starts_with("Memory ")) return;
+        if (!line.starts_with("Memory ")) {
+            return;
+        }
         const std::string address = line.substr(7, line.find(' ', 7) - 7);
         if (line.ends_with(" NEW.")) {
             EXPECT_TRUE(alive_.emplace(address, true).second) << line;

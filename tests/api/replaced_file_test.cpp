@@ -29,7 +29,7 @@ std::vector<std::string> ShapesOf(std::vector<std::string> names)
         const size_t found = name.find(kReplaced);
         if (found != std::string::npos) {
             std::replace_if(
-                name.begin() + static_cast<std::ptrdiff_t>(found + kReplaced.size()), name.end(),
+                name.begin() + static_cast<ptrdiff_t>(found + kReplaced.size()), name.end(),
                 [](char c) { return c >= '0' && c <= '9'; }, '0');
         }
     }

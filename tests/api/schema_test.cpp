@@ -110,7 +110,9 @@ const std::vector<std::string>& Statements()
 TEST_F(Schema, FreshDatabase_EveryStatement_StandsAsWrittenInItsOrder)
 {
     std::string expected;
-    for (const std::string& statement : Statements()) expected += (expected.empty() ? "" : "\n") + statement;
+    for (const std::string& statement : Statements()) {
+        expected += (expected.empty() ? "" : "\n") + statement;
+    }
     EXPECT_EQ(sql.text("SELECT sql FROM sqlite_master WHERE sql IS NOT NULL AND name NOT LIKE 'sqlite!_%' ESCAPE '!' "
                        "ORDER BY rowid"),
               expected);

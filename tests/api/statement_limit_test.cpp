@@ -16,7 +16,9 @@ std::vector<std::string> Errors(TraceLog& trace)
 {
     std::vector<std::string> errors;
     for (std::string& line : trace.take()) {
-        if (line.starts_with("Error") || line.starts_with("An exception")) errors.push_back(std::move(line));
+        if (line.starts_with("Error") || line.starts_with("An exception")) {
+            errors.push_back(std::move(line));
+        }
     }
     return errors;
 }
@@ -326,7 +328,9 @@ TEST_F(StatementLimit, SetFolderSelected_LongerCharacters_CountAsTheirBytes)
     for (const std::string character : {"\xF0\x9F\x8E\xB5", "\xE6\x97\xA5", "\xC3\xA9", "'"}) {
         const size_t bytes = character == "'" ? 2 : character.size();
         std::string path(room % bytes, 'x');
-        while (path.size() < room - (character == "'" ? room / 2 : 0)) path += character;
+        while (path.size() < room - (character == "'" ? room / 2 : 0)) {
+            path += character;
+        }
         SCOPED_TRACE(character);
         sql.exec("INSERT INTO tMFolder ([PhoneID], [Path], [AddTime]) VALUES (1, " + Quoted(path) + ", ''), (1, " +
                  Quoted(path + "x") + ", '')");

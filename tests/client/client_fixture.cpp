@@ -45,8 +45,11 @@ ClientTest::ClientTest()
 ClientTest::~ClientTest()
 {
     std::error_code ignored;
-    for (const auto& entry : fs::recursive_directory_iterator(work_, ignored))
-        if (entry.is_directory(ignored)) fs::permissions(entry.path(), fs::perms::owner_all, ignored);
+    for (const auto& entry : fs::recursive_directory_iterator(work_, ignored)) {
+        if (entry.is_directory(ignored)) {
+            fs::permissions(entry.path(), fs::perms::owner_all, ignored);
+        }
+    }
     fs::remove_all(work_, ignored);
 }
 
@@ -119,27 +122,32 @@ std::map<std::string, std::string> ClientTest::phoneFiles() const
 {
     std::map<std::string, std::string> files;
     const fs::path root = Path(phone());
-    for (const auto& entry : fs::recursive_directory_iterator(root))
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
         if (entry.is_regular_file() && !IsOwn(entry.path())) {
             std::u8string name = entry.path().lexically_relative(root).generic_u8string();
             files.emplace(std::string(name.begin(), name.end()), Read(entry.path()));
         }
+    }
     return files;
 }
 
 std::vector<std::string> ClientTest::phonePaths() const
 {
     std::vector<std::string> paths;
-    for (const auto& [path, contents] : phoneFiles()) paths.push_back(path);
+    for (const auto& [path, contents] : phoneFiles()) {
+        paths.push_back(path);
+    }
     return paths;
 }
 
 std::vector<std::string> ClientTest::ownFiles() const
 {
     std::vector<std::string> names;
-    for (const auto& entry : fs::recursive_directory_iterator(Path(phone())))
-        if (IsOwn(entry.path()) && entry.path().filename() != ".kesta-phone")
+    for (const auto& entry : fs::recursive_directory_iterator(Path(phone()))) {
+        if (IsOwn(entry.path()) && entry.path().filename() != ".kesta-phone") {
             names.push_back(Utf8(entry.path().filename()));
+        }
+    }
     return names;
 }
 
@@ -157,7 +165,9 @@ void ClientTest::expectInOrder(const std::string& category)
         const auto difference = fs::last_write_time(source) - fs::last_write_time(Path(phone(place)));
         EXPECT_LT(std::chrono::abs(difference), std::chrono::seconds(1)) << place << " has another time";
     }
-    for (const auto& [place, contents] : onPhone) EXPECT_TRUE(places.contains(place)) << place << " is not recorded";
+    for (const auto& [place, contents] : onPhone) {
+        EXPECT_TRUE(places.contains(place)) << place << " is not recorded";
+    }
     EXPECT_THAT(ownFiles(), testing::IsEmpty());
 }
 

@@ -27,7 +27,9 @@ std::string Contents(const std::filesystem::path& file)
 void Redirect(const std::filesystem::path& file, int descriptor)
 {
     const int opened = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (opened < 0 || dup2(opened, descriptor) < 0) _exit(126);
+    if (opened < 0 || dup2(opened, descriptor) < 0) {
+        _exit(126);
+    }
 }
 
 }  // namespace
@@ -50,16 +52,24 @@ ClientProcess::ClientProcess(const std::filesystem::path& folder, const std::vec
     std::vector<std::string> texts{KESTA_CLIENT};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
-    for (std::string& text : texts) pointers.push_back(text.data());
+    for (std::string& text : texts) {
+        pointers.push_back(text.data());
+    }
     pointers.push_back(nullptr);
 
     impl_->child = fork();
-    if (impl_->child < 0) throw std::runtime_error("fork failed");
-    if (impl_->child != 0) return;
+    if (impl_->child < 0) {
+        throw std::runtime_error("fork failed");
+    }
+    if (impl_->child != 0) {
+        return;
+    }
     // Permissions are to count for root too.
     (void)prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
     (void)prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
-    for (const auto& [key, value] : environment) (void)setenv(key.c_str(), value.c_str(), 1);
+    for (const auto& [key, value] : environment) {
+        (void)setenv(key.c_str(), value.c_str(), 1);
+    }
     Redirect(impl_->out, STDOUT_FILENO);
     Redirect(impl_->err, STDERR_FILENO);
     (void)execv(KESTA_CLIENT, pointers.data());
@@ -76,12 +86,16 @@ ClientProcess::~ClientProcess()
 
 void ClientProcess::kill()
 {
-    if (!impl_->ended) (void)::kill(impl_->child, SIGKILL);
+    if (!impl_->ended) {
+        (void)::kill(impl_->child, SIGKILL);
+    }
 }
 
 void ClientProcess::interrupt()
 {
-    if (!impl_->ended) (void)::kill(impl_->child, SIGINT);
+    if (!impl_->ended) {
+        (void)::kill(impl_->child, SIGINT);
+    }
 }
 
 std::string ClientProcess::outputSoFar() const
@@ -93,8 +107,12 @@ bool ClientProcess::waitForOutput(const std::string& text)
 {
     for (int attempt = 0; attempt < 6000; ++attempt) {
         const bool over = hasEnded();
-        if ((Contents(impl_->out) + Contents(impl_->err)).find(text) != std::string::npos) return true;
-        if (over) return false;
+        if ((Contents(impl_->out) + Contents(impl_->err)).find(text) != std::string::npos) {
+            return true;
+        }
+        if (over) {
+            return false;
+        }
         std::this_thread::sleep_for(5ms);
     }
     return false;
@@ -102,13 +120,17 @@ bool ClientProcess::waitForOutput(const std::string& text)
 
 bool ClientProcess::hasEnded()
 {
-    if (!impl_->ended) impl_->ended = waitpid(impl_->child, &impl_->status, WNOHANG) == impl_->child;
+    if (!impl_->ended) {
+        impl_->ended = waitpid(impl_->child, &impl_->status, WNOHANG) == impl_->child;
+    }
     return impl_->ended;
 }
 
 Ended ClientProcess::wait()
 {
-    if (!impl_->ended) impl_->ended = waitpid(impl_->child, &impl_->status, 0) == impl_->child;
+    if (!impl_->ended) {
+        impl_->ended = waitpid(impl_->child, &impl_->status, 0) == impl_->child;
+    }
     const int code = WIFEXITED(impl_->status) ? WEXITSTATUS(impl_->status) : -WTERMSIG(impl_->status);
     return {code, Contents(impl_->out), Contents(impl_->err)};
 }

@@ -33,10 +33,12 @@ HANDLE Create(const std::filesystem::path& file)
 std::wstring Quoted(const std::string& argument)
 {
     std::wstring text = L"\"";
-    std::size_t backslashes = 0;
+    size_t backslashes = 0;
     const DbText units = ToDbText(argument).value();
     for (const wchar_t c : units) {
-        if (c == L'"') text.append(backslashes + 1, L'\\');
+        if (c == L'"') {
+            text.append(backslashes + 1, L'\\');
+        }
         backslashes = c == L'\\' ? backslashes + 1 : 0;
         text += c;
     }
@@ -66,9 +68,12 @@ ClientProcess::ClientProcess(const std::filesystem::path& folder, const std::vec
     impl_->out = folder / (name + ".out");
     impl_->err = folder / (name + ".err");
     std::wstring commandLine = L"\"" + Client().wstring() + L"\"";
-    for (const std::string& argument : arguments) commandLine += L" " + Quoted(argument);
-    for (const auto& [key, value] : environment)
+    for (const std::string& argument : arguments) {
+        commandLine += L" " + Quoted(argument);
+    }
+    for (const auto& [key, value] : environment) {
         (void)SetEnvironmentVariableW(ToDbText(key).value().c_str(), ToDbText(value).value().c_str());
+    }
 
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
@@ -80,8 +85,12 @@ ClientProcess::ClientProcess(const std::filesystem::path& folder, const std::vec
     const DWORD error = GetLastError();
     (void)CloseHandle(startup.hStdOutput);
     (void)CloseHandle(startup.hStdError);
-    for (const auto& [key, value] : environment) (void)SetEnvironmentVariableW(ToDbText(key).value().c_str(), nullptr);
-    if (!started) throw std::runtime_error("the client cannot be started: error " + std::to_string(error));
+    for (const auto& [key, value] : environment) {
+        (void)SetEnvironmentVariableW(ToDbText(key).value().c_str(), nullptr);
+    }
+    if (!started) {
+        throw std::runtime_error("the client cannot be started: error " + std::to_string(error));
+    }
 }
 
 ClientProcess::~ClientProcess()
@@ -113,8 +122,12 @@ bool ClientProcess::waitForOutput(const std::string& text)
 {
     for (int attempt = 0; attempt < 6000; ++attempt) {
         const bool over = hasEnded();
-        if ((Contents(impl_->out) + Contents(impl_->err)).find(text) != std::string::npos) return true;
-        if (over) return false;
+        if ((Contents(impl_->out) + Contents(impl_->err)).find(text) != std::string::npos) {
+            return true;
+        }
+        if (over) {
+            return false;
+        }
         std::this_thread::sleep_for(5ms);
     }
     return false;

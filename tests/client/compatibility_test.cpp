@@ -19,8 +19,9 @@ public:
     explicit FolderLock(const std::string& folder)
         : descriptor_(open((folder + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666))
     {
-        if (descriptor_ < 0 || flock(descriptor_, LOCK_EX) != 0)
+        if (descriptor_ < 0 || flock(descriptor_, LOCK_EX) != 0) {
             throw std::runtime_error("the test's folder cannot be locked");
+        }
     }
     FolderLock(const FolderLock&) = delete;
     FolderLock& operator=(const FolderLock&) = delete;
@@ -39,11 +40,14 @@ protected:
         fs::remove_all(kRoot);
         fs::create_directories(kRoot);
         const fs::path made = KESTA_COMPATIBILITY;
-        for (const char* part : {"pc", "phone"})
+        for (const char* part : {"pc", "phone"}) {
             fs::copy(made / part, fs::path(kRoot) / part, fs::copy_options::recursive);
+        }
         std::ifstream times(made / "times.txt");
-        std::int64_t time = 0;
-        for (std::string path; times >> time && std::getline(times >> std::ws, path);) setTime(path, time);
+        int64_t time = 0;
+        for (std::string path; times >> time && std::getline(times >> std::ws, path);) {
+            setTime(path, time);
+        }
         fs::create_directories(data().databaseFolder());
         std::ofstream(data().databasePath()).close();
         std::ostringstream statements;
@@ -61,7 +65,7 @@ protected:
     CompatibilityTest& operator=(const CompatibilityTest&) = delete;
 
     static fs::path at(const std::string& path) { return fs::path(kRoot) / path; }
-    static void setTime(const std::string& path, std::int64_t seconds)
+    static void setTime(const std::string& path, int64_t seconds)
     {
         const std::chrono::sys_seconds time{std::chrono::seconds(seconds)};
         fs::last_write_time(at(path), std::chrono::file_clock::from_sys(time));
@@ -83,7 +87,9 @@ protected:
         std::map<std::string, std::string> files;
         for (const auto& entry : fs::recursive_directory_iterator(at("phone"))) {
             const std::string path = Utf8(entry.path().lexically_relative(at("phone")));
-            if (entry.is_regular_file() && !path.starts_with(".kesta-")) files[path] = read("phone/" + path);
+            if (entry.is_regular_file() && !path.starts_with(".kesta-")) {
+                files[path] = read("phone/" + path);
+            }
         }
         return files;
     }
@@ -152,7 +158,9 @@ TEST_F(CompatibilityTest, ChangesOnThePc_GoToTheSamePlaces)
     EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
     const auto after = filesOnPhone();
     ASSERT_EQ(after.size(), before.size());
-    for (const auto& [path, contents] : before) EXPECT_TRUE(after.contains(path)) << path;
+    for (const auto& [path, contents] : before) {
+        EXPECT_TRUE(after.contains(path)) << path;
+    }
     EXPECT_THAT(after.at("Contacts/friends.vcf"), HasSubstr("Ann Other"));
     EXPECT_THAT(after.at("Playlists/Media/Loose/x.mp3"), "sung anew, too");
     EXPECT_EQ(database().text("SELECT [Path] FROM tBFile"), "http://site1.example/");

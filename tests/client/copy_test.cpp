@@ -49,8 +49,8 @@ TEST_F(CopyTest, File_ArrivesWithContentsAndTime)
     write(request_.source, std::string(3'000'000, 'x') + "end");
     const auto time = fs::last_write_time(request_.source) - std::chrono::hours(1000);
     fs::last_write_time(request_.source, time);
-    std::size_t bytes = 0;
-    request_.onBytes = [&](std::size_t count) {
+    size_t bytes = 0;
+    request_.onBytes = [&](size_t count) {
         bytes += count;
         return true;
     };
@@ -69,8 +69,10 @@ TEST_F(CopyTest, SourceThatChangesOnce_IsCopiedAsItIsThen)
     write(request_.source, "before");
     int changes = 0, restarts = 0;
     request_.onRestart = [&] { ++restarts; };
-    request_.onBytes = [&](std::size_t) {
-        if (changes++ == 0) std::ofstream(request_.source, std::ios::app) << " and after";
+    request_.onBytes = [&](size_t) {
+        if (changes++ == 0) {
+            std::ofstream(request_.source, std::ios::app) << " and after";
+        }
         return true;
     };
     const CopyResult result = CopySafely(request_);
@@ -83,7 +85,7 @@ TEST_F(CopyTest, SourceThatChangesOnce_IsCopiedAsItIsThen)
 TEST_F(CopyTest, SourceThatKeepsChanging_IsGivenUp)
 {
     write(request_.source, "before");
-    request_.onBytes = [&](std::size_t) {
+    request_.onBytes = [&](size_t) {
         std::ofstream(request_.source, std::ios::app) << "!";
         return true;
     };
@@ -112,7 +114,7 @@ TEST_F(CopyTest, Interruption_LeavesTheOldFile)
     write(request_.source, "new");
     write(request_.target, "old");
     request_.mayReplace = true;
-    request_.onBytes = [](std::size_t) { return false; };
+    request_.onBytes = [](size_t) { return false; };
     EXPECT_EQ(CopySafely(request_).outcome, CopyOutcome::kInterrupted);
     EXPECT_EQ(read(request_.target), "old");
     EXPECT_FALSE(temporaryIsLeft());

@@ -80,8 +80,9 @@ protected:
     void givenMarks(const std::string& names)
     {
         std::string text = "<!DOCTYPE NETSCAPE-Bookmark-file-1>\n<DL><p>\n";
-        for (const char name : names)
+        for (const char name : names) {
             text += std::string("<DT><A HREF=\"https://") + name + ".example/\">" + name + "</A>\n";
+        }
         givenFile("marks.html", text + "</DL><p>\n");
     }
 };
@@ -96,7 +97,9 @@ TEST_F(FamiliesFaultsTest, FirstPlaylists_KilledAtEachCall_EndTheSame)
 
 TEST_F(FamiliesFaultsTest, ChangedPlaylists_KilledAtEachCall_EndTheSame)
 {
-    for (const char* name : {"a", "b", "c"}) givenFile(std::string("Extra/") + name, name);
+    for (const char* name : {"a", "b", "c"}) {
+        givenFile(std::string("Extra/") + name, name);
+    }
     givenFile("lists/Gone.m3u8", "../Extra/a\n../Extra/b\n");
     givenFile("lists/Stays.m3u8", "../Extra/b\n");
     ASSERT_EQ(sync({"--playlists", pc("lists")}).exitCode, 0);
@@ -164,7 +167,9 @@ TEST_F(FamiliesFaultsTest, InterruptedBackup_LeavesNoArchive)
     std::ofstream(Path(phone("a.jpg"))).close();
     fs::resize_file(Path(phone("a.jpg")), 3'000'000'000);
     ClientProcess client(work(), syncArguments({"--backup", Utf8(work() / "backups")}));
-    for (int i = 0; i < 2000 && fs::is_empty(work() / "backups"); ++i) usleep(1000);
+    for (int i = 0; i < 2000 && fs::is_empty(work() / "backups"); ++i) {
+        usleep(1000);
+    }
     ASSERT_FALSE(fs::is_empty(work() / "backups"));
     client.interrupt();
     const Ended run = client.wait();
@@ -208,7 +213,9 @@ TEST_F(FamiliesFaultsTest, FileThatCannotBeReadToItsEnd_IsNotInTheBackup)
 
 TEST_F(FamiliesFaultsTest, ListOrMusicThatCannotBeWritten_IsReported_TheRestGoesOn)
 {
-    for (const char* name : {"a", "b"}) givenFile(std::string("Extra/") + name, name);
+    for (const char* name : {"a", "b"}) {
+        givenFile(std::string("Extra/") + name, name);
+    }
     givenFile("lists/One.m3u8", "../Extra/a\n../Extra/b\n");
     givenFile("lists/Two.m3u8", "../Extra/a\n");
     const Ended music = sync({"--playlists", pc("lists")}, failing("rename", EIO, "Media/Extra/b"));

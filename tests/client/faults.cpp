@@ -49,7 +49,9 @@ bool IsLastCall()
 
 void DieIfLast()
 {
-    if (IsLastCall()) (void)raise(SIGKILL);
+    if (IsLastCall()) {
+        (void)raise(SIGKILL);
+    }
 }
 
 // Whether the call on this path is to fail; errno is set then.
@@ -59,8 +61,12 @@ bool Fails(const char* call, const char* path)
     static const char* part = std::getenv("KESTA_FAULT_PATH");
     static const char* only = std::getenv("KESTA_FAULT_CALL");
     static long skip = Number("KESTA_FAULT_SKIP");
-    if (only != nullptr && std::strcmp(only, call) != 0) return false;
-    if (code == 0 || part == nullptr || std::strstr(path, part) == nullptr || skip-- > 0) return false;
+    if (only != nullptr && std::strcmp(only, call) != 0) {
+        return false;
+    }
+    if (code == 0 || part == nullptr || std::strstr(path, part) == nullptr || skip-- > 0) {
+        return false;
+    }
     errno = static_cast<int>(code);
     return true;
 }
@@ -70,14 +76,16 @@ std::string PathOf(int descriptor)
     char path[4096];
     const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
     const ssize_t length = readlink(link.c_str(), path, sizeof path);
-    return length < 0 ? std::string() : std::string(path, static_cast<std::size_t>(length));
+    return length < 0 ? std::string() : std::string(path, static_cast<size_t>(length));
 }
 
 struct AtEnd {
     ~AtEnd()
     {
         const char* path = std::getenv("KESTA_FAULT_COUNT_FILE");
-        if (path == nullptr) return;
+        if (path == nullptr) {
+            return;
+        }
         if (std::FILE* file = std::fopen(path, "w"); file != nullptr) {
             (void)std::fprintf(file, "%ld", calls);
             (void)std::fclose(file);
@@ -88,10 +96,14 @@ struct AtEnd {
 int Open(const char* name, const char* path, int flags, mode_t mode)
 {
     const char* vanishing = std::getenv("KESTA_FAULT_VANISH");
-    if (vanishing != nullptr && std::strcmp(path, vanishing) == 0) (void)Next<int (*)(const char*)>("unlink")(path);
+    if (vanishing != nullptr && std::strcmp(path, vanishing) == 0) {
+        (void)Next<int (*)(const char*)>("unlink")(path);
+    }
     if ((flags & O_CREAT) != 0) {
         DieIfLast();
-        if (Fails("open", path)) return -1;
+        if (Fails("open", path)) {
+            return -1;
+        }
     }
     return Next<int (*)(const char*, int, ...)>(name)(path, flags, mode);
 }
@@ -136,14 +148,18 @@ ssize_t read(int descriptor, void* data, size_t size)
 ssize_t write(int descriptor, const void* data, size_t size)
 {
     static const auto next = Next<ssize_t (*)(int, const void*, size_t)>("write");
-    if (IsLastCall()) return Die(next(descriptor, data, size / 2));
+    if (IsLastCall()) {
+        return Die(next(descriptor, data, size / 2));
+    }
     return Fails("write", PathOf(descriptor).c_str()) ? -1 : next(descriptor, data, size);
 }
 
 ssize_t pwrite64(int descriptor, const void* data, size_t size, off64_t offset)
 {
     static const auto next = Next<ssize_t (*)(int, const void*, size_t, off64_t)>("pwrite64");
-    if (IsLastCall()) return Die(next(descriptor, data, size / 2, offset));
+    if (IsLastCall()) {
+        return Die(next(descriptor, data, size / 2, offset));
+    }
     return Fails("pwrite", PathOf(descriptor).c_str()) ? -1 : next(descriptor, data, size, offset);
 }
 

@@ -29,8 +29,9 @@ protected:
         fs::remove_all(pc("Rock"));
         fs::remove_all(data().applicationData() / "NORVIK");
         fs::create_directories(phone());
-        for (const char* name : {"old/gone", "changed", "stays", "stays2"})
+        for (const char* name : {"old/gone", "changed", "stays", "stays2"}) {
             givenFile(std::string("Rock/") + name, name);
+        }
         ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
         removeFile("Rock/old/gone");
         fs::remove(pc("Rock/old"));
@@ -54,8 +55,12 @@ TEST_F(FaultsTest, KilledAtEachCall_TheNextRunEndsInOrder)
         const Ended killed = sync({"--music", pc("Rock")}, Faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
         ASSERT_EQ(killed.exitCode, -SIGKILL) << killed.out << killed.err;
         // What was on its way may be gone or changed by the time of the next run.
-        if (call % 3 == 1) removeFile("Rock/new/er");
-        if (call % 3 == 2) changeFile("Rock/new 2", "changed again");
+        if (call % 3 == 1) {
+            removeFile("Rock/new/er");
+        }
+        if (call % 3 == 2) {
+            changeFile("Rock/new 2", "changed again");
+        }
         const Ended run = sync({"--music", pc("Rock")});
         ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
         expectInOrder();
@@ -142,7 +147,9 @@ TEST_F(FaultsTest, OneFileThatCannotBeWritten_DoesNotStopTheRest)
 
 TEST_F(FaultsTest, FileThatCannotBeRemoved_StaysInTheDatabase)
 {
-    for (const char* name : {"a", "b", "c"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "b", "c"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     (void)sync({"--music", pc("Rock")});
     removeFile("Rock/b");
     const Ended run = sync({"--music", pc("Rock")}, failing(EIO, "Music/Rock/b"));

@@ -119,7 +119,7 @@ TEST_F(FilesTest, Playlists_WithStateInWordsAndMembers)
                                                           {"Not", "deleted on the phone, kept off it"},
                                                           {"Odd", "state 9"}};
     ASSERT_THAT(lists, SizeIs(std::size(states)));
-    for (std::size_t i = 0; i < std::size(states); ++i) {
+    for (size_t i = 0; i < std::size(states); ++i) {
         EXPECT_EQ(lists.at(i).at("name"), states[i].first);
         EXPECT_EQ(lists.at(i).at("state"), states[i].second);
         EXPECT_THAT(text("playlists"), HasSubstr(std::string(states[i].first) + ": " + states[i].second));

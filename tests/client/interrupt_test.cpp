@@ -19,7 +19,9 @@ using InterruptTest = ClientTest;
 
 TEST_F(InterruptTest, InterruptedRun_EndsProperly)
 {
-    for (int i = 0; i < 400; ++i) givenFile("Rock/" + std::to_string(i), std::string(20'000, 'x'));
+    for (int i = 0; i < 400; ++i) {
+        givenFile("Rock/" + std::to_string(i), std::string(20'000, 'x'));
+    }
     ClientProcess client(work(), syncArguments({"--music", pc("Rock")}));
     ASSERT_TRUE(client.waitForOutput("copied "));
     client.interrupt();
@@ -39,7 +41,9 @@ TEST_F(InterruptTest, LargeFile_IsNotFinishedFirst)
     givenFile("Rock/large", "");
     fs::resize_file(pc("Rock/large"), 3'000'000'000);
     ClientProcess client(work(), syncArguments({"--music", pc("Rock")}));
-    for (int i = 0; i < 2000 && !fs::exists(phone("Music/Rock/.kesta-part")); ++i) usleep(1000);
+    for (int i = 0; i < 2000 && !fs::exists(phone("Music/Rock/.kesta-part")); ++i) {
+        usleep(1000);
+    }
     ASSERT_TRUE(fs::exists(phone("Music/Rock/.kesta-part")));
     client.interrupt();
     EXPECT_EQ(client.wait().exitCode, 130);
@@ -57,15 +61,18 @@ std::string OnTerminal(const std::vector<std::string>& arguments)
     const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
     if (child == 0) {
         std::vector<char*> pointers;
-        for (std::string& text : texts) pointers.push_back(text.data());
+        for (std::string& text : texts) {
+            pointers.push_back(text.data());
+        }
         pointers.push_back(nullptr);
         (void)execv(KESTA_CLIENT, pointers.data());
         _exit(127);
     }
     std::string shown;
     std::array<char, 4096> buffer;
-    for (ssize_t got; (got = read(terminal, buffer.data(), buffer.size())) > 0;)
-        shown.append(buffer.data(), static_cast<std::size_t>(got));
+    for (ssize_t got; (got = read(terminal, buffer.data(), buffer.size())) > 0;) {
+        shown.append(buffer.data(), static_cast<size_t>(got));
+    }
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     EXPECT_EQ(WEXITSTATUS(status), 0);
@@ -75,7 +82,9 @@ std::string OnTerminal(const std::vector<std::string>& arguments)
 
 TEST_F(InterruptTest, Terminal_ShowsABarInsteadOfLines)
 {
-    for (int i = 0; i < 30; ++i) givenFile("Rock/" + std::to_string(i), std::string(100'000, 'x'));
+    for (int i = 0; i < 30; ++i) {
+        givenFile("Rock/" + std::to_string(i), std::string(100'000, 'x'));
+    }
     const std::string text = OnTerminal(syncArguments({"--music", pc("Rock")}));
     EXPECT_THAT(text, ContainsRegex("\r\\[\\.+\\] 0/30 files"));
     EXPECT_THAT(text, ContainsRegex("\\[#+\\] 30/30 files  3.0 MB/3.0 MB"));

@@ -12,8 +12,9 @@ namespace {
 TEST(NamesTest, SafeName_LeavesWhatEveryPhoneCanHold)
 {
     for (const char* name : {"song.mp3", "O'Brien.mp3", "Gr\u00f6\u00dfe", "\u65e5\u672c\u8a9e", "\U0001F600",
-                             " leading", ".hidden", "..a", "COM", "COM12", "console.txt", "a.con", "null", "~"})
+                             " leading", ".hidden", "..a", "COM", "COM12", "console.txt", "a.con", "null", "~"}) {
         EXPECT_EQ(SafeName(name), name);
+    }
 }
 
 TEST(NamesTest, SafeName_ReplacesWhatFatAndWindowsCannotHold)
@@ -40,13 +41,17 @@ TEST(NamesTest, SafeName_ReplacesWhatFatAndWindowsCannotHold)
         {".KESTA-phone", "_.KESTA-phone"},
         {"bad\xff", "bad_"},
     };
-    for (const auto& [name, safe] : table) EXPECT_EQ(SafeName(name), safe) << name;
+    for (const auto& [name, safe] : table) {
+        EXPECT_EQ(SafeName(name), safe) << name;
+    }
 }
 
 TEST(NamesTest, SafeName_ShortensAtAWholeCharacterAndTellsApart)
 {
     std::string one, other;
-    for (int i = 0; i < 100; ++i) one += "\u65e5";
+    for (int i = 0; i < 100; ++i) {
+        one += "\u65e5";
+    }
     other = one + "2.mp3";
     one += "1.mp3";
     for (const std::string& name : {SafeName(one), SafeName(other)}) {
@@ -83,19 +88,19 @@ TEST(NamesTest, IsPhonePath_TakesOnlyPlacesBelowTheCategory)
     EXPECT_TRUE(IsPhonePath("Pictures/a", Category::kImages));
     for (const char* path :
          {"", "Music", "Music/", "music/a", "/Music/a", "Music//a", "Music/../a", "Music/./a", "a/b", "Pictures/a",
-          "Music/a/..", "Music/a\\..\\b", "C:/Music/a", "Music/.kesta-part", "Music/\xff"})
+          "Music/a/..", "Music/a\\..\\b", "C:/Music/a", "Music/.kesta-part", "Music/\xff"}) {
         EXPECT_FALSE(IsPhonePath(path, Category::kMusic)) << path;
+    }
 }
 
 TEST(NamesTest, MakeImei_HasFifteenDigitsAndAValidCheckDigit)
 {
-    for (const std::uint64_t seed :
-         {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{123456789012}, ~std::uint64_t{0}}) {
+    for (const uint64_t seed : {uint64_t{0}, uint64_t{1}, uint64_t{123456789012}, ~uint64_t{0}}) {
         const std::string imei = MakeImei(seed);
         ASSERT_EQ(imei.size(), 15u);
         EXPECT_TRUE(imei.starts_with("00"));
         int sum = 0;
-        for (std::size_t i = 0; i < imei.size(); ++i) {
+        for (size_t i = 0; i < imei.size(); ++i) {
             const int digit = imei[i] - '0';
             ASSERT_TRUE(digit >= 0 && digit <= 9);
             // From the right, every second digit is doubled and its digits added up.

@@ -32,8 +32,9 @@ TEST(PhoneSettingsTest, ParseLocalTime_RefusesWhatIsNoDate)
 {
     for (const char* text : {"", "2026", "2026-1-31", "2026-02-29", "2026-13-01", "2026-00-10", "0099-12-31",
                              "31.1.2026", "2026-01-31 ", "2026-01-31 24:00", "2026-01-31 12:60", "2026-01-31 12:00:60",
-                             "2026-01-31 12", "2026-01-31 12:00:00x", "2026-01-31x", "-026-01-31", "20260131"})
+                             "2026-01-31 12", "2026-01-31 12:00:00x", "2026-01-31x", "-026-01-31", "20260131"}) {
         EXPECT_FALSE(ParseLocalTime(text)) << text;
+    }
 }
 
 TEST(PhoneSettingsTest, TakeSetting_EachKind_TakesWhatShowSettingShows)
@@ -69,17 +70,24 @@ TEST(PhoneSettingsTest, TakeSetting_WrongValue_SaysWhyAndKeepsTheOldOne)
         {"calendar_end", "tomorrow", "2026-01-31"},
         {"wifi_mac", "\xff", "not valid text"},
         {"need_mount", "yes", "cannot be changed"}};
-    for (const auto& [name, value, why] : table)
+    for (const auto& [name, value, why] : table) {
         EXPECT_THAT(TakeSetting(settings, *FindSetting(name), value), HasSubstr(why)) << name << '=' << value;
+    }
     EXPECT_EQ(settings.contactProgram, 7);
     EXPECT_EQ(FindSetting("imei"), nullptr);
 }
 
 TEST(PhoneSettingsTest, ParseTruth_TakesTheUsualWordsInEitherCase)
 {
-    for (const char* yes : {"yes", "YES", "true", "On", "1"}) EXPECT_EQ(ParseTruth(yes), true) << yes;
-    for (const char* no : {"no", "No", "false", "off", "0"}) EXPECT_EQ(ParseTruth(no), false) << no;
-    for (const char* neither : {"", "y", "yes ", "10"}) EXPECT_FALSE(ParseTruth(neither)) << neither;
+    for (const char* yes : {"yes", "YES", "true", "On", "1"}) {
+        EXPECT_EQ(ParseTruth(yes), true) << yes;
+    }
+    for (const char* no : {"no", "No", "false", "off", "0"}) {
+        EXPECT_EQ(ParseTruth(no), false) << no;
+    }
+    for (const char* neither : {"", "y", "yes ", "10"}) {
+        EXPECT_FALSE(ParseTruth(neither)) << neither;
+    }
 }
 
 TEST(PhoneSettingsTest, NearNames_FindsMistakesAndParts_TheNearestFirst)

@@ -28,10 +28,12 @@ std::string Calendar(const std::string& name, const std::string& contents, const
            (name.empty() ? "" : "X-WR-CALNAME:" + name + "\r\n") + contents + "END:VCALENDAR\r\n";
 }
 
-std::size_t CountOf(const std::string& text, const std::string& part)
+size_t CountOf(const std::string& text, const std::string& part)
 {
-    std::size_t count = 0;
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+    size_t count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
     return count;
 }
 
@@ -40,7 +42,9 @@ TEST(PimIds, AreShortPlainAndTakenApartAgain)
     const std::string source = PimSourceId(PimKind::kContacts, "/home/o'brien/\u4E2D.vcf");
     const std::string folder = PimFolderId(source, "it's \u00E9");
     const std::string entry = PimEntryId(folder, std::string(5000, '\''), 12);
-    for (const char c : entry) EXPECT_TRUE((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-') << entry;
+    for (const char c : entry) {
+        EXPECT_TRUE((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-') << entry;
+    }
     EXPECT_LE(entry.size(), 200u);
     EXPECT_EQ(FolderOfPimEntry(PimKind::kContacts, entry), folder);
     EXPECT_EQ(FolderOfPimEntry(PimKind::kCalendar, entry), "");
@@ -90,11 +94,13 @@ TEST(PimStored, DigestsAreTheFiles)
     const PimSource calendar =
         Calendars(Calendar("Work", zone + other + Event("1", "DTSTART;TZID=Y:20260101T100000\r\n") +
                                        Event("1", "RECURRENCE-ID;TZID=X:20260102T100000\r\n") + Event("2")));
-    for (const PimEntry& entry : calendar.folders.at(0).entries)
+    for (const PimEntry& entry : calendar.folders.at(0).entries) {
         EXPECT_EQ(ReadStored(PimKind::kCalendar, {entry.id, entry.bytes}).digest, entry.digest);
+    }
     const PimSource contacts = Contacts(CardText("1", "Ann") + "BEGIN:VCARD\nVERSION:2.1\nN:B\xF6hm;Jo\nEND:VCARD");
-    for (const PimEntry& entry : contacts.folders.at(0).entries)
+    for (const PimEntry& entry : contacts.folders.at(0).entries) {
         EXPECT_EQ(ReadStored(PimKind::kContacts, {entry.id, entry.bytes}).digest, entry.digest);
+    }
     const PimEntry foreign = ReadStored(PimKind::kContacts, {"x", "no card at all"});
     EXPECT_THAT(foreign.digest, SizeIs(32));
 }
@@ -133,7 +139,9 @@ TEST(PimText, Entries_ShareOneCalendarAndItsTimeZones)
     EXPECT_THAT(read.problems, IsEmpty());
     EXPECT_THAT(read.names, ElementsAre("Work; home, and\\all"));
     ASSERT_THAT(read.entries, SizeIs(3));
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(read.entries[i].digest, entries[i].digest);
+    for (size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(read.entries[i].digest, entries[i].digest);
+    }
 }
 
 TEST(PimText, ContradictingTimeZones_GetCalendarsOfTheirOwn)
@@ -151,7 +159,9 @@ TEST(PimText, ContradictingTimeZones_GetCalendarsOfTheirOwn)
     EXPECT_EQ(CountOf(text, "BEGIN:VCALENDAR"), 3u);
     const formats::Calendars read = formats::ParseCalendars(text);
     ASSERT_THAT(read.entries, SizeIs(3));
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(read.entries[i].digest, entries[i].digest);
+    for (size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(read.entries[i].digest, entries[i].digest);
+    }
 }
 
 }  // namespace

@@ -10,14 +10,18 @@ namespace kesta::test {
 Ended PimTest::syncContacts(const std::vector<std::string>& files, std::vector<std::string> more)
 {
     more.emplace_back("--contacts");
-    for (const std::string& file : files) more.push_back(pc(file));
+    for (const std::string& file : files) {
+        more.push_back(pc(file));
+    }
     return sync(std::move(more));
 }
 
 Ended PimTest::syncCalendars(const std::vector<std::string>& files, std::vector<std::string> more)
 {
     more.emplace_back("--calendar");
-    for (const std::string& file : files) more.push_back(pc(file));
+    for (const std::string& file : files) {
+        more.push_back(pc(file));
+    }
     return sync(std::move(more));
 }
 
@@ -33,8 +37,9 @@ Entries PimTest::contactsIn(const std::string& path) const
     const formats::Cards read = formats::ParseCards(phoneText(path));
     EXPECT_THAT(read.problems, testing::IsEmpty()) << path;
     Entries entries;
-    for (const formats::Card& card : read.cards)
+    for (const formats::Card& card : read.cards) {
         EXPECT_TRUE(entries.emplace(card.uid, card.name).second) << card.uid << " is there twice";
+    }
     return entries;
 }
 
@@ -43,8 +48,9 @@ Entries PimTest::eventsIn(const std::string& path) const
     const formats::Calendars read = formats::ParseCalendars(phoneText(path));
     EXPECT_THAT(read.problems, testing::IsEmpty()) << path;
     Entries entries;
-    for (const formats::CalendarEntry& entry : read.entries)
+    for (const formats::CalendarEntry& entry : read.entries) {
         EXPECT_TRUE(entries.emplace(entry.uid, entry.summary).second) << entry.uid << " is there twice";
+    }
     return entries;
 }
 
@@ -70,11 +76,12 @@ void PimTest::expectDatabaseInOrder(const Entries& contacts, const Entries& even
                                         "i.PimID IN (SELECT Guid") +
                             ofLog + ") AND i.Type = " + type),
             count);
-        for (const auto& [uid, name] : *expected)
+        for (const auto& [uid, name] : *expected) {
             EXPECT_EQ(database().text("SELECT COUNT(*) FROM tPimItem WHERE CAST(Data AS TEXT) LIKE '%:" + uid +
                                       "\r\n%:" + name + "\r\n%' AND Type = " + type),
                       "1")
                 << uid;
+        }
         EXPECT_EQ(database().text(std::string("SELECT COUNT(*)") + ofLog + " AND Type = " + type +
                                   " AND (LENGTH(Luid) <> 49 OR PhoneTime NOT LIKE '____-__-__ __:__:__')"),
                   "0");

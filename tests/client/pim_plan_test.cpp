@@ -30,14 +30,19 @@ public:
     [[nodiscard]] PhoneFile find(const std::string& phonePath) const override
     {
         const auto file = files.find(phonePath);
-        if (file == files.end()) return {};
+        if (file == files.end()) {
+            return {};
+        }
         return {PhoneEntry::kFile, file->second.size(), times.at(phonePath)};
     }
     [[nodiscard]] std::vector<std::string> names(const std::string& folder) const override
     {
         std::vector<std::string> names;
-        for (const auto& [path, contents] : files)
-            if (path.starts_with(folder + "/")) names.push_back(path.substr(folder.size() + 1));
+        for (const auto& [path, contents] : files) {
+            if (path.starts_with(folder + "/")) {
+                names.push_back(path.substr(folder.size() + 1));
+            }
+        }
         return names;
     }
     [[nodiscard]] bool holds(const std::string& phonePath, const std::string& text) const override
@@ -63,17 +68,23 @@ public:
     {
         for (const PimStorePlan& plan : store.folders) {
             std::erase_if(stored, [&](const StoredPimFolder& folder) { return folder.folder.id == plan.folder.id; });
-            if (!plan.isLeaving) stored.push_back({plan.folder, plan.entries});
+            if (!plan.isLeaving) {
+                stored.push_back({plan.folder, plan.entries});
+            }
         }
         log = phone.others;
         for (PimPhonePlan& plan : phone.files) {
-            if (plan.action == PimFileAction::kRemove) files.erase(plan.phonePath);
+            if (plan.action == PimFileAction::kRemove) {
+                files.erase(plan.phonePath);
+            }
             if (plan.action == PimFileAction::kWrite) {
                 files[plan.phonePath] = plan.text;
                 times[plan.phonePath] = ++now;
             }
             for (PimLogRow& row : plan.rows) {
-                if (!row.phoneTime) row.phoneTime = ToLocalTime(times.at(plan.phonePath));
+                if (!row.phoneTime) {
+                    row.phoneTime = ToLocalTime(times.at(plan.phonePath));
+                }
                 log.push_back(row);
             }
         }
@@ -88,7 +99,7 @@ public:
     /// "added updated removed unchanged" of all files, and what is deferred.
     [[nodiscard]] std::string counts() const
     {
-        std::size_t added = 0, updated = 0, removed = 0, unchanged = 0, deferred = 0;
+        size_t added = 0, updated = 0, removed = 0, unchanged = 0, deferred = 0;
         for (const PimPhonePlan& plan : phone.files) {
             added += plan.added;
             updated += plan.updated;
@@ -96,14 +107,18 @@ public:
             unchanged += plan.unchanged;
             deferred += plan.deferred;
         }
-        for (const PimStorePlan& plan : store.folders) deferred += plan.deferred.size();
+        for (const PimStorePlan& plan : store.folders) {
+            deferred += plan.deferred.size();
+        }
         return std::to_string(added) + " " + std::to_string(updated) + " " + std::to_string(removed) + " " +
                std::to_string(unchanged) + ", " + std::to_string(deferred);
     }
     [[nodiscard]] std::vector<PimFileAction> actions() const
     {
         std::vector<PimFileAction> actions;
-        for (const PimPhonePlan& plan : phone.files) actions.push_back(plan.action);
+        for (const PimPhonePlan& plan : phone.files) {
+            actions.push_back(plan.action);
+        }
         return actions;
     }
 
@@ -114,8 +129,8 @@ public:
     std::vector<PimLogRow> log;
     std::set<std::string> owned;
     std::map<std::string, std::string> files;
-    std::map<std::string, std::int64_t> times;  // in UTC seconds
-    std::int64_t now = 1'750'000'000;
+    std::map<std::string, int64_t> times;  // in UTC seconds
+    int64_t now = 1'750'000'000;
 
 private:
     PimKind kind_;
@@ -242,11 +257,12 @@ TEST(PimPlan, WhatIsWrongOnThePhone_IsWrittenAgain)
     const std::string text = world.files.at("Contacts/friends.vcf");
     for (const char* wrong : {"missing", "other size", "other contents"}) {
         SCOPED_TRACE(wrong);
-        if (wrong == std::string("missing"))
+        if (wrong == std::string("missing")) {
             world.files.clear();
-        else
+        } else {
             world.files["Contacts/friends.vcf"] =
                 wrong == std::string("other size") ? "x" : std::string(text.size(), 'x');
+        }
         world.times["Contacts/friends.vcf"] -= 100;
         world.sync({source});
         EXPECT_EQ(world.counts(), "0 2 0 0, 0");

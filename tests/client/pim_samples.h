@@ -17,7 +17,9 @@ using Entries = std::map<std::string, std::string>;
 [[nodiscard]] inline std::string CardsText(const Entries& entries)
 {
     std::string text;
-    for (const auto& [uid, name] : entries) text += CardText(uid, name);
+    for (const auto& [uid, name] : entries) {
+        text += CardText(uid, name);
+    }
     return text;
 }
 
@@ -31,8 +33,12 @@ using Entries = std::map<std::string, std::string>;
 [[nodiscard]] inline std::string CalendarText(const std::string& name, const Entries& entries)
 {
     std::string text = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\n";
-    if (!name.empty()) text += "X-WR-CALNAME:" + name + "\r\n";
-    for (const auto& [uid, summary] : entries) text += EventText(uid, summary);
+    if (!name.empty()) {
+        text += "X-WR-CALNAME:" + name + "\r\n";
+    }
+    for (const auto& [uid, summary] : entries) {
+        text += EventText(uid, summary);
+    }
     return text + "END:VCALENDAR\r\n";
 }
 

@@ -18,11 +18,11 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr std::int64_t kTime = 1'700'000'000;
+constexpr int64_t kTime = 1'700'000'000;
 
 class FakePhone : public PhoneView {
 public:
-    void put(const std::string& path, std::uint64_t size, std::int64_t time = kTime)
+    void put(const std::string& path, uint64_t size, int64_t time = kTime)
     {
         files_[path] = {PhoneEntry::kFile, size, time};
     }
@@ -52,8 +52,7 @@ protected:
         scan.found = scan.complete = true;
         return scan;
     }
-    void givenFile(const std::string& folder, const std::string& relative, std::uint64_t size = 10,
-                   std::int64_t time = kTime)
+    void givenFile(const std::string& folder, const std::string& relative, uint64_t size = 10, int64_t time = kTime)
     {
         given(folder).files.push_back({path(folder, relative), relative, size, {time, 0}, ToLocalTime(time)});
     }
@@ -62,8 +61,8 @@ protected:
         return os::Join(Folder(folder), relative);
     }
     // A file that an earlier run recorded and that lies on the phone.
-    void recorded(const std::string& folder, const std::string& relative, const std::string& place,
-                  std::uint64_t size = 10, std::int64_t time = kTime)
+    void recorded(const std::string& folder, const std::string& relative, const std::string& place, uint64_t size = 10,
+                  int64_t time = kTime)
     {
         input_.recorded.push_back({path(folder, relative), Folder(folder), place, ToLocalTime(time)});
         phone_.put(place, size, time);
@@ -71,13 +70,17 @@ protected:
     FilePlan plan()
     {
         input_.folders.clear();
-        for (const auto& name : order_.empty() ? names() : order_) input_.folders.push_back(&scans_.at(name));
+        for (const auto& name : order_.empty() ? names() : order_) {
+            input_.folders.push_back(&scans_.at(name));
+        }
         return PlanCategory(input_, phone_);
     }
     static std::vector<std::string> places(const std::vector<FileChange>& actions)
     {
         std::vector<std::string> places;
-        for (const FileChange& action : actions) places.push_back(action.file.phonePath);
+        for (const FileChange& action : actions) {
+            places.push_back(action.file.phonePath);
+        }
         return places;
     }
 
@@ -91,7 +94,9 @@ private:
     std::vector<std::string> names() const
     {
         std::vector<std::string> names;
-        for (const auto& [name, scan] : scans_) names.push_back(name);
+        for (const auto& [name, scan] : scans_) {
+            names.push_back(name);
+        }
         return names;
     }
 };
@@ -116,12 +121,16 @@ TEST_F(PlanTest, RecordedFile_IsUnchangedOnlyWithTimeAndSize)
     givenFile("Rock", "newer", 10, kTime + 1);
     givenFile("Rock", "larger", 11);
     givenFile("Rock", "missing");
-    for (const char* name : {"same", "newer", "larger"}) recorded("Rock", name, std::string("Music/Rock/") + name);
+    for (const char* name : {"same", "newer", "larger"}) {
+        recorded("Rock", name, std::string("Music/Rock/") + name);
+    }
     input_.recorded.push_back({path("Rock", "missing"), Folder("Rock"), "Music/Rock/missing", ToLocalTime(kTime)});
     const FilePlan found = plan();
     EXPECT_EQ(found.unchanged, 1u);
     EXPECT_THAT(places(found.copies), ElementsAre("Music/Rock/larger", "Music/Rock/missing", "Music/Rock/newer"));
-    for (const FileChange& action : found.copies) EXPECT_EQ(action.kind, ChangeKind::kReplace);
+    for (const FileChange& action : found.copies) {
+        EXPECT_EQ(action.kind, ChangeKind::kReplace);
+    }
 }
 
 TEST_F(PlanTest, TimeOnThePhone_DoesNotCount)
@@ -174,7 +183,9 @@ TEST_F(PlanTest, MoreThanHalf_IsHeldBackUnlessForced)
 
 TEST_F(PlanTest, HeldBack_WhatIsAddedMeanwhileDoesNotCount)
 {
-    for (const char* name : {"a", "b", "c"}) recorded("Rock", name, std::string("Music/Rock/") + name);
+    for (const char* name : {"a", "b", "c"}) {
+        recorded("Rock", name, std::string("Music/Rock/") + name);
+    }
     givenFile("Rock", "a");
     EXPECT_EQ(plan().deferred, 2u);
     for (const char* name : {"d", "e", "f", "g"}) {
@@ -190,12 +201,17 @@ TEST_F(PlanTest, ManyFilesThatDifferInCase_GetPlacesThatDoNotCollide)
 {
     for (int bits = 0; bits < 64; ++bits) {
         std::string name = "abcdef.mp3";
-        for (std::size_t i = 0; i < 6; ++i)
-            if ((bits >> i & 1) != 0) name[i] = static_cast<char>(name[i] - 32);
+        for (size_t i = 0; i < 6; ++i) {
+            if ((bits >> i & 1) != 0) {
+                name[i] = static_cast<char>(name[i] - 32);
+            }
+        }
         givenFile("Rock", name);
     }
     std::set<std::string> keys;
-    for (const std::string& place : places(plan().copies)) keys.insert(CaseKey(place));
+    for (const std::string& place : places(plan().copies)) {
+        keys.insert(CaseKey(place));
+    }
     EXPECT_THAT(keys, SizeIs(64));
     EXPECT_EQ(places(plan().copies), places(plan().copies));
 }
@@ -213,7 +229,9 @@ TEST_F(PlanTest, FileAndFolderOfOneName_GetTwoPlaces)
         folders.insert(CaseKey(place.substr(0, place.rfind('/'))));
     }
     EXPECT_THAT(files, SizeIs(4));
-    for (const std::string& file : files) EXPECT_FALSE(folders.contains(file)) << file;
+    for (const std::string& file : files) {
+        EXPECT_FALSE(folders.contains(file)) << file;
+    }
 }
 
 TEST_F(PlanTest, FileThatIsThereAlready_IsTakenIn)

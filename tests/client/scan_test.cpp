@@ -77,7 +77,7 @@ TEST_F(ScanTest, StoppedScan_IsNotComplete)
 {
     ScanOptions options;
     int folders = 0;
-    options.keepGoing = [&](std::size_t) { return ++folders < 2; };
+    options.keepGoing = [&](size_t) { return ++folders < 2; };
     EXPECT_FALSE(scan(options).complete);
 }
 

@@ -41,9 +41,12 @@ TEST_F(SettingsTest, Shown_WithTheNamesOfTheStatus)
     EXPECT_EQ(json.at("imei"), kImei);
     EXPECT_EQ(json.at("settings"), status().at("settings"));
     EXPECT_EQ(json.at("main_folders"), status().at("main_folders"));
-    for (const auto& [name, value] : json.at("settings").items()) EXPECT_THAT(run.out, HasSubstr("  " + name + " "));
-    for (const auto& [name, value] : json.at("main_folders").items())
+    for (const auto& [name, value] : json.at("settings").items()) {
+        EXPECT_THAT(run.out, HasSubstr("  " + name + " "));
+    }
+    for (const auto& [name, value] : json.at("main_folders").items()) {
         EXPECT_THAT(run.out, HasSubstr("  select." + name + " "));
+    }
 }
 
 TEST_F(SettingsTest, UnknownPhone_IsAnError)
@@ -134,8 +137,9 @@ TEST_F(SettingsTest, TextThatTheDatabaseCannotTake_IsReported)
     const std::string before = row();
     // More than a statement holds, but not more than a command line does.
     std::vector<std::string> changes;
-    for (const char* name : {"photo_path", "document_path", "wifi_mac", "calendar_period_text"})
+    for (const char* name : {"photo_path", "document_path", "wifi_mac", "calendar_period_text"}) {
         changes.push_back(std::string(name) + "=" + std::string(7'000, '\''));
+    }
     const Ended run = settings(changes);
     EXPECT_EQ(run.exitCode, 8);
     EXPECT_THAT(run.err, HasSubstr("could not be changed"));
@@ -197,7 +201,9 @@ TEST_F(SettingsTest, DeselectedMainFolder_IsPassedOverAndKept)
     changeFile("Rock/a.mp3", "newer");
     for (const bool dryRun : {true, false}) {
         std::vector<std::string> arguments = all;
-        if (dryRun) arguments.push_back("--dry-run");
+        if (dryRun) {
+            arguments.push_back("--dry-run");
+        }
         arguments.push_back("--force");
         const Ended run = sync(arguments);
         EXPECT_EQ(run.exitCode, 0);
@@ -224,11 +230,13 @@ TEST_F(SettingsTest, DeselectedFamilies_ArePassedOver)
     const Ended run = sync({"--playlists", pc("Lists"), "--bookmarks", pc("marks.html"), "--contacts", pc("c.vcf"),
                             "--calendar", pc("k.ics")});
     EXPECT_EQ(run.exitCode, 0) << run.err;
-    for (const char* family : {"Playlists", "Bookmarks", "Contacts", "Calendar"})
+    for (const char* family : {"Playlists", "Bookmarks", "Contacts", "Calendar"}) {
         EXPECT_THAT(run.out, HasSubstr(std::string(family) + " skipped: the main folder "));
+    }
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a.mp3"));
-    for (const char* table : {"tPFolder", "tBFile", "tPimItem"})
+    for (const char* table : {"tPFolder", "tBFile", "tPimItem"}) {
         EXPECT_EQ(database().text(std::string("SELECT COUNT(*) FROM ") + table), "0") << table;
+    }
 }
 
 TEST_F(SettingsTest, Deselect_FolderOfMedia_InAllItsCategories)

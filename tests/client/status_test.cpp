@@ -38,8 +38,9 @@ TEST_F(StatusTest, Table_ShowsPhonesFoldersAndStates)
     (void)sync({"--name", "Ann's phone", "--music", pc("Rock"), "--documents", pc("Jazz")});
     const Ended run = client({"status"});
     EXPECT_EQ(run.exitCode, 0);
-    for (const char* text : {"Ann's phone (IMEI 351111)", "without errors", "Music", "Documents", "synced"})
+    for (const char* text : {"Ann's phone (IMEI 351111)", "without errors", "Music", "Documents", "synced"}) {
         EXPECT_THAT(run.out, HasSubstr(text));
+    }
     EXPECT_THAT(run.out, HasSubstr(pc("Rock")));
 }
 

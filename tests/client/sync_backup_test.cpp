@@ -21,12 +21,14 @@ constexpr const char* kTable =
     "CREATE TABLE tBackups ([bcID] INTEGER PRIMARY KEY AUTOINCREMENT, [phoneID] INTEGER, [Path] TEXT, [PhonePath] "
     "TEXT, [Size] NUMERIC, [ModifiedTime] DATETIME)";
 
-std::uint32_t Crc(const std::string& text)
+uint32_t Crc(const std::string& text)
 {
-    std::uint32_t crc = 0xFFFFFFFF;
+    uint32_t crc = 0xFFFFFFFF;
     for (const char c : text) {
-        crc ^= static_cast<std::uint8_t>(c);
-        for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ ((crc & 1) != 0 ? 0xEDB88320u : 0);
+        crc ^= static_cast<uint8_t>(c);
+        for (int bit = 0; bit < 8; ++bit) {
+            crc = (crc >> 1) ^ ((crc & 1) != 0 ? 0xEDB88320u : 0);
+        }
     }
     return ~crc;
 }
@@ -48,7 +50,9 @@ protected:
     [[nodiscard]] std::vector<std::string> archives() const
     {
         std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder())) names.push_back(Utf8(entry.path().filename()));
+        for (const auto& entry : fs::directory_iterator(folder())) {
+            names.push_back(Utf8(entry.path().filename()));
+        }
         std::sort(names.begin(), names.end());
         return names;
     }
@@ -57,9 +61,13 @@ protected:
     void expectWhole(const std::string& archive, const std::vector<std::string>& emptyFolders = {}) const
     {
         std::vector<ZipEntry> expected;
-        for (const std::string& name : emptyFolders) expected.push_back({name + '/', 0, 0});
-        for (const auto& [place, contents] : phoneFiles()) expected.push_back({place, contents.size(), Crc(contents)});
-        const os::Status status = CheckZip(path(archive), expected, [](std::size_t) { return true; });
+        for (const std::string& name : emptyFolders) {
+            expected.push_back({name + '/', 0, 0});
+        }
+        for (const auto& [place, contents] : phoneFiles()) {
+            expected.push_back({place, contents.size(), Crc(contents)});
+        }
+        const os::Status status = CheckZip(path(archive), expected, [](size_t) { return true; });
         EXPECT_TRUE(status.ok()) << status.text();
     }
 };
@@ -134,7 +142,9 @@ TEST_F(SyncBackupTest, DatabaseThatRefusesTheRecord_IsSaid)
 
 TEST_F(SyncBackupTest, TwoInOneSecond_HaveTheirOwnNames)
 {
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(backUp().exitCode, 0);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(backUp().exitCode, 0);
+    }
     EXPECT_THAT(archives(), SizeIs(3));
 }
 
@@ -191,7 +201,7 @@ protected:
     }
     os::Status check(const std::vector<ZipEntry>& expected) const
     {
-        return CheckZip(path(), expected, [](std::size_t) { return true; });
+        return CheckZip(path(), expected, [](size_t) { return true; });
     }
 
     fs::path folder_ = fs::temp_directory_path() / ("kesta-zip-" + std::to_string(std::random_device()()));

@@ -38,8 +38,9 @@ protected:
     [[nodiscard]] std::vector<std::string> urlsOnPhone(const std::string& place = kPlace) const
     {
         std::vector<std::string> urls;
-        for (const formats::Bookmark& mark : formats::ParseBookmarks(phoneFiles().at(place)).bookmarks)
+        for (const formats::Bookmark& mark : formats::ParseBookmarks(phoneFiles().at(place)).bookmarks) {
             urls.push_back(mark.url);
+        }
         return urls;
     }
 };
@@ -55,7 +56,7 @@ TEST(BookmarkFileTest, Contents_AreReadBackAsTheyWere)
     const formats::Bookmarks read = formats::ParseBookmarks(text);
     EXPECT_THAT(read.problems, IsEmpty());
     ASSERT_EQ(read.bookmarks.size(), marks.size());
-    for (std::size_t i = 0; i < marks.size(); ++i) {
+    for (size_t i = 0; i < marks.size(); ++i) {
         EXPECT_EQ(read.bookmarks[i].title, marks[i].title.empty() ? marks[i].url : marks[i].title);
         EXPECT_EQ(read.bookmarks[i].url, marks[i].url);
         EXPECT_EQ(read.bookmarks[i].folders, marks[i].folders);

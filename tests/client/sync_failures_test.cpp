@@ -34,7 +34,9 @@ TEST_F(SyncFailuresTest, MissingFolder_IsNotTakenForEmpty)
 
 TEST_F(SyncFailuresTest, RemovingMoreThanHalf_NeedsForce)
 {
-    for (const char* name : {"a", "b", "c", "d"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "b", "c", "d"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     givenFile("Pictures/p1", "1");
     givenFile("Pictures/p2", "2");
     (void)sync({"--music", pc("Rock"), "--images", pc("Pictures")});
@@ -56,9 +58,13 @@ TEST_F(SyncFailuresTest, RemovingMoreThanHalf_NeedsForce)
 
 TEST_F(SyncFailuresTest, EmptyMountPointInAFoldersPlace_RemovesNothing)
 {
-    for (const char* name : {"a", "b", "c"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "b", "c"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     (void)sync({"--music", pc("Rock")});
-    for (const char* name : {"a", "b", "c"}) removeFile(std::string("Rock/") + name);
+    for (const char* name : {"a", "b", "c"}) {
+        removeFile(std::string("Rock/") + name);
+    }
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 4);
     EXPECT_THAT(phonePaths(), SizeIs(3));
 }
@@ -118,7 +124,9 @@ TEST_F(SyncFailuresTest, DatabaseWithoutTheTable_StopsTheRun)
 
 TEST_F(SyncFailuresTest, UnreadableSubfolder_KeepsEverythingOfTheFolder)
 {
-    for (const char* name : {"a", "b", "c", "sub/d"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "b", "c", "sub/d"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     (void)sync({"--music", pc("Rock")});
     removeFile("Rock/a");
     givenFile("Rock/new", "new");
@@ -136,7 +144,9 @@ TEST_F(SyncFailuresTest, UnreadableSubfolder_KeepsEverythingOfTheFolder)
 
 TEST_F(SyncFailuresTest, UnreadableFile_IsReportedAndTheRestGoesOn)
 {
-    for (const char* name : {"a", "b", "c"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "b", "c"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     fs::permissions(pc("Rock/b"), fs::perms::none);
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 3);
@@ -170,7 +180,9 @@ TEST_F(SyncFailuresTest, LinkOnThePhone_LeadsNobodyBackToThePc)
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 3);
     EXPECT_THAT(run.out, HasSubstr("'Music/Rock' on the phone is no folder"));
-    for (const char* name : {"a", "b", "d"}) EXPECT_TRUE(fs::exists(pc(std::string("Rock/") + name))) << name;
+    for (const char* name : {"a", "b", "d"}) {
+        EXPECT_TRUE(fs::exists(pc(std::string("Rock/") + name))) << name;
+    }
 }
 
 // A file system of its own in the phone's place, where this user may mount one.
@@ -182,7 +194,9 @@ public:
     }
     ~MountedPhone()
     {
-        if (mounted_) (void)umount2(path_.c_str(), MNT_DETACH);
+        if (mounted_) {
+            (void)umount2(path_.c_str(), MNT_DETACH);
+        }
     }
     MountedPhone(const MountedPhone&) = delete;
     MountedPhone& operator=(const MountedPhone&) = delete;
@@ -200,9 +214,12 @@ private:
 TEST_F(SyncFailuresTest, FullPhone_StopsWithTheDatabaseRight)
 {
     const MountedPhone mounted(phone());
-    if (!mounted.mounted()) GTEST_SKIP() << "needs the right to mount";
-    for (const char* name : {"a", "b", "c", "d", "e"})
+    if (!mounted.mounted()) {
+        GTEST_SKIP() << "needs the right to mount";
+    }
+    for (const char* name : {"a", "b", "c", "d", "e"}) {
         givenFile(std::string("Rock/") + name, std::string(300'000, *name));
+    }
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 5) << run.out << run.err;
     EXPECT_THAT(run.out, HasSubstr("Stopped: the phone is full"));
@@ -221,7 +238,9 @@ TEST_F(SyncFailuresTest, FullPhone_StopsWithTheDatabaseRight)
 TEST_F(SyncFailuresTest, ReadOnlyPhone_IsRefused)
 {
     const MountedPhone mounted(phone());
-    if (!mounted.mounted()) GTEST_SKIP() << "needs the right to mount";
+    if (!mounted.mounted()) {
+        GTEST_SKIP() << "needs the right to mount";
+    }
     givenFile("Rock/a", "a");
     ASSERT_TRUE(mounted.makeReadOnly());
     const Ended run = sync({"--music", pc("Rock")});

@@ -22,12 +22,16 @@ TEST_F(SyncNamesTest, ApostrophesLettersAndEmoji_SurviveEverywhere)
 {
     const std::vector<std::string> names{"Rock's/O'Brien's ''.mp3", "Rock's/Größe.mp3",      "Rock's/日本語/曲.mp3",
                                          "Rock's/😀🎵.mp3",           "Rock's/100% %s %d.mp3", "Rock's/[x];--.mp3"};
-    for (const std::string& name : names) givenFile(name, name);
+    for (const std::string& name : names) {
+        givenFile(name, name);
+    }
     EXPECT_EQ(sync({"--music", pc("Rock's")}).exitCode, 0);
     EXPECT_THAT(phonePaths(), SizeIs(names.size()));
     expectInOrder();
     EXPECT_THAT(sync({"--music", pc("Rock's")}).out, HasSubstr("6 unchanged"));
-    for (const std::string& name : names) removeFile(name);
+    for (const std::string& name : names) {
+        removeFile(name);
+    }
     givenFile("Rock's/last", "one");
     EXPECT_EQ(sync({"--music", pc("Rock's"), "--force"}).exitCode, 0);
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock's/last"));
@@ -75,8 +79,9 @@ TEST_F(SyncNamesTest, VeryLongPath_IsSynced)
     // The C++ library of Windows does not find its way down there.
     os::FileInfo info;
     EXPECT_EQ(os::ReadInfo(phone("Music/Rock"), info).failure(), os::Failure::kMissing);
-    for (int depth = 0; depth < 4; ++depth, native = os::ParentOf(native))
+    for (int depth = 0; depth < 4; ++depth, native = os::ParentOf(native)) {
         EXPECT_TRUE(os::RemoveEmptyDirectory(native).ok());
+    }
 }
 
 #if !defined(_WIN32)
@@ -86,12 +91,15 @@ TEST_F(SyncNamesTest, NamesThatThePhoneCannotHold_AreMapped)
     const std::vector<std::string> names{"a?b.mp3",    "a:b.mp3",     "a_b.mp3",      "trailing.",
                                          "trailing ",  "CON.txt",     "lpt1",         "back\\slash",
                                          "\"quoted\"", ".kesta-part", ".kesta-phone", "bell\a.mp3"};
-    for (const std::string& name : names) givenFile("Rock/" + name, name);
+    for (const std::string& name : names) {
+        givenFile("Rock/" + name, name);
+    }
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
     EXPECT_THAT(phonePaths(), SizeIs(names.size()));
-    for (const std::string& place : phonePaths())
+    for (const std::string& place : phonePaths()) {
         EXPECT_EQ(place.find_first_of("?:\\\"\a<>|*"), std::string::npos) << place;
+    }
     expectInOrder();
     EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("12 unchanged"));
 }
@@ -109,7 +117,9 @@ TEST_F(SyncNamesTest, NamesThatDifferOnlyInCase_BothSurvive)
     for (std::string place : phonePaths()) {
         std::transform(place.begin(), place.end(), place.begin(),
                        [](char c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; });
-        for (std::size_t at = 0; (at = place.find("\u00D6", at)) != std::string::npos;) place.replace(at, 2, "\u00F6");
+        for (size_t at = 0; (at = place.find("\u00D6", at)) != std::string::npos;) {
+            place.replace(at, 2, "\u00F6");
+        }
         EXPECT_TRUE(keys.insert(place).second) << place;
         EXPECT_FALSE(keys.contains(place.substr(0, place.rfind('/')))) << place;
     }

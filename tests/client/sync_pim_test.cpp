@@ -375,11 +375,21 @@ TEST_F(SyncPimTest, KilledAtRandomMoments_EndsInOrder)
     Entries contacts, events;
     int next = 0;
     const auto change = [&] {
-        for (int i = 0; i < 6; ++i) contacts["c" + std::to_string(next + i)] = "Name " + std::to_string(next + i);
-        for (int i = 0; i < 6; ++i) events["e" + std::to_string(next + i)] = "Event " + std::to_string(next + i);
-        if (!contacts.empty()) contacts.begin()->second = "Changed " + std::to_string(next);
-        if (contacts.size() > 16) contacts.erase(std::next(contacts.begin()));
-        if (events.size() > 16) events.erase(events.begin());
+        for (int i = 0; i < 6; ++i) {
+            contacts["c" + std::to_string(next + i)] = "Name " + std::to_string(next + i);
+        }
+        for (int i = 0; i < 6; ++i) {
+            events["e" + std::to_string(next + i)] = "Event " + std::to_string(next + i);
+        }
+        if (!contacts.empty()) {
+            contacts.begin()->second = "Changed " + std::to_string(next);
+        }
+        if (contacts.size() > 16) {
+            contacts.erase(std::next(contacts.begin()));
+        }
+        if (events.size() > 16) {
+            events.erase(events.begin());
+        }
         next += 6;
         givenFile("Friends.vcf", CardsText(contacts));
         givenFile("cal.ics", CalendarText("Work", events));
@@ -395,13 +405,16 @@ TEST_F(SyncPimTest, KilledAtRandomMoments_EndsInOrder)
         change();
         ClientProcess process(work(), arguments);
         std::this_thread::sleep_for(std::chrono::microseconds(random() % static_cast<unsigned>(longest.count())));
-        if (process.hasEnded())
+        if (process.hasEnded()) {
             longest = longest * 2 / 3 + std::chrono::microseconds(1);  // The machine has become faster meanwhile.
-        else
+        } else {
             ++cutShort;
+        }
         process.kill();
         (void)process.wait();
-        if (round % 3 == 0) continue;  // Now and then a killed run follows another one.
+        if (round % 3 == 0) {
+            continue;  // Now and then a killed run follows another one.
+        }
         const Ended run = client(arguments);
         ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
         EXPECT_EQ(contactsIn("Contacts/Friends.vcf"), contacts);

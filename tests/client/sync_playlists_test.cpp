@@ -15,7 +15,9 @@ protected:
     void givenList(const std::string& file, const std::string& lines) { givenFile("lists/" + file, lines); }
     void givenMusic(std::initializer_list<const char*> names)
     {
-        for (const char* name : names) givenFile(std::string("Extra/") + name, std::string("music ") + name);
+        for (const char* name : names) {
+            givenFile(std::string("Extra/") + name, std::string("music ") + name);
+        }
     }
     // Three lists: one shares a member with another.
     void givenThreeLists()

@@ -28,26 +28,38 @@ protected:
     static std::string html(const std::vector<std::string>& urls)
     {
         std::string text = "<!DOCTYPE NETSCAPE-Bookmark-file-1>\n<DL><p>\n";
-        for (const std::string& url : urls) text += "<DT><A HREF=\"" + url + "\">" + url + "</A>\n";
+        for (const std::string& url : urls) {
+            text += "<DT><A HREF=\"" + url + "\">" + url + "</A>\n";
+        }
         return text + "</DL><p>\n";
     }
 };
 
 TEST_F(SyncSafetyTest, Files_StayHeldBackWhenNewOnesCome)
 {
-    for (const char* name : {"a", "b", "c", "d"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "b", "c", "d"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
-    for (const char* name : {"a", "b", "c", "d"}) removeFile(std::string("Rock/") + name);
-    for (const char* name : {"e", "f", "g", "h", "i"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "b", "c", "d"}) {
+        removeFile(std::string("Rock/") + name);
+    }
+    for (const char* name : {"e", "f", "g", "h", "i"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     expectHeldBackUntilForced({"--music", pc("Rock")}, "4 files");
     expectInOrder();
 }
 
 TEST_F(SyncSafetyTest, Files_ThatComeBack_EndTheHoldingBack)
 {
-    for (const char* name : {"a", "b", "c"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "b", "c"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
-    for (const char* name : {"a", "b"}) removeFile(std::string("Rock/") + name);
+    for (const char* name : {"a", "b"}) {
+        removeFile(std::string("Rock/") + name);
+    }
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 4);
     givenFile("Rock/a", "a");
     const Ended run = sync({"--music", pc("Rock")});
@@ -57,9 +69,13 @@ TEST_F(SyncSafetyTest, Files_ThatComeBack_EndTheHoldingBack)
 
 TEST_F(SyncSafetyTest, DamagedNoteOfWhatIsHeldBack_IsReplaced)
 {
-    for (const char* name : {"a", "b", "c"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "b", "c"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
-    for (const char* name : {"a", "b"}) removeFile(std::string("Rock/") + name);
+    for (const char* name : {"a", "b"}) {
+        removeFile(std::string("Rock/") + name);
+    }
     for (const char* text : {"{\"imei\": 351111}", "{\"imei\": \"351111\", \"recorded\": 3}", "[]", "{"}) {
         std::ofstream(note("351111.deferred.json"), std::ios::binary) << text;
         const Ended run = sync({"--music", pc("Rock")});
@@ -72,21 +88,33 @@ TEST_F(SyncSafetyTest, DamagedNoteOfWhatIsHeldBack_IsReplaced)
 
 TEST_F(SyncSafetyTest, DryRun_NotesNothingOfWhatItHoldsBack)
 {
-    for (const char* name : {"a", "b"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "b"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
-    for (const char* name : {"a", "b"}) removeFile(std::string("Rock/") + name);
+    for (const char* name : {"a", "b"}) {
+        removeFile(std::string("Rock/") + name);
+    }
     EXPECT_EQ(sync({"--music", pc("Rock"), "--dry-run"}).exitCode, 4);
-    for (const char* name : {"a", "c", "d", "e"}) givenFile(std::string("Rock/") + name, name);
+    for (const char* name : {"a", "c", "d", "e"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
 }
 
 TEST_F(SyncSafetyTest, Playlists_StayHeldBackWhenNewOnesCome)
 {
     givenFile("Rock/a.mp3", "a");
-    for (const char* name : {"A", "B"}) givenFile(std::string("Lists/") + name + ".m3u8", "../Rock/a.mp3\n");
+    for (const char* name : {"A", "B"}) {
+        givenFile(std::string("Lists/") + name + ".m3u8", "../Rock/a.mp3\n");
+    }
     ASSERT_EQ(sync({"--playlists", pc("Lists")}).exitCode, 0);
-    for (const char* name : {"A", "B"}) removeFile(std::string("Lists/") + name + ".m3u8");
-    for (const char* name : {"C", "D", "E"}) givenFile(std::string("Lists/") + name + ".m3u8", "../Rock/a.mp3\n");
+    for (const char* name : {"A", "B"}) {
+        removeFile(std::string("Lists/") + name + ".m3u8");
+    }
+    for (const char* name : {"C", "D", "E"}) {
+        givenFile(std::string("Lists/") + name + ".m3u8", "../Rock/a.mp3\n");
+    }
     expectHeldBackUntilForced({"--playlists", pc("Lists")}, "2 playlists");
 }
 
@@ -123,7 +151,9 @@ TEST_F(SyncSafetyTest, FileThatTheUserBrought_IsNoLeftoverOfARunKilledWhileCopyi
 
 TEST_F(SyncSafetyTest, FolderChosenByItsParentLater_LosesWhatIsGone)
 {
-    for (const char* name : {"a", "b", "c"}) givenFile(std::string("Music/Rock/") + name, name);
+    for (const char* name : {"a", "b", "c"}) {
+        givenFile(std::string("Music/Rock/") + name, name);
+    }
     givenFile("Music/Jazz/d", "d");
     ASSERT_EQ(sync({"--music", pc("Music/Rock")}).exitCode, 0);
     removeFile("Music/Rock/a");
@@ -135,7 +165,9 @@ TEST_F(SyncSafetyTest, FolderChosenByItsParentLater_LosesWhatIsGone)
 
 TEST_F(SyncSafetyTest, FolderChosenByItsChildrenLater_LosesWhatIsGone)
 {
-    for (const char* name : {"a", "b", "c"}) givenFile(std::string("Music/Rock/") + name, name);
+    for (const char* name : {"a", "b", "c"}) {
+        givenFile(std::string("Music/Rock/") + name, name);
+    }
     givenFile("Music/Jazz/d", "d");
     ASSERT_EQ(sync({"--music", pc("Music")}).exitCode, 0);
     removeFile("Music/Rock/a");
@@ -150,7 +182,7 @@ TEST_F(SyncSafetyTest, BookmarkFileCutShort_RemovesNothing)
     const std::string whole = html({"http://a/", "http://b/", "http://c/", "http://d/"});
     givenFile("b.html", whole);
     ASSERT_EQ(sync({"--bookmarks", pc("b.html")}).exitCode, 0);
-    for (const std::size_t cut : {whole.find("</DL>"), whole.find("http://d/") + 3, whole.find("http://d/") - 2}) {
+    for (const size_t cut : {whole.find("</DL>"), whole.find("http://d/") + 3, whole.find("http://d/") - 2}) {
         givenFile("b.html", whole.substr(0, cut));
         const Ended run = sync({"--bookmarks", pc("b.html")});
         EXPECT_EQ(run.exitCode, 3) << cut;

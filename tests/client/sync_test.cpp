@@ -115,8 +115,9 @@ TEST_F(SyncTest, EachCategory_HasItsFolderAndItsDatabase)
     givenFile("d/d", "4");
     EXPECT_EQ(sync({"--music", pc("m"), "--images", pc("i"), "--videos", pc("v"), "--documents", pc("d")}).exitCode, 0);
     EXPECT_THAT(phonePaths(), ElementsAre("Documents/d/d", "Music/m/a", "Pictures/i/b", "Videos/v/c"));
-    for (const char* category : {"music", "images", "videos", "documents"})
+    for (const char* category : {"music", "images", "videos", "documents"}) {
         EXPECT_THAT(recorded(category), SizeIs(1)) << category;
+    }
     EXPECT_EQ(database().text("SELECT (SELECT COUNT(*) FROM tMFile), (SELECT COUNT(*) FROM tIFile), "
                               "(SELECT COUNT(*) FROM tVFile), (SELECT COUNT(*) FROM tDFile)"),
               "1|1|1|1");

@@ -11,7 +11,9 @@ namespace {
 DbText Units(std::initializer_list<unsigned> units)
 {
     DbText text;
-    for (const unsigned unit : units) text += static_cast<DbChar>(unit);
+    for (const unsigned unit : units) {
+        text += static_cast<DbChar>(unit);
+    }
     return text;
 }
 
@@ -69,8 +71,9 @@ TEST(DatesTest, DateValue_KeepsSecondsBothWays)
         EXPECT_EQ(ToDateValue(time).Status, kDateValid);
         EXPECT_EQ(FromDateValue(ToDateValue(time)), time);
     }
-    for (LocalTime time = 3'900'000'000; time < 3'900'000'000 + 100'000; time += 7)
+    for (LocalTime time = 3'900'000'000; time < 3'900'000'000 + 100'000; time += 7) {
         ASSERT_EQ(FromDateValue(ToDateValue(time)), time);
+    }
     EXPECT_EQ(ToDateValue(std::nullopt).Status, kDateNull);
     EXPECT_FALSE(FromDateValue({1.0, kDateInvalid}));
     EXPECT_FALSE(FromDateValue({1e300, kDateValid}));

@@ -22,8 +22,9 @@ protected:
     static std::vector<std::string> reasonsOf(const nlohmann::json& answer)
     {
         std::vector<std::string> reasons;
-        for (const auto& reason : answer.at("phones").at(0).at("reasons"))
+        for (const auto& reason : answer.at("phones").at(0).at("reasons")) {
             reasons.push_back(reason.at("reason").get<std::string>());
+        }
         return reasons;
     }
     std::vector<std::string> reasons(const std::string& path) { return reasonsOf(why(path)); }

@@ -14,14 +14,16 @@ using testing::Not;
 
 TEST(WordsTest, FormatSize_UsesTheUnitThatFits)
 {
-    const std::pair<std::uint64_t, const char*> table[] = {{0, "0 B"},
-                                                           {999, "999 B"},
-                                                           {1000, "1.0 kB"},
-                                                           {999'949, "999.9 kB"},
-                                                           {999'950, "1.0 MB"},
-                                                           {1'500'000'000, "1.5 GB"},
-                                                           {~std::uint64_t{0}, "18.4 EB"}};
-    for (const auto& [bytes, text] : table) EXPECT_EQ(FormatSize(bytes), text);
+    const std::pair<uint64_t, const char*> table[] = {{0, "0 B"},
+                                                      {999, "999 B"},
+                                                      {1000, "1.0 kB"},
+                                                      {999'949, "999.9 kB"},
+                                                      {999'950, "1.0 MB"},
+                                                      {1'500'000'000, "1.5 GB"},
+                                                      {~uint64_t{0}, "18.4 EB"}};
+    for (const auto& [bytes, text] : table) {
+        EXPECT_EQ(FormatSize(bytes), text);
+    }
 }
 
 TEST(WordsTest, BarText_ShowsFilesBytesRateAndTimeLeft)
@@ -30,8 +32,9 @@ TEST(WordsTest, BarText_ShowsFilesBytesRateAndTimeLeft)
     EXPECT_EQ(BarText(1, 4, 500, 1000, 500, 1.0, 55), "[####....] 1/4 files  500 B/1.0 kB  500 B/s  0:01 left");
     EXPECT_THAT(BarText(1, 4, 1'000'000, 100'000'000, 1'000'000, 60.0, 100), HasSubstr("  1:39:00 left"));
     EXPECT_THAT(BarText(2, 4, 0, 0, 0, 1.0, 100), HasSubstr("[" + std::string(15, '#') + std::string(15, '.') + "]"));
-    for (std::size_t width = 1; width < 100; ++width)
+    for (size_t width = 1; width < 100; ++width) {
         EXPECT_LE(BarText(100, 400, 500, 100'000, 500, 2.0, width).size(), width);
+    }
 }
 
 TEST(WordsTest, Table_AlignsByColumnsOnTheTerminal)
@@ -66,7 +69,9 @@ TEST(WordsTest, Summary_TellsTheMostImportantReason)
 TEST(WordsTest, Summary_ListsFailuresUpToALimit)
 {
     Summary summary;
-    for (int i = 0; i < 60; ++i) summary.fail("file" + std::to_string(i), "broken");
+    for (int i = 0; i < 60; ++i) {
+        summary.fail("file" + std::to_string(i), "broken");
+    }
     const std::string text = Describe(summary, true, 0);
     EXPECT_THAT(text, HasSubstr("file49: broken"));
     EXPECT_THAT(text, Not(HasSubstr("file50: broken")));

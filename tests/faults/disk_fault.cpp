@@ -21,7 +21,9 @@ sqlite3_vfs* system_ = nullptr;
 /// SQLite's code when the operation is to fail now, else SQLITE_OK.
 int Strike(DiskOperation operation)
 {
-    if (!fault.armed || fault.operation != operation || fault.remaining-- > 0) return SQLITE_OK;
+    if (!fault.armed || fault.operation != operation || fault.remaining-- > 0) {
+        return SQLITE_OK;
+    }
     fault.remaining = 0;  // and so does every later one
     fault.struck = true;
     return fault.code;
@@ -119,9 +121,13 @@ const sqlite3_io_methods kMethods = {1,
 int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags)
 {
     file->pMethods = nullptr;
-    if (const int code = Strike(DiskOperation::kOpen); code != SQLITE_OK) return code;
+    if (const int code = Strike(DiskOperation::kOpen); code != SQLITE_OK) {
+        return code;
+    }
     const int code = system_->xOpen(system_, name, Real(file), flags, outFlags);
-    if (code == SQLITE_OK) file->pMethods = &kMethods;
+    if (code == SQLITE_OK) {
+        file->pMethods = &kMethods;
+    }
     return code;
 }
 
@@ -137,7 +143,9 @@ sqlite3_vfs shim = {};
 
 void DiskFault::install()
 {
-    if (system_ != nullptr) return;
+    if (system_ != nullptr) {
+        return;
+    }
     system_ = sqlite3_vfs_find(nullptr);
     shim =
         *system_;  // what is not replaced here gets the system's own entry, which does not look at its first argument

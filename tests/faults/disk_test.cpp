@@ -45,7 +45,9 @@ protected:
             DiskFault::arm(operation, nth, code);
             const int32_t result = call();
             DiskFault::disarm();
-            if (!DiskFault::hasStruck()) return;
+            if (!DiskFault::hasStruck()) {
+                return;
+            }
             ++struck;
             check(result);
             EXPECT_EQ(sql.text("PRAGMA integrity_check"), "ok");
@@ -155,7 +157,9 @@ TEST_P(FailingWrites, Open_AtManyPlaces_FailsAndTheNextOneCreatesAfresh)
         DiskFault::arm(GetParam().operation, nth, GetParam().code);
         const int32_t result = DB_Open();
         DiskFault::disarm();
-        if (!DiskFault::hasStruck()) break;
+        if (!DiskFault::hasStruck()) {
+            break;
+        }
         ++attempts;
         if (result != 0) {
             EXPECT_FALSE(TheModule().DbConnection.isOpen());
@@ -184,7 +188,9 @@ TEST_F(FailingReads, GetSyncedFiles_AtEveryPlace_FailsOrEndsWithTheCode)
         [&](int32_t result) {
             EXPECT_THAT(result, AnyOf(0, 1, SQLITE_IOERR));
             EXPECT_LE(list.Count, 501);
-            for (int32_t i = 0; i < list.Count; ++i) EXPECT_NE(list.Items[i].Path, nullptr);
+            for (int32_t i = 0; i < list.Count; ++i) {
+                EXPECT_NE(list.Items[i].Path, nullptr);
+            }
             sql.exec("UPDATE tLibMainFolder SET [Number] = [Number] + 1");  // what was read so far is read anew
         });
     EXPECT_GT(struck, 0);
@@ -203,7 +209,9 @@ TEST_F(FailingReads, Open_SoundFileThatCannotBeRead_IsNeverThrownAway)
         const int32_t result = DB_Open();
         DiskFault::disarm();
         EXPECT_EQ(sql.text("SELECT [IMEI] FROM tPhone"), kImei) << nth;
-        if (!DiskFault::hasStruck()) break;
+        if (!DiskFault::hasStruck()) {
+            break;
+        }
         EXPECT_THAT(result, AnyOf(0, 1, 8398));  // 1: the version was read, opening for good was not
         EXPECT_EQ(DB_Open(), 0);
     }

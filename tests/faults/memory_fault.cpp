@@ -19,7 +19,9 @@ thread_local int remaining = 0;
 
 bool Strike() noexcept
 {
-    if (!armed || struck || remaining-- > 0) return false;
+    if (!armed || struck || remaining-- > 0) {
+        return false;
+    }
     struck = true;
     errno = ENOMEM;
     return true;

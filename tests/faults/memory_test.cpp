@@ -38,14 +38,22 @@ int held = 0;
 void CountMemoryLine(const DbChar* line, size_t length) noexcept
 {
     const auto endsWith = [&](std::string_view end) {
-        if (length < end.size()) return false;
+        if (length < end.size()) {
+            return false;
+        }
         for (size_t i = 0; i < end.size(); ++i) {
-            if (line[length - end.size() + i] != static_cast<DbChar>(end[i])) return false;
+            if (line[length - end.size() + i] != static_cast<DbChar>(end[i])) {
+                return false;
+            }
         }
         return true;
     };
-    if (endsWith(" NEW.\n")) ++held;
-    if (endsWith(" DELETE.\n")) --held;
+    if (endsWith(" NEW.\n")) {
+        ++held;
+    }
+    if (endsWith(" DELETE.\n")) {
+        --held;
+    }
 }
 
 class FailingMemory : public ModuleUnderTest {
@@ -78,7 +86,9 @@ protected:
             EXPECT_TRUE(results.contains(result)) << "result " << result << " at allocation " << nth;
             after();
             EXPECT_EQ(DB_LIB_PhoneDetected(W(kImei), W("")), 1) << nth;
-            if (!wasStruck) break;
+            if (!wasStruck) {
+                break;
+            }
             ++struck;
         }
         EXPECT_GT(struck, 0);
@@ -100,7 +110,9 @@ TEST_F(FailingMemory, GetSyncedFiles_AtEveryAllocation_LeavesAConsistentList)
             if (list.Items == nullptr) {
                 EXPECT_EQ(list.Count, 0);
             }
-            for (int32_t i = 0; i < list.Count; ++i) EXPECT_NE(list.Items[i].Path, nullptr);
+            for (int32_t i = 0; i < list.Count; ++i) {
+                EXPECT_NE(list.Items[i].Path, nullptr);
+            }
         });
     EXPECT_EQ(list.Count, 2);
     EmptyList(list);
@@ -171,7 +183,9 @@ TEST_F(FailingMemory, IsSyncedFile_AtEveryAllocation_LosesNoText)
     atEveryAllocation(
         {0, 1}, [&] { return DB_MUSIC_IsSyncedFile(imei, path, &found); },
         [&] {
-            for (DbChar** text : {&found.Path, &found.BasePath, &found.PhonePath}) FreeText(*text);
+            for (DbChar** text : {&found.Path, &found.BasePath, &found.PhonePath}) {
+                FreeText(*text);
+            }
         });
     EXPECT_EQ(held, 0);
 }
@@ -274,7 +288,9 @@ TEST_F(FailingMemory, PhoneDetected_AtEveryAllocation_IsMinusOneOrAPhone)
             EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tPhone"), "1") << nth;
         }
         sql.exec("DELETE FROM tPhone WHERE [ID] <> 1; DELETE FROM tSyncContents WHERE [phoneID] <> 1");
-        if (!wasStruck) break;
+        if (!wasStruck) {
+            break;
+        }
     }
     EXPECT_GT(last, 1);
     EXPECT_EQ(held, 0);
@@ -293,7 +309,9 @@ TEST_F(FailingMemory, Open_AtEveryAllocation_FailsOrOpensASoundFile)
         EXPECT_EQ(TheModule().DbConnection.isOpen(), result == 0) << nth;
         ASSERT_EQ(DB_Open(), 0);
         ASSERT_EQ(DB_LIB_PhoneDetected(imei, folder), 1) << "the file was thrown away at allocation " << nth;
-        if (!wasStruck) break;
+        if (!wasStruck) {
+            break;
+        }
     }
 }
 

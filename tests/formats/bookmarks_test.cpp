@@ -64,14 +64,14 @@ TEST(BookmarksHtml, EmptyFolder_GivesItsNameToNoOtherList)
 
 TEST(BookmarksHtml, Dates)
 {
-    const std::pair<const char*, std::optional<std::int64_t>> cases[] = {{"1600000000", 1600000000},
-                                                                         {"1600000000123", 1600000000},
-                                                                         {"1600000000123456", 1600000000},
-                                                                         {" 5 ", 5},
-                                                                         {"0", {}},
-                                                                         {"soon", {}},
-                                                                         {"-3", {}},
-                                                                         {"99999999999999999999", {}}};
+    const std::pair<const char*, std::optional<int64_t>> cases[] = {{"1600000000", 1600000000},
+                                                                    {"1600000000123", 1600000000},
+                                                                    {"1600000000123456", 1600000000},
+                                                                    {" 5 ", 5},
+                                                                    {"0", {}},
+                                                                    {"soon", {}},
+                                                                    {"-3", {}},
+                                                                    {"99999999999999999999", {}}};
     for (const auto& [text, date] : cases) {
         const Bookmarks result = Html("<DL><A HREF=x:y ADD_DATE=\"" + std::string(text) + "\">T</A></DL>");
         ASSERT_THAT(result.bookmarks, SizeIs(1));
@@ -99,11 +99,17 @@ TEST(BookmarksHtml, OtherDocuments_AreNoBookmarkFiles)
 TEST(BookmarksHtml, TooDeep_IsReportedAndNotParsed)
 {
     std::string deep;
-    for (int i = 0; i < 200'000; ++i) deep += "<DL><DT>";
+    for (int i = 0; i < 200'000; ++i) {
+        deep += "<DL><DT>";
+    }
     EXPECT_THAT(Html(deep).problems, SizeIs(1));
     std::string heavy = "<p>";
-    for (int i = 0; i < 500; ++i) heavy += "<b id=" + std::to_string(i) + ">";
-    for (int i = 0; i < 50'000; ++i) heavy += "<p>x";
+    for (int i = 0; i < 500; ++i) {
+        heavy += "<b id=" + std::to_string(i) + ">";
+    }
+    for (int i = 0; i < 50'000; ++i) {
+        heavy += "<p>x";
+    }
     EXPECT_THAT(Html(heavy).problems, SizeIs(1));
 }
 
@@ -115,7 +121,9 @@ TEST(Bookmarks, KindOfLink)
         {"place:sort=8", LinkKind::kPlace}, {"data:text/html,x", LinkKind::kData},
         {"file:///x", LinkKind::kOther},    {"mailto:a@b", LinkKind::kOther},
         {"httpd", LinkKind::kOther}};
-    for (const auto& [url, kind] : cases) EXPECT_EQ(KindOfLink(url), kind) << url;
+    for (const auto& [url, kind] : cases) {
+        EXPECT_EQ(KindOfLink(url), kind) << url;
+    }
 }
 
 TEST(BookmarksJson, RootsFoldersAndDates)
@@ -147,8 +155,12 @@ TEST(BookmarksJson, NoBookmarkFile)
     EXPECT_THAT(ParseBookmarks("{}").problems, ElementsAre(Problem{0, "not a bookmark file"}));
     EXPECT_THAT(ParseBookmarks(R"({"roots":3})").problems, ElementsAre(Problem{0, "not a bookmark file"}));
     std::string deep = R"({"roots":{"b":)";
-    for (int i = 0; i < 100'000; ++i) deep += R"({"type":"folder","children":[)";
-    for (int i = 0; i < 100'000; ++i) deep += "]}";
+    for (int i = 0; i < 100'000; ++i) {
+        deep += R"({"type":"folder","children":[)";
+    }
+    for (int i = 0; i < 100'000; ++i) {
+        deep += "]}";
+    }
     EXPECT_THAT(ParseBookmarks(deep + "}}").problems, ElementsAre(Problem{0, "folders are nested too deeply"}));
 }
 

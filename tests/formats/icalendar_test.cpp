@@ -56,9 +56,12 @@ TEST(Calendars, Zones_StandInTheOrderOfTheFile_TheFirstOfEachId)
 TEST(Calendars, ManyZonesAndManyEntries_AreReadInOnePass)
 {
     std::string text;
-    for (int i = 0; i < 200'000; ++i) text += kBerlin;
-    for (int i = 0; i < 200'000; ++i)
+    for (int i = 0; i < 200'000; ++i) {
+        text += kBerlin;
+    }
+    for (int i = 0; i < 200'000; ++i) {
         text += Event("UID:" + std::to_string(i) + "\r\nDTSTART;TZID=Europe/Berlin:20200101T100000\r\n");
+    }
     EXPECT_THAT(ParseCalendars(Calendar(text)).entries, SizeIs(200'000));
 }
 

@@ -58,7 +58,9 @@ TEST(PlaylistLocation, Rules)
         {"\\\\", std::nullopt},
         {" \t", std::nullopt},
     };
-    for (const LocationCase& c : cases) EXPECT_TRUE(ParseLocation(c.line) == c.expected) << c.line;
+    for (const LocationCase& c : cases) {
+        EXPECT_TRUE(ParseLocation(c.line) == c.expected) << c.line;
+    }
 }
 
 TEST(PlaylistLocation, PathOf_JoinsRelativeOnesOnly)
@@ -72,7 +74,9 @@ TEST(PlaylistLocation, PathOf_JoinsRelativeOnesOnly)
 std::vector<std::string> Texts(const Playlist& playlist)
 {
     std::vector<std::string> texts;
-    for (const PlaylistEntry& entry : playlist.entries) texts.push_back(entry.location.text);
+    for (const PlaylistEntry& entry : playlist.entries) {
+        texts.push_back(entry.location.text);
+    }
     return texts;
 }
 
@@ -147,8 +151,9 @@ TEST(WritePlaylist, WritesWhatIsReadBack)
 
 TEST(WritePlaylist, UnwritableNames_GiveNothing)
 {
-    for (const char* name : {"a\nb", "a\rb", "\xC4", ""})
+    for (const char* name : {"a\nb", "a\rb", "\xC4", ""}) {
         EXPECT_EQ(WritePlaylist("", std::vector<PlaylistEntry>{{{Kind::kRelative, name}, "", {}, 0}}), std::nullopt);
+    }
 }
 
 }  // namespace

@@ -37,16 +37,22 @@ fs::path Package(const std::string& name)
 std::vector<fs::path> FilesOf(const std::string& package, const std::string& extension)
 {
     std::vector<fs::path> files;
-    for (const auto& file : fs::recursive_directory_iterator(Package(package)))
-        if (file.is_regular_file() && file.path().extension() == extension) files.push_back(file.path());
+    for (const auto& file : fs::recursive_directory_iterator(Package(package))) {
+        if (file.is_regular_file() && file.path().extension() == extension) {
+            files.push_back(file.path());
+        }
+    }
     std::ranges::sort(files);
     return files;
 }
 
 fs::path FileOf(const std::string& package, const std::string& name)
 {
-    for (const auto& file : fs::recursive_directory_iterator(Package(package)))
-        if (file.path().filename() == name) return file.path();
+    for (const auto& file : fs::recursive_directory_iterator(Package(package))) {
+        if (file.path().filename() == name) {
+            return file.path();
+        }
+    }
     ADD_FAILURE() << package << " has no " << name;
     return {};
 }
@@ -148,33 +154,50 @@ TEST(Samples, Shaarli_ExportTemplate)
 TEST(Samples, NetscapeBookmarkParser_ExportsOfManyPrograms)
 {
     NEED_PACKAGE("php-netscape-bookmark-parser");
-    std::size_t read = 0;
-    for (const char* extension : {".htm", ".html"})
+    size_t read = 0;
+    for (const char* extension : {".htm", ".html"}) {
         for (const fs::path& file : FilesOf("php-netscape-bookmark-parser", extension)) {
             SCOPED_TRACE(file.string());
             const std::string contents = Contents(file);
             test::FormatNamed("bookmarks").check(contents);
-            if (!ParseBookmarks(contents).bookmarks.empty()) ++read;
+            if (!ParseBookmarks(contents).bookmarks.empty()) {
+                ++read;
+            }
         }
+    }
     EXPECT_GE(read, 5U);
 }
 
 TEST(Samples, EveryFile_KeepsTheProperties)
 {
-    std::size_t files = 0;
-    if (!fs::exists(KESTA_FORMAT_SAMPLES)) GTEST_SKIP() << "no package could be fetched";
+    size_t files = 0;
+    if (!fs::exists(KESTA_FORMAT_SAMPLES)) {
+        GTEST_SKIP() << "no package could be fetched";
+    }
     for (const auto& file : fs::recursive_directory_iterator(KESTA_FORMAT_SAMPLES)) {
         // Time zones by the hundred, all alike.
-        if (!file.is_regular_file() || file.path().generic_string().find("/zoneinfo/") != std::string::npos) continue;
+        if (!file.is_regular_file() || file.path().generic_string().find("/zoneinfo/") != std::string::npos) {
+            continue;
+        }
         const std::string extension = file.path().extension().string();
         SCOPED_TRACE(file.path().string());
         const bool isCard = extension == ".vcf" || extension == ".vcard";
-        if (isCard) test::FormatNamed("cards").check(Contents(file.path()));
-        if (extension == ".ics") test::FormatNamed("calendars").check(Contents(file.path()));
-        if (IsPlaylistName(file.path().string())) test::FormatNamed("playlist").check(Contents(file.path()));
-        if (isCard || extension == ".ics") ++files;
+        if (isCard) {
+            test::FormatNamed("cards").check(Contents(file.path()));
+        }
+        if (extension == ".ics") {
+            test::FormatNamed("calendars").check(Contents(file.path()));
+        }
+        if (IsPlaylistName(file.path().string())) {
+            test::FormatNamed("playlist").check(Contents(file.path()));
+        }
+        if (isCard || extension == ".ics") {
+            ++files;
+        }
     }
-    if (files == 0) GTEST_SKIP() << "no package could be fetched";
+    if (files == 0) {
+        GTEST_SKIP() << "no package could be fetched";
+    }
 }
 
 }  // namespace

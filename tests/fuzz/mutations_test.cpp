@@ -17,8 +17,9 @@ namespace {
 std::vector<std::string> Seeds(const std::string& folder)
 {
     std::vector<std::filesystem::path> files;
-    for (const auto& file : std::filesystem::directory_iterator(std::string(KESTA_FUZZ_SEEDS) + "/" + folder))
+    for (const auto& file : std::filesystem::directory_iterator(std::string(KESTA_FUZZ_SEEDS) + "/" + folder)) {
         files.push_back(file.path());
+    }
     std::ranges::sort(files);
     std::vector<std::string> seeds;
     for (const auto& file : files) {
@@ -39,18 +40,20 @@ public:
     std::string next()
     {
         std::string text = seeds_[below(seeds_.size())];
-        for (std::size_t changes = 1 + below(6); changes > 0; --changes) change(text);
+        for (size_t changes = 1 + below(6); changes > 0; --changes) {
+            change(text);
+        }
         return text;
     }
 
 private:
     // The standard's distributions differ between libraries, its engines do not.
-    std::size_t below(std::size_t limit) { return limit == 0 ? 0 : random_() % limit; }
+    size_t below(size_t limit) { return limit == 0 ? 0 : random_() % limit; }
 
     void change(std::string& text)
     {
-        const std::size_t at = below(text.size() + 1);
-        const std::size_t length = below(20);
+        const size_t at = below(text.size() + 1);
+        const size_t length = below(20);
         switch (below(6)) {
             case 0:
                 text.erase(at, length);
@@ -59,7 +62,9 @@ private:
                 text.insert(at, target_.words[below(target_.words.size())]);
                 break;
             case 2:
-                if (at < text.size()) text[at] = static_cast<char>(below(256));
+                if (at < text.size()) {
+                    text[at] = static_cast<char>(below(256));
+                }
                 break;
             case 3:
                 text.insert(at, text.substr(below(text.size() + 1), 8 * length));
@@ -85,10 +90,14 @@ TEST_P(Properties, HoldForSeedsAndMutations)
 {
     const std::vector<std::string> seeds = Seeds(GetParam().name);
     ASSERT_FALSE(seeds.empty());
-    for (const std::string& seed : seeds) GetParam().check(seed);
+    for (const std::string& seed : seeds) {
+        GetParam().check(seed);
+    }
     GetParam().check("");
     Mutator mutator(GetParam(), seeds);
-    for (int i = 0; i < 20'000; ++i) GetParam().check(mutator.next());
+    for (int i = 0; i < 20'000; ++i) {
+        GetParam().check(mutator.next());
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Readers, Properties, testing::ValuesIn(Formats().begin(), Formats().end()),

@@ -17,7 +17,9 @@ using namespace kesta::formats;
 
 void Require(bool holds, const char* property, std::string_view input)
 {
-    if (holds) return;
+    if (holds) {
+        return;
+    }
     std::fprintf(stderr, "Does not hold: %s, for these %zu bytes:\n%.*s\n", property, input.size(),
                  static_cast<int>(input.size()), input.data());
     std::abort();
@@ -31,22 +33,24 @@ bool IsText(std::string_view text)
 void CheckPlaylist(std::string_view file)
 {
     const Playlist playlist = ParsePlaylist(file, PlaylistEncoding::kByValidity);
-    for (const PlaylistEntry& entry : playlist.entries)
+    for (const PlaylistEntry& entry : playlist.entries) {
         Require(IsText(entry.location.text) && IsText(entry.title), "locations and titles are text", file);
+    }
     const auto written = WritePlaylist(playlist.title, playlist.entries);
     const bool named = written.has_value();
     if (!named) {
         // Only a URL with an escaped line break names a file that no playlist can hold.
         bool hasBreak = false;
-        for (const PlaylistEntry& entry : playlist.entries)
+        for (const PlaylistEntry& entry : playlist.entries) {
             hasBreak = hasBreak || entry.location.text.find_first_of("\r\n") != std::string::npos;
+        }
         Require(hasBreak, "what was read can be written", file);
         return;
     }
     const Playlist again = ParsePlaylist(*written, PlaylistEncoding::kUtf8);
     Require(again.problems.empty() && again.title == playlist.title, "what was written is read back", file);
     Require(again.entries.size() == playlist.entries.size(), "no entry is lost by writing", file);
-    for (std::size_t i = 0; i < again.entries.size(); ++i) {
+    for (size_t i = 0; i < again.entries.size(); ++i) {
         PlaylistEntry expected = playlist.entries[i];
         expected.line = again.entries[i].line;
         Require(again.entries[i] == expected, "an entry is read back as it was written", file);
@@ -57,7 +61,9 @@ void CheckBookmarks(std::string_view file)
 {
     for (const Bookmark& bookmark : ParseBookmarks(file).bookmarks) {
         Require(!bookmark.url.empty() && IsText(bookmark.url) && IsText(bookmark.title), "addresses are text", file);
-        for (const std::string& folder : bookmark.folders) Require(IsText(folder), "folders are text", file);
+        for (const std::string& folder : bookmark.folders) {
+            Require(IsText(folder), "folders are text", file);
+        }
         Require(bookmark.kind == KindOfLink(bookmark.url), "the kind is the address's", file);
     }
 }
@@ -120,7 +126,9 @@ std::span<const Format> Formats()
 const Format& FormatNamed(std::string_view name)
 {
     for (const Format& format : Formats()) {
-        if (format.name == name) return format;
+        if (format.name == name) {
+            return format;
+        }
     }
     std::fprintf(stderr, "There is no format %.*s.\n", static_cast<int>(name.size()), name.data());
     std::abort();

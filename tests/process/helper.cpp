@@ -63,7 +63,9 @@ template <class... Parameters>
 int32_t Call(int32_t (*function)(Parameters...), const Parts& parts)
 {
     if constexpr ((kIsPlain<Parameters> && ...)) {
-        if (parts.size() != sizeof...(Parameters)) throw std::invalid_argument("wrong number of arguments");
+        if (parts.size() != sizeof...(Parameters)) {
+            throw std::invalid_argument("wrong number of arguments");
+        }
         return CallWith(function, parts, std::index_sequence_for<Parameters...>());
     }
     throw std::invalid_argument("this export has parameters that are neither text nor integer");
@@ -73,23 +75,45 @@ class Helper {
 public:
     std::string run(const std::string& command, const Parts& parts)
     {
-        if (command == "trace") return trace_ = std::make_unique<TraceLog>(OwnRuntimeFolder()), "ok";
-        if (command == "load") return library_ = std::make_unique<Library>(), "ok";
-        if (command == "unload") return library_.reset(), "ok";
-        if (command == "call") return std::to_string(call(parts));
-        if (command == "begin") return begin(parts);
-        if (command == "end") return std::to_string(running_.get());
-        if (command == "await") return trace_->waitFor(parts.at(0), std::chrono::seconds(30)) ? "ok" : "never";
-        if (command == "lock") return lock(parts.at(0), parts.at(1));
-        if (command == "unlock") return unlock();
-        if (command == "exit") std::exit(std::stoi(parts.at(0)));
+        if (command == "trace") {
+            return trace_ = std::make_unique<TraceLog>(OwnRuntimeFolder()), "ok";
+        }
+        if (command == "load") {
+            return library_ = std::make_unique<Library>(), "ok";
+        }
+        if (command == "unload") {
+            return library_.reset(), "ok";
+        }
+        if (command == "call") {
+            return std::to_string(call(parts));
+        }
+        if (command == "begin") {
+            return begin(parts);
+        }
+        if (command == "end") {
+            return std::to_string(running_.get());
+        }
+        if (command == "await") {
+            return trace_->waitFor(parts.at(0), std::chrono::seconds(30)) ? "ok" : "never";
+        }
+        if (command == "lock") {
+            return lock(parts.at(0), parts.at(1));
+        }
+        if (command == "unlock") {
+            return unlock();
+        }
+        if (command == "exit") {
+            std::exit(std::stoi(parts.at(0)));
+        }
         throw std::invalid_argument("no such command");
     }
 
 private:
     int32_t call(const Parts& parts)
     {
-        if (library_ == nullptr) throw std::logic_error("the library is not loaded");
+        if (library_ == nullptr) {
+            throw std::logic_error("the library is not loaded");
+        }
         const std::string& name = parts.at(0);
         const Parts arguments(parts.begin() + 1, parts.end());
 #define KESTA_EXPORT(export, ordinal) \

@@ -120,14 +120,18 @@ TEST_F(MutualExclusion, EveryExportAtOnce_WaitsForTheLockAndOnlyThinOnesHaveTrac
     for (const std::string& name : thin) {
         const bool traced = trace.waitFor("Enter " + name + "(", seconds(10));
         EXPECT_TRUE(traced) << name;
-        if (!traced) break;
+        if (!traced) {
+            break;
+        }
     }
     std::future<int32_t> waiting = openInAThread();
     EXPECT_EQ(waiting.wait_for(seconds(1)), future_status::timeout);
 
     std::vector<std::string> entered;
     for (const std::string& line : trace.take()) {
-        if (line == "Memory NEW.") continue;  // the list of DB_LIB_MainFoldersChanged, which takes no lock
+        if (line == "Memory NEW.") {
+            continue;  // the list of DB_LIB_MainFoldersChanged, which takes no lock
+        }
         EXPECT_TRUE(line.starts_with("Enter ")) << line;
         entered.push_back(line.substr(6, line.find('(') - 6));
     }
@@ -138,7 +142,9 @@ TEST_F(MutualExclusion, EveryExportAtOnce_WaitsForTheLockAndOnlyThinOnesHaveTrac
 
     EXPECT_EQ(locker.ask({"unlock"}), "ok");
     EXPECT_EQ(holder.ask({"end"}), "1");
-    for (std::future<int32_t>& call : calls) call.wait();
+    for (std::future<int32_t>& call : calls) {
+        call.wait();
+    }
     EXPECT_EQ(waiting.get(), 0);
 }
 

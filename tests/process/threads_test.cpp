@@ -14,7 +14,9 @@ namespace {
 /// The routine that an entry or exit line names, if it is one.
 std::optional<std::string> Named(const std::string& line, const std::string& kind)
 {
-    if (!line.starts_with(kind)) return std::nullopt;
+    if (!line.starts_with(kind)) {
+        return std::nullopt;
+    }
     return line.substr(kind.size(), line.find('(') - kind.size());
 }
 
@@ -49,17 +51,23 @@ TEST_F(Threads, CallsAtOnce_TraceLinesNeverInterleaveWithinOneExport)
     MainFolderList list = {};
     std::thread lister([&] {
         for (int i = 0; i < kRounds; ++i) {
-            if (lib.DB_LIB_GetAllMainFolders(&list) != 0 || list.Count != 7) ++wrong;
+            if (lib.DB_LIB_GetAllMainFolders(&list) != 0 || list.Count != 7) {
+                ++wrong;
+            }
         }
     });
     std::thread announcer([&] {
         for (int i = 0; i < kRounds; ++i) {
-            if (lib.DB_LIB_PhoneDetected(W("351111"), W("Phone")) != 1) ++wrong;
+            if (lib.DB_LIB_PhoneDetected(W("351111"), W("Phone")) != 1) {
+                ++wrong;
+            }
         }
     });
     std::thread opener([&] {
         for (int i = 0; i < kRounds; ++i) {
-            if (lib.DB_Open() != 0) ++wrong;
+            if (lib.DB_Open() != 0) {
+                ++wrong;
+            }
         }
     });
     lister.join();
@@ -79,11 +87,15 @@ TEST_F(Threads, WritersAtOnce_EveryRowIsThere)
     for (int t = 0; t < kThreads; ++t) {
         threads[static_cast<size_t>(t)] = std::thread([&, t] {
             for (int i = 0; i < kPhones; ++i) {
-                if (lib.DB_LIB_PhoneDetected(W(std::to_string(t * 100 + i)), W("Phone")) < 1) ++failed;
+                if (lib.DB_LIB_PhoneDetected(W(std::to_string(t * 100 + i)), W("Phone")) < 1) {
+                    ++failed;
+                }
             }
         });
     }
-    for (std::thread& thread : threads) thread.join();
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
     EXPECT_EQ(failed, 0);
     EXPECT_EQ(sql.text("SELECT COUNT(*), COUNT(DISTINCT [IMEI]) FROM tPhone"), "40|40");
     EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tSyncContents"), "280");  // seven main folders a phone
@@ -103,11 +115,15 @@ TEST_F(Threads, ThinExportsAtOnce_EveryRowIsThere)
                 Text path = W("C:\\Music\\" + std::to_string(t * 100 + i));
                 Text folder = W("C:\\Music");
                 const SyncedFileRecord file = {NullDate(), path.get(), folder.get(), folder.get()};
-                if (lib.DB_MUSIC_SetAddedFile(W("351111"), &file) != 0) ++failed;
+                if (lib.DB_MUSIC_SetAddedFile(W("351111"), &file) != 0) {
+                    ++failed;
+                }
             }
         });
     }
-    for (std::thread& thread : threads) thread.join();
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
     EXPECT_EQ(failed, 0);
     EXPECT_EQ(sql.text("SELECT COUNT(*), COUNT(DISTINCT [Path]) FROM tMFile"), "120|120");
 }

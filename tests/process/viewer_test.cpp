@@ -50,7 +50,9 @@ public:
     [[nodiscard]] int countLines() const
     {
         int lines = 0;
-        for (char byte = 0; recv(socket_, &byte, 1, MSG_DONTWAIT) >= 0;) ++lines;
+        for (char byte = 0; recv(socket_, &byte, 1, MSG_DONTWAIT) >= 0;) {
+            ++lines;
+        }
         return lines;
     }
 
@@ -165,7 +167,9 @@ TEST_F(Viewer, StopsReading_DelaysFewCallsAndThenLosesLines)
         const BoundSocket silent(socketPath());
         std::this_thread::sleep_for(kUntilSeen);
         const auto begun = Clock::now();
-        for (int call = 0; call < calls; ++call) EXPECT_EQ(lib.DB_Open(), 0);
+        for (int call = 0; call < calls; ++call) {
+            EXPECT_EQ(lib.DB_Open(), 0);
+        }
         shortest = std::min(shortest, std::chrono::duration_cast<milliseconds>(Clock::now() - begun));
         const int kept = silent.countLines();
         EXPECT_GT(kept, 0);
@@ -179,7 +183,9 @@ TEST_F(Viewer, ReadsAgainAfterAPause_SeesTheLinesFromThenOn)
     const BoundSocket lazy(socketPath());
     std::this_thread::sleep_for(kUntilSeen);
     const int calls = QueueLength() / 2 + 10;
-    for (int i = 0; i < calls; ++i) EXPECT_EQ(lib.DB_Open(), 0);
+    for (int i = 0; i < calls; ++i) {
+        EXPECT_EQ(lib.DB_Open(), 0);
+    }
     EXPECT_LT(lazy.countLines(), 2 * calls);
     EXPECT_EQ(lib.DB_Open(), 0);
     EXPECT_EQ(lazy.countLines(), 2);
@@ -187,7 +193,9 @@ TEST_F(Viewer, ReadsAgainAfterAPause_SeesTheLinesFromThenOn)
 
 TEST_F(Viewer, SocketOfAnotherUser_IsIgnored)
 {
-    if (geteuid() != 0) GTEST_SKIP() << "only root can give a file away";
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can give a file away";
+    }
     const BoundSocket foreign(socketPath());
     ASSERT_EQ(chown(socketPath().c_str(), 65534, 65534), 0);
     std::this_thread::sleep_for(kUntilSeen);
@@ -207,7 +215,9 @@ TEST_F(Viewer, NoRuntimeFolderGiven_SocketLiesInTmp)
     lib.unload();
     const std::string path = "/tmp/kesta_db-" + std::to_string(geteuid()) + ".trace";
     unsetenv("XDG_RUNTIME_DIR");
-    if (access(path.c_str(), F_OK) == 0) GTEST_SKIP() << "somebody watches the trace of this user: " << path;
+    if (access(path.c_str(), F_OK) == 0) {
+        GTEST_SKIP() << "somebody watches the trace of this user: " << path;
+    }
     const BoundSocket viewer(path);
     lib.load();
     EXPECT_EQ(viewer.countLines(), 3);  // the buffer and two of DB_Open

@@ -13,7 +13,9 @@ Exports DirectExports()
 
 std::string Of(char letter, std::string text)
 {
-    for (char& c : text) c = c == '#' ? letter : c;
+    for (char& c : text) {
+        c = c == '#' ? letter : c;
+    }
     return text;
 }
 

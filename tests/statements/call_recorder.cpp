@@ -47,7 +47,9 @@ bool Strikes(int& left)
 
 void Note(std::string event)
 {
-    if (recording) events.push_back(std::move(event));
+    if (recording) {
+        events.push_back(std::move(event));
+    }
 }
 
 void NoteLine(const DbChar* line, size_t /*length*/) noexcept
@@ -109,7 +111,9 @@ extern "C" {
 int __wrap_sqlite3_exec(sqlite3* db, const char* text, RowCallback* row, void* data, char** message)
 {
     Note(text);
-    if (!refused.empty() && text == refused) return refusal;
+    if (!refused.empty() && text == refused) {
+        return refusal;
+    }
     return __real_sqlite3_exec(db, text, row, data, message);
 }
 
@@ -121,14 +125,18 @@ int __wrap_sqlite3_prepare_v2(sqlite3* db, const char* text, int bytes, sqlite3_
         return SQLITE_ERROR;
     }
     const int code = __real_sqlite3_prepare_v2(db, text, bytes, statement, tail);
-    if (*statement != nullptr) texts[*statement] = Received(text, bytes);
+    if (*statement != nullptr) {
+        texts[*statement] = Received(text, bytes);
+    }
     justCompiled = *statement;
     return code;
 }
 
 int __wrap_sqlite3_step(sqlite3_stmt* statement)
 {
-    if (sqlite3_stmt_busy(statement) == 0 && std::exchange(justCompiled, nullptr) != statement) Note(texts[statement]);
+    if (sqlite3_stmt_busy(statement) == 0 && std::exchange(justCompiled, nullptr) != statement) {
+        Note(texts[statement]);
+    }
     return Strikes(stepsLeft) ? endCode : __real_sqlite3_step(statement);
 }
 
@@ -152,8 +160,12 @@ void __wrap__ZN5kesta8platform10NamedMutex6unlockEv(kesta::platform::NamedMutex*
 
 char* __wrap__ZN5kesta6Module19takeStatementBufferEv(kesta::Module* module) noexcept
 {
-    if (buffersLeft == 0) return nullptr;
-    if (buffersLeft > 0) --buffersLeft;
+    if (buffersLeft == 0) {
+        return nullptr;
+    }
+    if (buffersLeft > 0) {
+        --buffersLeft;
+    }
     return __real__ZN5kesta6Module19takeStatementBufferEv(module);
 }
 }

@@ -175,7 +175,9 @@ std::vector<CallCase> CategoryCases()
             for (CallCase each : some) {
                 each.name = "DB_" + std::string(category.family) + "_" + each.name;
                 each.given = Of(category.letter, each.given);
-                for (std::string& statement : each.statements) statement = Of(category.letter, statement);
+                for (std::string& statement : each.statements) {
+                    statement = Of(category.letter, statement);
+                }
                 cases.push_back(std::move(each));
             }
         }

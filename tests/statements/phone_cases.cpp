@@ -176,7 +176,9 @@ std::vector<CallCase> StateCases()
 std::vector<CallCase> PhoneCases()
 {
     std::vector<CallCase> cases = RegistryCases();
-    for (CallCase& each : StateCases()) cases.push_back(std::move(each));
+    for (CallCase& each : StateCases()) {
+        cases.push_back(std::move(each));
+    }
     return cases;
 }
 

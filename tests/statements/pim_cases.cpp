@@ -220,7 +220,9 @@ std::vector<CallCase> ItemCases()
 std::vector<CallCase> PimCases()
 {
     std::vector<CallCase> cases = FolderCases();
-    for (CallCase& each : ItemCases()) cases.push_back(std::move(each));
+    for (CallCase& each : ItemCases()) {
+        cases.push_back(std::move(each));
+    }
     return cases;
 }
 

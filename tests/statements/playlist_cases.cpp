@@ -136,7 +136,9 @@ std::vector<CallCase> PlaylistCases()
          },
          {kPhoneLookUp, "UPDATE tPFolder SET [Flag] = 0 WHERE [PhoneID] = 1 AND [Path] = 'L''''§';"}},
     };
-    for (CallCase& each : DeletionCases()) cases.push_back(std::move(each));
+    for (CallCase& each : DeletionCases()) {
+        cases.push_back(std::move(each));
+    }
     return cases;
 }
 

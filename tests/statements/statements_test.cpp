@@ -31,7 +31,7 @@ constexpr std::string_view kLine = "DB TRACE >> ";
 
 std::string LocalTimeOf(int64_t seconds)
 {
-    const auto time = static_cast<std::time_t>(seconds);
+    const auto time = static_cast<time_t>(seconds);
     char text[32] = {};
     std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::localtime(&time));
     return text;
@@ -123,7 +123,9 @@ class EachStatement : public Statements, public ::testing::WithParamInterface<Ca
 protected:
     EachStatement()
     {
-        if (!GetParam().given.empty()) sql.exec(Complete(GetParam().given));
+        if (!GetParam().given.empty()) {
+            sql.exec(Complete(GetParam().given));
+        }
     }
 };
 
@@ -137,14 +139,18 @@ TEST_P(EachStatement, Call_UnderTheLock_IsReceivedToTheCharacter)
 {
     const std::string name = ExportOf(GetParam());
     std::vector<std::string> expected;
-    for (const std::string& statement : GetParam().statements) expected.push_back(Complete(statement));
+    for (const std::string& statement : GetParam().statements) {
+        expected.push_back(Complete(statement));
+    }
     if (!TakesNoLock(name)) {
         expected.insert(expected.begin(), "lock");
         expected.emplace_back("unlock");
     }
     const std::vector<std::string> events = recorded(GetParam().call);
     EXPECT_THAT(WithoutLines(events), ElementsAreArray(expected));
-    if (TakesNoLock(name)) return;
+    if (TakesNoLock(name)) {
+        return;
+    }
     ASSERT_GE(events.size(), 2u);
     const size_t entry = IsThin(name) ? 0 : 1;
     EXPECT_EQ(events[entry].substr(0, events[entry].find('(')), std::string(kLine) + "Enter " + name);
@@ -158,7 +164,9 @@ TEST_P(EachStatement, Call_UnderTheLock_IsReceivedToTheCharacter)
 TEST_P(EachStatement, Call_WithoutMemoryForTheText_TakesTheExceptionWay)
 {
     const std::string name = ExportOf(GetParam());
-    if (name == "DB_Open" || TakesNoLock(name)) return;  // these make none
+    if (name == "DB_Open" || TakesNoLock(name)) {
+        return;  // these make none
+    }
     CallRecorder::withholdBufferAfter(0);
     const int32_t result = GetParam().call(DirectExports());
     CallRecorder::withholdBufferAfter(-1);
@@ -179,7 +187,9 @@ TEST(Cases, EveryExport_HasOne)
 #include "support/export_list.inc"
 #undef KESTA_EXPORT
     std::set<std::string> tested;
-    for (const CallCase& each : AllCases()) tested.insert(ExportOf(each));
+    for (const CallCase& each : AllCases()) {
+        tested.insert(ExportOf(each));
+    }
     EXPECT_EQ(tested, listed);
     EXPECT_EQ(listed.size(), 125u);
 }
@@ -196,10 +206,14 @@ TEST_F(Statements, SameCallAgain_IsReceivedAgain)
 TEST(CodePage, OfThisRun_IsTheOneMeant)
 {
     const char* expected = std::getenv("KESTA_TEST_PARAGRAPH_SIGN");
-    if (expected == nullptr) GTEST_SKIP() << "any code page will do";
+    if (expected == nullptr) {
+        GTEST_SKIP() << "any code page will do";
+    }
     std::string bytes;
     for (const char byte : Ansi(W("§"))) {
-        for (const int shift : {4, 0}) bytes += "0123456789abcdef"[static_cast<unsigned char>(byte) >> shift & 0xF];
+        for (const int shift : {4, 0}) {
+            bytes += "0123456789abcdef"[static_cast<unsigned char>(byte) >> shift & 0xF];
+        }
     }
     EXPECT_EQ(bytes, expected);
 }
@@ -213,7 +227,9 @@ TEST_F(Statements, AddPlaylist_EachStatement_IsTracedAsItIsReceived)
     int traced = 0;
     for (size_t i = 0; i + 1 < events.size(); ++i) {
         const std::string front = std::string(kLine) + "Information in DB_PLAYERMUSIC_AddPlaylist(), Exec SQL: ";
-        if (!events[i].starts_with(front)) continue;
+        if (!events[i].starts_with(front)) {
+            continue;
+        }
         EXPECT_EQ(events[i], front + events[i + 1] + ".\n");
         ++traced;
     }

@@ -36,8 +36,12 @@ DateValue Date(int year, int month, int day, int hour, int minute, int second)
 
 std::string DateText(const DateValue& date)
 {
-    if (date.Status == kDateNull) return "<null>";
-    if (date.Status != kDateValid) return "<invalid>";
+    if (date.Status == kDateNull) {
+        return "<null>";
+    }
+    if (date.Status != kDateValid) {
+        return "<invalid>";
+    }
     const auto seconds = static_cast<int64_t>(std::floor(OnALine(date.Days) * 86400 + 0.5));
     const int64_t day = seconds >= 0 ? seconds / 86400 : (seconds - 86399) / 86400;
     const auto ofDay = static_cast<int>(seconds - day * 86400);
@@ -51,7 +55,7 @@ std::string DateText(const DateValue& date)
 
 bool IsNow(const DateValue& date)
 {
-    const std::time_t moment = std::time(nullptr);
+    const time_t moment = std::time(nullptr);
     const std::tm* local = std::localtime(&moment);
     const DateValue now =
         Date(local->tm_year + 1900, local->tm_mon + 1, local->tm_mday, local->tm_hour, local->tm_min, local->tm_sec);

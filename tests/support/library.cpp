@@ -23,7 +23,9 @@ Library::~Library()
 
 void Library::load()
 {
-    if (object_ != nullptr) return;
+    if (object_ != nullptr) {
+        return;
+    }
     object_ = std::make_unique<SharedObject>(path());
 #define KESTA_EXPORT(name, ordinal) object_->find(#name, name);
 #include "support/export_list.inc"

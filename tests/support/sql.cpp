@@ -30,7 +30,9 @@ Database Open(const std::filesystem::path& file)
     const int result =
         sqlite3_open_v2(reinterpret_cast<const char*>(name.c_str()), &opened, SQLITE_OPEN_READWRITE, nullptr);
     Database db(opened);
-    if (result != SQLITE_OK) throw Failure(opened, file.string());
+    if (result != SQLITE_OK) {
+        throw Failure(opened, file.string());
+    }
     sqlite3_busy_timeout(opened, kPatienceMs);
     return db;
 }
@@ -49,7 +51,9 @@ Statement Prepare(sqlite3* db, std::string_view sql, std::string_view& rest)
 void AppendRow(std::string& out, sqlite3_stmt* row)
 {
     for (int column = 0; column < sqlite3_column_count(row); ++column) {
-        if (column > 0) out += '|';
+        if (column > 0) {
+            out += '|';
+        }
         if (const void* bytes = sqlite3_column_text(row, column); bytes != nullptr) {
             out.append(static_cast<const char*>(bytes), static_cast<size_t>(sqlite3_column_bytes(row, column)));
         } else {
@@ -68,10 +72,14 @@ std::string Sql::text(const std::string& query) const
     std::string out;
     int result = SQLITE_ROW;
     for (bool first = true; (result = sqlite3_step(rows.get())) == SQLITE_ROW; first = false) {
-        if (!first) out += '\n';
+        if (!first) {
+            out += '\n';
+        }
         AppendRow(out, rows.get());
     }
-    if (result != SQLITE_DONE) throw Failure(db.get(), query);
+    if (result != SQLITE_DONE) {
+        throw Failure(db.get(), query);
+    }
     return out;
 }
 
@@ -80,7 +88,9 @@ void Sql::exec(const std::string& statements) const
     const Database db = Open(file_);
     for (std::string_view rest = statements; !rest.empty();) {
         const Statement statement = Prepare(db.get(), rest, rest);
-        if (statement == nullptr) continue;  // blanks or a comment
+        if (statement == nullptr) {
+            continue;  // blanks or a comment
+        }
         while (sqlite3_step(statement.get()) == SQLITE_ROW) {
         }
         if (sqlite3_errcode(db.get()) != SQLITE_OK && sqlite3_errcode(db.get()) != SQLITE_DONE) {

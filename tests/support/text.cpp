@@ -10,10 +10,18 @@ constexpr char32_t kReplacement = 0xFFFD;
 /// How many bytes follow a first byte.
 int FollowingBytes(unsigned char first)
 {
-    if (first < 0x80) return 0;
-    if (first >= 0xC2 && first < 0xE0) return 1;
-    if (first >= 0xE0 && first < 0xF0) return 2;
-    if (first >= 0xF0 && first < 0xF5) return 3;
+    if (first < 0x80) {
+        return 0;
+    }
+    if (first >= 0xC2 && first < 0xE0) {
+        return 1;
+    }
+    if (first >= 0xE0 && first < 0xF0) {
+        return 2;
+    }
+    if (first >= 0xF0 && first < 0xF5) {
+        return 3;
+    }
     throw std::invalid_argument("a test's text is not UTF-8");
 }
 
@@ -21,7 +29,9 @@ char32_t NextCodePoint(std::string_view& utf8)
 {
     const auto first = static_cast<unsigned char>(utf8[0]);
     const int following = FollowingBytes(first);
-    if (utf8.size() <= static_cast<size_t>(following)) throw std::invalid_argument("a test's text ends in a character");
+    if (utf8.size() <= static_cast<size_t>(following)) {
+        throw std::invalid_argument("a test's text ends in a character");
+    }
     char32_t code = following == 0 ? first : first & (0x3Fu >> following);
     for (int i = 1; i <= following; ++i) {
         code = code << 6 | (static_cast<unsigned char>(utf8[static_cast<size_t>(i)]) & 0x3Fu);
@@ -78,14 +88,18 @@ Text::Text(std::string_view utf8)
 Text Text::ofUnits(std::initializer_list<unsigned> units)
 {
     Text text;
-    for (const unsigned unit : units) text.units_.push_back(static_cast<DbChar>(unit));
+    for (const unsigned unit : units) {
+        text.units_.push_back(static_cast<DbChar>(unit));
+    }
     text.units_.push_back(0);
     return text;
 }
 
 std::string Utf8(const DbChar* text)
 {
-    if (text == nullptr) return "<null>";
+    if (text == nullptr) {
+        return "<null>";
+    }
     std::string out;
     while (*text != 0) {
         const char32_t unit = *text++;

@@ -110,7 +110,7 @@ TEST(Dates, DateFromTime_Seconds_AreLocalTime)
 {
     for (const int64_t seconds :
          {int64_t{0}, int64_t{86399}, int64_t{951'782'400}, int64_t{1'709'210'096}, int64_t{4'102'444'799}}) {
-        const auto moment = static_cast<std::time_t>(seconds);
+        const auto moment = static_cast<time_t>(seconds);
         const std::tm* local = std::localtime(&moment);
         ASSERT_NE(local, nullptr);
         char expected[32];

@@ -45,7 +45,9 @@ protected:
     {
         std::vector<std::string> found;
         for (const std::string& line : ReplacedServices::take()) {
-            if (line.find("Memory") == std::string::npos) found.push_back(line);
+            if (line.find("Memory") == std::string::npos) {
+                found.push_back(line);
+            }
         }
         return found;
     }

@@ -76,7 +76,9 @@ TEST_F(SqlText, AnyKind_LoneSurrogates_BecomeTheReplacementCharacter)
                           {Text::ofUnits({0xD83D, 0xD83D, 0xDE00}), r + "\xF0\x9F\x98\x80"},
                           {Text::ofUnits({0xD83D, 0xDE00, 0xDE00}), "\xF0\x9F\x98\x80" + r},
                           {Text::ofUnits({0xD83D, '\'', 0xDE00}), r + "'" + r}};
-    for (const Case& each : cases) EXPECT_EQ(plain(each.text), each.expected);
+    for (const Case& each : cases) {
+        EXPECT_EQ(plain(each.text), each.expected);
+    }
     EXPECT_EQ(escaped(cases[6].text), r + "''" + r);
 }
 

@@ -20,7 +20,9 @@ std::string Letters(size_t length)
 {
     constexpr std::string_view kLetters = "\x01 ab~!\x7F(0Z9@[`{}";
     std::string letters;
-    for (size_t i = 0; i < length; ++i) letters += kLetters[i % kLetters.size()];
+    for (size_t i = 0; i < length; ++i) {
+        letters += kLetters[i % kLetters.size()];
+    }
     return letters;
 }
 
@@ -75,7 +77,9 @@ TEST(NarrowAsciiBlock, EveryUnitAtEveryPlace_StopsIfItStopsOrIsNoAscii)
                     << unit << " at " << place;
                 const size_t ascii = unit < 0x80 ? kNarrowedBlock : place;
                 ASSERT_EQ(NarrowAsciiBlock(block.data(), 0, 0, out), ascii) << unit << " at " << place;
-                for (size_t i = 0; i < ascii; ++i) ASSERT_EQ(static_cast<DbChar>(out[i]), block[i]);
+                for (size_t i = 0; i < ascii; ++i) {
+                    ASSERT_EQ(static_cast<DbChar>(out[i]), block[i]);
+                }
             }
         }
     }
@@ -115,7 +119,9 @@ std::optional<std::vector<DbChar>> Widened(std::string_view text)
     const std::vector<char> bytes(text.begin(), text.end());
     std::vector<DbChar> units(text.size());
     const std::optional<size_t> length = WidenUtf8({bytes.data(), bytes.size()}, units.data());
-    if (!length.has_value()) return std::nullopt;
+    if (!length.has_value()) {
+        return std::nullopt;
+    }
     EXPECT_LE(*length, units.size());
     units.resize(*length);
     return units;
@@ -146,10 +152,14 @@ bool IsSurrogate(char32_t character)
 TEST(WidenUtf8, EveryCharacter_IsConverted)
 {
     for (char32_t first = 0; first <= 0x10FFFF; first += 0x100) {
-        if (IsSurrogate(first)) continue;
+        if (IsSurrogate(first)) {
+            continue;
+        }
         std::vector<DbChar> units;
         for (char32_t character = std::max(first, char32_t{1}); character < first + 0x100; ++character) {
-            if (character != 0xFFFE && character != 0xFFFF) AppendUnits(units, character);
+            if (character != 0xFFFE && character != 0xFFFF) {
+                AppendUnits(units, character);
+            }
         }
         ASSERT_EQ(Widened(Utf8Of(units)), units) << static_cast<uint32_t>(first);
     }
@@ -214,21 +224,43 @@ bool IsWellFormed(const std::string& character)
         return byte >= low && byte <= high;
     };
     const auto ends = [&](size_t length) {
-        if (character.size() != length) return false;
+        if (character.size() != length) {
+            return false;
+        }
         for (size_t i = 2; i < length; ++i) {
-            if (!within(i, 0x80, 0xBF)) return false;
+            if (!within(i, 0x80, 0xBF)) {
+                return false;
+            }
         }
         return true;
     };
-    if (character == "\xEF\xBF\xBE" || character == "\xEF\xBF\xBF") return false;
-    if (within(0, 0x00, 0x7F)) return ends(1);
-    if (within(0, 0xC2, 0xDF)) return ends(2) && within(1, 0x80, 0xBF);
-    if (within(0, 0xE0, 0xE0)) return ends(3) && within(1, 0xA0, 0xBF);
-    if (within(0, 0xED, 0xED)) return ends(3) && within(1, 0x80, 0x9F);
-    if (within(0, 0xE1, 0xEF)) return ends(3) && within(1, 0x80, 0xBF);
-    if (within(0, 0xF0, 0xF0)) return ends(4) && within(1, 0x90, 0xBF);
-    if (within(0, 0xF1, 0xF3)) return ends(4) && within(1, 0x80, 0xBF);
-    if (within(0, 0xF4, 0xF4)) return ends(4) && within(1, 0x80, 0x8F);
+    if (character == "\xEF\xBF\xBE" || character == "\xEF\xBF\xBF") {
+        return false;
+    }
+    if (within(0, 0x00, 0x7F)) {
+        return ends(1);
+    }
+    if (within(0, 0xC2, 0xDF)) {
+        return ends(2) && within(1, 0x80, 0xBF);
+    }
+    if (within(0, 0xE0, 0xE0)) {
+        return ends(3) && within(1, 0xA0, 0xBF);
+    }
+    if (within(0, 0xED, 0xED)) {
+        return ends(3) && within(1, 0x80, 0x9F);
+    }
+    if (within(0, 0xE1, 0xEF)) {
+        return ends(3) && within(1, 0x80, 0xBF);
+    }
+    if (within(0, 0xF0, 0xF0)) {
+        return ends(4) && within(1, 0x90, 0xBF);
+    }
+    if (within(0, 0xF1, 0xF3)) {
+        return ends(4) && within(1, 0x80, 0xBF);
+    }
+    if (within(0, 0xF4, 0xF4)) {
+        return ends(4) && within(1, 0x80, 0x8F);
+    }
     return false;
 }
 
@@ -245,7 +277,9 @@ TEST(WidenUtf8, EveryBeginning_IsSoundWhenTheStandardSaysSo)
                 const std::string three = two + third;
                 const bool restIsText = IsWellFormed(two) && static_cast<unsigned char>(third) < 0x80;
                 ASSERT_EQ(Widened(three).has_value(), IsWellFormed(three) || restIsText) << lead << ", " << second;
-                if (lead < 0xE0) continue;
+                if (lead < 0xE0) {
+                    continue;
+                }
                 for (const char fourth : kBorders) {
                     const std::string four = three + fourth;
                     const bool letterFollows = IsWellFormed(three) && static_cast<unsigned char>(fourth) < 0x80;
@@ -269,7 +303,9 @@ protected:
             for (size_t run = random_() % 20; run > 0; --run) {
                 const auto character =
                     static_cast<char32_t>(range.first + random_() % (range.second - range.first + 1));
-                if ((character & 0xFFFE) != 0xFFFE) AppendUnits(units, character);
+                if ((character & 0xFFFE) != 0xFFFE) {
+                    AppendUnits(units, character);
+                }
             }
         }
         return units;

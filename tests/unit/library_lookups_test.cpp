@@ -146,11 +146,15 @@ TEST_F(LookUps, GetFolders_OrderOfTheTable_IsTheOrderOfItsKey)
     FolderList list = {};
     EXPECT_EQ(DB_INTERNAL_GetFolders(W("351111"), Name{"tMFolder"}, list, FolderOrder::kTable), ResultCode::kSuccess);
     std::string paths;
-    for (int32_t i = 0; i < list.Count; ++i) paths += test::Utf8(list.Items[i].Path) + " ";
+    for (int32_t i = 0; i < list.Count; ++i) {
+        paths += test::Utf8(list.Items[i].Path) + " ";
+    }
     EXPECT_EQ(paths, "it's one three zero ");
     EXPECT_EQ(DB_INTERNAL_GetFolders(W("351111"), Name{"tMFolder"}, list, FolderOrder::kAddTime), ResultCode::kSuccess);
     paths.clear();
-    for (int32_t i = 0; i < list.Count; ++i) paths += test::Utf8(list.Items[i].Path) + " ";
+    for (int32_t i = 0; i < list.Count; ++i) {
+        paths += test::Utf8(list.Items[i].Path) + " ";
+    }
     EXPECT_EQ(paths, "it's three one zero ");
     EmptyList(list);
 }

@@ -30,7 +30,9 @@ class Utf8Table : public ::testing::TestWithParam<Conversion> {
 protected:
     void SetUp() override
     {
-        for (const unsigned unit : GetParam().units) text.push_back(static_cast<DbChar>(unit));
+        for (const unsigned unit : GetParam().units) {
+            text.push_back(static_cast<DbChar>(unit));
+        }
     }
 
     std::vector<DbChar> text;

@@ -56,7 +56,9 @@ TEST_F(NamedMutexTest, TwoThreads_ExcludeEachOther)
         for (int i = 0; i < kRounds; ++i) {
             mutex.lock();
             const int read = counter;
-            if (i % 100 == 0) std::this_thread::yield();
+            if (i % 100 == 0) {
+                std::this_thread::yield();
+            }
             counter = read + 1;
             mutex.unlock();
         }

@@ -35,7 +35,9 @@ class Variable {
 public:
     Variable(const char* name, const char* value) : name_(name)
     {
-        if (const char* before = std::getenv(name)) before_ = before;
+        if (const char* before = std::getenv(name)) {
+            before_ = before;
+        }
         set(value);
     }
     ~Variable() { set(before_.has_value() ? before_->c_str() : nullptr); }
@@ -127,8 +129,12 @@ TEST_F(PosixFolders, NoHomeEither_TheUsersEntryTellsIt)
     EXPECT_EQ(found, expected);
     EXPECT_TRUE(fs::is_directory(expected));
     // The user's own folders are left as they were.
-    if (!hadFolder) fs::remove(expected);
-    if (!hadParent) fs::remove(expected.parent_path());
+    if (!hadFolder) {
+        fs::remove(expected);
+    }
+    if (!hadParent) {
+        fs::remove(expected.parent_path());
+    }
 }
 
 TEST(PosixDates, OnlyTheStoredFormsAreRead)
@@ -228,7 +234,9 @@ TEST(PosixTrace, LineOfTheLongestStatement_ArrivesWholeAndInUtf8)
     OpenTrace();
     ASSERT_TRUE(services.traceIsRead());
     std::string line;
-    for (int i = 0; i < 41000; ++i) line += "\u4E2D";
+    for (int i = 0; i < 41000; ++i) {
+        line += "\u4E2D";
+    }
     const test::Text text(line);
     BeginTracedCall();
     services.writeTraceLine(text, text.length());
@@ -245,11 +253,16 @@ TEST(PosixTrace, StandardStreamsClosed_StayClosed)
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-        for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) close(file);
+        for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            close(file);
+        }
         OpenTrace();
         int taken = 0;
-        for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-            if (fcntl(file, F_GETFD) >= 0) ++taken;
+        for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            if (fcntl(file, F_GETFD) >= 0) {
+                ++taken;
+            }
+        }
         services.writeTraceLine(test::W("seen"), 4);
         _exit(services.traceIsRead() ? taken : 99);
     }
@@ -293,7 +306,9 @@ TEST(PosixTrace, EmptyRuntimeFolder_IsAsNoneGiven)
 {
     const test::DataFolder data;
     const std::string path = "/tmp/kesta_db-" + std::to_string(geteuid()) + ".trace";
-    if (access(path.c_str(), F_OK) == 0) GTEST_SKIP() << "somebody watches the trace of this user: " << path;
+    if (access(path.c_str(), F_OK) == 0) {
+        GTEST_SKIP() << "somebody watches the trace of this user: " << path;
+    }
     const Variable folder("XDG_RUNTIME_DIR", "");
     OpenTrace();
     EXPECT_FALSE(services.traceIsRead());

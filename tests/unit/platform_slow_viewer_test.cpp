@@ -41,23 +41,31 @@ int __real_clock_gettime(clockid_t clock, timespec* time);
 
 ssize_t __wrap_send(int socket, const void* bytes, size_t length, int flags)
 {
-    if (fake == nullptr) return __real_send(socket, bytes, length, flags);
+    if (fake == nullptr) {
+        return __real_send(socket, bytes, length, flags);
+    }
     const int error = fake->sendFails();
-    if (error == 0) return static_cast<ssize_t>(length);
+    if (error == 0) {
+        return static_cast<ssize_t>(length);
+    }
     errno = error;
     return -1;
 }
 
 int __wrap_poll(pollfd* files, nfds_t count, int limitMs)
 {
-    if (fake == nullptr) return __real_poll(files, count, limitMs);
+    if (fake == nullptr) {
+        return __real_poll(files, count, limitMs);
+    }
     fake->waits.push_back(limitMs);
     return fake->waited(limitMs) ? 1 : 0;
 }
 
 int __wrap_clock_gettime(clockid_t clock, timespec* time)
 {
-    if (fake == nullptr) return __real_clock_gettime(clock, time);
+    if (fake == nullptr) {
+        return __real_clock_gettime(clock, time);
+    }
     *time = {static_cast<time_t>(fake->nowMs / 1000), static_cast<long>(fake->nowMs % 1000 * 1'000'000)};
     return 0;
 }
@@ -102,7 +110,9 @@ protected:
 TEST_F(SlowViewer, NeverReads_HoldsOneCallUpForATenthOfASecond)
 {
     BeginTracedCall();
-    for (int i = 0; i < 3; ++i) write();
+    for (int i = 0; i < 3; ++i) {
+        write();
+    }
     EXPECT_THAT(waits(), ElementsAre(100));
     BeginTracedCall();
     write();
@@ -143,7 +153,9 @@ TEST_F(SlowViewer, MakesRoomInTime_EveryLineIsSent)
         return true;
     };
     BeginTracedCall();
-    for (int i = 0; i < 3; ++i) write();
+    for (int i = 0; i < 3; ++i) {
+        write();
+    }
     EXPECT_THAT(waits(), ElementsAre(100, 70, 40));
     EXPECT_EQ(room, 0);
 }

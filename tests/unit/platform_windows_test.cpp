@@ -17,7 +17,9 @@ namespace {
 
 TEST(AnsiCodePage, WesternLetters_BecomeOneByteAndOthersAQuestionMark)
 {
-    if (GetACP() != 1252) GTEST_SKIP() << "the code page of this system is " << GetACP();
+    if (GetACP() != 1252) {
+        GTEST_SKIP() << "the code page of this system is " << GetACP();
+    }
     const test::Text text = test::W("é€中");
     std::string out(4, '#');
     EXPECT_EQ(AnsiFromWide(text, text.length(), out.data(), 3), 3u);

@@ -31,7 +31,9 @@ std::function<void()> duringPause;
 void NotePause(uint32_t milliseconds) noexcept
 {
     pauses.push_back(milliseconds);
-    if (duringPause) duringPause();
+    if (duringPause) {
+        duringPause();
+    }
 }
 
 void NoteLine(const DbChar* line, size_t /*length*/) noexcept
@@ -96,11 +98,15 @@ protected:
         std::string last;
         int times = 0;
         const auto flush = [&] {
-            if (times > 0) tally.push_back(last + " x " + std::to_string(times));
+            if (times > 0) {
+                tally.push_back(last + " x " + std::to_string(times));
+            }
         };
         for (const std::string& line : lines) {
             std::string text = line.substr(kFront.size(), line.size() - kFront.size() - 1);
-            if (const size_t sql = text.find("Exec SQL:"); sql != std::string::npos) text.resize(sql + 8);
+            if (const size_t sql = text.find("Exec SQL:"); sql != std::string::npos) {
+                text.resize(sql + 8);
+            }
             if (text == last) {
                 ++times;
                 continue;
@@ -152,7 +158,9 @@ TEST_F(PlaylistsBusy, AddPlaylist_FreeAfterTheThirdAttempt_GoesOnAtOnce)
     withoutBusyRetry();
     givenWriteLock();
     duringPause = [this] {
-        if (pauses.size() == 3) endWriteLock();
+        if (pauses.size() == 3) {
+            endWriteLock();
+        }
     };
     EXPECT_EQ(addPlaylist(), 0);
     EXPECT_THAT(pauses, ElementsAre(567, 690, 813));
@@ -171,7 +179,9 @@ TEST_F(PlaylistsBusy, AddPlaylist_FreeDuringTheLastPause_HasGivenUpTheStepAndDoe
     withoutBusyRetry();
     givenWriteLock();
     duringPause = [this] {
-        if (pauses.size() == 10) endWriteLock();
+        if (pauses.size() == 10) {
+            endWriteLock();
+        }
     };
     EXPECT_EQ(addPlaylist(), 0);
     EXPECT_THAT(pauses, ElementsAreArray(kPausesOfAStep));

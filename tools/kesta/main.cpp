@@ -57,7 +57,9 @@ std::function<kesta::ExitCode()> Parse(std::vector<std::string> arguments, kesta
         return {};
     }
     for (const auto& [command, run] : commands) {
-        if (command->parsed()) return run;
+        if (command->parsed()) {
+            return run;
+        }
     }
     return {};
 }

@@ -24,7 +24,9 @@ struct Pipe {
     Pipe()
     {
         int ends[2];
-        if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error(std::strerror(errno));
+        if (pipe2(ends, O_CLOEXEC) != 0) {
+            throw std::runtime_error(std::strerror(errno));
+        }
         read = ends[0];
         write = ends[1];
     }
@@ -38,12 +40,16 @@ struct Pipe {
 
     void closeRead()
     {
-        if (read >= 0) close(read);
+        if (read >= 0) {
+            close(read);
+        }
         read = -1;
     }
     void closeWrite()
     {
-        if (write >= 0) close(write);
+        if (write >= 0) {
+            close(write);
+        }
         write = -1;
     }
 };
@@ -63,7 +69,9 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
 {
     (void)signal(SIGPIPE, SIG_IGN);  // a program that has gone shows in its missing answer
     std::vector<char*> list{const_cast<char*>(program.c_str())};
-    for (const std::string& argument : arguments) list.push_back(const_cast<char*>(argument.c_str()));
+    for (const std::string& argument : arguments) {
+        list.push_back(const_cast<char*>(argument.c_str()));
+    }
     list.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -71,7 +79,9 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     posix_spawn_file_actions_adddup2(&actions, impl_->output.write, STDOUT_FILENO);
     const int result = posix_spawn(&impl_->process, program.c_str(), &actions, nullptr, list.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (result != 0) throw std::runtime_error(program + ": " + std::strerror(result));
+    if (result != 0) {
+        throw std::runtime_error(program + ": " + std::strerror(result));
+    }
     impl_->input.closeRead();
     impl_->output.closeWrite();
 }
@@ -100,17 +110,23 @@ std::optional<std::string> ChildProcess::readLine(milliseconds patience)
         }
         const auto left = std::chrono::duration_cast<milliseconds>(deadline - Clock::now());
         pollfd event = {impl_->output.read, POLLIN, 0};
-        if (left.count() <= 0 || poll(&event, 1, static_cast<int>(left.count())) <= 0) return std::nullopt;
+        if (left.count() <= 0 || poll(&event, 1, static_cast<int>(left.count())) <= 0) {
+            return std::nullopt;
+        }
         char bytes[4096];
         const ssize_t size = read(impl_->output.read, bytes, sizeof bytes);
-        if (size <= 0) return std::nullopt;
+        if (size <= 0) {
+            return std::nullopt;
+        }
         impl_->unread.append(bytes, static_cast<size_t>(size));
     }
 }
 
 void ChildProcess::kill()
 {
-    if (impl_->exitCode.has_value()) return;
+    if (impl_->exitCode.has_value()) {
+        return;
+    }
     ::kill(impl_->process, SIGKILL);
     (void)wait(milliseconds(60000));
 }

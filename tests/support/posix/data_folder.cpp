@@ -22,7 +22,9 @@ fs::path TemporaryFolder()
 fs::path FreshFolder()
 {
     std::string name = TemporaryFolder() / "kesta-test-XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder: " + name);
+    if (mkdtemp(name.data()) == nullptr) {
+        throw std::runtime_error("no temporary folder: " + name);
+    }
     return name;
 }
 
@@ -31,7 +33,9 @@ void RemoveAll(const fs::path& folder)
 {
     std::error_code ignored;
     for (const auto& entry : fs::recursive_directory_iterator(folder, ignored)) {
-        if (entry.is_directory(ignored)) fs::permissions(entry.path(), fs::perms::owner_all, ignored);
+        if (entry.is_directory(ignored)) {
+            fs::permissions(entry.path(), fs::perms::owner_all, ignored);
+        }
     }
     fs::remove_all(folder, ignored);
 }
@@ -57,7 +61,9 @@ DataFolder::~DataFolder()
 fs::path OwnRuntimeFolder()
 {
     const char* given = std::getenv("XDG_RUNTIME_DIR");
-    if (given == nullptr) throw std::runtime_error("no runtime folder was given to this process");
+    if (given == nullptr) {
+        throw std::runtime_error("no runtime folder was given to this process");
+    }
     const fs::path own = fs::path(given) / std::to_string(getpid());
     fs::create_directory(own);
     setenv("XDG_RUNTIME_DIR", own.c_str(), 1);

@@ -10,7 +10,9 @@ namespace kesta::test {
 
 SharedObject::SharedObject(const std::string& path) : handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
 {
-    if (handle_ == nullptr) throw std::runtime_error(dlerror());
+    if (handle_ == nullptr) {
+        throw std::runtime_error(dlerror());
+    }
 }
 
 SharedObject::~SharedObject()
@@ -21,14 +23,18 @@ SharedObject::~SharedObject()
 SharedObject::Address SharedObject::symbol(const char* name) const
 {
     void* address = dlsym(handle_, name);
-    if (address == nullptr) throw std::runtime_error(dlerror());
+    if (address == nullptr) {
+        throw std::runtime_error(dlerror());
+    }
     return reinterpret_cast<Address>(address);
 }
 
 bool SharedObject::isLoaded(const std::string& path)
 {
     void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
-    if (handle == nullptr) return false;
+    if (handle == nullptr) {
+        return false;
+    }
     dlclose(handle);
     return true;
 }

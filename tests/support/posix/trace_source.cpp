@@ -30,7 +30,9 @@ public:
         sockaddr_un address = {};
         address.sun_family = AF_UNIX;
         const std::string name = path_.string();
-        if (name.size() >= sizeof address.sun_path) throw std::runtime_error("too long for a socket: " + name);
+        if (name.size() >= sizeof address.sun_path) {
+            throw std::runtime_error("too long for a socket: " + name);
+        }
         std::memcpy(address.sun_path, name.c_str(), name.size() + 1);
         if (bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
             throw std::runtime_error(name + ": " + std::strerror(errno));

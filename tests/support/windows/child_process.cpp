@@ -24,7 +24,9 @@ public:
 
     void close()
     {
-        if (handle_ != nullptr) CloseHandle(handle_);
+        if (handle_ != nullptr) {
+            CloseHandle(handle_);
+        }
         handle_ = nullptr;
     }
     HANDLE* out() { return &handle_; }
@@ -40,8 +42,12 @@ void MakePipe(Handle& ours, Handle& childs, bool childReads)
     SECURITY_ATTRIBUTES inheritable = {sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
     Handle& read = childReads ? childs : ours;
     Handle& write = childReads ? ours : childs;
-    if (!CreatePipe(read.out(), write.out(), &inheritable, 0)) Fail("pipe");
-    if (!SetHandleInformation(ours, HANDLE_FLAG_INHERIT, 0)) Fail("pipe");
+    if (!CreatePipe(read.out(), write.out(), &inheritable, 0)) {
+        Fail("pipe");
+    }
+    if (!SetHandleInformation(ours, HANDLE_FLAG_INHERIT, 0)) {
+        Fail("pipe");
+    }
 }
 
 }  // namespace
@@ -62,7 +68,9 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     MakePipe(impl_->input, childsInput, true);
     MakePipe(impl_->output, childsOutput, false);
     std::string command = '"' + program + '"';
-    for (const std::string& argument : arguments) command += " \"" + argument + '"';
+    for (const std::string& argument : arguments) {
+        command += " \"" + argument + '"';
+    }
     STARTUPINFOA start = {};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
@@ -99,36 +107,52 @@ std::optional<std::string> ChildProcess::readLine(milliseconds patience)
         if (const size_t end = impl_->unread.find('\n'); end != std::string::npos) {
             std::string line = impl_->unread.substr(0, end);
             impl_->unread.erase(0, end + 1);
-            if (line.ends_with('\r')) line.pop_back();
+            if (line.ends_with('\r')) {
+                line.pop_back();
+            }
             return line;
         }
         DWORD waiting = 0;
-        if (!PeekNamedPipe(impl_->output, nullptr, 0, nullptr, &waiting, nullptr)) return std::nullopt;
+        if (!PeekNamedPipe(impl_->output, nullptr, 0, nullptr, &waiting, nullptr)) {
+            return std::nullopt;
+        }
         if (waiting == 0) {
-            if (Clock::now() >= deadline) return std::nullopt;
+            if (Clock::now() >= deadline) {
+                return std::nullopt;
+            }
             std::this_thread::sleep_for(milliseconds(2));
             continue;
         }
         char bytes[4096];
         DWORD size = 0;
-        if (!ReadFile(impl_->output, bytes, sizeof bytes, &size, nullptr) || size == 0) return std::nullopt;
+        if (!ReadFile(impl_->output, bytes, sizeof bytes, &size, nullptr) || size == 0) {
+            return std::nullopt;
+        }
         impl_->unread.append(bytes, size);
     }
 }
 
 void ChildProcess::kill()
 {
-    if (impl_->exitCode.has_value()) return;
+    if (impl_->exitCode.has_value()) {
+        return;
+    }
     TerminateProcess(impl_->process, 137);
     (void)wait(milliseconds(60000));
 }
 
 std::optional<int> ChildProcess::wait(milliseconds patience)
 {
-    if (impl_->exitCode.has_value()) return impl_->exitCode;
-    if (WaitForSingleObject(impl_->process, static_cast<DWORD>(patience.count())) != WAIT_OBJECT_0) return std::nullopt;
+    if (impl_->exitCode.has_value()) {
+        return impl_->exitCode;
+    }
+    if (WaitForSingleObject(impl_->process, static_cast<DWORD>(patience.count())) != WAIT_OBJECT_0) {
+        return std::nullopt;
+    }
     DWORD code = 0;
-    if (!GetExitCodeProcess(impl_->process, &code)) Fail("exit code");
+    if (!GetExitCodeProcess(impl_->process, &code)) {
+        Fail("exit code");
+    }
     impl_->exitCode = static_cast<int>(code);
     return impl_->exitCode;
 }

@@ -35,7 +35,9 @@ void RemoveAll(const fs::path& folder)
 DataFolder::DataFolder() : root_(ApplicationData() / "NORVIK"), applicationData_(ApplicationData())
 {
     RemoveAll(root_);
-    if (fs::exists(root_)) throw std::runtime_error("left over by another test, and in use: " + root_.string());
+    if (fs::exists(root_)) {
+        throw std::runtime_error("left over by another test, and in use: " + root_.string());
+    }
 }
 
 DataFolder::~DataFolder()

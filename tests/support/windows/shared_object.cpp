@@ -16,7 +16,9 @@ std::string Failure(const std::string& what)
 
 SharedObject::SharedObject(const std::string& path) : handle_(LoadLibraryA(path.c_str()))
 {
-    if (handle_ == nullptr) throw std::runtime_error(Failure(path));
+    if (handle_ == nullptr) {
+        throw std::runtime_error(Failure(path));
+    }
 }
 
 SharedObject::~SharedObject()
@@ -27,7 +29,9 @@ SharedObject::~SharedObject()
 SharedObject::Address SharedObject::symbol(const char* name) const
 {
     const FARPROC address = GetProcAddress(static_cast<HMODULE>(handle_), name);
-    if (address == nullptr) throw std::runtime_error(Failure(name));
+    if (address == nullptr) {
+        throw std::runtime_error(Failure(name));
+    }
     return reinterpret_cast<Address>(reinterpret_cast<void*>(address));
 }
 
@@ -39,7 +43,9 @@ bool SharedObject::isLoaded(const std::string& path)
 size_t CountHandles()
 {
     DWORD count = 0;
-    if (!GetProcessHandleCount(GetCurrentProcess(), &count)) throw std::runtime_error(Failure("handle count"));
+    if (!GetProcessHandleCount(GetCurrentProcess(), &count)) {
+        throw std::runtime_error(Failure("handle count"));
+    }
     return count;
 }
 

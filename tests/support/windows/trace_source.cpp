@@ -47,7 +47,9 @@ void Keep(const EXCEPTION_RECORD& record)
 LONG CALLBACK OnException(EXCEPTION_POINTERS* exception)
 {
     const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
-    if (record.NumberParameters < 2) return EXCEPTION_CONTINUE_SEARCH;
+    if (record.NumberParameters < 2) {
+        return EXCEPTION_CONTINUE_SEARCH;
+    }
     switch (record.ExceptionCode) {
         case kWideText:
             Keep<wchar_t>(record);
@@ -64,7 +66,9 @@ class Handler : public TraceSource {
 public:
     Handler() : handle_(AddVectoredExceptionHandler(1, &OnException))
     {
-        if (handle_ == nullptr) throw std::runtime_error("no handler for debug output");
+        if (handle_ == nullptr) {
+            throw std::runtime_error("no handler for debug output");
+        }
         (void)take();
     }
     ~Handler() override { RemoveVectoredExceptionHandler(handle_); }

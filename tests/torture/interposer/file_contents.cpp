@@ -20,12 +20,16 @@ namespace {
 /// Whether a planted lie is about this open file.
 bool IsLiedAbout(int file, const char* suffix) noexcept
 {
-    if (suffix[0] == '\0') return false;
+    if (suffix[0] == '\0') {
+        return false;
+    }
     char link[32];
     std::snprintf(link, sizeof link, "/proc/self/fd/%d", file);
     char path[1024];
     const ssize_t length = NEXT(readlink)(link, path, sizeof path - 1);
-    if (length < 0) return false;
+    if (length < 0) {
+        return false;
+    }
     path[length] = '\0';
     return EndsWith(path, suffix);
 }
@@ -56,7 +60,9 @@ ssize_t Write(int file, const void* bytes, size_t length, off64_t position, Tran
     }
     const bool half = action == Action::kShort || action == Action::kKillMiddle;
     const ssize_t written = transfer(half ? length / 2 : length);
-    if (written > 0) Log(Operation::kWrite, file, position, bytes, static_cast<size_t>(written));
+    if (written > 0) {
+        Log(Operation::kWrite, file, position, bytes, static_cast<size_t>(written));
+    }
     Passed(action);
     return written;
 }
@@ -70,7 +76,9 @@ int Change(Kind kind, Call&& call) noexcept
         errno = TheState().plan.error;
         return -1;
     }
-    if (action == Action::kPretend) return 0;
+    if (action == Action::kPretend) {
+        return 0;
+    }
     const int result = call();
     Passed(action);
     return result;
@@ -79,9 +87,13 @@ int Change(Kind kind, Call&& call) noexcept
 int Sync(int file, int (*next)(int)) noexcept
 {
     return Change(Kind::kSync, [&] {
-        if (TheState().armed && IsLiedAbout(file, TheState().lies.skipSyncsOf)) return 0;
+        if (TheState().armed && IsLiedAbout(file, TheState().lies.skipSyncsOf)) {
+            return 0;
+        }
         const int result = next(file);
-        if (result == 0) Log(Operation::kSync, file, 0, nullptr, 0);
+        if (result == 0) {
+            Log(Operation::kSync, file, 0, nullptr, 0);
+        }
         return result;
     });
 }
@@ -90,7 +102,9 @@ int Truncate(int file, off64_t size) noexcept
 {
     return Change(Kind::kTruncate, [&] {
         const int result = NEXT(ftruncate64)(file, size);
-        if (result == 0) Log(Operation::kTruncate, file, size, nullptr, 0);
+        if (result == 0) {
+            Log(Operation::kTruncate, file, size, nullptr, 0);
+        }
         return result;
     });
 }
@@ -99,7 +113,9 @@ int Control(int file, int command, void* argument) noexcept
 {
     const bool isLock = command == F_SETLK || command == F_SETLKW || command == F_GETLK || command == F_OFD_SETLK ||
                         command == F_OFD_GETLK || command == F_OFD_SETLKW;
-    if (isLock && Fails(Kind::kLock)) return -1;
+    if (isLock && Fails(Kind::kLock)) {
+        return -1;
+    }
     return NEXT(fcntl64)(file, command, argument);
 }
 
@@ -122,7 +138,9 @@ ssize_t pread64(int file, void* bytes, size_t length, off64_t position)
 
 ssize_t write(int file, const void* bytes, size_t length)
 {
-    if (!TheState().armed) return NEXT(write)(file, bytes, length);
+    if (!TheState().armed) {
+        return NEXT(write)(file, bytes, length);
+    }
     const off64_t position = lseek64(file, 0, SEEK_CUR);
     return Write(file, bytes, length, position, [&](size_t part) { return NEXT(write)(file, bytes, part); });
 }
@@ -177,12 +195,16 @@ int flock(int file, int operation) noexcept
 
 void* mmap(void* address, size_t length, int protection, int flags, int file, off_t offset) noexcept
 {
-    if (file >= 0 && Fails(Kind::kMap)) return MAP_FAILED;
+    if (file >= 0 && Fails(Kind::kMap)) {
+        return MAP_FAILED;
+    }
     return NEXT(mmap)(address, length, protection, flags, file, offset);
 }
 void* mmap64(void* address, size_t length, int protection, int flags, int file, off64_t offset) noexcept
 {
-    if (file >= 0 && Fails(Kind::kMap)) return MAP_FAILED;
+    if (file >= 0 && Fails(Kind::kMap)) {
+        return MAP_FAILED;
+    }
     return NEXT(mmap64)(address, length, protection, flags, file, offset);
 }
 
@@ -209,7 +231,9 @@ int close(int file)
     Log(Operation::kClose, file, 0, nullptr, 0);
     const int result = NEXT(close)(file);  // an error does not keep the system from closing
     Passed(action);
-    if (action != Action::kFail) return result;
+    if (action != Action::kFail) {
+        return result;
+    }
     errno = TheState().plan.error;
     return -1;
 }

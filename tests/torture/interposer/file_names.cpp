@@ -40,7 +40,9 @@ int Changed(Kind kind, Call&& call) noexcept
         errno = TheState().plan.error;
         return -1;
     }
-    if (action == Action::kPretend) return 0;
+    if (action == Action::kPretend) {
+        return 0;
+    }
     const int result = call();
     Passed(action);
     return result;
@@ -49,7 +51,9 @@ int Changed(Kind kind, Call&& call) noexcept
 /// Notes the file under its full name, whatever folder the name was relative to.
 void LogOpened(int file, const char* path, int flags) noexcept
 {
-    if (!TheState().armed) return;
+    if (!TheState().armed) {
+        return;
+    }
     char own[32];
     std::snprintf(own, sizeof own, "/proc/self/fd/%d", file);
     char full[4096];
@@ -70,7 +74,9 @@ int Opened(const char* path, int flags, Call&& call) noexcept
         return -1;
     }
     const int file = call();
-    if (file >= 0) LogOpened(file, path, flags);
+    if (file >= 0) {
+        LogOpened(file, path, flags);
+    }
     Passed(action);
     return file;
 }
@@ -112,7 +118,9 @@ int unlink(const char* path) noexcept
 {
     return Changed(Kind::kUnlink, [&] {
         const int result = NEXT(unlink)(path);
-        if (result == 0) LogPath(Operation::kUnlink, path);
+        if (result == 0) {
+            LogPath(Operation::kUnlink, path);
+        }
         return result;
     });
 }
@@ -120,7 +128,9 @@ int rename(const char* from, const char* to) noexcept
 {
     return Changed(Kind::kRename, [&] {
         const int result = NEXT(rename)(from, to);
-        if (result == 0) LogPaths(Operation::kRename, from, to);
+        if (result == 0) {
+            LogPaths(Operation::kRename, from, to);
+        }
         return result;
     });
 }
@@ -128,7 +138,9 @@ int renameat2(int fromFolder, const char* from, int toFolder, const char* to, un
 {
     return Changed(Kind::kRename, [&] {
         const int result = NEXT(renameat2)(fromFolder, from, toFolder, to, flags);
-        if (result == 0) LogPaths(Operation::kRename, from, to);
+        if (result == 0) {
+            LogPaths(Operation::kRename, from, to);
+        }
         return result;
     });
 }
@@ -136,7 +148,9 @@ int link(const char* from, const char* to) noexcept
 {
     return Changed(Kind::kRename, [&] {
         const int result = NEXT(link)(from, to);
-        if (result == 0) LogPaths(Operation::kLink, from, to);
+        if (result == 0) {
+            LogPaths(Operation::kLink, from, to);
+        }
         return result;
     });
 }
@@ -144,7 +158,9 @@ int mkdir(const char* path, mode_t mode) noexcept
 {
     return Changed(Kind::kMakeFolder, [&] {
         const int result = NEXT(mkdir)(path, mode);
-        if (result == 0) LogPath(Operation::kMakeFolder, path);
+        if (result == 0) {
+            LogPath(Operation::kMakeFolder, path);
+        }
         return result;
     });
 }
@@ -196,7 +212,9 @@ time_t time(time_t* out) noexcept
 {
     constexpr time_t kFixed = 1'700'000'000;
     const time_t now = TheState().armed ? kFixed : NEXT(time)(nullptr);
-    if (out != nullptr) *out = now;
+    if (out != nullptr) {
+        *out = now;
+    }
     return now;
 }
 }

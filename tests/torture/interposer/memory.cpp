@@ -36,7 +36,9 @@ void* aligned_alloc(size_t alignment, size_t size)
 
 int posix_memalign(void** memory, size_t alignment, size_t size)
 {
-    if (Fails(Kind::kMemory)) return ENOMEM;
+    if (Fails(Kind::kMemory)) {
+        return ENOMEM;
+    }
     *memory = __libc_memalign(alignment, size);
     return *memory != nullptr ? 0 : ENOMEM;
 }

@@ -24,7 +24,9 @@ struct Header {
 
 void Log(Operation operation, int file, int64_t offset, const void* bytes, size_t length) noexcept
 {
-    if (logFile < 0 || !(TheState().armed || operation == Operation::kMark)) return;
+    if (logFile < 0 || !(TheState().armed || operation == Operation::kMark)) {
+        return;
+    }
     Header header = {static_cast<int32_t>(operation), file, offset, length};
     iovec parts[] = {{&header, sizeof header}, {const_cast<void*>(bytes), length}};
     syscall(SYS_writev, logFile, parts, length > 0 ? 2 : 1);
@@ -40,7 +42,9 @@ void LogPaths(Operation operation, const char* from, const char* to) noexcept
     char both[4096];
     const size_t first = std::strlen(from) + 1;
     const size_t second = std::strlen(to);
-    if (first + second > sizeof both) return;
+    if (first + second > sizeof both) {
+        return;
+    }
     std::memcpy(both, from, first);
     std::memcpy(both + first, to, second);
     Log(operation, -1, 0, both, first + second);

@@ -66,35 +66,49 @@ void Kill() noexcept
 
 Action Ask(Kind kind) noexcept
 {
-    if (!state.armed) return Action::kNone;
+    if (!state.armed) {
+        return Action::kNone;
+    }
     const Plan& plan = state.plan;
-    if ((plan.kinds >> static_cast<uint32_t>(kind) & 1) == 0) return Action::kNone;
+    if ((plan.kinds >> static_cast<uint32_t>(kind) & 1) == 0) {
+        return Action::kNone;
+    }
     const int64_t number = state.counted++;
-    if (number < static_cast<int64_t>(kMostKinds)) kinds[static_cast<size_t>(number)] = static_cast<uint8_t>(kind);
+    if (number < static_cast<int64_t>(kMostKinds)) {
+        kinds[static_cast<size_t>(number)] = static_cast<uint8_t>(kind);
+    }
     if (state.struck && kind == state.struckKind && state.repeatsLeft > 0) {
         --state.repeatsLeft;
         return plan.action;
     }
-    if (number != plan.nth) return Action::kNone;
+    if (number != plan.nth) {
+        return Action::kNone;
+    }
     state.struck = true;
     state.struckKind = kind;
     state.repeatsLeft = plan.repeats;
     DoPlanted();
-    if (plan.action == Action::kKillBefore) Kill();
+    if (plan.action == Action::kKillBefore) {
+        Kill();
+    }
     return plan.action;
 }
 
 bool Fails(Kind kind) noexcept
 {
     const Action action = Ask(kind);
-    if (action != Action::kFail) return false;
+    if (action != Action::kFail) {
+        return false;
+    }
     errno = state.plan.error;
     return true;
 }
 
 void Passed(Action action) noexcept
 {
-    if (action == Action::kKillAfter || action == Action::kKillMiddle) Kill();
+    if (action == Action::kKillAfter || action == Action::kKillMiddle) {
+        Kill();
+    }
 }
 
 bool EndsWith(const char* name, const char* suffix) noexcept

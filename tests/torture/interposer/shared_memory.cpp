@@ -25,7 +25,9 @@ extern "C" {
 
 int shmget(key_t key, size_t size, int flags) noexcept
 {
-    if (Fails(Kind::kShared)) return -1;
+    if (Fails(Kind::kShared)) {
+        return -1;
+    }
     const char* own = TheState().mutexName;
     return NEXT(shmget)(own[0] != '\0' ? KeyOf(own) : key, size, flags);
 }
@@ -42,6 +44,8 @@ int shmctl(int segment, int command, shmid_ds* status) noexcept
 void torture_forget_mutex(const char* name)
 {
     const int segment = NEXT(shmget)(KeyOf(name), 0, 0);
-    if (segment >= 0) NEXT(shmctl)(segment, IPC_RMID, nullptr);
+    if (segment >= 0) {
+        NEXT(shmctl)(segment, IPC_RMID, nullptr);
+    }
 }
 }

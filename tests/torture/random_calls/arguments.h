@@ -36,8 +36,12 @@ public:
     Parameter value() { return isNull_ ? nullptr : &record_; }
     void check(Caller& /*caller*/)
     {
-        if constexpr (std::is_same_v<Record, BackupRecord>) given_.bcID = record_.bcID;
-        if (std::memcmp(&given_, &record_, sizeof record_) != 0) Fail("a record was changed that is the caller's");
+        if constexpr (std::is_same_v<Record, BackupRecord>) {
+            given_.bcID = record_.bcID;
+        }
+        if (std::memcmp(&given_, &record_, sizeof record_) != 0) {
+            Fail("a record was changed that is the caller's");
+        }
     }
 
 private:
@@ -156,12 +160,16 @@ public:
     explicit KeptList(Caller& caller)
         : isNull_(caller.bytes.rarely(kNullOneIn)), list_(std::get<List>(caller.slots.lists))
     {
-        if (caller.bytes.rarely(8)) list_.Count = list_.Items == nullptr ? Number(caller.bytes) : 0;
+        if (caller.bytes.rarely(8)) {
+            list_.Count = list_.Items == nullptr ? Number(caller.bytes) : 0;
+        }
     }
     List* value() { return isNull_ ? nullptr : &list_; }
     void check(Caller& /*caller*/) const
     {
-        if (!isNull_ && (list_.Count == 0 || list_.Items != nullptr)) CheckList(list_);
+        if (!isNull_ && (list_.Count == 0 || list_.Items != nullptr)) {
+            CheckList(list_);
+        }
     }
 
 private:
@@ -201,9 +209,13 @@ public:
             }
         }
         count = static_cast<int32_t>(elements.size());
-        if (!caller.bytes.rarely(8)) return;
+        if (!caller.bytes.rarely(8)) {
+            return;
+        }
         count = Number(caller.bytes);
-        if (count > 0) elements = {};
+        if (count > 0) {
+            elements = {};
+        }
     }
 
     Element* items() { return elements.empty() ? nullptr : elements.data(); }
@@ -268,15 +280,23 @@ class Argument<FileNameArray*> {
 public:
     explicit Argument(Caller& caller) : isNull_(caller.bytes.rarely(kNullOneIn)), names_(caller.slots.names)
     {
-        if (names_.Items == nullptr && caller.bytes.rarely(8)) names_.Count = Number(caller.bytes);
+        if (names_.Items == nullptr && caller.bytes.rarely(8)) {
+            names_.Count = Number(caller.bytes);
+        }
     }
     FileNameArray* value() { return isNull_ ? nullptr : &names_; }
     void check(Caller& /*caller*/) const
     {
-        if (names_.Items == nullptr) return;
-        if (names_.Count < 0) Fail("an array counts %d names", names_.Count);
+        if (names_.Items == nullptr) {
+            return;
+        }
+        if (names_.Count < 0) {
+            Fail("an array counts %d names", names_.Count);
+        }
         for (int32_t i = 0; i < names_.Count; ++i) {
-            if (names_.Items[i] == nullptr) Fail("an array holds no name at %d", i);
+            if (names_.Items[i] == nullptr) {
+                Fail("an array holds no name at %d", i);
+            }
             (void)TextView(names_.Items[i]);
         }
     }
@@ -306,7 +326,9 @@ public:
     DbChar** value() { return isNull_ ? nullptr : &slot_; }
     void check(Caller& /*caller*/) const
     {
-        if (slot_ != nullptr) (void)TextView(slot_);
+        if (slot_ != nullptr) {
+            (void)TextView(slot_);
+        }
     }
 
 private:

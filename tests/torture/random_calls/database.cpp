@@ -27,7 +27,9 @@ uint32_t Big(const uint8_t* bytes)
 
 void PutBig(uint8_t* bytes, uint32_t value)
 {
-    for (int i = 3; i >= 0; --i, value >>= 8) bytes[i] = static_cast<uint8_t>(value);
+    for (int i = 3; i >= 0; --i, value >>= 8) {
+        bytes[i] = static_cast<uint8_t>(value);
+    }
 }
 
 /// The tables that other programs keep in the file.
@@ -72,7 +74,9 @@ DbChar* T(const DbChar* text)
 
 void Must(int32_t result, const char* what)
 {
-    if (result != 0) Fail("%s was answered by %d", what, result);
+    if (result != 0) {
+        Fail("%s was answered by %d", what, result);
+    }
 }
 
 struct Category {
@@ -133,11 +137,15 @@ void FillPim(const Exports& lib, const DbChar* phone)
 
 Database::Database(const Library& library) : file_(open(library.databasePath().c_str(), O_RDWR | O_CLOEXEC))
 {
-    if (file_ < 0) throw std::system_error(errno, std::generic_category(), "the database file");
+    if (file_ < 0) {
+        throw std::system_error(errno, std::generic_category(), "the database file");
+    }
     files_[0] = read();
 
     for (const TextView phone : kPhones) {
-        if (library.DB_LIB_PhoneDetected(phone.data(), u"Phone") < 1) Fail("a phone was not registered");
+        if (library.DB_LIB_PhoneDetected(phone.data(), u"Phone") < 1) {
+            Fail("a phone was not registered");
+        }
         FillMedia(library, phone.data());
         FillPlaylists(library, phone.data());
         FillPim(library, phone.data());
@@ -162,8 +170,12 @@ Database::~Database()
 void Database::restore(size_t which)
 {
     uint8_t now[4] = {};
-    if (pread(file_, now, sizeof now, kCounterAt) != sizeof now) Fail("the database file is empty");
-    if (last_ == which && counter_ == Big(now)) return;
+    if (pread(file_, now, sizeof now, kCounterAt) != sizeof now) {
+        Fail("the database file is empty");
+    }
+    if (last_ == which && counter_ == Big(now)) {
+        return;
+    }
     // A counter that no file here had before, or the library would go on with what it has read.
     counter_ = std::max(counter_, Big(now)) + 1000;
     Bytes& file = files_[which];
@@ -184,16 +196,22 @@ bool Database::isLocked() const
     lock.l_whence = SEEK_SET;
     lock.l_start = kLockBytes;
     lock.l_len = kLockLength;
-    if (fcntl(file_, F_OFD_GETLK, &lock) != 0) throw std::system_error(errno, std::generic_category(), "F_OFD_GETLK");
+    if (fcntl(file_, F_OFD_GETLK, &lock) != 0) {
+        throw std::system_error(errno, std::generic_category(), "F_OFD_GETLK");
+    }
     return lock.l_type != F_UNLCK;
 }
 
 Database::Bytes Database::read() const
 {
     struct stat status = {};
-    if (fstat(file_, &status) != 0) throw std::system_error(errno, std::generic_category(), "the database file");
+    if (fstat(file_, &status) != 0) {
+        throw std::system_error(errno, std::generic_category(), "the database file");
+    }
     Bytes bytes(static_cast<size_t>(status.st_size));
-    if (pread(file_, bytes.data(), bytes.size(), 0) != status.st_size) Fail("the database file could not be read");
+    if (pread(file_, bytes.data(), bytes.size(), 0) != status.st_size) {
+        Fail("the database file could not be read");
+    }
     return bytes;
 }
 

@@ -45,7 +45,9 @@ Results ResultsOf(std::string_view name)
 {
     for (const Contract& contract : kContracts) {
         const bool isEnd = contract.name.front() == '*';
-        if (isEnd ? name.ends_with(contract.name.substr(1)) : name == contract.name) return contract.results;
+        if (isEnd ? name.ends_with(contract.name.substr(1)) : name == contract.name) {
+            return contract.results;
+        }
     }
     return Results::kZeroOrOne;
 }
@@ -83,7 +85,9 @@ std::span<const AnyExport> AllExports()
 
 void CheckResult(const char* name, int32_t result)
 {
-    if (!IsKnown(ResultsOf(name), result)) Fail("%s() answered %d", name, result);
+    if (!IsKnown(ResultsOf(name), result)) {
+        Fail("%s() answered %d", name, result);
+    }
 }
 
 }  // namespace kesta::test

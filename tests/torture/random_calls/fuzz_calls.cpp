@@ -35,7 +35,9 @@ struct World {
 
     World()
     {
-        if (library.DB_Open() != 0) Fail("the database is not open");
+        if (library.DB_Open() != 0) {
+            Fail("the database is not open");
+        }
         std::atexit(TellCalls);
     }
 };
@@ -49,9 +51,12 @@ World& TheWorld()
 void CheckLine(const char* line, size_t length)
 {
     static constexpr char kPrefix[] = "DB TRACE >> ";
-    if (length < sizeof kPrefix || std::memcmp(line, kPrefix, sizeof kPrefix - 1) != 0)
+    if (length < sizeof kPrefix || std::memcmp(line, kPrefix, sizeof kPrefix - 1) != 0) {
         Fail("a line without its prefix");
-    if (line[length - 1] != '\n') Fail("a line without its end");
+    }
+    if (line[length - 1] != '\n') {
+        Fail("a line without its end");
+    }
 }
 
 }  // namespace
@@ -81,7 +86,9 @@ extern "C" int shm_open(const char* name, int flags, mode_t mode)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     World& world = TheWorld();
-    if (size == 0) return 0;
+    if (size == 0) {
+        return 0;
+    }
     world.database.restore(data[0] % Database::kFiles);
     for (size_t at = 1; at + CallBytes::kSize <= size; at += CallBytes::kSize) {
         CallBytes bytes(std::span<const uint8_t, CallBytes::kSize>(data + at, CallBytes::kSize));
@@ -90,7 +97,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const AnyExport& chosen = AllExports()[bytes.next() % AllExports().size()];
         const int32_t result = chosen.call(caller);
         CheckResult(chosen.name, result);
-        if (world.database.isLocked()) Fail("%s() left a lock on the database", chosen.name);
+        if (world.database.isLocked()) {
+            Fail("%s() left a lock on the database", chosen.name);
+        }
         ++calls;
     }
     world.slots.release(world.library);

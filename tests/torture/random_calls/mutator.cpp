@@ -24,7 +24,9 @@ public:
     /// The size of the input after some changes, for one call is soon made and many are worth as much as one.
     size_t change()
     {
-        for (size_t changes = 1 + below(8); changes > 0; --changes) changeOne();
+        for (size_t changes = 1 + below(8); changes > 0; --changes) {
+            changeOne();
+        }
         return 1 + count_ * kCall;
     }
 
@@ -42,7 +44,9 @@ private:
                 addOne();
                 break;
             default:
-                if (count_ > 0) fill(at(below(count_)));
+                if (count_ > 0) {
+                    fill(at(below(count_)));
+                }
         }
     }
 
@@ -54,25 +58,33 @@ private:
     {
         std::generate_n(call, kCall, [&] { return static_cast<uint8_t>(random_()); });
         for (size_t i = 1; i < kCall; ++i) {
-            if (below(2) == 0) call[i] &= 0x0f;
+            if (below(2) == 0) {
+                call[i] &= 0x0f;
+            }
         }
     }
 
     uint8_t* makeRoom(size_t call)
     {
-        if (count_ < room_) ++count_;
+        if (count_ < room_) {
+            ++count_;
+        }
         std::memmove(at(call) + kCall, at(call), (count_ - call - 1) * kCall);
         return at(call);
     }
 
     void addOne()
     {
-        if (room_ > 0) fill(makeRoom(below(std::min(count_ + 1, room_))));
+        if (room_ > 0) {
+            fill(makeRoom(below(std::min(count_ + 1, room_))));
+        }
     }
 
     void repeatOne()
     {
-        if (count_ == 0) return addOne();
+        if (count_ == 0) {
+            return addOne();
+        }
         uint8_t copy[kCall];
         std::memcpy(copy, at(below(count_)), kCall);
         std::memcpy(makeRoom(below(std::min(count_ + 1, room_))), copy, kCall);
@@ -80,7 +92,9 @@ private:
 
     void removeOne()
     {
-        if (count_ == 0) return;
+        if (count_ == 0) {
+            return;
+        }
         const size_t call = below(count_);
         std::memmove(at(call), at(call) + kCall, (count_ - call - 1) * kCall);
         --count_;
@@ -97,6 +111,8 @@ private:
 
 extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t room, unsigned seed)
 {
-    if (size == 0 || room == 0 || seed % 3 == 0) return LLVMFuzzerMutate(data, size, room);
+    if (size == 0 || room == 0 || seed % 3 == 0) {
+        return LLVMFuzzerMutate(data, size, room);
+    }
     return kesta::test::Sequence(data, size, room, seed).change();
 }

@@ -16,29 +16,43 @@ volatile uint32_t seen = 0;
 
 void Read(const DbChar* text)
 {
-    if (text == nullptr) return;
+    if (text == nullptr) {
+        return;
+    }
     uint32_t sum = 0;
-    for (; *text != 0; ++text) sum += *text;
+    for (; *text != 0; ++text) {
+        sum += *text;
+    }
     seen = sum;
 }
 
 void Read(std::initializer_list<const DbChar*> texts)
 {
-    for (const DbChar* text : texts) Read(text);
+    for (const DbChar* text : texts) {
+        Read(text);
+    }
 }
 
 void Read(const uint8_t* data, int32_t length)
 {
-    if (length < 0) Fail("an item has %d bytes", length);
-    if (length > 0 && data == nullptr) Fail("an item counts %d bytes and has none", length);
+    if (length < 0) {
+        Fail("an item has %d bytes", length);
+    }
+    if (length > 0 && data == nullptr) {
+        Fail("an item counts %d bytes and has none", length);
+    }
     uint32_t sum = 0;
-    for (int32_t i = 0; i < length; ++i) sum += data[i];
+    for (int32_t i = 0; i < length; ++i) {
+        sum += data[i];
+    }
     seen = sum;
 }
 
 void Check(const DateValue& date)
 {
-    if (date.Status < kDateValid || date.Status > kDateNull) Fail("a date has the state %d", date.Status);
+    if (date.Status < kDateValid || date.Status > kDateNull) {
+        Fail("a date has the state %d", date.Status);
+    }
 }
 
 }  // namespace
@@ -126,7 +140,9 @@ void Fill(PimItemRecord& record, CallBytes& bytes, Texts& texts)
     record.DataLength = bytes.oneOf(kLengths);
     record.Data = nullptr;
     if (bytes.rarely(8)) {
-        if (bytes.rarely(2)) record.DataLength = 2147483647;  // of no data
+        if (bytes.rarely(2)) {
+            record.DataLength = 2147483647;  // of no data
+        }
         return;
     }
     // Exactly as much as there should be; an empty one still has an address.
@@ -154,7 +170,9 @@ void Check(const SyncedFileRecord& record)
 void Check(const MainFolderRecord& record)
 {
     Read(record.Setting);
-    if (record.Changed != 0 && record.Changed != 1) Fail("a main folder is changed %d times", record.Changed);
+    if (record.Changed != 0 && record.Changed != 1) {
+        Fail("a main folder is changed %d times", record.Changed);
+    }
 }
 
 void Check(const PhoneSettingRecord& record)

@@ -40,9 +40,15 @@ void CheckList(const List& list);
 template <class List>
 void CheckList(const List& list)
 {
-    if (list.Count < 0) Fail("a list counts %d elements", list.Count);
-    if (list.Count > 0 && list.Items == nullptr) Fail("a list counts %d elements and has none", list.Count);
-    for (int32_t i = 0; i < list.Count; ++i) Check(list.Items[i]);
+    if (list.Count < 0) {
+        Fail("a list counts %d elements", list.Count);
+    }
+    if (list.Count > 0 && list.Items == nullptr) {
+        Fail("a list counts %d elements and has none", list.Count);
+    }
+    for (int32_t i = 0; i < list.Count; ++i) {
+        Check(list.Items[i]);
+    }
 }
 
 }  // namespace kesta::test

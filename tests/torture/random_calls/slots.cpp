@@ -9,7 +9,9 @@ constexpr const DbChar* kNobody = u"nobody";
 
 void Expect(bool empty, const char* what)
 {
-    if (!empty) Fail("%s was not given back", what);
+    if (!empty) {
+        Fail("%s was not given back", what);
+    }
 }
 
 }  // namespace
@@ -42,7 +44,9 @@ void Slots::release(const Exports& library)
     Expect(std::get<PimItemList>(lists).Items == nullptr, "a list of items");
 
     if (names.Items != nullptr) {
-        for (int32_t i = 0; i < names.Count; ++i) std::free(names.Items[i]);
+        for (int32_t i = 0; i < names.Count; ++i) {
+            std::free(names.Items[i]);
+        }
     }
     std::free(names.Items);
     names = {};

@@ -107,9 +107,15 @@ DbChar* Texts::pick(CallBytes& bytes)
     const uint8_t choice = bytes.next();
     const bool first = !any_;
     any_ = true;
-    if (choice >= kNull) return nullptr;
-    if (choice >= kLongFrom) return keepLong(bytes);
-    if (choice >= kOrdinaryBelow) return keep(kNasty[(choice - kOrdinaryBelow) % std::size(kNasty)]);
+    if (choice >= kNull) {
+        return nullptr;
+    }
+    if (choice >= kLongFrom) {
+        return keepLong(bytes);
+    }
+    if (choice >= kOrdinaryBelow) {
+        return keep(kNasty[(choice - kOrdinaryBelow) % std::size(kNasty)]);
+    }
     return keep(first ? kPhones[choice % std::size(kPhones)] : kNames[choice % std::size(kNames)]);
 }
 
@@ -136,7 +142,9 @@ DbChar* Texts::keepLong(CallBytes& bytes)
     const size_t length = border + 4 - bytes.next();
     std::basic_string<DbChar> text;
     text.reserve(length);
-    while (text.size() + letter.size() <= length) text += letter;
+    while (text.size() + letter.size() <= length) {
+        text += letter;
+    }
     text.append(length - text.size(), u'x');
     return keep(text);
 }

@@ -10,7 +10,7 @@
 
 namespace kesta {
 
-using LocalTime = std::int64_t;
+using LocalTime = int64_t;
 
 /// std::nullopt gives the null date.
 [[nodiscard]] DateValue ToDateValue(std::optional<LocalTime> time);
@@ -22,6 +22,6 @@ using LocalTime = std::int64_t;
 /// for any other text and for a day that there is not, or that the database cannot hold.
 [[nodiscard]] std::optional<LocalTime> ParseLocalTime(std::string_view text);
 /// A moment given in UTC as the database would keep it; std::nullopt when it lies outside the years that they can hold.
-[[nodiscard]] std::optional<LocalTime> ToLocalTime(std::int64_t utcSeconds);
+[[nodiscard]] std::optional<LocalTime> ToLocalTime(int64_t utcSeconds);
 
 }  // namespace kesta

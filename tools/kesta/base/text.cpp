@@ -36,28 +36,30 @@ bool IsCombining(char32_t c)
 
 void AppendHex(std::string& text, char32_t value, int digits)
 {
-    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4) text += "0123456789abcdef"[(value >> shift) & 0xF];
+    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4) {
+        text += "0123456789abcdef"[(value >> shift) & 0xF];
+    }
 }
 
 }  // namespace
 
 char32_t NextCharacter(std::string_view& utf8)
 {
-    const auto byte = [&](std::size_t at) { return static_cast<std::uint8_t>(utf8[at]); };
-    const std::uint8_t first = byte(0);
-    const std::size_t length = first < 0x80   ? 1
-                               : first < 0xC2 ? 0
-                               : first < 0xE0 ? 2
-                               : first < 0xF0 ? 3
-                               : first < 0xF5 ? 4
-                                              : 0;
+    const auto byte = [&](size_t at) { return static_cast<uint8_t>(utf8[at]); };
+    const uint8_t first = byte(0);
+    const size_t length = first < 0x80   ? 1
+                          : first < 0xC2 ? 0
+                          : first < 0xE0 ? 2
+                          : first < 0xF0 ? 3
+                          : first < 0xF5 ? 4
+                                         : 0;
     if (length == 1) {
         utf8.remove_prefix(1);
         return first;
     }
     char32_t character = length == 2 ? first & 0x1Fu : length == 3 ? first & 0x0Fu : first & 0x07u;
     bool valid = length != 0 && utf8.size() >= length;
-    for (std::size_t i = 1; valid && i < length; ++i) {
+    for (size_t i = 1; valid && i < length; ++i) {
         valid = (byte(i) & 0xC0) == 0x80;
         character = (character << 6) | (byte(i) & 0x3Fu);
     }
@@ -89,8 +91,11 @@ void AppendCharacter(std::string& utf8, char32_t c)
 
 bool IsValidUtf8(std::string_view text)
 {
-    while (!text.empty())
-        if (NextCharacter(text) > kLastCharacter) return false;
+    while (!text.empty()) {
+        if (NextCharacter(text) > kLastCharacter) {
+            return false;
+        }
+    }
     return true;
 }
 
@@ -100,7 +105,9 @@ std::optional<DbText> ToDbText(std::string_view utf8)
     text.reserve(utf8.size());
     while (!utf8.empty()) {
         const char32_t c = NextCharacter(utf8);
-        if (c > kLastCharacter || c == 0) return std::nullopt;
+        if (c > kLastCharacter || c == 0) {
+            return std::nullopt;
+        }
         if (c >= 0x10000) {
             text += static_cast<DbChar>(0xD800 + ((c - 0x10000) >> 10));
             text += static_cast<DbChar>(0xDC00 + ((c - 0x10000) & 0x3FF));
@@ -114,14 +121,18 @@ std::optional<DbText> ToDbText(std::string_view utf8)
 std::string FromDbText(const DbChar* text)
 {
     std::string utf8;
-    if (text == nullptr) return utf8;
+    if (text == nullptr) {
+        return utf8;
+    }
     while (*text != 0) {
         char32_t c = static_cast<char32_t>(*text++);
         if (IsSurrogate(c)) {
             const char32_t next = static_cast<char32_t>(*text);
             const bool isPair = c < 0xDC00 && next >= 0xDC00 && next <= 0xDFFF;
             c = isPair ? 0x10000 + ((c - 0xD800) << 10) + (next - 0xDC00) : kReplacement;
-            if (isPair) ++text;
+            if (isPair) {
+                ++text;
+            }
         }
         AppendCharacter(utf8, c);
     }
@@ -147,9 +158,9 @@ std::string Printable(std::string_view utf8)
     return text;
 }
 
-std::size_t DisplayWidth(std::string_view utf8)
+size_t DisplayWidth(std::string_view utf8)
 {
-    std::size_t width = 0;
+    size_t width = 0;
     while (!utf8.empty()) {
         const char32_t c = NextCharacter(utf8);
         width += IsCombining(c) ? 0u : IsWide(c) ? 2u : 1u;

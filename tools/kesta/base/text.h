@@ -25,6 +25,6 @@ void AppendCharacter(std::string& utf8, char32_t character);
 /// For the terminal: control characters and invalid bytes are written out as \xNN or \uNNNN.
 [[nodiscard]] std::string Printable(std::string_view utf8);
 /// How many columns the text takes on a terminal: two for wide characters, none for combining ones.
-[[nodiscard]] std::size_t DisplayWidth(std::string_view utf8);
+[[nodiscard]] size_t DisplayWidth(std::string_view utf8);
 
 }  // namespace kesta

@@ -51,7 +51,7 @@ std::string TimeText(const std::optional<LocalTime>& time)
     return time ? FormatLocalTime(*time) : std::string("unknown");
 }
 
-std::string EndOf(std::size_t count, const char* noun)
+std::string EndOf(size_t count, const char* noun)
 {
     return count == 0 ? std::string("Nothing is recorded here.\n") : Counted(count, noun) + "\n";
 }
@@ -59,8 +59,9 @@ std::string EndOf(std::size_t count, const char* noun)
 Listing ListMedia(Database& database, const FilesOptions& options, Category category)
 {
     std::vector<RecordedFile> files = database.files(options.imei, category);
-    if (options.folder)
+    if (options.folder) {
         std::erase_if(files, [&](const RecordedFile& file) { return !IsNamed(file.basePath, *options.folder); });
+    }
     Listing listing;
     listing.json["files"] = Json::array();
     Table table({"Modified", "File", "On the phone"});
@@ -68,7 +69,9 @@ Listing ListMedia(Database& database, const FilesOptions& options, Category cate
         listing.json["files"].push_back(FileJson(file, "folder"));
         table.add({TimeText(file.modified), file.path, file.phonePath});
     }
-    if (!files.empty()) listing.text = table.text("");
+    if (!files.empty()) {
+        listing.text = table.text("");
+    }
     listing.text += EndOf(files.size(), "file");
     return listing;
 }
@@ -76,8 +79,9 @@ Listing ListMedia(Database& database, const FilesOptions& options, Category cate
 Listing ListGallery(Database& database, const FilesOptions& options)
 {
     std::vector<RecordedFolder> folders = GalleryRecords(database).folders(options.imei);
-    if (options.folder)
+    if (options.folder) {
         std::erase_if(folders, [&](const RecordedFolder& folder) { return !IsNamed(folder.path, *options.folder); });
+    }
     Listing listing;
     listing.json["folders"] = Json::array();
     Table table({"Folder", ">Files", ">Size", "Added", "State"});
@@ -86,7 +90,9 @@ Listing ListGallery(Database& database, const FilesOptions& options)
         table.add({folder.path, std::to_string(folder.count), SizeText(folder.size), TimeText(folder.added),
                    StateOf(folder)});
     }
-    if (!folders.empty()) listing.text = table.text("");
+    if (!folders.empty()) {
+        listing.text = table.text("");
+    }
     listing.text += EndOf(folders.size(), "folder");
     return listing;
 }
@@ -96,9 +102,11 @@ Listing ListPlaylists(Database& database, const FilesOptions& options)
     PlaylistRecords playlists(database, options.imei);
     Listing listing;
     listing.json["playlists"] = Json::array();
-    std::size_t count = 0;
+    size_t count = 0;
     for (const RecordedPlaylist& list : playlists.lists()) {
-        if (options.folder && list.name != *options.folder) continue;
+        if (options.folder && list.name != *options.folder) {
+            continue;
+        }
         ++count;
         const std::vector<std::string> members = playlists.members(list.name);
         Json json = PlaylistJson(list);
@@ -106,18 +114,24 @@ Listing ListPlaylists(Database& database, const FilesOptions& options)
         listing.json["playlists"].push_back(std::move(json));
         listing.text += fmt::format("{}: {}{}\n", Printable(list.name), StateOf(list),
                                     list.idInPhone ? ", as " + Printable(*list.idInPhone) : std::string());
-        for (const std::string& member : members) listing.text += fmt::format("  {}\n", Printable(member));
+        for (const std::string& member : members) {
+            listing.text += fmt::format("  {}\n", Printable(member));
+        }
     }
     listing.json["files"] = Json::array();
     Table table({"Copied for playlists", "Playlist", "On the phone"});
-    std::size_t copied = 0;
+    size_t copied = 0;
     for (const RecordedFile& file : playlists.files()) {
-        if (options.folder && file.basePath != *options.folder) continue;
+        if (options.folder && file.basePath != *options.folder) {
+            continue;
+        }
         ++copied;
         listing.json["files"].push_back(FileJson(file, "playlist"));
         table.add({file.path, file.basePath, file.phonePath});
     }
-    if (copied > 0) listing.text += "\n" + table.text("");
+    if (copied > 0) {
+        listing.text += "\n" + table.text("");
+    }
     listing.text += EndOf(count, "playlist");
     return listing;
 }
@@ -135,7 +149,9 @@ Listing ListBookmarks(Database& database, const FilesOptions& options)
             {{"title", mark.title}, {"url", mark.url}, {"id_on_phone", mark.idOnPhone}, {"flag", mark.flag}});
         table.add({mark.title, mark.url});
     }
-    if (!marks.empty()) listing.text = table.text("");
+    if (!marks.empty()) {
+        listing.text = table.text("");
+    }
     listing.text += EndOf(marks.size(), "bookmark");
     return listing;
 }
@@ -155,7 +171,9 @@ Listing ListBackups(Database& database, const FilesOptions& options)
         listing.json["backups"].push_back(BackupJson(backup));
         table.add({TimeText(backup.modified), backup.path, SizeText(backup.size), backup.phonePath});
     }
-    if (!backups->empty()) listing.text = table.text("");
+    if (!backups->empty()) {
+        listing.text = table.text("");
+    }
     listing.text += EndOf(backups->size(), "backup");
     return listing;
 }
@@ -163,12 +181,16 @@ Listing ListBackups(Database& database, const FilesOptions& options)
 Listing ListPim(Database& database, const FilesOptions& options, PimKind kind)
 {
     std::set<std::string> onPhone;
-    for (PimLogRow& row : PimRecords(database).log(options.imei, kind)) onPhone.insert(std::move(row.guid));
+    for (PimLogRow& row : PimRecords(database).log(options.imei, kind)) {
+        onPhone.insert(std::move(row.guid));
+    }
     Listing listing;
     listing.json["folders"] = Json::array();
-    std::size_t count = 0;
+    size_t count = 0;
     for (const PimNode& node : ReadPimTree(database, kind)) {
-        if (options.folder && node.folder.path != *options.folder && node.name != *options.folder) continue;
+        if (options.folder && node.folder.path != *options.folder && node.name != *options.folder) {
+            continue;
+        }
         Json json = PimTreeJson({node}).at(0);
         json["items"] = Json::array();
         listing.text += fmt::format("{}{}: {}\n", std::string(2 * node.depth, ' '), Printable(node.name),
@@ -194,7 +216,7 @@ Listing ListLog(Database& database, const FilesOptions& options)
     PimRecords pim(database);
     Listing listing;
     Table table({"Kind", "Entry", "On the phone as", "Changed on the PC", "Changed on the phone"});
-    std::size_t count = 0;
+    size_t count = 0;
     for (const PimKind kind : kPimKinds) {
         Json entries = Json::array();
         for (const PimLogRow& row : pim.log(options.imei, kind)) {
@@ -208,19 +230,33 @@ Listing ListLog(Database& database, const FilesOptions& options)
         listing.json[std::string(KeyOf(kind))] = {{"profile", pim.logProfile(options.imei, kind)},
                                                   {"entries", std::move(entries)}};
     }
-    if (count > 0) listing.text = table.text("");
+    if (count > 0) {
+        listing.text = table.text("");
+    }
     listing.text += count == 0 ? std::string("Nothing is recorded here.\n") : CountedEntries(count) + "\n";
     return listing;
 }
 
 Listing List(Database& database, const FilesOptions& options)
 {
-    if (const auto category = CategoryOfKey(options.category)) return ListMedia(database, options, *category);
-    if (const auto kind = PimKindOfKey(options.category)) return ListPim(database, options, *kind);
-    if (options.category == "gallery") return ListGallery(database, options);
-    if (options.category == "playlists") return ListPlaylists(database, options);
-    if (options.category == "bookmarks") return ListBookmarks(database, options);
-    if (options.category == "backups") return ListBackups(database, options);
+    if (const auto category = CategoryOfKey(options.category)) {
+        return ListMedia(database, options, *category);
+    }
+    if (const auto kind = PimKindOfKey(options.category)) {
+        return ListPim(database, options, *kind);
+    }
+    if (options.category == "gallery") {
+        return ListGallery(database, options);
+    }
+    if (options.category == "playlists") {
+        return ListPlaylists(database, options);
+    }
+    if (options.category == "bookmarks") {
+        return ListBookmarks(database, options);
+    }
+    if (options.category == "backups") {
+        return ListBackups(database, options);
+    }
     return ListLog(database, options);
 }
 
@@ -267,7 +303,9 @@ constexpr const char* kFilesExamples =
 
 std::string CategoryProblem(const std::string& key)
 {
-    if (std::find(kFilesCategories.begin(), kFilesCategories.end(), key) != kFilesCategories.end()) return {};
+    if (std::find(kFilesCategories.begin(), kFilesCategories.end(), key) != kFilesCategories.end()) {
+        return {};
+    }
     return fmt::format("the categories are {}", fmt::join(kFilesCategories, ", "));
 }
 

@@ -19,15 +19,18 @@ struct Value {
 
 Json TimeJson(const std::optional<LocalTime>& time)
 {
-    if (!time) return nullptr;
+    if (!time) {
+        return nullptr;
+    }
     return FormatLocalTime(*time);
 }
 
 Json SettingsJson(const PhoneSettings& settings)
 {
     Json json = Json::object();
-    for (const Setting& setting : AllSettings())
+    for (const Setting& setting : AllSettings()) {
         json[std::string(setting.name)] = std::visit(Value{settings}, setting.field);
+    }
     return json;
 }
 
@@ -35,8 +38,9 @@ Json MainFoldersJson(Database& database, const std::string& imei)
 {
     MainFolderRecords mainFolders(database);
     Json json = Json::object();
-    for (const MainFolder folder : kMainFolders)
+    for (const MainFolder folder : kMainFolders) {
         json[std::string(KeyOf(folder))] = mainFolders.isSelected(imei, folder);
+    }
     return json;
 }
 

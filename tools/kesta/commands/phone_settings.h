@@ -14,7 +14,7 @@ namespace kesta {
 
 using TextSetting = std::string PhoneSettings::*;
 using TruthSetting = bool PhoneSettings::*;
-using NumberSetting = std::int32_t PhoneSettings::*;
+using NumberSetting = int32_t PhoneSettings::*;
 using DateSetting = std::optional<LocalTime> PhoneSettings::*;
 
 struct Setting {

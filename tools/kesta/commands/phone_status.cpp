@@ -24,47 +24,61 @@ std::string OnOff(bool on)
 
 std::string LastSyncText(const PhoneStatus& status)
 {
-    if (!status.lastSync) return "never";
+    if (!status.lastSync) {
+        return "never";
+    }
     const std::string time = FormatLocalTime(*status.lastSync);
-    if (!status.lastRun) return time + ", result unknown";
-    if (status.lastRun->code == 0) return time + ", without errors";
+    if (!status.lastRun) {
+        return time + ", result unknown";
+    }
+    if (status.lastRun->code == 0) {
+        return time + ", without errors";
+    }
     return fmt::format("{}, error {}: {}", time, status.lastRun->code, Printable(status.lastRun->reason));
 }
 
 std::string MainFoldersText(const PhoneStatus& status)
 {
     std::vector<std::string_view> selected, others;
-    for (const auto& [folder, isSelected] : status.mainFolders)
+    for (const auto& [folder, isSelected] : status.mainFolders) {
         (isSelected ? selected : others).push_back(KeyOf(folder));
+    }
     return fmt::format("{}{}", selected.empty() ? "none selected" : fmt::format("{}", fmt::join(selected, ", ")),
                        others.empty() ? "" : fmt::format("; not {}", fmt::join(others, ", ")));
 }
 
 std::string GalleryText(const PhoneStatus& status)
 {
-    std::int64_t size = 0;
-    std::size_t files = 0;
+    int64_t size = 0;
+    size_t files = 0;
     for (const RecordedFolder& folder : status.gallery) {
         size += folder.size;
-        files += static_cast<std::size_t>(std::max(folder.count, 0));
+        files += static_cast<size_t>(std::max(folder.count, 0));
     }
     std::string text = fmt::format("pictures and videos as one: {}, {}, {}", Counted(status.gallery.size(), "folder"),
                                    Counted(files, "file"), SizeText(size));
-    if (status.galleryLeftOut > 0)
+    if (status.galleryLeftOut > 0) {
         text += fmt::format("; {} left out by the merge", Counted(status.galleryLeftOut, "folder"));
+    }
     return text;
 }
 
 std::string LogText(const LogStatus& log)
 {
-    if (log.profile.empty() && log.entries == 0) return "never synced";
+    if (log.profile.empty() && log.entries == 0) {
+        return "never synced";
+    }
     return fmt::format("{} {} on the phone", log.entries, log.entries == 1 ? "entry" : "entries");
 }
 
 std::string BackupsText(const PhoneStatus& status)
 {
-    if (!status.backups) return "the database has no table for backups";
-    if (status.backups->empty()) return "none";
+    if (!status.backups) {
+        return "the database has no table for backups";
+    }
+    if (status.backups->empty()) {
+        return "none";
+    }
     return Counted(status.backups->size(), "archive");
 }
 
@@ -72,7 +86,9 @@ std::string FolderTables(const PhoneStatus& status)
 {
     std::string text;
     for (const auto& [category, folders] : status.folders) {
-        if (folders.empty()) continue;
+        if (folders.empty()) {
+            continue;
+        }
         Table table({std::string(TitleOf(category)), ">Files", ">Size", ">On phone", "State"});
         for (const auto& [folder, filesOnPhone] : folders) {
             table.add({folder.path, std::to_string(folder.count), SizeText(folder.size), std::to_string(filesOnPhone),
@@ -85,16 +101,21 @@ std::string FolderTables(const PhoneStatus& status)
 
 std::string PlaylistTable(const PhoneStatus& status)
 {
-    if (status.playlists.empty()) return {};
+    if (status.playlists.empty()) {
+        return {};
+    }
     Table table({"Playlists", ">Entries", ">Size", "State"});
-    for (const RecordedPlaylist& list : status.playlists)
+    for (const RecordedPlaylist& list : status.playlists) {
         table.add({list.name, std::to_string(list.count), SizeText(list.size), StateOf(list)});
+    }
     return "\n" + table.text("  ");
 }
 
 std::string BackupTable(const PhoneStatus& status)
 {
-    if (!status.backups || status.backups->empty()) return {};
+    if (!status.backups || status.backups->empty()) {
+        return {};
+    }
     Table table({"Backups", ">Size", "Made"});
     for (const RecordedBackup& backup : *status.backups) {
         table.add({backup.path, SizeText(backup.size),
@@ -127,14 +148,20 @@ Json CategoriesJson(const PhoneStatus& status)
     return categories;
 }
 
-std::size_t CountLeftOut(const PhoneStatus& status)
+size_t CountLeftOut(const PhoneStatus& status)
 {
     std::set<std::string> listed;
-    for (const RecordedFolder& folder : status.gallery) listed.insert(folder.path);
+    for (const RecordedFolder& folder : status.gallery) {
+        listed.insert(folder.path);
+    }
     std::set<std::string> missing;
-    for (const Category category : {Category::kImages, Category::kVideos})
-        for (const FolderStatus& entry : status.folders.at(category))
-            if (!listed.contains(entry.folder.path)) missing.insert(entry.folder.path);
+    for (const Category category : {Category::kImages, Category::kVideos}) {
+        for (const FolderStatus& entry : status.folders.at(category)) {
+            if (!listed.contains(entry.folder.path)) {
+                missing.insert(entry.folder.path);
+            }
+        }
+    }
     return missing.size();
 }
 
@@ -146,11 +173,14 @@ PhoneStatus Collect(Database& database, PhoneSettings settings)
     status.settings = std::move(settings);
     const std::string& imei = status.settings.imei;
     status.lastSync = database.lastSync(imei);
-    if (status.lastSync) status.lastRun = LoadLastRun(imei, *status.lastSync);
-    for (const MainFolder folder : kMainFolders)
+    if (status.lastSync) {
+        status.lastRun = LoadLastRun(imei, *status.lastSync);
+    }
+    for (const MainFolder folder : kMainFolders) {
         status.mainFolders[folder] = MainFolderRecords(database).isSelected(imei, folder);
+    }
     for (const Category category : kCategories) {
-        std::map<std::string, std::size_t> counts;
+        std::map<std::string, size_t> counts;
         for (const RecordedFile& file : database.files(imei, category)) {
             ++counts[file.basePath];
             ++status.files[category];
@@ -158,7 +188,7 @@ PhoneStatus Collect(Database& database, PhoneSettings settings)
         (void)status.files[category];  // A category without files has none.
         std::vector<FolderStatus>& folders = status.folders[category];
         for (RecordedFolder& folder : database.folders(imei, category)) {
-            const std::size_t onPhone = counts[folder.path];
+            const size_t onPhone = counts[folder.path];
             folders.push_back({std::move(folder), onPhone});
         }
     }
@@ -185,24 +215,34 @@ Json ToJson(const PhoneStatus& status)
               {"settings", SettingsJson(status.settings)},
               {"main_folders", Json::object()},
               {"categories", CategoriesJson(status)}};
-    if (status.lastRun) json["last_error"] = {{"code", status.lastRun->code}, {"reason", status.lastRun->reason}};
-    for (const auto& [folder, isSelected] : status.mainFolders)
+    if (status.lastRun) {
+        json["last_error"] = {{"code", status.lastRun->code}, {"reason", status.lastRun->reason}};
+    }
+    for (const auto& [folder, isSelected] : status.mainFolders) {
         json["main_folders"][std::string(KeyOf(folder))] = isSelected;
+    }
     Json gallery = Json::array();
-    for (const RecordedFolder& folder : status.gallery) gallery.push_back(GalleryFolderJson(folder));
+    for (const RecordedFolder& folder : status.gallery) {
+        gallery.push_back(GalleryFolderJson(folder));
+    }
     json["gallery"] = {{"folders", std::move(gallery)}, {"left_out", status.galleryLeftOut}};
     Json lists = Json::array();
-    for (const RecordedPlaylist& list : status.playlists) lists.push_back(PlaylistJson(list));
+    for (const RecordedPlaylist& list : status.playlists) {
+        lists.push_back(PlaylistJson(list));
+    }
     json["playlists"] = {{"files_on_phone", status.playlistFiles}, {"lists", std::move(lists)}};
     json["bookmarks"] = {{"type", status.settings.bookmarkType}, {"count", status.bookmarks}};
     json["backups"] = nullptr;
     if (status.backups) {
         json["backups"] = Json::array();
-        for (const RecordedBackup& backup : *status.backups) json["backups"].push_back(BackupJson(backup));
+        for (const RecordedBackup& backup : *status.backups) {
+            json["backups"].push_back(BackupJson(backup));
+        }
     }
     json["log"] = Json::object();
-    for (const auto& [kind, log] : status.logs)
+    for (const auto& [kind, log] : status.logs) {
         json["log"][std::string(KeyOf(kind))] = {{"profile", log.profile}, {"entries", log.entries}};
+    }
     return json;
 }
 
@@ -217,13 +257,19 @@ std::string ToText(const PhoneStatus& status)
     line("Settings", fmt::format("automatic sync {}, automatic backup {}, Wi-Fi {}", OnOff(settings.autoSync),
                                  OnOff(settings.autoBackup), OnOff(settings.allowWifi)));
     line("Main folders", MainFoldersText(status));
-    if (!settings.photoPath.empty()) line("Photos", Printable(settings.photoPath));
-    if (!settings.docPath.empty()) line("Documents", Printable(settings.docPath));
+    if (!settings.photoPath.empty()) {
+        line("Photos", Printable(settings.photoPath));
+    }
+    if (!settings.docPath.empty()) {
+        line("Documents", Printable(settings.docPath));
+    }
     line("Gallery", GalleryText(status));
     line("Playlists", fmt::format("{}, {} copied for them", Counted(status.playlists.size(), "playlist"),
                                   Counted(status.playlistFiles, "file")));
     line("Bookmarks", fmt::format("{} of type {}", status.bookmarks, settings.bookmarkType));
-    for (const auto& [kind, log] : status.logs) line(std::string(TitleOf(kind)).c_str(), LogText(log));
+    for (const auto& [kind, log] : status.logs) {
+        line(std::string(TitleOf(kind)).c_str(), LogText(log));
+    }
     line("Backups", BackupsText(status));
     return text + FolderTables(status) + PlaylistTable(status) + BackupTable(status);
 }
@@ -244,7 +290,7 @@ Json PlaylistJson(const RecordedPlaylist& list)
 {
     Json json{{"name", list.name},
               {"state", StateOf(list)},
-              {"flag", static_cast<std::int32_t>(list.state)},
+              {"flag", static_cast<int32_t>(list.state)},
               {"selected", list.selected},
               {"entries", list.count},
               {"size", list.size},
@@ -252,7 +298,9 @@ Json PlaylistJson(const RecordedPlaylist& list)
               {"measured", list.sized},
               {"id_on_phone", nullptr},
               {"digest", list.digest}};
-    if (list.idInPhone) json["id_on_phone"] = *list.idInPhone;
+    if (list.idInPhone) {
+        json["id_on_phone"] = *list.idInPhone;
+    }
     return json;
 }
 

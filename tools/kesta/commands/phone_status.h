@@ -18,12 +18,12 @@ namespace kesta {
 
 struct FolderStatus {
     RecordedFolder folder;
-    std::size_t filesOnPhone = 0;
+    size_t filesOnPhone = 0;
 };
 
 struct LogStatus {
     std::string profile;  // empty when there is no log
-    std::size_t entries = 0;
+    size_t entries = 0;
 };
 
 struct PhoneStatus {
@@ -32,12 +32,12 @@ struct PhoneStatus {
     std::optional<LastRun> lastRun;
     std::map<MainFolder, bool> mainFolders;  // whether they are selected
     std::map<Category, std::vector<FolderStatus>> folders;
-    std::map<Category, std::size_t> files;
+    std::map<Category, size_t> files;
     std::vector<RecordedFolder> gallery;
-    std::size_t galleryLeftOut = 0;  // folders that are pictures' or videos', but not in the merged list
+    size_t galleryLeftOut = 0;  // folders that are pictures' or videos', but not in the merged list
     std::vector<RecordedPlaylist> playlists;
-    std::size_t playlistFiles = 0;
-    std::size_t bookmarks = 0;                           // of the present bookmark type
+    size_t playlistFiles = 0;
+    size_t bookmarks = 0;                                // of the present bookmark type
     std::optional<std::vector<RecordedBackup>> backups;  // nothing: the database has no table for them
     std::map<PimKind, LogStatus> logs;
 };

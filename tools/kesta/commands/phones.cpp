@@ -10,13 +10,17 @@ namespace kesta {
 PhoneSettings KnownPhone(Database& database, const std::string& imei)
 {
     auto phone = database.phone(imei);
-    if (!phone) throw StopRun(ExitCode::kFailure, fmt::format("no phone with the IMEI {} is known", imei));
+    if (!phone) {
+        throw StopRun(ExitCode::kFailure, fmt::format("no phone with the IMEI {} is known", imei));
+    }
     return *std::move(phone);
 }
 
 std::vector<PhoneSettings> ChosenPhones(Database& database, const std::optional<std::string>& imei)
 {
-    if (!imei) return database.phones();
+    if (!imei) {
+        return database.phones();
+    }
     return {KnownPhone(database, *imei)};
 }
 

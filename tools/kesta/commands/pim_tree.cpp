@@ -7,11 +7,12 @@
 namespace kesta {
 namespace {
 
-void AddBelow(PimRecords& database, PimKind kind, const PimFolder& parent, std::size_t depth,
-              std::vector<PimNode>& tree)
+void AddBelow(PimRecords& database, PimKind kind, const PimFolder& parent, size_t depth, std::vector<PimNode>& tree)
 {
     for (const PimFolder& folder : database.folders(kind, parent.id, false)) {
-        if (tree.size() >= kMostListedPimFolders) return;  // A store that goes round in circles has no end.
+        if (tree.size() >= kMostListedPimFolders) {
+            return;  // A store that goes round in circles has no end.
+        }
         std::vector<PimItem> items = database.items(kind, folder.id);
         const bool isLonger = !parent.path.empty() && folder.path.starts_with(parent.path + "/");
         std::string name = isLonger ? folder.path.substr(parent.path.size() + 1) : folder.path;
@@ -35,7 +36,9 @@ Json PimTreeJson(const std::vector<PimNode>& tree)
     Json folders = Json::array();
     for (const PimNode& node : tree) {
         Json parent = nullptr;
-        if (node.depth > 0) parent = node.folder.parentId;
+        if (node.depth > 0) {
+            parent = node.folder.parentId;
+        }
         folders.push_back({{"id", node.folder.id},
                            {"parent", std::move(parent)},
                            {"path", node.folder.path},
@@ -50,14 +53,14 @@ std::string PimTreeText(const std::vector<PimNode>& tree, const std::string& ind
     std::string text;
     for (const PimNode& node : tree) {
         const std::string name = std::string(2 * node.depth, ' ') + Printable(node.name);
-        const std::size_t width = DisplayWidth(name);
+        const size_t width = DisplayWidth(name);
         text += fmt::format("{}{}{}  {}\n", indent, name, std::string(width < 40 ? 40 - width : 0, ' '),
                             CountedEntries(node.items.size()));
     }
     return text;
 }
 
-std::string CountedEntries(std::size_t count)
+std::string CountedEntries(size_t count)
 {
     return fmt::format("{} {}", count, count == 1 ? "entry" : "entries");
 }

@@ -12,7 +12,7 @@ namespace kesta {
 struct PimNode {
     PimFolder folder;
     std::string name;  // the folder's path without that of the folder above
-    std::size_t depth = 0;
+    size_t depth = 0;
     std::vector<PimItem> items;
 };
 
@@ -22,6 +22,6 @@ struct PimNode {
 /// With a line for each folder and the number of its entries.
 [[nodiscard]] std::string PimTreeText(const std::vector<PimNode>& tree, const std::string& indent);
 /// "1 entry", "2 entries"
-[[nodiscard]] std::string CountedEntries(std::size_t count);
+[[nodiscard]] std::string CountedEntries(size_t count);
 
 }  // namespace kesta

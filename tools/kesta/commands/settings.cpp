@@ -61,9 +61,14 @@ std::string SelectNameOf(MainFolder folder)
 [[noreturn]] void RefuseName(const std::string& name)
 {
     std::vector<std::string> names;
-    for (const Setting& setting : AllSettings())
-        if (setting.isWritable) names.emplace_back(setting.name);
-    for (const MainFolder folder : kMainFolders) names.push_back(SelectNameOf(folder));
+    for (const Setting& setting : AllSettings()) {
+        if (setting.isWritable) {
+            names.emplace_back(setting.name);
+        }
+    }
+    for (const MainFolder folder : kMainFolders) {
+        names.push_back(SelectNameOf(folder));
+    }
     const std::vector<std::string> near = NearNames(name, names);
     const std::string hint = near.empty() ? "" : fmt::format(" Did you mean {}?", fmt::join(near, " or "));
     throw StopRun(ExitCode::kUsage, fmt::format("there is no setting {}.{}\nThe settings are {}.", Printable(name),
@@ -74,26 +79,36 @@ void ReadChange(const std::string& change, Changes& changes)
 {
     const auto equals = change.find('=');
     const std::string name = change.substr(0, equals);
-    if (equals == std::string::npos)
+    if (equals == std::string::npos) {
         throw StopRun(ExitCode::kUsage, fmt::format("{} is no change: write NAME=VALUE", Printable(change)));
+    }
     const std::string value = change.substr(equals + 1);
     const auto refuseValue = [&](const std::string& problem) {
         throw StopRun(ExitCode::kUsage, fmt::format("{} cannot be '{}': {}", name, Printable(value), problem));
     };
     for (const MainFolder folder : kMainFolders) {
-        if (name != SelectNameOf(folder)) continue;
+        if (name != SelectNameOf(folder)) {
+            continue;
+        }
         const auto selected = ParseTruth(value);
-        if (!selected) refuseValue("it is yes or no");
-        if (!changes.mainFolders.emplace(folder, *selected).second)
+        if (!selected) {
+            refuseValue("it is yes or no");
+        }
+        if (!changes.mainFolders.emplace(folder, *selected).second) {
             throw StopRun(ExitCode::kUsage, fmt::format("{} is given twice", name));
+        }
         return;
     }
     const Setting* setting = FindSetting(name);
-    if (setting == nullptr) RefuseName(name);
-    if (const std::string problem = TakeSetting(changes.settings, *setting, value); !problem.empty())
+    if (setting == nullptr) {
+        RefuseName(name);
+    }
+    if (const std::string problem = TakeSetting(changes.settings, *setting, value); !problem.empty()) {
         refuseValue(problem);
-    if (std::find(changes.names.begin(), changes.names.end(), name) != changes.names.end())
+    }
+    if (std::find(changes.names.begin(), changes.names.end(), name) != changes.names.end()) {
         throw StopRun(ExitCode::kUsage, fmt::format("{} is given twice", name));
+    }
     changes.names.push_back(name);
 }
 
@@ -102,36 +117,42 @@ void ReadFolder(Database& database, const std::string& imei, const Selection& se
     bool isKnown = false;
     for (const Category category : kCategories) {
         for (const RecordedFolder& folder : database.folders(imei, category)) {
-            if (!IsNamed(folder.path, selection.what)) continue;
+            if (!IsNamed(folder.path, selection.what)) {
+                continue;
+            }
             isKnown = true;
             const bool contradicts =
                 std::any_of(changes.folders.begin(), changes.folders.end(), [&](const FolderChange& change) {
                     return change.category == category && change.path == folder.path &&
                            change.selected != selection.selected;
                 });
-            if (contradicts)
+            if (contradicts) {
                 throw StopRun(ExitCode::kUsage,
                               fmt::format("{} is selected and deselected at once", Printable(folder.path)));
+            }
             changes.folders.push_back({category, folder.path, selection.selected});
         }
     }
-    if (!isKnown)
+    if (!isKnown) {
         throw StopRun(ExitCode::kFailure,
                       fmt::format("the database knows no folder {} of this phone: it becomes known by "
                                   "its first sync",
                                   Printable(selection.what)));
+    }
 }
 
 void ReadPlaylist(const std::vector<RecordedPlaylist>& lists, const Selection& selection, Changes& changes)
 {
-    if (std::none_of(lists.begin(), lists.end(), [&](const auto& list) { return list.name == selection.what; }))
+    if (std::none_of(lists.begin(), lists.end(), [&](const auto& list) { return list.name == selection.what; })) {
         throw StopRun(ExitCode::kFailure,
                       fmt::format("the database knows no playlist {} of this phone", Printable(selection.what)));
+    }
     if (std::any_of(changes.playlists.begin(), changes.playlists.end(), [&](const Selection& other) {
             return other.what == selection.what && other.selected != selection.selected;
-        }))
+        })) {
         throw StopRun(ExitCode::kUsage,
                       fmt::format("{} is selected and deselected at once", Printable(selection.what)));
+    }
     changes.playlists.push_back(selection);
 }
 
@@ -139,18 +160,26 @@ Changes ReadChanges(Database& database, const SettingsOptions& options, const Ph
 {
     Changes changes;
     changes.settings = present;
-    for (const std::string& change : options.changes) ReadChange(change, changes);
-    for (const Selection& selection : options.folders) ReadFolder(database, options.imei, selection, changes);
+    for (const std::string& change : options.changes) {
+        ReadChange(change, changes);
+    }
+    for (const Selection& selection : options.folders) {
+        ReadFolder(database, options.imei, selection, changes);
+    }
     if (!options.playlists.empty()) {
         const std::vector<RecordedPlaylist> lists = PlaylistRecords(database, options.imei).lists();
-        for (const Selection& selection : options.playlists) ReadPlaylist(lists, selection, changes);
+        for (const Selection& selection : options.playlists) {
+            ReadPlaylist(lists, selection, changes);
+        }
     }
     return changes;
 }
 
 void Expect(bool isStored, const std::string& what, Result result)
 {
-    if (isStored) return;
+    if (isStored) {
+        return;
+    }
     throw DatabaseError(
         fmt::format("{} could not be changed{}", Printable(what), result.ok() ? std::string() : ": " + result.text()));
 }
@@ -197,11 +226,13 @@ const char* SelectedText(bool selected)
 void ShowAll(Database& database, const PhoneSettings& phone)
 {
     std::string text = fmt::format("{} (IMEI {})\n", Printable(phone.name), Printable(phone.imei));
-    for (const Setting& setting : AllSettings())
+    for (const Setting& setting : AllSettings()) {
         text += fmt::format("  {:<27} {}\n", setting.name, Quoted(ShowSetting(phone, setting)));
-    for (const MainFolder folder : kMainFolders)
+    }
+    for (const MainFolder folder : kMainFolders) {
         text += fmt::format("  {:<27} {}\n", SelectNameOf(folder),
                             MainFolderRecords(database).isSelected(phone.imei, folder) ? "yes" : "no");
+    }
     Print(text);
 }
 
@@ -213,13 +244,16 @@ void ShowChanges(const Changes& changes, const PhoneSettings& before)
         text += fmt::format("  {}: {}, before: {}\n", name, Quoted(ShowSetting(changes.settings, setting)),
                             Quoted(ShowSetting(before, setting)));
     }
-    for (const auto& [folder, selected] : changes.mainFolders)
+    for (const auto& [folder, selected] : changes.mainFolders) {
         text += fmt::format("  main folder {}: {}\n", KeyOf(folder), SelectedText(selected));
-    for (const FolderChange& change : changes.folders)
+    }
+    for (const FolderChange& change : changes.folders) {
         text += fmt::format("  {} ({}): {}\n", Printable(change.path), KeyOf(change.category),
                             SelectedText(change.selected));
-    for (const Selection& selection : changes.playlists)
+    }
+    for (const Selection& selection : changes.playlists) {
         text += fmt::format("  playlist {}: {}\n", Printable(selection.what), SelectedText(selection.selected));
+    }
     Print(text);
 }
 
@@ -267,7 +301,9 @@ void AddSelections(CLI::App& app, const std::string& suffix, std::vector<Selecti
         app.add_option_function<std::vector<std::string>>(
                fmt::format("--{}{}", selected ? "select" : "deselect", suffix),
                [&selections, selected](const std::vector<std::string>& values) {
-                   for (const std::string& value : values) selections.push_back({value, selected});
+                   for (const std::string& value : values) {
+                       selections.push_back({value, selected});
+                   }
                },
                fmt::format("{} {}; may be given again", selected ? "sync" : "do not sync", what))
             ->type_name(type)

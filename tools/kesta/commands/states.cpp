@@ -8,24 +8,34 @@
 
 namespace kesta {
 
-std::string StateOf(const RecordedFolder& folder, std::size_t filesOnPhone)
+std::string StateOf(const RecordedFolder& folder, size_t filesOnPhone)
 {
-    const auto onPc = static_cast<std::size_t>(std::max(folder.count, 0));
-    if (folder.deleted) return "gone from the PC";
-    if (!folder.selected) return "not selected";
-    if (filesOnPhone == 0) return onPc == 0 ? "empty" : "not synced yet";
+    const auto onPc = static_cast<size_t>(std::max(folder.count, 0));
+    if (folder.deleted) {
+        return "gone from the PC";
+    }
+    if (!folder.selected) {
+        return "not selected";
+    }
+    if (filesOnPhone == 0) {
+        return onPc == 0 ? "empty" : "not synced yet";
+    }
     return filesOnPhone == onPc ? "synced" : "partly synced";
 }
 
 std::string StateOf(const RecordedFolder& folder)
 {
-    if (folder.deleted) return "gone from the PC";
+    if (folder.deleted) {
+        return "gone from the PC";
+    }
     return folder.selected ? "selected" : "not selected";
 }
 
 std::string StateOf(const RecordedPlaylist& list)
 {
-    if (!list.selected) return "not selected";
+    if (!list.selected) {
+        return "not selected";
+    }
     switch (list.state) {
         case PlaylistState::kCurrent:
             return "on the phone";
@@ -36,12 +46,12 @@ std::string StateOf(const RecordedPlaylist& list)
         case PlaylistState::kDeletedOnPhone:
             return "deleted on the phone, kept off it";
     }
-    return fmt::format("state {}", static_cast<std::int32_t>(list.state));
+    return fmt::format("state {}", static_cast<int32_t>(list.state));
 }
 
-std::string SizeText(std::int64_t bytes)
+std::string SizeText(int64_t bytes)
 {
-    return FormatSize(static_cast<std::uint64_t>(std::max<std::int64_t>(bytes, 0)));
+    return FormatSize(static_cast<uint64_t>(std::max<int64_t>(bytes, 0)));
 }
 
 }  // namespace kesta

@@ -37,29 +37,41 @@ Json LibraryJson(Database& database)
 void PrintAsJson(Database& database, std::vector<PhoneSettings> phones)
 {
     Json json{{"phones", Json::array()}, {"library", LibraryJson(database)}, {"store", Json::object()}};
-    for (PhoneSettings& phone : phones) json["phones"].push_back(ToJson(Collect(database, std::move(phone))));
-    for (const PimKind kind : kPimKinds)
+    for (PhoneSettings& phone : phones) {
+        json["phones"].push_back(ToJson(Collect(database, std::move(phone))));
+    }
+    for (const PimKind kind : kPimKinds) {
         json["store"][std::string(KeyOf(kind))] = PimTreeJson(ReadPimTree(database, kind));
+    }
     PrintJson(json);
 }
 
 void PrintAsText(Database& database, std::vector<PhoneSettings> phones)
 {
-    if (phones.empty()) Print("No phone has been synced yet. Begin with: kesta sync --help\n");
-    for (PhoneSettings& phone : phones) Print(ToText(Collect(database, std::move(phone))) + "\n");
+    if (phones.empty()) {
+        Print("No phone has been synced yet. Begin with: kesta sync --help\n");
+    }
+    for (PhoneSettings& phone : phones) {
+        Print(ToText(Collect(database, std::move(phone))) + "\n");
+    }
     std::string store;
-    for (const PimKind kind : kPimKinds) store += PimTreeText(ReadPimTree(database, kind), "  ");
-    if (!store.empty()) Print("Contacts and calendar in the database, for all phones\n" + store + "\n");
+    for (const PimKind kind : kPimKinds) {
+        store += PimTreeText(ReadPimTree(database, kind), "  ");
+    }
+    if (!store.empty()) {
+        Print("Contacts and calendar in the database, for all phones\n" + store + "\n");
+    }
 }
 
 ExitCode Run(const StatusOptions& options)
 {
     Database database;
     std::vector<PhoneSettings> phones = ChosenPhones(database, options.imei);
-    if (options.json)
+    if (options.json) {
         PrintAsJson(database, std::move(phones));
-    else
+    } else {
         PrintAsText(database, std::move(phones));
+    }
     return ExitCode::kSuccess;
 }
 

@@ -25,21 +25,26 @@ namespace {
 
 void Require(const os::Status& status, const std::string& what)
 {
-    if (!status.ok()) throw StopRun(ExitCodeOf(status), fmt::format("{}: {}", what, status.text()));
+    if (!status.ok()) {
+        throw StopRun(ExitCodeOf(status), fmt::format("{}: {}", what, status.text()));
+    }
 }
 
 void Lock(os::DirectoryLock& lock, const PhoneFolder& phone)
 {
     const os::Status status = lock.acquire(phone.root());
-    if (status.failure() == os::Failure::kBusy)
+    if (status.failure() == os::Failure::kBusy) {
         throw StopRun(ExitCode::kAnotherSync, "another sync of this phone is running");
+    }
     Require(status, "the phone cannot be locked");
     Require(os::CheckWritable(phone.root()), "the phone cannot be written");
 }
 
 Progress::Style StyleOf(const SyncOptions& options)
 {
-    if (os::IsTerminal()) return Progress::Style::kBar;
+    if (os::IsTerminal()) {
+        return Progress::Style::kBar;
+    }
     return options.quiet ? Progress::Style::kQuiet : Progress::Style::kLines;
 }
 
@@ -142,7 +147,9 @@ private:
         if (!result.ok()) {
             report_.summary.stopWith(ExitCode::kDatabase, "the end of the run cannot be recorded: " + result.text());
         }
-        if (!now) return;
+        if (!now) {
+            return;
+        }
         if (os::Status saved = SaveLastRun(imei, {*now, code, reason()}); !saved.ok()) {
             report_.note("how the run ended cannot be noted for kesta status: " + saved.text());
         }
@@ -151,8 +158,12 @@ private:
     [[nodiscard]] std::string reason() const
     {
         const Summary& summary = report_.summary;
-        if (summary.isStopped()) return summary.stopReason;
-        if (!summary.failures.empty()) return fmt::format("{} failed", Counted(summary.failures.size(), "item"));
+        if (summary.isStopped()) {
+            return summary.stopReason;
+        }
+        if (!summary.failures.empty()) {
+            return fmt::format("{} failed", Counted(summary.failures.size(), "item"));
+        }
         const size_t deferred = summary.allDeferred();
         return deferred > 0 ? fmt::format("{} deferred", Counted(deferred, "removal")) : std::string();
     }
@@ -195,8 +206,10 @@ constexpr const char* kSyncExamples =
 
 std::string NameProblem(const std::string& name)
 {
-    constexpr std::size_t kLongest = 1000;
-    if (name.size() > kLongest) return "the name is too long";
+    constexpr size_t kLongest = 1000;
+    if (name.size() > kLongest) {
+        return "the name is too long";
+    }
     return IsValidUtf8(name) ? "" : "the name is not valid text";
 }
 
@@ -216,7 +229,7 @@ std::function<ExitCode()> Prepare(CLI::App& app)
     std::vector<CLI::Option*> paths;
     for (const Category category : kCategories) {
         const std::string key(KeyOf(category));
-        paths.push_back(app.add_option("--" + key, options->folders[static_cast<std::size_t>(category)],
+        paths.push_back(app.add_option("--" + key, options->folders[static_cast<size_t>(category)],
                                        "a folder of " + key + "; may be given again")
                             ->type_name("DIR")
                             ->allow_extra_args(false));
@@ -233,7 +246,9 @@ std::function<ExitCode()> Prepare(CLI::App& app)
     paths.push_back(
         app.add_option("--backup", options->backup, "a folder of the PC for an archive of the phone's contents")
             ->type_name("DIR"));
-    for (CLI::Option* path : paths) path->check([](const std::string& text) { return EmptyPathProblem(text); });
+    for (CLI::Option* path : paths) {
+        path->check([](const std::string& text) { return EmptyPathProblem(text); });
+    }
     app.add_flag("--dry-run", options->dryRun, "only say what would be done; change nothing");
     app.add_flag("--force", options->force,
                  "remove even if it is more than half of a category, or of the lists, bookmarks or entries");

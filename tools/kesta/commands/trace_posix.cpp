@@ -30,7 +30,9 @@ class Descriptor {
 public:
     explicit Descriptor(int value) : value_(value)
     {
-        if (value_ < 0) throw StopRun(ExitCode::kFailure, fmt::format("no socket: {}", std::strerror(errno)));
+        if (value_ < 0) {
+            throw StopRun(ExitCode::kFailure, fmt::format("no socket: {}", std::strerror(errno)));
+        }
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
@@ -44,7 +46,9 @@ private:
 std::string SocketPath()
 {
     const char* folder = std::getenv("XDG_RUNTIME_DIR");
-    if (folder != nullptr && folder[0] != '\0') return os::Join(folder, "kesta_db.trace");
+    if (folder != nullptr && folder[0] != '\0') {
+        return os::Join(folder, "kesta_db.trace");
+    }
     return fmt::format("/tmp/kesta_db-{}.trace", getuid());
 }
 
@@ -52,8 +56,9 @@ sockaddr_un AddressOf(const std::string& path)
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path)
+    if (path.size() >= sizeof address.sun_path) {
         throw StopRun(ExitCode::kFailure, fmt::format("the path of the trace socket is too long: {}", path));
+    }
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     return address;
 }
@@ -62,16 +67,22 @@ sockaddr_un AddressOf(const std::string& path)
 void RemoveStaleSocket(const std::string& path, const sockaddr_un& address)
 {
     struct stat info {};
-    if (lstat(path.c_str(), &info) != 0) return;
-    if (!S_ISSOCK(info.st_mode))
+    if (lstat(path.c_str(), &info) != 0) {
+        return;
+    }
+    if (!S_ISSOCK(info.st_mode)) {
         throw StopRun(ExitCode::kFailure, fmt::format("{} is not a socket; it is left alone", path));
+    }
     const Descriptor probe(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    if (connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+    if (connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
         throw StopRun(ExitCode::kFailure, "another trace viewer is running");
-    if (errno != ECONNREFUSED)
+    }
+    if (errno != ECONNREFUSED) {
         throw StopRun(ExitCode::kFailure, fmt::format("{} cannot be looked at: {}", path, std::strerror(errno)));
-    if (unlink(path.c_str()) != 0 && errno != ENOENT)
+    }
+    if (unlink(path.c_str()) != 0 && errno != ENOENT) {
         throw StopRun(ExitCode::kFailure, fmt::format("the old {} cannot be removed: {}", path, std::strerror(errno)));
+    }
 }
 
 // The bound socket; its file goes with it.
@@ -82,18 +93,21 @@ public:
         const sockaddr_un address = AddressOf(path_);
         RemoveStaleSocket(path_, address);
         constexpr int kOn = 1;
-        if (setsockopt(socket_.get(), SOL_SOCKET, SO_PASSCRED, &kOn, sizeof kOn) != 0)
+        if (setsockopt(socket_.get(), SOL_SOCKET, SO_PASSCRED, &kOn, sizeof kOn) != 0) {
             throw StopRun(ExitCode::kFailure, fmt::format("senders cannot be told apart: {}", std::strerror(errno)));
+        }
         // A burst of lines waits here instead of holding the writers up. Only root may go beyond the system's limit.
         constexpr int kBuffer = 8 << 20;
-        if (setsockopt(socket_.get(), SOL_SOCKET, SO_RCVBUFFORCE, &kBuffer, sizeof kBuffer) != 0)
+        if (setsockopt(socket_.get(), SOL_SOCKET, SO_RCVBUFFORCE, &kBuffer, sizeof kBuffer) != 0) {
             (void)setsockopt(socket_.get(), SOL_SOCKET, SO_RCVBUF, &kBuffer, sizeof kBuffer);
+        }
         const mode_t before = umask(0177);  // the trace is for its owner's eyes
         const int bound = bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
         const int code = errno;
         (void)umask(before);
-        if (bound != 0)
+        if (bound != 0) {
             throw StopRun(ExitCode::kFailure, fmt::format("{} cannot be bound: {}", path_, std::strerror(code)));
+        }
         (void)lstat(path_.c_str(), &file_);
     }
     Viewer(const Viewer&) = delete;
@@ -102,7 +116,9 @@ public:
     {
         struct stat now {};
         // Another viewer may have taken this one for dead and put its own socket here.
-        if (lstat(path_.c_str(), &now) == 0 && now.st_ino == file_.st_ino) (void)unlink(path_.c_str());
+        if (lstat(path_.c_str(), &now) == 0 && now.st_ino == file_.st_ino) {
+            (void)unlink(path_.c_str());
+        }
     }
 
     [[nodiscard]] const std::string& path() const { return path_; }
@@ -111,7 +127,9 @@ public:
     bool next(std::string& line, pid_t& process)
     {
         pollfd waiting{socket_.get(), POLLIN, 0};
-        if (poll(&waiting, 1, 500) <= 0) return false;
+        if (poll(&waiting, 1, 500) <= 0) {
+            return false;
+        }
         alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(ucred))> control{};
         iovec part{buffer_.data(), buffer_.size()};
         msghdr message{};
@@ -120,12 +138,16 @@ public:
         message.msg_control = control.data();
         message.msg_controllen = control.size();
         const ssize_t size = recvmsg(socket_.get(), &message, MSG_DONTWAIT);
-        if (size < 0) return false;
-        line.assign(buffer_.data(), static_cast<std::size_t>(size));
+        if (size < 0) {
+            return false;
+        }
+        line.assign(buffer_.data(), static_cast<size_t>(size));
         process = 0;
         for (const cmsghdr* part2 = CMSG_FIRSTHDR(&message); part2 != nullptr;
              part2 = CMSG_NXTHDR(&message, const_cast<cmsghdr*>(part2))) {
-            if (part2->cmsg_level != SOL_SOCKET || part2->cmsg_type != SCM_CREDENTIALS) continue;
+            if (part2->cmsg_level != SOL_SOCKET || part2->cmsg_type != SCM_CREDENTIALS) {
+                continue;
+            }
             ucred sender{};
             std::memcpy(&sender, CMSG_DATA(part2), sizeof sender);
             process = sender.pid;
@@ -137,14 +159,14 @@ private:
     std::string path_;
     Descriptor socket_;
     struct stat file_ {};
-    std::array<char, std::size_t{256} * 1024> buffer_{};
+    std::array<char, size_t{256} * 1024> buffer_{};
 };
 
 std::string TimeOfDay()
 {
     using namespace std::chrono;
     const auto now = system_clock::now();
-    const std::time_t seconds = system_clock::to_time_t(now);
+    const time_t seconds = system_clock::to_time_t(now);
     std::tm local{};
     (void)localtime_r(&seconds, &local);
     const auto milliseconds = duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
@@ -159,7 +181,9 @@ std::string ProcessText(pid_t process)
     if (isNew) {
         std::string name;
         (void)os::ReadText(fmt::format("/proc/{}/comm", process), name);
-        while (!name.empty() && name.back() == '\n') name.pop_back();
+        while (!name.empty() && name.back() == '\n') {
+            name.pop_back();
+        }
         entry->second = fmt::format("{}[{}]", name.empty() ? "?" : Printable(name), process);
     }
     return entry->second;
@@ -175,11 +199,17 @@ ExitCode RunTrace()
     std::string line;
     pid_t process = 0;
     while (!os::Interrupted()) {
-        if (!viewer->next(line, process)) continue;
-        while (!line.empty() && (line.back() == '\n' || line.back() == '\0')) line.pop_back();
+        if (!viewer->next(line, process)) {
+            continue;
+        }
+        while (!line.empty() && (line.back() == '\n' || line.back() == '\0')) {
+            line.pop_back();
+        }
         const std::string shown = fmt::format("{} {} {}\n", TimeOfDay(), ProcessText(process), Printable(line));
         const bool written = std::fwrite(shown.data(), 1, shown.size(), stdout) == shown.size();
-        if (!written || std::fflush(stdout) != 0) break;  // Whoever read the lines has gone.
+        if (!written || std::fflush(stdout) != 0) {
+            break;  // Whoever read the lines has gone.
+        }
     }
     return ExitCode::kSuccess;
 }

@@ -59,8 +59,12 @@ std::string PcText(const PcEntry& entry)
 
 std::string Verdict(const Explanation& explanation)
 {
-    if (!explanation.phonePaths.empty()) return "on the phone";
-    if (explanation.filesOnPhone > 0) return Counted(explanation.filesOnPhone, "file") + " on the phone";
+    if (!explanation.phonePaths.empty()) {
+        return "on the phone";
+    }
+    if (explanation.filesOnPhone > 0) {
+        return Counted(explanation.filesOnPhone, "file") + " on the phone";
+    }
     return "not on the phone";
 }
 
@@ -73,10 +77,12 @@ Json ToJson(const PhoneSettings& phone, const Explanation& explanation)
               {"files_on_phone", explanation.filesOnPhone + explanation.phonePaths.size()},
               {"reasons", Json::array()},
               {"playlists", Json::array()}};
-    for (const Reason& reason : explanation.reasons)
+    for (const Reason& reason : explanation.reasons) {
         json["reasons"].push_back({{"reason", reason.key}, {"text", reason.text}});
-    for (const NamingPlaylist& list : explanation.playlists)
+    }
+    for (const NamingPlaylist& list : explanation.playlists) {
         json["playlists"].push_back({{"name", list.name}, {"state", list.state}});
+    }
     return json;
 }
 
@@ -84,7 +90,9 @@ std::string ToText(const PhoneSettings& phone, const Explanation& explanation)
 {
     std::string text =
         fmt::format("{} (IMEI {}): {}\n", Printable(phone.name), Printable(phone.imei), Verdict(explanation));
-    for (const Reason& reason : explanation.reasons) text += fmt::format("  {}\n", Printable(reason.text));
+    for (const Reason& reason : explanation.reasons) {
+        text += fmt::format("  {}\n", Printable(reason.text));
+    }
     return text;
 }
 
@@ -101,14 +109,19 @@ ExitCode Run(const WhyOptions& options)
             json["on_pc"]["size"] = entry.size;
             json["on_pc"]["modified"] = TimeJson(entry.modified);
         }
-        for (const PhoneSettings& phone : phones)
+        for (const PhoneSettings& phone : phones) {
             json["phones"].push_back(ToJson(phone, Explain(database, phone.imei, entry)));
+        }
         PrintJson(json);
         return ExitCode::kSuccess;
     }
     Print(fmt::format("{}: {}\n", Printable(entry.path), PcText(entry)));
-    if (phones.empty()) Print("No phone has been synced yet. Begin with: kesta sync --help\n");
-    for (const PhoneSettings& phone : phones) Print(ToText(phone, Explain(database, phone.imei, entry)));
+    if (phones.empty()) {
+        Print("No phone has been synced yet. Begin with: kesta sync --help\n");
+    }
+    for (const PhoneSettings& phone : phones) {
+        Print(ToText(phone, Explain(database, phone.imei, entry)));
+    }
     return ExitCode::kSuccess;
 }
 

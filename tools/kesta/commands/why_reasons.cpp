@@ -32,11 +32,15 @@ public:
 
     Explanation run()
     {
-        for (const Category category : kCategories) explain(category);
+        for (const Category category : kCategories) {
+            explain(category);
+        }
         explainPlaylists();
         explainPim();
         explainBackups();
-        if (result_.reasons.empty()) explainNothing();
+        if (result_.reasons.empty()) {
+            explainNothing();
+        }
         return std::move(result_);
     }
 
@@ -47,12 +51,20 @@ private:
     {
         const std::vector<RecordedFolder> folders = database_.folders(imei_, category);
         const std::vector<RecordedFile> files = database_.files(imei_, category);
-        if (const auto file = find(files)) return explainRecorded(category, *file, folders);
+        if (const auto file = find(files)) {
+            return explainRecorded(category, *file, folders);
+        }
         const RecordedFolder* innermost = innermostAround(folders);
-        if (innermost != nullptr && innermost->path == entry_.path) return explainChosen(category, *innermost, files);
-        const std::size_t below = countBelow(files);
-        if (below > 0 || entry_.kind == PcEntry::Kind::kFolder) return explainPart(category, innermost, folders, below);
-        if (innermost != nullptr) explainNotCopied(category, *innermost);
+        if (innermost != nullptr && innermost->path == entry_.path) {
+            return explainChosen(category, *innermost, files);
+        }
+        const size_t below = countBelow(files);
+        if (below > 0 || entry_.kind == PcEntry::Kind::kFolder) {
+            return explainPart(category, innermost, folders, below);
+        }
+        if (innermost != nullptr) {
+            explainNotCopied(category, *innermost);
+        }
     }
 
     [[nodiscard]] std::optional<RecordedFile> find(const std::vector<RecordedFile>& files) const
@@ -66,16 +78,18 @@ private:
     [[nodiscard]] const RecordedFolder* innermostAround(const std::vector<RecordedFolder>& folders) const
     {
         const RecordedFolder* innermost = nullptr;
-        for (const RecordedFolder& folder : folders)
+        for (const RecordedFolder& folder : folders) {
             if (os::LiesIn(entry_.path, folder.path) &&
-                (innermost == nullptr || folder.path.size() > innermost->path.size()))
+                (innermost == nullptr || folder.path.size() > innermost->path.size())) {
                 innermost = &folder;
+            }
+        }
         return innermost;
     }
 
-    [[nodiscard]] std::size_t countBelow(const std::vector<RecordedFile>& files) const
+    [[nodiscard]] size_t countBelow(const std::vector<RecordedFile>& files) const
     {
-        return static_cast<std::size_t>(std::count_if(
+        return static_cast<size_t>(std::count_if(
             files.begin(), files.end(), [&](const RecordedFile& file) { return os::LiesIn(file.path, entry_.path); }));
     }
 
@@ -90,7 +104,9 @@ private:
                             KeyOf(mainFolder), KeyOf(category), imei_, KeyOf(mainFolder)));
             return true;
         }
-        if (folder.selected) return false;
+        if (folder.selected) {
+            return false;
+        }
         say("folder_not_selected",
             fmt::format("The folder {} is not selected for this phone in {}, so a sync skips it. "
                         "kesta settings --imei {} --select {} selects it.",
@@ -100,7 +116,9 @@ private:
 
     void explainDeleted(Category category, const RecordedFolder& folder)
     {
-        if (!folder.deleted) return;
+        if (!folder.deleted) {
+            return;
+        }
         say("folder_marked_deleted",
             fmt::format(
                 "The folder {} is marked in {} as gone from the PC. A sync that is given it again takes the mark "
@@ -138,7 +156,9 @@ private:
             default:
                 return say("no_file_on_pc", "There is no file at this path any more, but something else.");
         }
-        if (entry_.modified == file.modified) return say("unchanged", "It has not changed since.");
+        if (entry_.modified == file.modified) {
+            return say("unchanged", "It has not changed since.");
+        }
         say("changed", fmt::format("It has changed since, its time is {} now; {} copies it again.",
                                    TimeText(entry_.modified), who));
     }
@@ -146,7 +166,9 @@ private:
     void explainNotCopied(Category category, const RecordedFolder& folder)
     {
         explainDeleted(category, folder);
-        if (explainPassedOver(category, folder)) return;
+        if (explainPassedOver(category, folder)) {
+            return;
+        }
         switch (entry_.kind) {
             case PcEntry::Kind::kMissing:
                 return say("missing_on_pc",
@@ -166,13 +188,13 @@ private:
 
     void explainChosen(Category category, const RecordedFolder& folder, const std::vector<RecordedFile>& files)
     {
-        const auto own = static_cast<std::size_t>(std::count_if(
+        const auto own = static_cast<size_t>(std::count_if(
             files.begin(), files.end(), [&](const RecordedFile& file) { return file.basePath == folder.path; }));
         result_.filesOnPhone += countBelow(files);
         say("folder_recorded",
             fmt::format("It is a folder of {} of this phone since {}: {}. {} counted in it, {} on the phone.",
                         KeyOf(category), TimeText(folder.added), StateOf(folder, own),
-                        Counted(static_cast<std::size_t>(std::max(folder.count, 0)), "file"), own));
+                        Counted(static_cast<size_t>(std::max(folder.count, 0)), "file"), own));
         sayMissing();
         explainDeleted(category, folder);
         (void)explainPassedOver(category, folder);
@@ -180,7 +202,7 @@ private:
 
     // A folder around which, or below which, there are folders of the category.
     void explainPart(Category category, const RecordedFolder* around, const std::vector<RecordedFolder>& folders,
-                     std::size_t below)
+                     size_t below)
     {
         result_.filesOnPhone += below;
         if (around != nullptr) {
@@ -191,27 +213,33 @@ private:
             (void)explainPassedOver(category, *around);
             return;
         }
-        for (const RecordedFolder& folder : folders)
-            if (os::LiesIn(folder.path, entry_.path))
+        for (const RecordedFolder& folder : folders) {
+            if (os::LiesIn(folder.path, entry_.path)) {
                 say("holds_folder", fmt::format("It is not chosen itself, but holds {}, a folder of {} of this phone.",
                                                 folder.path, KeyOf(category)));
+            }
+        }
     }
 
     void sayMissing()
     {
-        if (entry_.kind == PcEntry::Kind::kMissing)
+        if (entry_.kind == PcEntry::Kind::kMissing) {
             say("missing_on_pc",
                 "It is missing on the PC. A sync takes a missing folder for unreachable, not for empty: "
                 "what is on the phone stays.");
-        if (entry_.kind == PcEntry::Kind::kUnreadable)
+        }
+        if (entry_.kind == PcEntry::Kind::kUnreadable) {
             say("unreadable_on_pc", "It cannot be looked at on the PC. What is on the phone stays.");
+        }
     }
 
     void explainPlaylists()
     {
         for (const RecordedPlaylist& list : playlists_.lists()) {
             const std::vector<std::string> members = playlists_.members(list.name);
-            if (std::find(members.begin(), members.end(), entry_.path) == members.end()) continue;
+            if (std::find(members.begin(), members.end(), entry_.path) == members.end()) {
+                continue;
+            }
             result_.playlists.push_back({list.name, StateOf(list)});
             say("in_playlist", fmt::format("The playlist {} names it ({}).", list.name, StateOf(list)));
         }
@@ -224,10 +252,12 @@ private:
                             file->basePath, TimeText(file->modified)));
             compare(*file, "a sync of the playlists");
         }
-        if ((file || !result_.playlists.empty()) && !MainFolderRecords(database_).isSelected(imei_, MainFolder::kMusic))
+        if ((file || !result_.playlists.empty()) &&
+            !MainFolderRecords(database_).isSelected(imei_, MainFolder::kMusic)) {
             say("main_folder_not_selected",
                 "The main folder music is not selected for this phone, so a sync skips "
                 "the playlists.");
+        }
     }
 
     void explainPim()
@@ -237,13 +267,16 @@ private:
             std::vector<PimLogRow> log;
             bool isLogRead = false;
             for (const PimNode& node : ReadPimTree(database_, kind)) {
-                if (!IsOfPimSource(node.folder.id, source)) continue;
-                if (!isLogRead) log = PimRecords(database_).log(imei_, kind);
+                if (!IsOfPimSource(node.folder.id, source)) {
+                    continue;
+                }
+                if (!isLogRead) {
+                    log = PimRecords(database_).log(imei_, kind);
+                }
                 isLogRead = true;
-                const auto onPhone =
-                    static_cast<std::size_t>(std::count_if(log.begin(), log.end(), [&](const auto& row) {
-                        return FolderOfPimEntry(kind, row.guid) == node.folder.id;
-                    }));
+                const auto onPhone = static_cast<size_t>(std::count_if(log.begin(), log.end(), [&](const auto& row) {
+                    return FolderOfPimEntry(kind, row.guid) == node.folder.id;
+                }));
                 say("entries_in_store", fmt::format("The database holds {} of it in {}, under {}; {} on the phone.",
                                                     CountedEntries(node.items.size()), KeyOf(kind), node.folder.path,
                                                     CountedEntries(onPhone)));
@@ -254,15 +287,21 @@ private:
     void explainBackups()
     {
         const auto backups = BackupRecords(database_).of(imei_);
-        if (!backups) return;
-        for (const RecordedBackup& backup : *backups)
-            if (backup.path == entry_.path)
+        if (!backups) {
+            return;
+        }
+        for (const RecordedBackup& backup : *backups) {
+            if (backup.path == entry_.path) {
                 say("backup", fmt::format("It is a backup of this phone, made {}.", TimeText(backup.modified)));
+            }
+        }
     }
 
     void explainNothing()
     {
-        if (entry_.kind == PcEntry::Kind::kMissing) say("missing_on_pc", "There is nothing at this path on the PC.");
+        if (entry_.kind == PcEntry::Kind::kMissing) {
+            say("missing_on_pc", "There is nothing at this path on the PC.");
+        }
         say("in_no_folder", "It lies in no folder that is synced to this phone, and nothing of it is recorded.");
     }
 

@@ -16,7 +16,7 @@ struct PcEntry {
     enum class Kind { kMissing, kFile, kFolder, kOther, kUnreadable };
     Kind kind = Kind::kMissing;
     std::string path;  // as the database would know it
-    std::uint64_t size = 0;
+    uint64_t size = 0;
     std::optional<LocalTime> modified;
 };
 
@@ -34,7 +34,7 @@ struct NamingPlaylist {
 
 struct Explanation {
     std::vector<std::string> phonePaths;  // where the database says that it lies
-    std::size_t filesOnPhone = 0;         // of a folder: of it and of those below it
+    size_t filesOnPhone = 0;              // of a folder: of it and of those below it
     std::vector<Reason> reasons;
     std::vector<NamingPlaylist> playlists;
 };

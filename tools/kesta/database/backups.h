@@ -12,10 +12,10 @@
 namespace kesta {
 
 struct RecordedBackup {
-    std::int32_t id = -1;
+    int32_t id = -1;
     std::string path;       // of the archive on the PC
     std::string phonePath;  // what of the phone it holds
-    std::int64_t size = 0;
+    int64_t size = 0;
     std::optional<LocalTime> modified;
 };
 

@@ -35,9 +35,10 @@ std::vector<RecordedBookmark> BookmarkRecords::bookmarks()
                     [&] { return DB_BOOKMARK_GetSyncedMarks(phone.c_str(), list.get()); });
     std::vector<RecordedBookmark> bookmarks;
     bookmarks.reserve(list.size());
-    for (const BookmarkRecord& record : list)
+    for (const BookmarkRecord& record : list) {
         bookmarks.push_back(
             {FromDbText(record.Title), FromDbText(record.Path), FromDbText(record.PhoneMID), record.Id, record.Flag});
+    }
     return bookmarks;
 }
 

@@ -13,8 +13,8 @@ namespace kesta {
 struct RecordedBookmark {
     std::string title, url;
     std::string idOnPhone;
-    std::int32_t id = 0;  // reading all bookmarks leaves it 0
-    std::int32_t flag = 0;
+    int32_t id = 0;  // reading all bookmarks leaves it 0
+    int32_t flag = 0;
 };
 
 /// Methods that return a code leave it to the caller what follows from it: 0 is success.

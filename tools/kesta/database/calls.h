@@ -26,7 +26,9 @@ inline constexpr DbChar kNoPhone[] = {'n', 'o', ' ', 'p', 'h', 'o', 'n', 'e', 0}
 [[nodiscard]] inline DbText Text(const std::string& utf8)
 {
     auto text = ToDbText(utf8);
-    if (!text) throw DatabaseError(fmt::format("'{}' is not valid text", Printable(utf8)));
+    if (!text) {
+        throw DatabaseError(fmt::format("'{}' is not valid text", Printable(utf8)));
+    }
     return *std::move(text);
 }
 
@@ -35,7 +37,9 @@ class OptionalText {
 public:
     explicit OptionalText(const std::optional<std::string>& utf8)
     {
-        if (utf8) text_ = Text(*utf8);
+        if (utf8) {
+            text_ = Text(*utf8);
+        }
     }
     /// The library only reads it; the fields of records are not const because it also hands records out.
     [[nodiscard]] DbChar* get() { return text_ ? text_->data() : nullptr; }
@@ -47,7 +51,9 @@ private:
 /// Null is nothing, the empty text is a text.
 [[nodiscard]] inline std::optional<std::string> FromOptionalText(const DbChar* text)
 {
-    if (text == nullptr) return std::nullopt;
+    if (text == nullptr) {
+        return std::nullopt;
+    }
     return FromDbText(text);
 }
 
@@ -61,12 +67,14 @@ public:
     OwnedList& operator=(const OwnedList&) = delete;
     ~OwnedList()
     {
-        if (list_.Items != nullptr) release_(&list_);
+        if (list_.Items != nullptr) {
+            release_(&list_);
+        }
     }
     [[nodiscard]] List* get() { return &list_; }
     [[nodiscard]] auto begin() const { return list_.Items; }
     [[nodiscard]] auto end() const { return list_.Items + list_.Count; }
-    [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(list_.Count); }
+    [[nodiscard]] size_t size() const { return static_cast<size_t>(list_.Count); }
 
 private:
     List list_{};

@@ -38,7 +38,7 @@ const Family& FamilyOf(Category category)
 {
     static const std::array kFamilies{KESTA_FAMILY(MUSIC), KESTA_FAMILY(IMAGE), KESTA_FAMILY(VIDEO),
                                       KESTA_FAMILY(DOCUMENT)};
-    return kFamilies[static_cast<std::size_t>(category)];
+    return kFamilies[static_cast<size_t>(category)];
 }
 #undef KESTA_FAMILY
 
@@ -81,12 +81,14 @@ PhoneSettings ToSettings(const PhoneSettingRecord& record)
 
 void Require(std::string_view call, Result result)
 {
-    if (!result.ok()) throw DatabaseError(fmt::format("{} failed: {}", call, result.text()));
+    if (!result.ok()) {
+        throw DatabaseError(fmt::format("{} failed: {}", call, result.text()));
+    }
 }
 
 Database::Database()
 {
-    switch (const std::int32_t code = DB_Open()) {
+    switch (const int32_t code = DB_Open()) {
         case 0:
             return;
         case 19:
@@ -104,7 +106,7 @@ std::vector<PhoneSettings> Database::phones()
     static PhoneList list{0, nullptr};
     ReadList("DB_LIB_GetAllPhones", [&] { return DB_LIB_GetAllPhones(&list); });
     std::vector<PhoneSettings> phones;
-    for (std::int32_t i = 0; i < list.Count; ++i) {
+    for (int32_t i = 0; i < list.Count; ++i) {
         auto phone = this->phone(FromDbText(list.Items[i].IMEI));  // The list leaves NeedMount out.
         phones.push_back(phone ? *std::move(phone) : ToSettings(list.Items[i]));
     }
@@ -114,20 +116,25 @@ std::vector<PhoneSettings> Database::phones()
 std::optional<PhoneSettings> Database::phone(const std::string& imei)
 {
     OwnedSettings settings;
-    if (!settings.read(imei)) return std::nullopt;
+    if (!settings.read(imei)) {
+        return std::nullopt;
+    }
     return ToSettings(settings.record());
 }
 
 void Database::announce(const std::string& imei, const std::string& name)
 {
-    if (DB_LIB_PhoneDetected(Text(imei).c_str(), Text(name).c_str()) < 1)
+    if (DB_LIB_PhoneDetected(Text(imei).c_str(), Text(name).c_str()) < 1) {
         throw DatabaseError("DB_LIB_PhoneDetected failed: the phone could not be registered");
+    }
 }
 
 void Database::rename(const std::string& imei, const std::string& name)
 {
     OwnedSettings settings;
-    if (!settings.read(imei)) throw DatabaseError("DB_LIB_GetPhoneSetting failed: the phone's settings cannot be read");
+    if (!settings.read(imei)) {
+        throw DatabaseError("DB_LIB_GetPhoneSetting failed: the phone's settings cannot be read");
+    }
     DbText newName = Text(name);
     PhoneSettingRecord record = settings.unchanged();
     record.Name = newName.data();
@@ -141,10 +148,10 @@ std::optional<LocalTime> Database::lastSync(const std::string& imei)
     return FromDateValue(time);
 }
 
-Result Database::setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode)
+Result Database::setLastSync(const std::string& imei, LocalTime time, int32_t errorCode)
 {
     const DateValue date = ToDateValue(time);
-    constexpr std::int32_t kNeedMount = 1;  // The phone is reached as a mounted folder.
+    constexpr int32_t kNeedMount = 1;  // The phone is reached as a mounted folder.
     return DB_LIB_SetLastSyncTime(Text(imei).c_str(), &date, errorCode, kNeedMount);
 }
 

@@ -30,20 +30,20 @@ struct PhoneSettings {
     std::string imei, name, photoPath, docPath, wifiMac, calendarPeriodText;
     std::string contactFolder, calendarFolder, contactProfile, calendarProfile;
     bool autoSync = false, autoBackup = false, allowWifi = false;
-    std::int32_t contactPreferSide = 0, calendarPreferSide = 0;
-    std::int32_t contactProgram = 0, calendarProgram = 0, calendarPeriod = 0;
+    int32_t contactPreferSide = 0, calendarPreferSide = 0;
+    int32_t contactProgram = 0, calendarProgram = 0, calendarPeriod = 0;
     std::optional<LocalTime> calendarStart, calendarEnd;
-    std::int32_t bookmarkType = 0;
+    int32_t bookmarkType = 0;
     bool syncDocFromFolder = false, syncDocFromPhone = false, syncPhotoFromFolder = false, syncPhotoFromPhone = false;
     bool syncMusicFromFolder = false, syncMusicFromPlayer = false, syncMusicAll = false;
     bool needMount = false;
 };
 
 struct RecordedFolder {
-    std::int64_t rowId = 0;
+    int64_t rowId = 0;
     std::string path;
-    std::int32_t count = 0;
-    std::int64_t size = 0, totalSize = 0;
+    int32_t count = 0;
+    int64_t size = 0, totalSize = 0;
     bool selected = true, deleted = false, sized = false;
     std::optional<LocalTime> added;
 };
@@ -67,7 +67,7 @@ public:
     void rename(const std::string& imei, const std::string& name);
     /// std::nullopt if the phone has not been synced yet.
     [[nodiscard]] std::optional<LocalTime> lastSync(const std::string& imei);
-    Result setLastSync(const std::string& imei, LocalTime time, std::int32_t errorCode);
+    Result setLastSync(const std::string& imei, LocalTime time, int32_t errorCode);
 
     [[nodiscard]] std::vector<RecordedFolder> folders(const std::string& imei, Category category);
     [[nodiscard]] std::vector<RecordedFile> files(const std::string& imei, Category category);

@@ -9,13 +9,13 @@ namespace {
 
 using calls::Text;
 
-constexpr std::array<std::int32_t, kMainFolders.size()> kIds{
-    kMainFolderMusic,    kMainFolderGallery,     kMainFolderDocument, kMainFolderPeople,
-    kMainFolderCalendar, kMainFolderWebBookmark, kMainFolderMap};
+constexpr std::array<int32_t, kMainFolders.size()> kIds{kMainFolderMusic,  kMainFolderGallery,  kMainFolderDocument,
+                                                        kMainFolderPeople, kMainFolderCalendar, kMainFolderWebBookmark,
+                                                        kMainFolderMap};
 
-std::int32_t IdOf(MainFolder folder)
+int32_t IdOf(MainFolder folder)
 {
-    return kIds[static_cast<std::size_t>(folder)];
+    return kIds[static_cast<size_t>(folder)];
 }
 
 }  // namespace
@@ -26,11 +26,13 @@ std::vector<MainFolderFigures> MainFolderRecords::all()
     static MainFolderList list{0, nullptr};
     calls::ReadList("DB_LIB_GetAllMainFolders", [] { return DB_LIB_GetAllMainFolders(&list); });
     std::vector<MainFolderFigures> folders;
-    for (std::int32_t i = 0; i < list.Count; ++i) {
+    for (int32_t i = 0; i < list.Count; ++i) {
         const MainFolderRecord& record = list.Items[i];
         const auto id = std::find(kIds.begin(), kIds.end(), record.ID);
-        if (id == kIds.end()) continue;
-        folders.push_back({kMainFolders[static_cast<std::size_t>(id - kIds.begin())], record.Number, record.Size,
+        if (id == kIds.end()) {
+            continue;
+        }
+        folders.push_back({kMainFolders[static_cast<size_t>(id - kIds.begin())], record.Number, record.Size,
                            FromDbText(record.Setting)});
     }
     return folders;

@@ -24,7 +24,7 @@ inline constexpr std::array kMainFolders{MainFolder::kMusic,    MainFolder::kGal
 {
     constexpr std::array<std::string_view, kMainFolders.size()> kKeys{"music",    "gallery",   "documents", "contacts",
                                                                       "calendar", "bookmarks", "map"};
-    return kKeys[static_cast<std::size_t>(folder)];
+    return kKeys[static_cast<size_t>(folder)];
 }
 
 /// The main folder that a category of media belongs to.
@@ -32,14 +32,14 @@ inline constexpr std::array kMainFolders{MainFolder::kMusic,    MainFolder::kGal
 {
     constexpr std::array kFolders{MainFolder::kMusic, MainFolder::kGallery, MainFolder::kGallery,
                                   MainFolder::kDocuments};
-    return kFolders[static_cast<std::size_t>(category)];
+    return kFolders[static_cast<size_t>(category)];
 }
 
 /// What the database holds of one main folder, whichever the phone.
 struct MainFolderFigures {
     MainFolder folder = MainFolder::kMusic;
-    std::int32_t items = 0;
-    std::int64_t size = 0;
+    int32_t items = 0;
+    int64_t size = 0;
     std::string setting;
 };
 

@@ -16,10 +16,10 @@ constexpr DbChar kNoFolder[] = {'n', 'o', ' ', 'f', 'o', 'l', 'd', 'e', 'r', 0};
 struct ItemArguments {
     ItemArguments(PimKind kind, const PimItem& item) : id(Text(item.id)), data(item.data)
     {
-        if (data.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
+        if (data.size() > static_cast<size_t>(std::numeric_limits<int32_t>::max())) {
             throw DatabaseError(fmt::format("the entry {} is too large for the database", Printable(item.id)));
-        record = {id.data(), TypeOf(kind), static_cast<std::int32_t>(data.size()),
-                  reinterpret_cast<std::uint8_t*>(data.data())};
+        }
+        record = {id.data(), TypeOf(kind), static_cast<int32_t>(data.size()), reinterpret_cast<uint8_t*>(data.data())};
     }
     ItemArguments(const ItemArguments&) = delete;
     ItemArguments& operator=(const ItemArguments&) = delete;
@@ -42,7 +42,9 @@ std::vector<PimFolder> PimRecords::folders(PimKind kind, const std::string& pare
     folders.reserve(list.size());
     for (const PimFolderRecord& record : list) {
         // The library skips a row that it cannot read.
-        if (record.PimID == nullptr) throw DatabaseError("DB_PIM_GetFolders failed: a folder cannot be read");
+        if (record.PimID == nullptr) {
+            throw DatabaseError("DB_PIM_GetFolders failed: a folder cannot be read");
+        }
         folders.push_back({FromDbText(record.PimID), FromDbText(record.ParentPimID), FromDbText(record.Path)});
     }
     return folders;
@@ -56,8 +58,10 @@ std::vector<PimItem> PimRecords::items(PimKind kind, const std::string& folderId
     std::vector<PimItem> items;
     items.reserve(list.size());
     for (const PimItemRecord& record : list) {
-        if (record.PimID == nullptr) throw DatabaseError("DB_PIM_GetItems failed: an item cannot be read");
-        const auto length = static_cast<std::size_t>(record.DataLength);
+        if (record.PimID == nullptr) {
+            throw DatabaseError("DB_PIM_GetItems failed: an item cannot be read");
+        }
+        const auto length = static_cast<size_t>(record.DataLength);
         items.push_back(
             {FromDbText(record.PimID),
              length == 0 ? std::string() : std::string(reinterpret_cast<const char*>(record.Data), length)});
@@ -106,8 +110,8 @@ std::vector<PimLogRow> PimRecords::log(const std::string& imei, PimKind kind)
         return DB_PIMLOG_ReadLog(phone.c_str(), &log);
     });
     std::vector<PimLogRow> rows;
-    rows.reserve(static_cast<std::size_t>(log.Count));
-    for (std::int32_t i = 0; i < log.Count; ++i) {
+    rows.reserve(static_cast<size_t>(log.Count));
+    for (int32_t i = 0; i < log.Count; ++i) {
         const PimLogItem& item = log.Items[i];
         rows.push_back(
             {FromDbText(item.Guid), FromDbText(item.Luid), FromDateValue(item.PCTime), FromDateValue(item.PhoneTime)});
@@ -118,7 +122,7 @@ std::vector<PimLogRow> PimRecords::log(const std::string& imei, PimKind kind)
 std::string PimRecords::logProfile(const std::string& imei, PimKind kind)
 {
     // The library writes as much as there is, and no statement with which it was stored can have held more than this.
-    constexpr std::size_t kLongestStatement = 40960;
+    constexpr size_t kLongestStatement = 40960;
     std::vector<DbChar> buffer(kLongestStatement + 1, 0);
     Require("DB_PIMLOG_GetPimProfile", DB_PIMLOG_GetPimProfile(Text(imei).c_str(), buffer.data(), TypeOf(kind)));
     return FromDbText(buffer.data());
@@ -145,7 +149,7 @@ Result PimRecords::appendToLog(const std::string& imei, PimKind kind, const std:
         DbText& luid = texts.emplace_back(Text(row.luid));
         items.push_back({guid.data(), luid.data(), ToDateValue(row.pcTime), ToDateValue(row.phoneTime)});
     }
-    const PimLog log{TypeOf(kind), static_cast<std::int32_t>(items.size()), items.data()};
+    const PimLog log{TypeOf(kind), static_cast<int32_t>(items.size()), items.data()};
     return DB_PIMLOG_SaveLog(Text(imei).c_str(), &log);
 }
 

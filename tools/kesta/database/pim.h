@@ -14,8 +14,8 @@
 namespace kesta {
 
 /// A listing of the store ends at so many folders or items without a word.
-inline constexpr std::size_t kMostListedPimFolders = 1023;
-inline constexpr std::size_t kMostListedPimItems = 1'048'575;
+inline constexpr size_t kMostListedPimFolders = 1023;
+inline constexpr size_t kMostListedPimItems = 1'048'575;
 
 struct PimFolder {
     std::string id, parentId;  // a root has no parent

@@ -32,15 +32,18 @@ inline constexpr std::array kPimKinds{PimKind::kContacts, PimKind::kCalendar};
 
 /// The database leaves the numbers of the kinds to their callers: here they are those of the main folders people and
 /// calendar, so that a number means one thing throughout the database.
-[[nodiscard]] constexpr std::int32_t TypeOf(PimKind kind)
+[[nodiscard]] constexpr int32_t TypeOf(PimKind kind)
 {
     return kind == PimKind::kContacts ? 1500 : 1600;
 }
 
 [[nodiscard]] constexpr std::optional<PimKind> PimKindOfKey(std::string_view key)
 {
-    for (const PimKind kind : kPimKinds)
-        if (KeyOf(kind) == key) return kind;
+    for (const PimKind kind : kPimKinds) {
+        if (KeyOf(kind) == key) {
+            return kind;
+        }
+    }
     return std::nullopt;
 }
 

@@ -47,7 +47,9 @@ public:
     OwnedNames& operator=(const OwnedNames&) = delete;
     ~OwnedNames()
     {
-        for (std::int32_t i = 0; i < names_.Count; ++i) os::FreeShared(names_.Items[i]);
+        for (int32_t i = 0; i < names_.Count; ++i) {
+            os::FreeShared(names_.Items[i]);
+        }
         os::FreeShared(names_.Items);
     }
     [[nodiscard]] FileNameArray* get() { return &names_; }
@@ -72,7 +74,9 @@ std::vector<RecordedPlaylist> PlaylistRecords::lists()
         row.name = FromDbText(record.Name);
         row.digest = FromDbText(record.Digest);
         row.idInPhone = calls::FromOptionalText(record.IdInPhone);
-        if (row.idInPhone == kNoId) row.idInPhone.reset();
+        if (row.idInPhone == kNoId) {
+            row.idInPhone.reset();
+        }
         row.type = record.Type;
         row.state = static_cast<PlaylistState>(record.Flag);
         row.count = record.Count;
@@ -156,8 +160,10 @@ std::vector<std::string> PlaylistRecords::members(const std::string& list)
     Require("DB_PLAYERMUSIC_GetListFilesname",
             DB_PLAYERMUSIC_GetListFilesname(Text(imei_).c_str(), Text(list).c_str(), names.get()));
     std::vector<std::string> members;
-    members.reserve(static_cast<std::size_t>(names.get()->Count));
-    for (std::int32_t i = 0; i < names.get()->Count; ++i) members.push_back(FromDbText(names.get()->Items[i]));
+    members.reserve(static_cast<size_t>(names.get()->Count));
+    for (int32_t i = 0; i < names.get()->Count; ++i) {
+        members.push_back(FromDbText(names.get()->Items[i]));
+    }
     return members;
 }
 
@@ -165,11 +171,15 @@ Result PlaylistRecords::setMembers(const std::string& list, const std::vector<st
 {
     std::vector<DbText> texts;
     texts.reserve(members.size());
-    for (const std::string& member : members) texts.push_back(Text(member));
+    for (const std::string& member : members) {
+        texts.push_back(Text(member));
+    }
     std::vector<DbChar*> items;
     items.reserve(texts.size());
-    for (DbText& text : texts) items.push_back(text.data());
-    const FileNameArray names{static_cast<std::int32_t>(items.size()), items.data()};
+    for (DbText& text : texts) {
+        items.push_back(text.data());
+    }
+    const FileNameArray names{static_cast<int32_t>(items.size()), items.data()};
     return DB_PLAYERMUSIC_SetListFilesname(Text(imei_).c_str(), Text(list).c_str(), &names);
 }
 

@@ -14,7 +14,7 @@
 namespace kesta {
 
 /// The library's PlaylistFlag.
-enum class PlaylistState : std::int32_t {
+enum class PlaylistState : int32_t {
     kCurrent = 0,         // on the phone
     kNew = 1,             // to be added to the phone
     kUnconfirmed = 3,     // not seen again on the PC: to be removed from the phone
@@ -25,10 +25,10 @@ struct RecordedPlaylist {
     std::string name;
     std::string digest;
     std::optional<std::string> idInPhone;  // nothing: it is not on the phone, or under an empty name
-    std::int32_t type = 0;
+    int32_t type = 0;
     PlaylistState state = PlaylistState::kNew;  // other programs may have stored any other number, too
-    std::int32_t count = 0;
-    std::int64_t size = 0, totalSize = 0;
+    int32_t count = 0;
+    int64_t size = 0, totalSize = 0;
     bool selected = true, sized = false;
 };
 

@@ -9,7 +9,7 @@ namespace kesta {
 namespace {
 
 struct Sentence {
-    std::int32_t code;
+    int32_t code;
     const char* text;
 };
 

@@ -10,10 +10,10 @@ namespace kesta {
 class [[nodiscard]] Result {
 public:
     Result() = default;
-    Result(std::int32_t code) : code_(code) {}  // NOLINT(google-explicit-constructor): what the exports return
+    Result(int32_t code) : code_(code) {}  // NOLINT(google-explicit-constructor): what the exports return
 
     [[nodiscard]] bool ok() const { return code_ == 0; }
-    [[nodiscard]] std::int32_t code() const { return code_; }
+    [[nodiscard]] int32_t code() const { return code_; }
     /// The statement with the texts in it is longer than the library takes: the matter of that one record.
     [[nodiscard]] bool isTooLong() const { return code_ == kTooLong; }
     /// A row with that key is there, or the row was refused for another reason: the library does not tell these apart.
@@ -24,11 +24,11 @@ public:
     [[nodiscard]] std::string text() const;
 
 private:
-    static constexpr std::int32_t kTooLong = 18;
-    static constexpr std::int32_t kRecordedAlready = 19;
-    static constexpr std::int32_t kOneRowTooMany = 100;
+    static constexpr int32_t kTooLong = 18;
+    static constexpr int32_t kRecordedAlready = 19;
+    static constexpr int32_t kOneRowTooMany = 100;
 
-    std::int32_t code_ = 0;
+    int32_t code_ = 0;
 };
 
 }  // namespace kesta

@@ -10,7 +10,7 @@ namespace {
 
 using calls::Text;
 
-std::int32_t Truth(bool value)
+int32_t Truth(bool value)
 {
     return value ? 1 : 0;
 }
@@ -32,7 +32,7 @@ constexpr std::array kTexts{TextField{&PhoneSettings::name, &PhoneSettingRecord:
 
 struct TruthField {
     bool PhoneSettings::*setting;
-    std::int32_t PhoneSettingRecord::*field;
+    int32_t PhoneSettingRecord::*field;
 };
 
 constexpr std::array kTruths{TruthField{&PhoneSettings::autoSync, &PhoneSettingRecord::AutoSync},
@@ -47,8 +47,8 @@ constexpr std::array kTruths{TruthField{&PhoneSettings::autoSync, &PhoneSettingR
                              TruthField{&PhoneSettings::syncMusicAll, &PhoneSettingRecord::SyncMusicAll}};
 
 struct NumberField {
-    std::int32_t PhoneSettings::*setting;
-    std::int32_t PhoneSettingRecord::*field;
+    int32_t PhoneSettings::*setting;
+    int32_t PhoneSettingRecord::*field;
 };
 
 constexpr std::array kNumbers{NumberField{&PhoneSettings::contactPreferSide, &PhoneSettingRecord::ContactPreferSide},
@@ -63,21 +63,35 @@ constexpr std::array kNumbers{NumberField{&PhoneSettings::contactPreferSide, &Ph
 Result SettingsRecords::write(const PhoneSettings& before, const PhoneSettings& after)
 {
     calls::OwnedSettings present;
-    if (!present.read(imei_)) throw DatabaseError("DB_LIB_GetPhoneSetting failed: the phone's settings cannot be read");
+    if (!present.read(imei_)) {
+        throw DatabaseError("DB_LIB_GetPhoneSetting failed: the phone's settings cannot be read");
+    }
     PhoneSettingRecord record = present.unchanged();
     std::array<DbText, kTexts.size()> texts;
-    for (std::size_t i = 0; i < kTexts.size(); ++i) {
+    for (size_t i = 0; i < kTexts.size(); ++i) {
         const auto& [setting, field] = kTexts[i];
-        if (before.*setting == after.*setting) continue;
+        if (before.*setting == after.*setting) {
+            continue;
+        }
         texts[i] = Text(after.*setting);
         record.*field = texts[i].data();
     }
-    for (const auto& [setting, field] : kTruths)
-        if (before.*setting != after.*setting) record.*field = Truth(after.*setting);
-    for (const auto& [setting, field] : kNumbers)
-        if (before.*setting != after.*setting) record.*field = after.*setting;
-    if (before.calendarStart != after.calendarStart) record.CalStart = ToDateValue(after.calendarStart);
-    if (before.calendarEnd != after.calendarEnd) record.CalEnd = ToDateValue(after.calendarEnd);
+    for (const auto& [setting, field] : kTruths) {
+        if (before.*setting != after.*setting) {
+            record.*field = Truth(after.*setting);
+        }
+    }
+    for (const auto& [setting, field] : kNumbers) {
+        if (before.*setting != after.*setting) {
+            record.*field = after.*setting;
+        }
+    }
+    if (before.calendarStart != after.calendarStart) {
+        record.CalStart = ToDateValue(after.calendarStart);
+    }
+    if (before.calendarEnd != after.calendarEnd) {
+        record.CalEnd = ToDateValue(after.calendarEnd);
+    }
     return DB_LIB_SetPhoneSetting(&record);
 }
 
@@ -85,7 +99,7 @@ Result SettingsRecords::selectFolder(Category category, const std::string& path,
 {
     constexpr std::array kCalls{&DB_MUSIC_SetFolderSelected, &DB_IMAGE_SetFolderSelected, &DB_VIDEO_SetFolderSelected,
                                 &DB_DOCUMENT_SetFolderSelected};
-    return kCalls[static_cast<std::size_t>(category)](Text(imei_).c_str(), Text(path).c_str(), Truth(selected));
+    return kCalls[static_cast<size_t>(category)](Text(imei_).c_str(), Text(path).c_str(), Truth(selected));
 }
 
 Result SettingsRecords::selectPlaylist(const std::string& name, bool selected)

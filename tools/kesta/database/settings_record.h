@@ -15,7 +15,9 @@ public:
     OwnedSettings& operator=(const OwnedSettings&) = delete;
     ~OwnedSettings()
     {
-        if (filled_) (void)DB_LIB_GetPhoneSetting(kNoPhone, &record_);  // Answers 1 after it has emptied the record.
+        if (filled_) {
+            (void)DB_LIB_GetPhoneSetting(kNoPhone, &record_);  // Answers 1 after it has emptied the record.
+        }
     }
     /// False for an unknown phone.
     [[nodiscard]] bool read(const std::string& imei)
@@ -32,8 +34,11 @@ public:
         // Null leaves the column as it is, and a date that was never set must not become the text of an invalid one.
         record.Name = record.PhotoPath = record.DocPath = record.WifiMAC = record.CalPeriodStr = nullptr;
         record.ContactFolderId = record.CalendarFolderId = record.ContactProfile = record.CalendarProfile = nullptr;
-        for (DateValue* date : {&record.CalStart, &record.CalEnd})
-            if (date->Status != kDateValid) *date = {0.0, kDateNull};
+        for (DateValue* date : {&record.CalStart, &record.CalEnd}) {
+            if (date->Status != kDateValid) {
+                *date = {0.0, kDateNull};
+            }
+        }
         return record;
     }
 

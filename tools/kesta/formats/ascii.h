@@ -47,15 +47,21 @@ namespace kesta::formats {
 
 [[nodiscard]] constexpr std::string_view Trimmed(std::string_view text)
 {
-    while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
-    while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
+    while (!text.empty() && IsSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && IsSpace(text.back())) {
+        text.remove_suffix(1);
+    }
     return text;
 }
 
 /// The value of a hexadecimal digit; -1 for any other character.
 [[nodiscard]] constexpr int HexValue(char c)
 {
-    if (IsDigit(c)) return c - '0';
+    if (IsDigit(c)) {
+        return c - '0';
+    }
     const char upper = ToUpper(c);
     return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
 }
@@ -65,7 +71,7 @@ namespace kesta::formats {
 [[nodiscard]] inline std::string HexDecoded(std::string_view text, char mark)
 {
     std::string bytes;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (size_t i = 0; i < text.size(); ++i) {
         const int high = text[i] == mark && i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
         const int low = high >= 0 ? HexValue(text[i + 2]) : -1;
         if (low < 0) {

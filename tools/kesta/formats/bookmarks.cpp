@@ -16,16 +16,22 @@ LinkKind KindOfLink(std::string_view url)
                                      std::pair{std::string_view("place:"), LinkKind::kPlace},
                                      std::pair{std::string_view("javascript:"), LinkKind::kScript},
                                      std::pair{std::string_view("data:"), LinkKind::kData}};
-    for (const auto& [scheme, kind] : kSchemes)
-        if (StartsIgnoringCase(url, scheme)) return kind;
+    for (const auto& [scheme, kind] : kSchemes) {
+        if (StartsIgnoringCase(url, scheme)) {
+            return kind;
+        }
+    }
     return LinkKind::kOther;
 }
 
 std::string CleanUrl(std::string_view url)
 {
     std::string clean;
-    for (const char c : Trimmed(url))
-        if (c != '\t' && c != '\r' && c != '\n' && c != '\0') clean += c;
+    for (const char c : Trimmed(url)) {
+        if (c != '\t' && c != '\r' && c != '\n' && c != '\0') {
+            clean += c;
+        }
+    }
     return clean;
 }
 
@@ -35,9 +41,13 @@ std::string CleanTitle(std::string_view title)
     bool blank = false;
     for (const char c : Trimmed(title)) {
         const bool isBlank = IsSpace(c) || c == '\0';
-        if (blank && !isBlank && !clean.empty()) clean += ' ';
+        if (blank && !isBlank && !clean.empty()) {
+            clean += ' ';
+        }
         blank = isBlank;
-        if (!blank) clean += c;
+        if (!blank) {
+            clean += c;
+        }
     }
     return clean;
 }

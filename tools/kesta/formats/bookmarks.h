@@ -23,8 +23,8 @@ struct Bookmark {
     std::string title;  // blanks collapsed; may be empty
     std::string url;
     LinkKind kind = LinkKind::kWeb;
-    std::vector<std::string> folders;   // outermost first
-    std::optional<std::int64_t> added;  // seconds since 1970 in UTC
+    std::vector<std::string> folders;  // outermost first
+    std::optional<int64_t> added;      // seconds since 1970 in UTC
 
     bool operator==(const Bookmark&) const = default;
 };

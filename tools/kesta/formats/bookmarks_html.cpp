@@ -54,15 +54,21 @@ const char* AttributeOf(const GumboNode& element, const char* name)
 
 /// Seconds since 1970. Some exports write milliseconds or microseconds; as seconds these would lie beyond the year
 /// 5000.
-std::optional<std::int64_t> DateOf(const GumboNode& link)
+std::optional<int64_t> DateOf(const GumboNode& link)
 {
     const char* attribute = AttributeOf(link, "add_date");
-    if (!attribute) return {};
+    if (!attribute) {
+        return {};
+    }
     const std::string_view text = Trimmed(attribute);
-    std::int64_t date = 0;
+    int64_t date = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), date);
-    if (error != std::errc() || end != text.data() + text.size() || date <= 0) return {};
-    while (date >= 100'000'000'000) date /= 1000;
+    if (error != std::errc() || end != text.data() + text.size() || date <= 0) {
+        return {};
+    }
+    while (date >= 100'000'000'000) {
+        date /= 1000;
+    }
     return date;
 }
 
@@ -89,7 +95,9 @@ private:
             case GUMBO_TAG_DL:
                 sawList_ = true;
                 named_.push_back(heading_.has_value());
-                if (heading_) folders_.push_back(std::move(*heading_));
+                if (heading_) {
+                    folders_.push_back(std::move(*heading_));
+                }
                 heading_.reset();
                 break;
             case GUMBO_TAG_A:
@@ -103,8 +111,12 @@ private:
 
     void leave(const GumboNode& element)
     {
-        if (element.v.element.tag != GUMBO_TAG_DL) return;
-        if (named_.back()) folders_.pop_back();
+        if (element.v.element.tag != GUMBO_TAG_DL) {
+            return;
+        }
+        if (named_.back()) {
+            folders_.pop_back();
+        }
         named_.pop_back();
         heading_.reset();
     }
@@ -112,9 +124,13 @@ private:
     void addLink(const GumboNode& link)
     {
         const char* address = AttributeOf(link, "href");
-        if (!address) return;
+        if (!address) {
+            return;
+        }
         Bookmark bookmark{TextOf(link), CleanUrl(address), LinkKind::kOther, folders_, DateOf(link)};
-        if (bookmark.url.empty()) return;
+        if (bookmark.url.empty()) {
+            return;
+        }
         bookmark.kind = KindOfLink(bookmark.url);
         result_.bookmarks.push_back(std::move(bookmark));
     }
@@ -129,19 +145,27 @@ private:
 /// Whether a list is still open at the end, or a tag: the file was cut. Parsers of HTML close both without a word.
 bool IsCutShort(std::string_view text)
 {
-    const std::size_t lastEnd = text.rfind('>');
+    const size_t lastEnd = text.rfind('>');
     int open = 0;
-    for (std::size_t i = text.find('<'); i != std::string_view::npos; i = text.find('<', i + 1)) {
+    for (size_t i = text.find('<'); i != std::string_view::npos; i = text.find('<', i + 1)) {
         const std::string_view rest = text.substr(i);
         if (rest.starts_with("<!--")) {
-            const std::size_t end = rest.find("-->");
-            if (end == std::string_view::npos) return true;
+            const size_t end = rest.find("-->");
+            if (end == std::string_view::npos) {
+                return true;
+            }
             i += end;
             continue;
         }
-        if (lastEnd == std::string_view::npos || lastEnd < i) return true;
-        if (StartsIgnoringCase(rest, "<dl") && !IsLetter(rest[3])) ++open;
-        if (StartsIgnoringCase(rest, "</dl")) --open;
+        if (lastEnd == std::string_view::npos || lastEnd < i) {
+            return true;
+        }
+        if (StartsIgnoringCase(rest, "<dl") && !IsLetter(rest[3])) {
+            ++open;
+        }
+        if (StartsIgnoringCase(rest, "</dl")) {
+            --open;
+        }
     }
     return open > 0;
 }

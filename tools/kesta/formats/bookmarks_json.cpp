@@ -10,7 +10,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // Far beyond what a person nests, far within what the stack holds.
-constexpr std::size_t kDeepest = 256;
+constexpr size_t kDeepest = 256;
 
 /// The text of a member; empty when it is missing or something else.
 std::string TextAt(const Json& node, const char* name)
@@ -20,13 +20,15 @@ std::string TextAt(const Json& node, const char* name)
 }
 
 /// Microseconds since 1601, as a text.
-std::optional<std::int64_t> DateOf(const Json& node)
+std::optional<int64_t> DateOf(const Json& node)
 {
-    constexpr std::int64_t kFrom1601To1970 = 11'644'473'600;
+    constexpr int64_t kFrom1601To1970 = 11'644'473'600;
     const std::string text = TextAt(node, "date_added");
-    std::int64_t date = 0;
+    int64_t date = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), date);
-    if (error != std::errc() || end != text.data() + text.size() || date <= 0) return {};
+    if (error != std::errc() || end != text.data() + text.size() || date <= 0) {
+        return {};
+    }
     return date / 1'000'000 - kFrom1601To1970;
 }
 
@@ -36,13 +38,21 @@ public:
 
     void readNode(const Json& node)
     {
-        if (!node.is_object()) return problem("an entry that is no object");
+        if (!node.is_object()) {
+            return problem("an entry that is no object");
+        }
         const std::string type = TextAt(node, "type");
-        if (type == "folder") return readFolder(node);
-        if (type != "url") return problem("an entry of unknown type \"" + type + "\"");
+        if (type == "folder") {
+            return readFolder(node);
+        }
+        if (type != "url") {
+            return problem("an entry of unknown type \"" + type + "\"");
+        }
         Bookmark bookmark{CleanTitle(TextAt(node, "name")), CleanUrl(TextAt(node, "url")), LinkKind::kOther, folders_,
                           DateOf(node)};
-        if (bookmark.url.empty()) return problem("a bookmark without an address: " + bookmark.title);
+        if (bookmark.url.empty()) {
+            return problem("a bookmark without an address: " + bookmark.title);
+        }
         bookmark.kind = KindOfLink(bookmark.url);
         result_.bookmarks.push_back(std::move(bookmark));
     }
@@ -50,11 +60,17 @@ public:
 private:
     void readFolder(const Json& node)
     {
-        if (folders_.size() == kDeepest) return problem("folders are nested too deeply");
+        if (folders_.size() == kDeepest) {
+            return problem("folders are nested too deeply");
+        }
         const auto children = node.find("children");
-        if (children == node.end() || !children->is_array()) return problem("a folder without contents");
+        if (children == node.end() || !children->is_array()) {
+            return problem("a folder without contents");
+        }
         folders_.push_back(CleanTitle(TextAt(node, "name")));
-        for (const Json& child : *children) readNode(child);
+        for (const Json& child : *children) {
+            readNode(child);
+        }
         folders_.pop_back();
     }
 
@@ -77,8 +93,11 @@ Bookmarks ParseBookmarksJson(std::string_view file)
     }
     JsonBookmarkReader reader(result);
     // Beside the roots' folders stand texts about their synchronisation, and in some browsers what was thrown away.
-    for (const auto& [name, root] : roots->items())
-        if (root.is_object() && name != "trash") reader.readNode(root);
+    for (const auto& [name, root] : roots->items()) {
+        if (root.is_object() && name != "trash") {
+            reader.readNode(root);
+        }
+    }
     return result;
 }
 

@@ -79,14 +79,14 @@ constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 std::string FromUtf16(std::string_view bytes, bool bigEndian)
 {
     std::u16string units;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
         const auto first = static_cast<unsigned char>(bytes[i]);
         const auto second = static_cast<unsigned char>(bytes[i + 1]);
         units += static_cast<char16_t>(bigEndian ? first << 8 | second : second << 8 | first);
     }
     std::string text;
     auto out = std::back_inserter(text);
-    for (std::size_t i = 0; i < units.size(); ++i) {
+    for (size_t i = 0; i < units.size(); ++i) {
         char32_t character = units[i];
         if (character >= 0xD800 && character < 0xE000) {
             const char32_t next = i + 1 < units.size() ? units[i + 1] : 0;
@@ -115,7 +115,9 @@ std::string FromLatin1(std::string_view bytes)
     text.reserve(bytes.size());
     for (const char c : bytes) {
         char32_t character = static_cast<unsigned char>(c);
-        if (character >= 0x80 && character < 0xA0) character = kUpperControls[character - 0x80];
+        if (character >= 0x80 && character < 0xA0) {
+            character = kUpperControls[character - 0x80];
+        }
         utf8::append(character, std::back_inserter(text));
     }
     return text;
@@ -128,23 +130,37 @@ std::string FromUtf8OrLatin1(std::string_view bytes)
 
 std::string FromNamedCharset(std::string_view bytes, std::string_view charset)
 {
-    if (charset.empty()) return FromUtf8OrLatin1(bytes);
+    if (charset.empty()) {
+        return FromUtf8OrLatin1(bytes);
+    }
     const std::string normalized = Normalized(charset);
     for (const std::string_view name : {"ISO88591", "LATIN1", "WINDOWS1252"}) {
-        if (normalized == name) return FromLatin1(bytes);
+        if (normalized == name) {
+            return FromLatin1(bytes);
+        }
     }
     for (const auto& [name, systemCharset] : kCharsets) {
-        if (normalized != name) continue;
-        if (auto text = FromSystemCharset(bytes, systemCharset)) return *std::move(text);
+        if (normalized != name) {
+            continue;
+        }
+        if (auto text = FromSystemCharset(bytes, systemCharset)) {
+            return *std::move(text);
+        }
     }
     return FromUtf8OrLatin1(bytes);
 }
 
 std::string WithoutByteOrderMark(std::string_view file)
 {
-    if (file.starts_with("\xFF\xFE")) return FromUtf16(file.substr(2), false);
-    if (file.starts_with("\xFE\xFF")) return FromUtf16(file.substr(2), true);
-    if (file.starts_with(kUtf8Mark)) file.remove_prefix(kUtf8Mark.size());
+    if (file.starts_with("\xFF\xFE")) {
+        return FromUtf16(file.substr(2), false);
+    }
+    if (file.starts_with("\xFE\xFF")) {
+        return FromUtf16(file.substr(2), true);
+    }
+    if (file.starts_with(kUtf8Mark)) {
+        file.remove_prefix(kUtf8Mark.size());
+    }
     return std::string(file);
 }
 

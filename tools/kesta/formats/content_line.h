@@ -22,10 +22,10 @@ struct ContentLine {
     std::string group;  // "item1" of "item1.EMAIL"
     std::string name;   // in capitals; empty when the line is no content line at all
     std::vector<Parameter> parameters;
-    std::string value;       // unfolded, otherwise as it stands
-    std::size_t begin = 0;   // where the line stands in the file, in bytes,
-    std::size_t end = 0;     // ending behind its last line break
-    std::size_t number = 0;  // of its first line in the file
+    std::string value;  // unfolded, otherwise as it stands
+    size_t begin = 0;   // where the line stands in the file, in bytes,
+    size_t end = 0;     // ending behind its last line break
+    size_t number = 0;  // of its first line in the file
     [[nodiscard]] bool is(std::string_view wantedName, std::string_view wantedValue) const;
 };
 
@@ -52,8 +52,8 @@ private:
 
     std::string_view file_;
     Folding folding_;
-    std::size_t position_ = 0;
-    std::size_t lineNumber_ = 0;
+    size_t position_ = 0;
+    size_t lineNumber_ = 0;
 };
 
 /// The first parameter of that name; null when there is none.

@@ -5,8 +5,10 @@ namespace kesta::formats {
 std::string EntryUids::derive(std::string_view digest)
 {
     std::string uid = "kesta-" + std::string(digest);
-    const std::size_t copy = ++seen_[uid];
-    if (copy > 1) uid += "-" + std::to_string(copy);
+    const size_t copy = ++seen_[uid];
+    if (copy > 1) {
+        uid += "-" + std::to_string(copy);
+    }
     return uid;
 }
 

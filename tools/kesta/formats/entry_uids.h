@@ -14,7 +14,7 @@ public:
     [[nodiscard]] std::string derive(std::string_view digest);
 
 private:
-    std::map<std::string, std::size_t, std::less<>> seen_;
+    std::map<std::string, size_t, std::less<>> seen_;
 };
 
 }  // namespace kesta::formats

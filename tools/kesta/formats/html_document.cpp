@@ -12,7 +12,7 @@ namespace kesta::formats {
 namespace {
 
 // Gumbo looks through all open elements again and again. No browser's export comes near this.
-constexpr std::size_t kDeepest = 512;
+constexpr size_t kDeepest = 512;
 
 /// Elements that the parser closes by itself, or that hold nothing. Bookmark files leave them open all the time.
 bool StaysFlat(std::string_view tag)
@@ -23,19 +23,24 @@ bool StaysFlat(std::string_view tag)
 }
 
 /// How many elements stand open at once, at most, going by the tags alone.
-std::size_t DepthOf(std::string_view text)
+size_t DepthOf(std::string_view text)
 {
-    std::size_t depth = 0, deepest = 0;
-    for (std::size_t i = text.find('<'); i != std::string_view::npos; i = text.find('<', i + 1)) {
+    size_t depth = 0, deepest = 0;
+    for (size_t i = text.find('<'); i != std::string_view::npos; i = text.find('<', i + 1)) {
         const bool closing = i + 1 < text.size() && text[i + 1] == '/';
-        const std::size_t begin = i + (closing ? 2 : 1);
-        std::size_t end = begin;
-        while (end < text.size() && end - begin < 16 && (IsLetter(text[end]) || IsDigit(text[end]))) ++end;
-        if (end == begin || StaysFlat(ToUpper(text.substr(begin, end - begin)))) continue;
-        if (!closing)
+        const size_t begin = i + (closing ? 2 : 1);
+        size_t end = begin;
+        while (end < text.size() && end - begin < 16 && (IsLetter(text[end]) || IsDigit(text[end]))) {
+            ++end;
+        }
+        if (end == begin || StaysFlat(ToUpper(text.substr(begin, end - begin)))) {
+            continue;
+        }
+        if (!closing) {
             deepest = std::max(deepest, ++depth);
-        else if (depth > 0)
+        } else if (depth > 0) {
             --depth;
+        }
     }
     return deepest;
 }
@@ -45,33 +50,41 @@ std::size_t DepthOf(std::string_view text)
 /// What Gumbo has allocated. It is released from here and not by Gumbo, which goes down the tree by recursion.
 class HtmlDocument::Memory {
 public:
-    explicit Memory(std::size_t limit) : left_(limit) {}
+    explicit Memory(size_t limit) : left_(limit) {}
     ~Memory()
     {
-        for (Block* block = first_.next; block != &first_;) std::free(std::exchange(block, block->next));
+        for (Block* block = first_.next; block != &first_;) {
+            std::free(std::exchange(block, block->next));
+        }
     }
     Memory(const Memory&) = delete;
     Memory& operator=(const Memory&) = delete;
 
     /// Throws bad_alloc: Gumbo does not look whether it got its memory.
-    static void* Allocate(void* self, std::size_t size) { return static_cast<Memory*>(self)->allocate(size); }
+    static void* Allocate(void* self, size_t size) { return static_cast<Memory*>(self)->allocate(size); }
     static void Release(void* self, void* contents)
     {
-        if (contents) static_cast<Memory*>(self)->release(static_cast<Block*>(contents) - 1);
+        if (contents) {
+            static_cast<Memory*>(self)->release(static_cast<Block*>(contents) - 1);
+        }
     }
 
 private:
     struct alignas(std::max_align_t) Block {
         Block* previous;
         Block* next;
-        std::size_t size;
+        size_t size;
     };
 
-    void* allocate(std::size_t size)
+    void* allocate(size_t size)
     {
-        if (size > left_) throw std::bad_alloc();
+        if (size > left_) {
+            throw std::bad_alloc();
+        }
         void* place = std::malloc(sizeof(Block) + size);
-        if (!place) throw std::bad_alloc();
+        if (!place) {
+            throw std::bad_alloc();
+        }
         left_ -= size;
         Block* block = new (place) Block{first_.previous, &first_, size};
         block->previous->next = block;
@@ -88,14 +101,16 @@ private:
     }
 
     Block first_{&first_, &first_, 0};
-    std::size_t left_;
+    size_t left_;
 };
 
 HtmlDocument::HtmlDocument(std::string_view utf8)
 {
-    if (DepthOf(utf8) > kDeepest) return;
-    constexpr std::size_t kBase = std::size_t{64} << 20;
-    constexpr std::size_t kPerByte = 64;
+    if (DepthOf(utf8) > kDeepest) {
+        return;
+    }
+    constexpr size_t kBase = size_t{64} << 20;
+    constexpr size_t kPerByte = 64;
     memory_ = std::make_unique<Memory>(kBase + kPerByte * utf8.size());
     GumboOptions options = kGumboDefaultOptions;
     options.allocator = Memory::Allocate;
@@ -114,7 +129,9 @@ HtmlDocument::~HtmlDocument() = default;
 
 std::string_view HtmlDocument::documentType() const
 {
-    if (!output_ || !output_->document->v.document.has_doctype) return {};
+    if (!output_ || !output_->document->v.document.has_doctype) {
+        return {};
+    }
     return output_->document->v.document.name;
 }
 

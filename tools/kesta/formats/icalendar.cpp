@@ -28,24 +28,30 @@ using TimeZones = std::map<std::string_view, const Component*>;
 TimeZones TimeZonesOf(const RawCalendar& calendar)
 {
     TimeZones zones;
-    for (const Component& zone : calendar.timeZones) zones.emplace(zone.timeZoneId, &zone);
+    for (const Component& zone : calendar.timeZones) {
+        zones.emplace(zone.timeZoneId, &zone);
+    }
     return zones;
 }
 
 void AddPart(Series& series, const TimeZones& zones, const Component& part)
 {
     series.parts.push_back(&part);
-    const auto known = static_cast<std::ptrdiff_t>(series.timeZones.size());
-    for (const std::string& id : part.usedTimeZones)
-        if (const auto zone = zones.find(id); zone != zones.end() && series.timeZoneIds.insert(id).second)
+    const auto known = static_cast<ptrdiff_t>(series.timeZones.size());
+    for (const std::string& id : part.usedTimeZones) {
+        if (const auto zone = zones.find(id); zone != zones.end() && series.timeZoneIds.insert(id).second) {
             series.timeZones.push_back(zone->second);
+        }
+    }
     std::sort(series.timeZones.begin() + known, series.timeZones.end());  // in the order of the file
 }
 
 void AppendWhole(std::string& bytes, std::string_view part, std::string_view lineBreak)
 {
     bytes += part;
-    if (!part.empty() && part.back() != '\n' && part.back() != '\r') bytes += lineBreak;
+    if (!part.empty() && part.back() != '\n' && part.back() != '\r') {
+        bytes += lineBreak;
+    }
 }
 
 /// The parts with a calendar of their own around them.
@@ -57,11 +63,19 @@ std::string CompleteCalendar(const Series& series)
     const auto line = [&](std::string_view text) { bytes.append(text).append(lineBreak); };
     line("BEGIN:VCALENDAR");
     // A calendar is not valid without these two.
-    if (head.find("VERSION") == std::string::npos) line("VERSION:2.0");
-    if (head.find("PRODID") == std::string::npos) line("PRODID:-//KESTA//KESTA//EN");
+    if (head.find("VERSION") == std::string::npos) {
+        line("VERSION:2.0");
+    }
+    if (head.find("PRODID") == std::string::npos) {
+        line("PRODID:-//KESTA//KESTA//EN");
+    }
     bytes += head;
-    for (const Component* zone : series.timeZones) AppendWhole(bytes, zone->bytes, lineBreak);
-    for (const Component* part : series.parts) AppendWhole(bytes, part->bytes, lineBreak);
+    for (const Component* zone : series.timeZones) {
+        AppendWhole(bytes, zone->bytes, lineBreak);
+    }
+    for (const Component* part : series.parts) {
+        AppendWhole(bytes, part->bytes, lineBreak);
+    }
     line("END:VCALENDAR");
     return bytes;
 }
@@ -69,14 +83,18 @@ std::string CompleteCalendar(const Series& series)
 std::string DigestOf(const Series& series)
 {
     std::string canonical;
-    for (const Component* zone : series.timeZones) canonical += zone->canonical;
-    for (const Component* part : series.parts) canonical += part->canonical;
+    for (const Component* zone : series.timeZones) {
+        canonical += zone->canonical;
+    }
+    for (const Component* part : series.parts) {
+        canonical += part->canonical;
+    }
     return Digest(canonical);
 }
 
-std::optional<std::int64_t> LatestChange(const Series& series)
+std::optional<int64_t> LatestChange(const Series& series)
 {
-    std::optional<std::int64_t> modified, stamped;
+    std::optional<int64_t> modified, stamped;
     for (const Component* part : series.parts) {
         modified = std::max(modified, part->lastModified);
         stamped = std::max(stamped, part->stamped);
@@ -94,14 +112,19 @@ CalendarEntry Finish(Series&& series, EntryUids& uids)
     entry.summary = main.summary;
     entry.calendar = series.calendar->name;
     entry.line = series.parts.front()->line;
-    for (const Component* part : series.parts)
-        if (!isWhole(part)) entry.recurrenceIds.push_back(part->recurrenceId);
+    for (const Component* part : series.parts) {
+        if (!isWhole(part)) {
+            entry.recurrenceIds.push_back(part->recurrenceId);
+        }
+    }
     entry.modified = LatestChange(series);
     entry.bytes = CompleteCalendar(series);
     entry.digest = DigestOf(series);
     entry.uid = main.uid;
     entry.uidDerived = entry.uid.empty();
-    if (entry.uidDerived) entry.uid = uids.derive(entry.digest);
+    if (entry.uidDerived) {
+        entry.uid = uids.derive(entry.digest);
+    }
     return std::move(entry);
 }
 
@@ -113,7 +136,7 @@ Calendars ParseCalendars(std::string_view file)
     RawCalendars raw = ReadCalendars(text);
 
     std::vector<Series> all;
-    std::map<std::pair<std::string, std::string>, std::size_t> places;  // by calendar name and UID
+    std::map<std::pair<std::string, std::string>, size_t> places;  // by calendar name and UID
     std::set<std::string> names;
     Calendars result;
     for (const RawCalendar& calendar : raw.calendars) {
@@ -124,16 +147,20 @@ Calendars ParseCalendars(std::string_view file)
         for (const Component& part : calendar.entries) {
             // Without a UID nothing says what belongs together.
             const bool known = !part.uid.empty() && places.contains({calendar.name, part.uid});
-            const std::size_t place = known ? places[{calendar.name, part.uid}] : all.size();
+            const size_t place = known ? places[{calendar.name, part.uid}] : all.size();
             if (!known) {
                 all.push_back({&calendar, {}, {}, {}, {}});
-                if (!part.uid.empty()) places[{calendar.name, part.uid}] = place;
+                if (!part.uid.empty()) {
+                    places[{calendar.name, part.uid}] = place;
+                }
             }
             AddPart(all[place], zones, part);
         }
     }
     EntryUids uids;
-    for (Series& series : all) result.entries.push_back(Finish(std::move(series), uids));
+    for (Series& series : all) {
+        result.entries.push_back(Finish(std::move(series), uids));
+    }
     result.problems = std::move(raw.problems);
     return result;
 }

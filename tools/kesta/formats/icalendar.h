@@ -22,10 +22,10 @@ struct CalendarEntry {
     std::string calendar;                    // X-WR-CALNAME, empty when the calendar has none
     std::string summary;                     // of the series; of its first occurrence when the series is missing
     std::vector<std::string> recurrenceIds;  // of the changed occurrences, as they are written
-    std::optional<std::int64_t> modified;    // the latest LAST-MODIFIED, else the latest DTSTAMP; seconds since 1970
+    std::optional<int64_t> modified;         // the latest LAST-MODIFIED, else the latest DTSTAMP; seconds since 1970
     std::string bytes;                       // one complete calendar: the parts word for word, and their time zones
     std::string digest;                      // changes with the contents; not with DTSTAMP, PRODID and folding
-    std::size_t line = 0;                    // where it first appears
+    size_t line = 0;                         // where it first appears
 };
 
 struct Calendars {

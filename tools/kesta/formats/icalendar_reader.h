@@ -18,10 +18,10 @@ struct Component {
     std::string uid, recurrenceId, summary;
     std::string timeZoneId;               // of a time zone
     std::set<std::string> usedTimeZones;  // by their TZID
-    std::optional<std::int64_t> lastModified, stamped;
+    std::optional<int64_t> lastModified, stamped;
     std::string canonical;  // without DTSTAMP
     std::string_view bytes;
-    std::size_t line = 0;
+    size_t line = 0;
 };
 
 struct RawCalendar {

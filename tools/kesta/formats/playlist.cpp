@@ -30,9 +30,13 @@ void ReadInfo(std::string_view info, PlaylistEntry& entry)
     entry.seconds = error == std::errc() && seconds >= 0 ? std::optional(seconds) : std::nullopt;
 
     bool quoted = false;
-    for (std::size_t i = 0; i < info.size(); ++i) {
-        if (info[i] == '"') quoted = !quoted;
-        if (info[i] != ',' || quoted) continue;
+    for (size_t i = 0; i < info.size(); ++i) {
+        if (info[i] == '"') {
+            quoted = !quoted;
+        }
+        if (info[i] != ',' || quoted) {
+            continue;
+        }
         entry.title = OneLine(info.substr(i + 1));
         return;
     }
@@ -44,11 +48,11 @@ public:
     Playlist run(std::string_view text) &&
     {
         while (!text.empty()) {
-            const std::size_t length = std::min(text.find_first_of("\r\n"), text.size());
+            const size_t length = std::min(text.find_first_of("\r\n"), text.size());
             ++line_;
             take(text.substr(0, length));
             text.remove_prefix(length);
-            text.remove_prefix(std::min<std::size_t>(text.starts_with("\r\n") ? 2 : 1, text.size()));
+            text.remove_prefix(std::min<size_t>(text.starts_with("\r\n") ? 2 : 1, text.size()));
         }
         return std::move(playlist_);
     }
@@ -57,13 +61,20 @@ private:
     void take(std::string_view line)
     {
         const std::string_view trimmed = Trimmed(line);
-        if (trimmed.empty()) return;
+        if (trimmed.empty()) {
+            return;
+        }
         // A name may begin with blanks, but no player means one by an indented directive.
-        if (StartsIgnoringCase(trimmed, "#EXT")) line = trimmed;
+        if (StartsIgnoringCase(trimmed, "#EXT")) {
+            line = trimmed;
+        }
         if (line.front() == '#') {
-            if (StartsIgnoringCase(line, kInfo)) ReadInfo(line.substr(kInfo.size()), next_);
-            if (StartsIgnoringCase(line, kTitle) && playlist_.title.empty())
+            if (StartsIgnoringCase(line, kInfo)) {
+                ReadInfo(line.substr(kInfo.size()), next_);
+            }
+            if (StartsIgnoringCase(line, kTitle) && playlist_.title.empty()) {
                 playlist_.title = OneLine(line.substr(kTitle.size()));
+            }
             return;
         }
         if (auto location = ParseLocation(line)) {
@@ -78,7 +89,7 @@ private:
 
     Playlist playlist_;
     PlaylistEntry next_;  // what was said about the entry to come
-    std::size_t line_ = 0;
+    size_t line_ = 0;
 };
 
 bool IsWritable(const Location& location)
@@ -91,8 +102,9 @@ bool IsWritable(const Location& location)
 std::string LineOf(const Location& location)
 {
     if (location.kind != LocationKind::kRelative ||
-        (location.text.front() != '#' && ParseLocation(location.text) == location))
+        (location.text.front() != '#' && ParseLocation(location.text) == location)) {
         return location.text;
+    }
     return "./" + location.text;
 }
 
@@ -113,22 +125,28 @@ Playlist ParsePlaylist(std::string_view file, PlaylistEncoding encoding)
 {
     const std::string bytes = WithoutByteOrderMark(file);
     Playlist playlist = PlaylistReader().run(FromUtf8OrLatin1(bytes));
-    if (encoding == PlaylistEncoding::kUtf8 && !IsUtf8(bytes))
+    if (encoding == PlaylistEncoding::kUtf8 && !IsUtf8(bytes)) {
         playlist.problems.insert(playlist.problems.begin(), {0, "not UTF-8, read as Latin-1"});
+    }
     return playlist;
 }
 
 std::optional<std::string> WritePlaylist(std::string_view title, std::span<const PlaylistEntry> entries)
 {
     std::string text = std::string(kHeader) + '\n';
-    if (const std::string line = OneLine(title); !line.empty()) text.append(kTitle).append(line) += '\n';
+    if (const std::string line = OneLine(title); !line.empty()) {
+        text.append(kTitle).append(line) += '\n';
+    }
     for (const PlaylistEntry& entry : entries) {
-        if (!IsWritable(entry.location)) return {};
-        if (entry.seconds || !OneLine(entry.title).empty())
+        if (!IsWritable(entry.location)) {
+            return {};
+        }
+        if (entry.seconds || !OneLine(entry.title).empty()) {
             text.append(kInfo)
                 .append(std::to_string(entry.seconds.value_or(-1)))
                 .append(",")
                 .append(OneLine(entry.title)) += '\n';
+        }
         text.append(LineOf(entry.location)) += '\n';
     }
     return text;

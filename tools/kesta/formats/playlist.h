@@ -32,7 +32,7 @@ struct PlaylistEntry {
     Location location;
     std::string title;           // of #EXTINF, empty without
     std::optional<int> seconds;  // of #EXTINF; std::nullopt when it is negative, as for streams
-    std::size_t line = 0;
+    size_t line = 0;
 
     bool operator==(const PlaylistEntry&) const = default;
 };

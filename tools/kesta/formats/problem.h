@@ -8,7 +8,7 @@
 namespace kesta::formats {
 
 struct Problem {
-    std::size_t line = 0;  // the first line is 1; 0 stands for the file as a whole
+    size_t line = 0;  // the first line is 1; 0 stands for the file as a whole
     std::string text;
 
     bool operator==(const Problem&) const = default;

@@ -17,12 +17,18 @@ std::string SpokenName(const std::string& structured)
 {
     const std::vector<std::string> parts = SplitUnescaped(structured, ';');
     std::string name;
-    for (const std::size_t index : {3U, 1U, 2U, 0U, 4U}) {
-        if (index >= parts.size()) continue;
+    for (const size_t index : {3U, 1U, 2U, 0U, 4U}) {
+        if (index >= parts.size()) {
+            continue;
+        }
         for (const std::string& value : SplitUnescaped(parts[index], ',')) {
             const std::string text = Unescaped(value);
-            if (Trimmed(text).empty()) continue;
-            if (!name.empty()) name += ' ';
+            if (Trimmed(text).empty()) {
+                continue;
+            }
+            if (!name.empty()) {
+                name += ' ';
+            }
             name += Trimmed(text);
         }
     }
@@ -33,8 +39,12 @@ std::string Organisation(const std::string& structured)
 {
     std::string name;
     for (const std::string& unit : SplitUnescaped(structured, ';')) {
-        if (Trimmed(unit).empty()) continue;
-        if (!name.empty()) name += ", ";
+        if (Trimmed(unit).empty()) {
+            continue;
+        }
+        if (!name.empty()) {
+            name += ", ";
+        }
         name += Trimmed(Unescaped(unit));
     }
     return name;
@@ -46,15 +56,20 @@ struct Names {
 
     [[nodiscard]] std::string best() const
     {
-        for (const std::string* name : {&formatted, &spoken, &organisation, &email})
-            if (!name->empty()) return *name;
+        for (const std::string* name : {&formatted, &spoken, &organisation, &email}) {
+            if (!name->empty()) {
+                return *name;
+            }
+        }
         return {};
     }
 };
 
 void KeepFirst(std::string& kept, std::string_view found)
 {
-    if (kept.empty()) kept = Trimmed(found);
+    if (kept.empty()) {
+        kept = Trimmed(found);
+    }
 }
 
 /// Reads one card out of its own bytes.
@@ -68,24 +83,50 @@ Card ReadCard(std::string_view bytes, std::string_view version, EntryUids& uids)
     int depth = 0;  // a 2.1 card may hold another one, its agent's
     ContentLineReader reader(bytes, version == "2.1" ? Folding::kKeepBlank : Folding::kDropBlank);
     while (const auto line = reader.next()) {
-        if (line->is("BEGIN", "VCARD")) ++depth;
-        if (line->is("END", "VCARD")) --depth;
-        if (line->name != "REV" && line->name != "PRODID") AppendCanonical(canonical, *line);
-        if (depth != 1) continue;
-        if (line->name == "UID") KeepFirst(card.uid, TextValue(*line));
-        if (line->name == "FN") KeepFirst(names.formatted, TextValue(*line));
-        if (line->name == "N") KeepFirst(names.spoken, SpokenName(DecodedValue(*line)));
-        if (line->name == "ORG") KeepFirst(names.organisation, Organisation(DecodedValue(*line)));
-        if (line->name == "EMAIL") KeepFirst(names.email, TextValue(*line));
-        if (line->name == "REV" && !card.revised) card.revised = ParseTimestamp(line->value);
-        if (line->name == "CATEGORIES")
-            for (const std::string& category : SplitUnescaped(DecodedValue(*line), ','))
-                if (!Trimmed(category).empty()) card.categories.emplace_back(Trimmed(Unescaped(category)));
+        if (line->is("BEGIN", "VCARD")) {
+            ++depth;
+        }
+        if (line->is("END", "VCARD")) {
+            --depth;
+        }
+        if (line->name != "REV" && line->name != "PRODID") {
+            AppendCanonical(canonical, *line);
+        }
+        if (depth != 1) {
+            continue;
+        }
+        if (line->name == "UID") {
+            KeepFirst(card.uid, TextValue(*line));
+        }
+        if (line->name == "FN") {
+            KeepFirst(names.formatted, TextValue(*line));
+        }
+        if (line->name == "N") {
+            KeepFirst(names.spoken, SpokenName(DecodedValue(*line)));
+        }
+        if (line->name == "ORG") {
+            KeepFirst(names.organisation, Organisation(DecodedValue(*line)));
+        }
+        if (line->name == "EMAIL") {
+            KeepFirst(names.email, TextValue(*line));
+        }
+        if (line->name == "REV" && !card.revised) {
+            card.revised = ParseTimestamp(line->value);
+        }
+        if (line->name == "CATEGORIES") {
+            for (const std::string& category : SplitUnescaped(DecodedValue(*line), ',')) {
+                if (!Trimmed(category).empty()) {
+                    card.categories.emplace_back(Trimmed(Unescaped(category)));
+                }
+            }
+        }
     }
     card.name = names.best();
     card.digest = Digest(canonical);
     card.uidDerived = card.uid.empty();
-    if (card.uidDerived) card.uid = uids.derive(card.digest);
+    if (card.uidDerived) {
+        card.uid = uids.derive(card.digest);
+    }
     return card;
 }
 
@@ -97,23 +138,30 @@ public:
     Cards run() &&
     {
         ContentLineReader reader(file_);
-        while (const auto line = reader.next()) take(*line);
-        if (depth_ > 0) giveUp();
-        if (result_.cards.empty() && result_.problems.empty()) result_.problems.push_back({0, "no card in the file"});
+        while (const auto line = reader.next()) {
+            take(*line);
+        }
+        if (depth_ > 0) {
+            giveUp();
+        }
+        if (result_.cards.empty() && result_.problems.empty()) {
+            result_.problems.push_back({0, "no card in the file"});
+        }
         return std::move(result_);
     }
 
 private:
     void take(const ContentLine& line)
     {
-        if (line.is("BEGIN", "VCARD"))
+        if (line.is("BEGIN", "VCARD")) {
             takeBegin(line);
-        else if (depth_ == 0)
+        } else if (depth_ == 0) {
             takeStray(line);
-        else if (line.is("END", "VCARD"))
+        } else if (line.is("END", "VCARD")) {
             takeEnd(line);
-        else if (line.name == "VERSION" && depth_ == 1 && version_.empty())
+        } else if (line.name == "VERSION" && depth_ == 1 && version_.empty()) {
             version_ = Trimmed(line.value);
+        }
         agentFollows_ = line.name == "AGENT" && Trimmed(line.value).empty();
     }
 
@@ -125,7 +173,9 @@ private:
             giveUp();
             depth_ = 0;
         }
-        if (depth_++ > 0) return;
+        if (depth_++ > 0) {
+            return;
+        }
         begin_ = line.begin;
         beginLine_ = line.number;
         version_.clear();
@@ -133,7 +183,9 @@ private:
 
     void takeEnd(const ContentLine& line)
     {
-        if (--depth_ > 0) return;
+        if (--depth_ > 0) {
+            return;
+        }
         Card card = ReadCard(file_.substr(begin_, line.end - begin_), version_, uids_);
         card.line = beginLine_;
         result_.cards.push_back(std::move(card));
@@ -142,7 +194,9 @@ private:
     /// One problem for as many lines as follow each other.
     void takeStray(const ContentLine& line)
     {
-        if (!strayText_) result_.problems.push_back({line.number, "text outside of any card"});
+        if (!strayText_) {
+            result_.problems.push_back({line.number, "text outside of any card"});
+        }
         strayText_ = true;
     }
 
@@ -154,8 +208,8 @@ private:
     int depth_ = 0;
     bool strayText_ = false;
     bool agentFollows_ = false;
-    std::size_t begin_ = 0;
-    std::size_t beginLine_ = 0;
+    size_t begin_ = 0;
+    size_t beginLine_ = 0;
     std::string version_;
 };
 

@@ -18,10 +18,10 @@ struct Card {
     std::string version;      // "2.1", "3.0", "4.0"; empty when the card does not say
     std::string name;         // FN, else N in spoken order, else the organisation, else an e-mail address
     std::vector<std::string> categories;
-    std::optional<std::int64_t> revised;  // REV, seconds since 1970 in UTC
-    std::string bytes;                    // the card as it stands in the file, from BEGIN to END with its line break
-    std::string digest;                   // changes with the contents; not with REV, PRODID, folding and line breaks
-    std::size_t line = 0;                 // where it begins
+    std::optional<int64_t> revised;  // REV, seconds since 1970 in UTC
+    std::string bytes;               // the card as it stands in the file, from BEGIN to END with its line break
+    std::string digest;              // changes with the contents; not with REV, PRODID, folding and line breaks
+    size_t line = 0;                 // where it begins
 };
 
 struct Cards {

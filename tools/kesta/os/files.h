@@ -23,21 +23,21 @@ enum class FileKind { kFile, kDirectory, kOther };
 
 /// Names a file on this machine whatever path leads to it.
 struct FileId {
-    std::uint64_t volume = 0;
-    std::uint64_t number = 0;
+    uint64_t volume = 0;
+    uint64_t number = 0;
     friend auto operator<=>(const FileId&, const FileId&) = default;  // NOLINT(modernize-use-nullptr)
 };
 
 /// Seconds since 1970 (UTC) and the part of a second.
 struct FileTime {
-    std::int64_t seconds = 0;
-    std::int32_t nanoseconds = 0;
+    int64_t seconds = 0;
+    int32_t nanoseconds = 0;
     friend auto operator<=>(const FileTime&, const FileTime&) = default;
 };
 
 struct FileInfo {
     FileKind kind = FileKind::kOther;
-    std::uint64_t size = 0;
+    uint64_t size = 0;
     FileTime modified;
     FileId id;
 };
@@ -88,12 +88,12 @@ public:
     Status open(const std::string& path);
     Status readInfo(FileInfo& info) const;
     /// Sets count to what was read, 0 at the end.
-    Status read(std::span<std::byte> buffer, std::size_t& count);
+    Status read(std::span<std::byte> buffer, size_t& count);
     /// Where the next read begins.
-    Status seek(std::uint64_t position);
+    Status seek(uint64_t position);
 
 private:
-    std::intptr_t handle_ = -1;
+    intptr_t handle_ = -1;
 };
 
 /// A file being written. Closed by the destructor; only close() tells whether everything was taken.
@@ -113,7 +113,7 @@ public:
     Status close();
 
 private:
-    std::intptr_t handle_ = -1;
+    intptr_t handle_ = -1;
 };
 
 /// Held by one process at a time; the system releases it when the process dies.
@@ -128,7 +128,7 @@ public:
     Status acquire(const std::string& directory);
 
 private:
-    std::intptr_t handle_ = -1;
+    intptr_t handle_ = -1;
 };
 
 /// The whole contents of a small file.

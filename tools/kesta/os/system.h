@@ -13,13 +13,13 @@ namespace kesta::os {
 std::vector<std::string> Arguments(int argc, char** argv);
 
 /// Seconds since 1970, UTC.
-std::int64_t Now();
+int64_t Now();
 /// The user's local calendar time as seconds since 30 December 1899; std::nullopt when the system cannot tell it.
-std::optional<std::int64_t> LocalSeconds(std::int64_t utcSeconds);
+std::optional<int64_t> LocalSeconds(int64_t utcSeconds);
 
 /// As file systems that ignore case see the character.
 char32_t UpperCase(char32_t character);
-std::uint64_t RandomNumber();
+uint64_t RandomNumber();
 
 /// Frees memory that passes from one module of the process to another.
 void FreeShared(void* memory);
@@ -36,6 +36,6 @@ bool Interrupted();
 /// Makes standard output take UTF-8.
 void PrepareOutput();
 bool IsTerminal();
-std::size_t TerminalWidth();
+size_t TerminalWidth();
 
 }  // namespace kesta::os

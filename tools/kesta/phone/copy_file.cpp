@@ -8,7 +8,7 @@
 namespace kesta {
 namespace {
 
-constexpr std::size_t kBlock = std::size_t{1} << 20;
+constexpr size_t kBlock = size_t{1} << 20;
 
 CopyResult SourceFailure(const os::Status& status)
 {
@@ -40,47 +40,78 @@ bool IsSame(const os::FileInfo& a, const os::FileInfo& b)
 CopyResult CopyContents(const CopyRequest& request, const std::string& temporary)
 {
     os::InputFile source;
-    if (os::Status status = source.open(request.source); !status.ok()) return SourceFailure(status);
+    if (os::Status status = source.open(request.source); !status.ok()) {
+        return SourceFailure(status);
+    }
     CopyResult result;
-    if (os::Status status = source.readInfo(result.source); !status.ok()) return SourceFailure(status);
-    if (result.source.kind != os::FileKind::kFile)
+    if (os::Status status = source.readInfo(result.source); !status.ok()) {
+        return SourceFailure(status);
+    }
+    if (result.source.kind != os::FileKind::kFile) {
         return {CopyOutcome::kSourceFailed, "it is no longer a file", {}, true};
+    }
 
     os::OutputFile target;
-    if (os::Status status = target.create(temporary); !status.ok()) return PhoneFailure(status);
+    if (os::Status status = target.create(temporary); !status.ok()) {
+        return PhoneFailure(status);
+    }
     static std::vector<std::byte> buffer(kBlock);
-    std::uint64_t total = 0;
+    uint64_t total = 0;
     for (;;) {
-        std::size_t count = 0;
-        if (os::Status status = source.read(buffer, count); !status.ok()) return SourceFailure(status);
-        if (count == 0) break;
-        if (os::Status status = target.write(std::span(buffer).first(count)); !status.ok()) return PhoneFailure(status);
+        size_t count = 0;
+        if (os::Status status = source.read(buffer, count); !status.ok()) {
+            return SourceFailure(status);
+        }
+        if (count == 0) {
+            break;
+        }
+        if (os::Status status = target.write(std::span(buffer).first(count)); !status.ok()) {
+            return PhoneFailure(status);
+        }
         total += count;
-        if (total > result.source.size) break;  // It grows; following it could take for ever.
-        if (!request.onBytes(count)) return {CopyOutcome::kInterrupted, "interrupted", {}, true};
+        if (total > result.source.size) {
+            break;  // It grows; following it could take for ever.
+        }
+        if (!request.onBytes(count)) {
+            return {CopyOutcome::kInterrupted, "interrupted", {}, true};
+        }
     }
     os::FileInfo after;
-    if (os::Status status = source.readInfo(after); !status.ok()) return SourceFailure(status);
-    if (!IsSame(result.source, after) || total != after.size)
+    if (os::Status status = source.readInfo(after); !status.ok()) {
+        return SourceFailure(status);
+    }
+    if (!IsSame(result.source, after) || total != after.size) {
         return {CopyOutcome::kSourceChanging, "it changed while it was copied, twice", {}, true};
+    }
     result.timeKept = target.setModified(result.source.modified).ok();
-    if (os::Status status = target.flush(); !status.ok()) return PhoneFailure(status);
-    if (os::Status status = target.close(); !status.ok()) return PhoneFailure(status);
+    if (os::Status status = target.flush(); !status.ok()) {
+        return PhoneFailure(status);
+    }
+    if (os::Status status = target.close(); !status.ok()) {
+        return PhoneFailure(status);
+    }
     return result;
 }
 
 CopyResult CopyOnce(const CopyRequest& request, const std::string& temporary)
 {
     CopyResult result = CopyContents(request, temporary);
-    if (result.outcome != CopyOutcome::kDone) return result;
+    if (result.outcome != CopyOutcome::kDone) {
+        return result;
+    }
     // The last look: planning found the place free, but it may not have seen names that the phone takes for equal.
     os::FileInfo there;
-    if (!request.mayReplace && os::ReadInfoOfLink(request.target, there).ok())
+    if (!request.mayReplace && os::ReadInfoOfLink(request.target, there).ok()) {
         return {CopyOutcome::kPlaceTaken, "another file has taken its place on the phone", {}, true};
-    if (os::Status status = os::Rename(temporary, request.target); !status.ok()) return PhoneFailure(status);
+    }
+    if (os::Status status = os::Rename(temporary, request.target); !status.ok()) {
+        return PhoneFailure(status);
+    }
     if (os::Status status = os::FlushDirectory(os::ParentOf(request.target)); !status.ok()) {
         // A new file that may be gone after a power failure must not be there unrecorded either.
-        if (!request.mayReplace) (void)os::RemoveFile(request.target);
+        if (!request.mayReplace) {
+            (void)os::RemoveFile(request.target);
+        }
         return PhoneFailure(status);
     }
     return result;
@@ -91,8 +122,9 @@ CopyResult CopyOnce(const CopyRequest& request, const std::string& temporary)
 CopyResult CopySafely(const CopyRequest& request)
 {
     const std::string temporary = os::Join(os::ParentOf(request.target), kTemporaryName);
-    if (os::Status status = os::RemoveFile(temporary); !status.ok() && status.failure() != os::Failure::kMissing)
+    if (os::Status status = os::RemoveFile(temporary); !status.ok() && status.failure() != os::Failure::kMissing) {
         return PhoneFailure(status);
+    }
     CopyResult result = CopyOnce(request, temporary);
     if (result.outcome == CopyOutcome::kSourceChanging) {
         (void)os::RemoveFile(temporary);  // A file that stays shows when the next attempt creates it.
@@ -101,8 +133,9 @@ CopyResult CopySafely(const CopyRequest& request)
     }
     if (result.outcome != CopyOutcome::kDone) {
         const os::Status status = os::RemoveFile(temporary);
-        if (!status.ok() && status.failure() != os::Failure::kMissing)
+        if (!status.ok() && status.failure() != os::Failure::kMissing) {
             result.reason += "; its temporary file could not be removed: " + status.text();
+        }
     }
     return result;
 }

@@ -24,7 +24,7 @@ struct CopyRequest {
     std::string source;
     std::string target;
     bool mayReplace = false;
-    std::function<bool(std::size_t bytes)> onBytes = [](std::size_t) { return true; };  // false stops the copy
+    std::function<bool(size_t bytes)> onBytes = [](size_t) { return true; };  // false stops the copy
     std::function<void()> onRestart = [] {};
 };
 

@@ -9,7 +9,7 @@
 namespace kesta {
 namespace {
 
-constexpr std::size_t kLongestImei = 100;
+constexpr size_t kLongestImei = 100;
 
 std::string MarkerPath(const PhoneFolder& phone)
 {
@@ -19,9 +19,11 @@ std::string MarkerPath(const PhoneFolder& phone)
 char CheckDigit(const std::string& digits)
 {
     int sum = 0;
-    for (std::size_t i = 0; i < digits.size(); ++i) {
+    for (size_t i = 0; i < digits.size(); ++i) {
         int digit = digits[i] - '0';
-        if (i % 2 == 1) digit *= 2;
+        if (i % 2 == 1) {
+            digit *= 2;
+        }
         sum += digit > 9 ? digit - 9 : digit;
     }
     return static_cast<char>('0' + (10 - sum % 10) % 10);
@@ -33,14 +35,20 @@ os::Status ReadMarker(const PhoneFolder& phone, std::optional<Marker>& marker)
 {
     marker.reset();
     std::string text;
-    if (os::Status status = os::ReadText(MarkerPath(phone), text); !status.ok())
+    if (os::Status status = os::ReadText(MarkerPath(phone), text); !status.ok()) {
         return status.failure() == os::Failure::kMissing ? os::Status() : status;
+    }
     const auto json = nlohmann::json::parse(text, nullptr, false);
-    if (!json.is_object() || !json.contains("imei") || !json["imei"].is_string())
+    if (!json.is_object() || !json.contains("imei") || !json["imei"].is_string()) {
         return {os::Failure::kOther, "it does not say which phone this is"};
+    }
     Marker found{json["imei"].get<std::string>(), {}};
-    if (json.contains("name") && json["name"].is_string()) found.name = json["name"].get<std::string>();
-    if (const std::string problem = ImeiProblem(found.imei); !problem.empty()) return {os::Failure::kOther, problem};
+    if (json.contains("name") && json["name"].is_string()) {
+        found.name = json["name"].get<std::string>();
+    }
+    if (const std::string problem = ImeiProblem(found.imei); !problem.empty()) {
+        return {os::Failure::kOther, problem};
+    }
     marker = std::move(found);
     return {};
 }
@@ -53,16 +61,24 @@ os::Status WriteMarker(const PhoneFolder& phone, const Marker& marker)
 
 std::string ImeiProblem(const std::string& imei)
 {
-    if (imei.empty()) return "an IMEI must not be empty";
-    if (imei.size() > kLongestImei) return fmt::format("an IMEI has at most {} characters", kLongestImei);
+    if (imei.empty()) {
+        return "an IMEI must not be empty";
+    }
+    if (imei.size() > kLongestImei) {
+        return fmt::format("an IMEI has at most {} characters", kLongestImei);
+    }
     for (const char c : imei) {
-        if (c == '\'') return "an IMEI must not hold an apostrophe";
-        if (c <= ' ' || c > '~') return "an IMEI consists of printable ASCII characters without blanks";
+        if (c == '\'') {
+            return "an IMEI must not hold an apostrophe";
+        }
+        if (c <= ' ' || c > '~') {
+            return "an IMEI consists of printable ASCII characters without blanks";
+        }
     }
     return {};
 }
 
-std::string MakeImei(std::uint64_t random)
+std::string MakeImei(uint64_t random)
 {
     const std::string digits = fmt::format("00{:012}", random % 1'000'000'000'000u);
     return digits + CheckDigit(digits);

@@ -22,6 +22,6 @@ os::Status WriteMarker(const PhoneFolder& phone, const Marker& marker);
 /// Why the text cannot be an IMEI; empty when it can.
 [[nodiscard]] std::string ImeiProblem(const std::string& imei);
 /// A made-up IMEI: 15 digits of the range for test equipment, which no real phone has, with a valid check digit.
-[[nodiscard]] std::string MakeImei(std::uint64_t random);
+[[nodiscard]] std::string MakeImei(uint64_t random);
 
 }  // namespace kesta

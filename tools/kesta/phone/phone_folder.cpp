@@ -13,8 +13,11 @@ namespace {
 template <class Visitor>
 void VisitFolders(const std::string& phonePath, const Visitor& visit)
 {
-    for (auto slash = phonePath.find('/'); slash != std::string::npos; slash = phonePath.find('/', slash + 1))
-        if (!visit(phonePath.substr(0, slash))) return;
+    for (auto slash = phonePath.find('/'); slash != std::string::npos; slash = phonePath.find('/', slash + 1)) {
+        if (!visit(phonePath.substr(0, slash))) {
+            return;
+        }
+    }
 }
 
 os::Status NoFolder(const std::string& phonePath)
@@ -42,8 +45,12 @@ ExitCode ExitCodeOf(const os::Status& status)
 os::Status PhoneFolder::open()
 {
     os::FileInfo info;
-    if (os::Status status = os::ReadInfo(root_, info); !status.ok()) return status;
-    if (info.kind != os::FileKind::kDirectory) return {os::Failure::kOther, "it is not a folder"};
+    if (os::Status status = os::ReadInfo(root_, info); !status.ok()) {
+        return status;
+    }
+    if (info.kind != os::FileKind::kDirectory) {
+        return {os::Failure::kOther, "it is not a folder"};
+    }
     id_ = info.id;
     return {};
 }
@@ -66,7 +73,9 @@ PhoneFile PhoneFolder::find(const std::string& phonePath) const
     os::FileInfo info;
     if (os::Status status = os::ReadInfoOfLink(native(phonePath), info); !status.ok()) {
         // What the phone cannot name is not there; copying it will give the reason.
-        if (status.failure() == os::Failure::kMissing || status.failure() == os::Failure::kTooLong) return {};
+        if (status.failure() == os::Failure::kMissing || status.failure() == os::Failure::kTooLong) {
+            return {};
+        }
         throw StopRun(ExitCode::kPhoneGone,
                       fmt::format("the phone cannot be read: {}: {}", Printable(phonePath), status.text()));
     }
@@ -77,10 +86,13 @@ PhoneFile PhoneFolder::find(const std::string& phonePath) const
 std::vector<std::string> PhoneFolder::names(const std::string& folder) const
 {
     // A file of that name shows when something is to be written there.
-    if (find(folder).entry != PhoneEntry::kOther) return {};
+    if (find(folder).entry != PhoneEntry::kOther) {
+        return {};
+    }
     std::vector<os::DirectoryEntry> entries;
-    if (os::Status status = os::ListDirectory(native(folder), entries); !status.ok())
+    if (os::Status status = os::ListDirectory(native(folder), entries); !status.ok()) {
         throw StopRun(ExitCode::kPhoneGone, fmt::format("the phone cannot be read: {}: {}", folder, status.text()));
+    }
     std::vector<std::string> names;
     for (os::DirectoryEntry& entry : entries) {
         if (entry.valid) {
@@ -98,9 +110,15 @@ bool PhoneFolder::holds(const std::string& phonePath, const std::string& text) c
 
 std::optional<StopRun> PhoneFolder::whyNothingCanBeWritten(const os::Status& status) const
 {
-    if (!isStillThere()) return StopRun(ExitCode::kPhoneGone, "the phone went away");
-    if (status.failure() == os::Failure::kFull) return StopRun(ExitCode::kPhoneFull, "the phone is full");
-    if (status.failure() == os::Failure::kReadOnly) return StopRun(ExitCode::kPhoneReadOnly, "the phone is read-only");
+    if (!isStillThere()) {
+        return StopRun(ExitCode::kPhoneGone, "the phone went away");
+    }
+    if (status.failure() == os::Failure::kFull) {
+        return StopRun(ExitCode::kPhoneFull, "the phone is full");
+    }
+    if (status.failure() == os::Failure::kReadOnly) {
+        return StopRun(ExitCode::kPhoneReadOnly, "the phone is read-only");
+    }
     return std::nullopt;
 }
 
@@ -117,7 +135,9 @@ os::Status PhoneFolder::checkWay(const std::string& phonePath, Way& way) const
             return false;
         }
         // A link could lead back to the PC, and what is removed there is nobody's copy.
-        if (result.ok() && info.kind != os::FileKind::kDirectory) result = NoFolder(folder);
+        if (result.ok() && info.kind != os::FileKind::kDirectory) {
+            result = NoFolder(folder);
+        }
         return result.ok();
     });
     return result;
@@ -127,7 +147,9 @@ os::Status PhoneFolder::makeFolders(const std::string& phonePath)
 {
     os::Status result;
     VisitFolders(phonePath, [&](const std::string& folder) {
-        if (checkedFolders_.contains(folder)) return true;
+        if (checkedFolders_.contains(folder)) {
+            return true;
+        }
         const std::string path = native(folder);
         result = os::MakeDirectory(path);
         if (result.ok()) {
@@ -135,9 +157,13 @@ os::Status PhoneFolder::makeFolders(const std::string& phonePath)
         } else if (result.failure() == os::Failure::kExists) {
             os::FileInfo info;
             result = os::ReadInfoOfLink(path, info);
-            if (result.ok() && info.kind != os::FileKind::kDirectory) result = NoFolder(folder);
+            if (result.ok() && info.kind != os::FileKind::kDirectory) {
+                result = NoFolder(folder);
+            }
         }
-        if (result.ok()) checkedFolders_.insert(folder);
+        if (result.ok()) {
+            checkedFolders_.insert(folder);
+        }
         return result.ok();
     });
     return result;
@@ -146,11 +172,16 @@ os::Status PhoneFolder::makeFolders(const std::string& phonePath)
 os::Status PhoneFolder::removeFile(const std::string& phonePath)
 {
     Way way = Way::kPlain;
-    if (os::Status status = checkWay(phonePath, way); !status.ok()) return status;
-    if (way == Way::kMissing) return {};
+    if (os::Status status = checkWay(phonePath, way); !status.ok()) {
+        return status;
+    }
+    if (way == Way::kMissing) {
+        return {};
+    }
     const std::string path = native(phonePath);
-    if (os::Status status = os::RemoveFile(path); !status.ok())
+    if (os::Status status = os::RemoveFile(path); !status.ok()) {
         return status.failure() == os::Failure::kMissing ? os::Status() : status;
+    }
     return os::FlushDirectory(os::ParentOf(path));
 }
 
@@ -159,10 +190,14 @@ os::Status PhoneFolder::tidyAbove(const std::string& phonePath)
     for (auto slash = phonePath.rfind('/'); slash != std::string::npos;) {
         const std::string folder = phonePath.substr(0, slash);
         slash = folder.rfind('/');
-        if (slash == std::string::npos) return {};  // The category's folder may be the phone's own.
+        if (slash == std::string::npos) {
+            return {};  // The category's folder may be the phone's own.
+        }
         checkedFolders_.erase(folder);
         const os::Status status = os::RemoveEmptyDirectory(native(folder));
-        if (status.ok() || status.failure() == os::Failure::kMissing) continue;
+        if (status.ok() || status.failure() == os::Failure::kMissing) {
+            continue;
+        }
         const bool isInUse = status.failure() == os::Failure::kNotEmpty || status.failure() == os::Failure::kExists;
         return isInUse ? os::Status() : status;
     }

@@ -10,11 +10,11 @@ namespace kesta {
 namespace {
 
 // FAT keeps times to two seconds only.
-constexpr std::int64_t kTimeTolerance = 2;
+constexpr int64_t kTimeTolerance = 2;
 
 }  // namespace
 
-bool IsSameFile(const PhoneFile& there, std::uint64_t size, std::int64_t modifiedSeconds)
+bool IsSameFile(const PhoneFile& there, uint64_t size, int64_t modifiedSeconds)
 {
     return there.entry == PhoneEntry::kFile && there.size == size &&
            std::abs(there.modifiedSeconds - modifiedSeconds) <= kTimeTolerance;
@@ -23,9 +23,12 @@ bool IsSameFile(const PhoneFile& there, std::uint64_t size, std::int64_t modifie
 bool PhonePaths::reserve(const std::string& phonePath)
 {
     const std::string key = CaseKey(phonePath);
-    if (folders_.contains(key) || !files_.insert(key).second) return false;
-    for (auto slash = key.find('/'); slash != std::string::npos; slash = key.find('/', slash + 1))
+    if (folders_.contains(key) || !files_.insert(key).second) {
+        return false;
+    }
+    for (auto slash = key.find('/'); slash != std::string::npos; slash = key.find('/', slash + 1)) {
         folders_.insert(key.substr(0, slash));
+    }
     return true;
 }
 
@@ -52,7 +55,9 @@ std::string PhonePaths::allocateFolder(const std::string& parent, const std::str
 bool PhonePaths::takeFolder(const std::string& path)
 {
     const std::string key = CaseKey(path);
-    if (folders_.contains(key)) return true;
+    if (folders_.contains(key)) {
+        return true;
+    }
     const bool fileIsThere = phone_.find(path).entry == PhoneEntry::kFile && !isFreed(key);
     return !files_.contains(key) && !fileIsThere && folders_.insert(key).second;
 }
@@ -68,9 +73,13 @@ PhonePaths::Place PhonePaths::allocate(const std::vector<std::string>& parts, co
     (void)UniqueName(SafeName(parts.back()), seed, [&](const std::string& name) {
         place.phonePath = directory + '/' + name;
         const std::string key = CaseKey(place.phonePath);
-        if (files_.contains(key) || folders_.contains(key)) return false;
+        if (files_.contains(key) || folders_.contains(key)) {
+            return false;
+        }
         const PhoneFile there = isFreed(key) ? PhoneFile{} : phone_.find(place.phonePath);
-        if (there.entry != PhoneEntry::kNothing && !isSame(place.phonePath, there)) return false;
+        if (there.entry != PhoneEntry::kNothing && !isSame(place.phonePath, there)) {
+            return false;
+        }
         files_.insert(key);
         place.sameFileIsThere = there.entry == PhoneEntry::kFile;
         return true;

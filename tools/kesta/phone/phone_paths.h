@@ -46,6 +46,6 @@ private:
 };
 
 /// Whether a file on the phone can be taken for the PC's, by size and time.
-[[nodiscard]] bool IsSameFile(const PhoneFile& there, std::uint64_t size, std::int64_t modifiedSeconds);
+[[nodiscard]] bool IsSameFile(const PhoneFile& there, uint64_t size, int64_t modifiedSeconds);
 
 }  // namespace kesta

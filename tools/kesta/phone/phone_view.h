@@ -12,8 +12,8 @@ enum class PhoneEntry { kNothing, kFile, kOther };
 /// What lies at a path on the phone.
 struct PhoneFile {
     PhoneEntry entry = PhoneEntry::kNothing;
-    std::uint64_t size = 0;
-    std::int64_t modifiedSeconds = 0;
+    uint64_t size = 0;
+    int64_t modifiedSeconds = 0;
 };
 
 class PhoneView {

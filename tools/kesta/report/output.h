@@ -16,7 +16,9 @@ inline void Print(std::string_view text)
     errno = 0;
     const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
     // Windows knows a broken pipe as an invalid argument.
-    if (!isWritten && errno != EPIPE && errno != EINVAL) outputHasFailed = true;
+    if (!isWritten && errno != EPIPE && errno != EINVAL) {
+        outputHasFailed = true;
+    }
 }
 
 }  // namespace kesta

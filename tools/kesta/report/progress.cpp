@@ -16,35 +16,38 @@ constexpr auto kRedrawInterval = std::chrono::milliseconds(100);
 
 std::string TimeText(double seconds)
 {
-    const auto whole = static_cast<std::int64_t>(std::min(seconds + 0.5, 359999.0));
-    if (whole >= 3600) return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
+    const auto whole = static_cast<int64_t>(std::min(seconds + 0.5, 359999.0));
+    if (whole >= 3600) {
+        return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
+    }
     return fmt::format("{}:{:02}", whole / 60, whole % 60);
 }
 
 }  // namespace
 
-std::string BarText(std::size_t filesDone, std::size_t files, std::uint64_t bytesDone, std::uint64_t bytes,
-                    std::uint64_t bytesMoved, double seconds, std::size_t width)
+std::string BarText(size_t filesDone, size_t files, uint64_t bytesDone, uint64_t bytes, uint64_t bytesMoved,
+                    double seconds, size_t width)
 {
     std::string text = fmt::format(" {}/{} files  {}/{}", filesDone, files, FormatSize(bytesDone), FormatSize(bytes));
     if (seconds >= 0.5 && bytesMoved > 0) {
         const double rate = static_cast<double>(bytesMoved) / seconds;
         const double left = static_cast<double>(bytes - std::min(bytes, bytesDone)) / rate;
-        text += fmt::format("  {}/s  {} left", FormatSize(static_cast<std::uint64_t>(rate)), TimeText(left));
+        text += fmt::format("  {}/s  {} left", FormatSize(static_cast<uint64_t>(rate)), TimeText(left));
     }
-    constexpr std::size_t kWidestBar = 30, kNarrowestBar = 8;
-    if (width < text.size() + kNarrowestBar + 3) return text.size() < width ? text : text.substr(0, width - 1);
-    const std::size_t bar = std::min(kWidestBar, width - text.size() - 3);
-    const double share = bytes > 0
-                             ? static_cast<double>(bytesDone) / static_cast<double>(bytes)
-                             : static_cast<double>(filesDone) / static_cast<double>(std::max<std::size_t>(files, 1));
-    const auto full = static_cast<std::size_t>(std::clamp(share, 0.0, 1.0) * static_cast<double>(bar));
+    constexpr size_t kWidestBar = 30, kNarrowestBar = 8;
+    if (width < text.size() + kNarrowestBar + 3) {
+        return text.size() < width ? text : text.substr(0, width - 1);
+    }
+    const size_t bar = std::min(kWidestBar, width - text.size() - 3);
+    const double share = bytes > 0 ? static_cast<double>(bytesDone) / static_cast<double>(bytes)
+                                   : static_cast<double>(filesDone) / static_cast<double>(std::max<size_t>(files, 1));
+    const auto full = static_cast<size_t>(std::clamp(share, 0.0, 1.0) * static_cast<double>(bar));
     return "[" + std::string(full, '#') + std::string(bar - full, '.') + "]" + text;
 }
 
 void Progress::show(const std::string& line)
 {
-    const std::size_t width = DisplayWidth(line);
+    const size_t width = DisplayWidth(line);
     const std::string blanks(shownWidth_ > width ? shownWidth_ - width : 0, ' ');
     Print("\r" + line + blanks + (line.empty() ? "\r" : ""));
     shownWidth_ = width;
@@ -52,9 +55,13 @@ void Progress::show(const std::string& line)
 
 void Progress::draw(bool evenIfJustDrawn)
 {
-    if (style_ != Style::kBar || files_ == 0) return;
+    if (style_ != Style::kBar || files_ == 0) {
+        return;
+    }
     const auto now = Clock::now();
-    if (!evenIfJustDrawn && now - drawn_ < kRedrawInterval) return;
+    if (!evenIfJustDrawn && now - drawn_ < kRedrawInterval) {
+        return;
+    }
     drawn_ = now;
     const double seconds = std::chrono::duration<double>(now - started_).count();
     show(BarText(filesDone_, files_, bytesDone_ + bytesOfFile_, bytes_, bytesMoved_, seconds, os::TerminalWidth()));
@@ -62,19 +69,23 @@ void Progress::draw(bool evenIfJustDrawn)
 
 void Progress::say(std::string_view line)
 {
-    if (style_ == Style::kBar) show("");
+    if (style_ == Style::kBar) {
+        show("");
+    }
     Print(std::string(line) + "\n");
     draw(true);
 }
 
 void Progress::remark(std::string_view text)
 {
-    if (style_ != Style::kBar || Clock::now() - drawn_ < kRedrawInterval) return;
+    if (style_ != Style::kBar || Clock::now() - drawn_ < kRedrawInterval) {
+        return;
+    }
     drawn_ = Clock::now();
     show(std::string(text));
 }
 
-void Progress::start(std::size_t files, std::uint64_t bytes)
+void Progress::start(size_t files, uint64_t bytes)
 {
     files_ = files;
     bytes_ = bytes;
@@ -84,7 +95,7 @@ void Progress::start(std::size_t files, std::uint64_t bytes)
     draw(true);
 }
 
-void Progress::addBytes(std::uint64_t bytes)
+void Progress::addBytes(uint64_t bytes)
 {
     bytesOfFile_ += bytes;
     bytesMoved_ += bytes;
@@ -96,18 +107,22 @@ void Progress::restartFile()
     bytesOfFile_ = 0;
 }
 
-void Progress::endFile(std::string_view verb, std::string_view phonePath, std::uint64_t planned)
+void Progress::endFile(std::string_view verb, std::string_view phonePath, uint64_t planned)
 {
     ++filesDone_;
     bytesDone_ += planned;
     bytesOfFile_ = 0;
-    if (style_ == Style::kLines) say(fmt::format("{:<9} {}", verb, Printable(phonePath)));
+    if (style_ == Style::kLines) {
+        say(fmt::format("{:<9} {}", verb, Printable(phonePath)));
+    }
     draw(filesDone_ == files_);
 }
 
 void Progress::finish()
 {
-    if (style_ == Style::kBar) show("");
+    if (style_ == Style::kBar) {
+        show("");
+    }
     files_ = 0;
 }
 

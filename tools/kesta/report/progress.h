@@ -20,12 +20,12 @@ public:
     void say(std::string_view line);
     /// A passing remark while folders are read; shown beside a bar only.
     void remark(std::string_view text);
-    void start(std::size_t files, std::uint64_t bytes);
-    void addBytes(std::uint64_t bytes);
+    void start(size_t files, uint64_t bytes);
+    void addBytes(uint64_t bytes);
     /// The current file begins anew.
     void restartFile();
     /// planned: the bytes that the file was announced with in start().
-    void endFile(std::string_view verb, std::string_view phonePath, std::uint64_t planned);
+    void endFile(std::string_view verb, std::string_view phonePath, uint64_t planned);
     /// Takes the bar away.
     void finish();
 
@@ -35,14 +35,14 @@ private:
     void show(const std::string& line);
 
     Style style_;
-    std::size_t files_ = 0, filesDone_ = 0;
-    std::uint64_t bytes_ = 0, bytesDone_ = 0, bytesOfFile_ = 0, bytesMoved_ = 0;
+    size_t files_ = 0, filesDone_ = 0;
+    uint64_t bytes_ = 0, bytesDone_ = 0, bytesOfFile_ = 0, bytesMoved_ = 0;
     Clock::time_point started_, drawn_;
-    std::size_t shownWidth_ = 0;
+    size_t shownWidth_ = 0;
 };
 
 /// "12/40 files  3.4/9.0 MB  1.1 MB/s  0:05 left", with a bar in front when the width has room for it.
-[[nodiscard]] std::string BarText(std::size_t filesDone, std::size_t files, std::uint64_t bytesDone,
-                                  std::uint64_t bytes, std::uint64_t bytesMoved, double seconds, std::size_t width);
+[[nodiscard]] std::string BarText(size_t filesDone, size_t files, uint64_t bytesDone, uint64_t bytes,
+                                  uint64_t bytesMoved, double seconds, size_t width);
 
 }  // namespace kesta

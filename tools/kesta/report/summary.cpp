@@ -10,7 +10,7 @@
 namespace kesta {
 namespace {
 
-constexpr std::size_t kListedFailures = 50;
+constexpr size_t kListedFailures = 50;
 
 }  // namespace
 
@@ -27,7 +27,9 @@ Tally& Tally::operator+=(const Tally& other)
 
 void Summary::stopWith(ExitCode code, std::string reason)
 {
-    if (isStopped()) return;
+    if (isStopped()) {
+        return;
+    }
     stop = code;
     stopReason = std::move(reason);
 }
@@ -49,22 +51,28 @@ size_t Summary::allDeferred() const
 
 ExitCode Summary::exitCode() const
 {
-    if (isStopped()) return stop;
-    if (!failures.empty()) return ExitCode::kIncomplete;
+    if (isStopped()) {
+        return stop;
+    }
+    if (!failures.empty()) {
+        return ExitCode::kIncomplete;
+    }
     return allDeferred() > 0 ? ExitCode::kDeferred : ExitCode::kSuccess;
 }
 
-std::string Counted(std::size_t count, const char* noun)
+std::string Counted(size_t count, const char* noun)
 {
     return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
 }
 
-std::string FormatSize(std::uint64_t bytes)
+std::string FormatSize(uint64_t bytes)
 {
-    if (bytes < 1000) return fmt::format("{} B", bytes);
+    if (bytes < 1000) {
+        return fmt::format("{} B", bytes);
+    }
     constexpr std::array kUnits{"kB", "MB", "GB", "TB", "PB", "EB"};
     double value = static_cast<double>(bytes) / 1000;
-    std::size_t unit = 0;
+    size_t unit = 0;
     while (value >= 999.95 && unit + 1 < kUnits.size()) {
         value /= 1000;
         ++unit;
@@ -76,14 +84,19 @@ std::string Describe(const Summary& summary, bool isPreview, double seconds)
 {
     fmt::memory_buffer text;
     const auto out = std::back_inserter(text);
-    if (!summary.failures.empty()) fmt::format_to(out, "Not synced:\n");
-    for (std::size_t i = 0; i < summary.failures.size() && i < kListedFailures; ++i) {
+    if (!summary.failures.empty()) {
+        fmt::format_to(out, "Not synced:\n");
+    }
+    for (size_t i = 0; i < summary.failures.size() && i < kListedFailures; ++i) {
         const FailedItem& item = summary.failures[i];
         fmt::format_to(out, "  {}: {}\n", Printable(item.path), Printable(item.reason));
     }
-    if (summary.failures.size() > kListedFailures)
+    if (summary.failures.size() > kListedFailures) {
         fmt::format_to(out, "  and {} more\n", summary.failures.size() - kListedFailures);
-    for (const std::string& note : summary.notes) fmt::format_to(out, "Note: {}\n", note);
+    }
+    for (const std::string& note : summary.notes) {
+        fmt::format_to(out, "Note: {}\n", note);
+    }
     if (summary.files.deferred > 0) {
         fmt::format_to(out,
                        "Deferred: {} to be removed from the phone, more than half of a category. "
@@ -91,22 +104,31 @@ std::string Describe(const Summary& summary, bool isPreview, double seconds)
                        Counted(summary.files.deferred, "file"));
     }
     for (const FamilyTally& family : summary.families) {
-        if (family.tally.deferred == 0) continue;
+        if (family.tally.deferred == 0) {
+            continue;
+        }
         fmt::format_to(out,
                        "Deferred: {} to be removed from the phone, more than half of those recorded. "
                        "Add --force if that is what you want.\n",
                        Counted(family.tally.deferred, family.noun));
     }
-    if (summary.isStopped()) fmt::format_to(out, "Stopped: {}\n", Printable(summary.stopReason));
+    if (summary.isStopped()) {
+        fmt::format_to(out, "Stopped: {}\n", Printable(summary.stopReason));
+    }
     fmt::format_to(out, "{}: {} copied, {} updated, {} removed, {} unchanged, {} failed",
                    isPreview ? "A sync would give" : "Summary", summary.files.added, summary.files.updated,
                    summary.files.removed, summary.files.unchanged, summary.failures.size());
-    if (summary.files.adopted > 0) fmt::format_to(out, ", {} recorded as found", summary.files.adopted);
-    if (summary.notReached > 0) fmt::format_to(out, ", {} not reached", summary.notReached);
-    if (isPreview)
+    if (summary.files.adopted > 0) {
+        fmt::format_to(out, ", {} recorded as found", summary.files.adopted);
+    }
+    if (summary.notReached > 0) {
+        fmt::format_to(out, ", {} not reached", summary.notReached);
+    }
+    if (isPreview) {
         fmt::format_to(out, " ({} to copy)", FormatSize(summary.bytes));
-    else
+    } else {
         fmt::format_to(out, " ({} in {:.1f} s)", FormatSize(summary.bytes), seconds);
+    }
     for (const FamilyTally& family : summary.families) {
         fmt::format_to(out, "\n{}: {} added, {} updated, {} removed, {} unchanged", family.title, family.tally.added,
                        family.tally.updated, family.tally.removed, family.tally.unchanged);

@@ -29,18 +29,22 @@ Plan LeftoverStage::plan(Session& session)
         }
     }
     Leftovers leftovers;
-    if (os::Status status = FindLeftovers(phone_, phonePaths, leftovers); !status.ok())
+    if (os::Status status = FindLeftovers(phone_, phonePaths, leftovers); !status.ok()) {
         throw StopRun(ExitCodeOf(status), "the phone's journal cannot be read: " + status.text());
-    if (!leftovers.journalFound && leftovers.temporaryFiles.empty()) return plan;
+    }
+    if (!leftovers.journalFound && leftovers.temporaryFiles.empty()) {
+        return plan;
+    }
     const size_t files = leftovers.temporaryFiles.size() + leftovers.unknownFiles.size();
     const std::string counted = Counted(files, "leftover");
     Change change;
     change.verb.planned = kRemoved.planned;
     change.shown = counted + " of the last run, which was cut short";
     change.record = [this, leftovers, counted, &report = session.report](const Written&) {
-        if (os::Status status = RemoveLeftovers(phone_, leftovers); !status.ok())
+        if (os::Status status = RemoveLeftovers(phone_, leftovers); !status.ok()) {
             throw StopRun(ExitCodeOf(status),
                           "what the last run left on the phone cannot be removed: " + status.text());
+        }
         report.note(fmt::format("the last run was cut short; {} of it removed.", counted));
         return Result();
     };

@@ -39,13 +39,16 @@ void MainFolderStage::selectAll(Session& session, Plan& plan)
 {
     for (const MainFolder folder : kSynced) {
         bool& isSelected = selected_[static_cast<size_t>(folder)];
-        if (std::exchange(isSelected, true)) continue;
+        if (std::exchange(isSelected, true)) {
+            continue;
+        }
         Change change;
         change.record = [&session, folder](const Written&) {
             const Result result = MainFolderRecords(session.database).select(session.imei, folder, true);
-            if (!result.ok())
+            if (!result.ok()) {
                 throw DatabaseError(
                     fmt::format("the main folder {} cannot be selected: {}", KeyOf(folder), result.text()));
+            }
             return result;
         };
         plan.add(std::move(change));
@@ -55,7 +58,9 @@ void MainFolderStage::selectAll(Session& session, Plan& plan)
 void MainFolderStage::skipUnselected(const Session& session)
 {
     const auto isSkipped = [&](MainFolder folder, bool isGiven, std::string_view what) {
-        if (!isGiven || selected_[static_cast<size_t>(folder)]) return false;
+        if (!isGiven || selected_[static_cast<size_t>(folder)]) {
+            return false;
+        }
         session.report.note(
             fmt::format("{} skipped: the main folder {} is not selected for this phone (kesta settings --imei {} "
                         "select.{}=yes selects it).",

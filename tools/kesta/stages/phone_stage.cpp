@@ -10,15 +10,17 @@ namespace kesta {
 PhoneStage::PhoneStage(const PhoneFolder& phone, const SyncOptions& options) : phone_(phone), options_(options)
 {
     std::optional<Marker> found;
-    if (os::Status status = ReadMarker(phone, found); !status.ok())
+    if (os::Status status = ReadMarker(phone, found); !status.ok()) {
         throw StopRun(ExitCodeOf(status),
                       fmt::format("the phone's file {} cannot be used: {}", kMarkerName, status.text()));
+    }
     isMarked_ = found.has_value();
     if (isMarked_) {
         marker_ = *found;
-        if (options.imei && *options.imei != marker_.imei)
+        if (options.imei && *options.imei != marker_.imei) {
             throw StopRun(ExitCode::kFailure, fmt::format("this folder is the phone {} ({}), not {}", marker_.imei,
                                                           marker_.name, *options.imei));
+        }
         return;
     }
     marker_.imei = options.imei.value_or(std::string());
@@ -58,8 +60,9 @@ void PhoneStage::announce(Session& session, bool isKnown)
         marker_.name = *options_.name;
     }
     if (!isMarked_ || isRenamed) {
-        if (os::Status status = WriteMarker(phone_, marker_); !status.ok())
+        if (os::Status status = WriteMarker(phone_, marker_); !status.ok()) {
             throw StopRun(ExitCodeOf(status), "the phone cannot be marked: " + status.text());
+        }
     }
     session.database.announce(marker_.imei, marker_.name);
     if (isKnown && options_.name) {

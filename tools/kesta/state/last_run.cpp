@@ -21,9 +21,13 @@ os::Status SaveLastRun(const std::string& imei, const LastRun& run)
 std::optional<LastRun> LoadLastRun(const std::string& imei, LocalTime time)
 {
     nlohmann::json state;
-    if (!ReadStateFile(FileOf(imei), imei, state).ok() || state.is_null()) return std::nullopt;
+    if (!ReadStateFile(FileOf(imei), imei, state).ok() || state.is_null()) {
+        return std::nullopt;
+    }
     try {
-        if (state.at("time") != FormatLocalTime(time)) return std::nullopt;
+        if (state.at("time") != FormatLocalTime(time)) {
+            return std::nullopt;
+        }
         return LastRun{time, state.at("code").get<int>(), state.at("reason").get<std::string>()};
     } catch (const nlohmann::json::exception&) {
         return std::nullopt;  // Anybody may have damaged it.

@@ -26,9 +26,10 @@ std::optional<LocalTime> TimeFrom(const json& value)
 std::vector<PimLogRow> RowsFrom(const json& values)
 {
     std::vector<PimLogRow> rows;
-    for (const json& value : values)
+    for (const json& value : values) {
         rows.push_back({value.at(0).get<std::string>(), value.at(1).get<std::string>(), TimeFrom(value.at(2)),
                         TimeFrom(value.at(3))});
+    }
     return rows;
 }
 
@@ -38,7 +39,9 @@ os::Status WritePimJournal(const std::string& imei, const PimJournal& journal)
 {
     nlohmann::ordered_json state{{"places", journal.places}};
     for (const PimKind kind : kPimKinds) {
-        if (!journal.rowsOf(kind)) continue;
+        if (!journal.rowsOf(kind)) {
+            continue;
+        }
         auto& rows = state[std::string(KeyOf(kind))] = json::array();
         for (const PimLogRow& row : *journal.rowsOf(kind)) {
             rows.push_back({row.guid, row.luid, ToJson(row.pcTime), ToJson(row.phoneTime)});
@@ -51,7 +54,9 @@ os::Status ReadPimJournal(const std::string& imei, std::optional<PimJournal>& jo
 {
     journal.reset();
     json state;
-    if (os::Status status = ReadStateFile(FileOf(imei), imei, state); !status.ok() || state.is_null()) return status;
+    if (os::Status status = ReadStateFile(FileOf(imei), imei, state); !status.ok() || state.is_null()) {
+        return status;
+    }
     try {
         PimJournal found;
         found.places = state.at("places").get<std::set<std::string>>();

@@ -18,8 +18,8 @@ struct PimJournal {
     std::set<std::string> places;
     /// By kind, once what is on the phone is settled. Nothing: the database's log holds.
     std::array<std::optional<std::vector<PimLogRow>>, kPimKinds.size()> rows;
-    [[nodiscard]] auto& rowsOf(PimKind kind) { return rows[static_cast<std::size_t>(kind)]; }
-    [[nodiscard]] const auto& rowsOf(PimKind kind) const { return rows[static_cast<std::size_t>(kind)]; }
+    [[nodiscard]] auto& rowsOf(PimKind kind) { return rows[static_cast<size_t>(kind)]; }
+    [[nodiscard]] const auto& rowsOf(PimKind kind) const { return rows[static_cast<size_t>(kind)]; }
 };
 
 os::Status WritePimJournal(const std::string& imei, const PimJournal& journal);

@@ -11,7 +11,9 @@ namespace {
 std::string StateFolder()
 {
     const std::string data = os::DataDirectory();
-    if (data.empty()) return {};
+    if (data.empty()) {
+        return {};
+    }
     return os::Join(os::Join(os::Join(data, "NORVIK"), "NORVIK Sync"), "Client");
 }
 
@@ -26,11 +28,13 @@ os::Status ReadStateFile(const std::string& name, const std::string& imei, nlohm
 {
     state = nullptr;
     std::string text;
-    if (os::Status status = os::ReadText(PathOf(name), text); !status.ok())
+    if (os::Status status = os::ReadText(PathOf(name), text); !status.ok()) {
         return status.failure() == os::Failure::kMissing ? os::Status() : status;
+    }
     nlohmann::json read = nlohmann::json::parse(text, nullptr, false);
-    if (!read.is_object() || !read.contains("imei") || !read["imei"].is_string())
+    if (!read.is_object() || !read.contains("imei") || !read["imei"].is_string()) {
         return {os::Failure::kOther, "it is damaged"};
+    }
     if (read["imei"] == imei) {
         state = std::move(read);
     }
@@ -40,8 +44,9 @@ os::Status ReadStateFile(const std::string& name, const std::string& imei, nlohm
 os::Status WriteStateFile(const std::string& name, const std::string& imei, nlohmann::ordered_json state)
 {
     const std::string folder = StateFolder();
-    if (folder.empty() || !os::MakePrivateDirectories(folder))
+    if (folder.empty() || !os::MakePrivateDirectories(folder)) {
         return {os::Failure::kOther, "the folder for application data cannot be made"};
+    }
     state["imei"] = imei;
     constexpr auto kReplace = nlohmann::json::error_handler_t::replace;
     const std::string path = PathOf(name);

@@ -24,9 +24,15 @@ DeletionGuard::DeletionGuard(const std::string& imei, bool force) : imei_(imei),
 {
     // Anybody may have damaged it: it counts as none then.
     nlohmann::json state;
-    if (!ReadStateFile(FileOf(imei), imei, state).ok()) return;
-    if (state.is_null() && !ReadStateFile(FormerFileOf(imei), imei, state).ok()) return;
-    if (!state.contains("recorded") || !state["recorded"].is_object()) return;
+    if (!ReadStateFile(FileOf(imei), imei, state).ok()) {
+        return;
+    }
+    if (state.is_null() && !ReadStateFile(FormerFileOf(imei), imei, state).ok()) {
+        return;
+    }
+    if (!state.contains("recorded") || !state["recorded"].is_object()) {
+        return;
+    }
     for (const auto& [what, recorded] : state["recorded"].items()) {
         if (recorded.is_number_unsigned()) {
             recordedBefore_.emplace(what, recorded.get<size_t>());
@@ -34,10 +40,12 @@ DeletionGuard::DeletionGuard(const std::string& imei, bool force) : imei_(imei),
     }
 }
 
-bool DeletionGuard::defers(const std::string& what, std::size_t leaving, std::size_t recorded)
+bool DeletionGuard::defers(const std::string& what, size_t leaving, size_t recorded)
 {
     const auto before = recordedBefore_.find(what);
-    if (before != recordedBefore_.end()) recorded = std::min(recorded, before->second);
+    if (before != recordedBefore_.end()) {
+        recorded = std::min(recorded, before->second);
+    }
     const bool areTooMany = leaving * 2 > recorded && !force_;
     if (areTooMany && before == recordedBefore_.end()) {
         recordedBefore_.emplace(what, recorded);
@@ -51,14 +59,18 @@ bool DeletionGuard::defers(const std::string& what, std::size_t leaving, std::si
 
 void DeletionGuard::save(Report& report)
 {
-    if (!hasChanged_ || imei_.empty()) return;
+    if (!hasChanged_ || imei_.empty()) {
+        return;
+    }
     hasChanged_ = false;
     os::Status status = recordedBefore_.empty() ? RemoveStateFile(FileOf(imei_))
                                                 : WriteStateFile(FileOf(imei_), imei_, {{"recorded", recordedBefore_}});
     if (status.ok()) {
         status = RemoveStateFile(FormerFileOf(imei_));
     }
-    if (!status.ok()) report.note("what is deferred cannot be noted for the next run: " + status.text());
+    if (!status.ok()) {
+        report.note("what is deferred cannot be noted for the next run: " + status.text());
+    }
 }
 
 }  // namespace kesta

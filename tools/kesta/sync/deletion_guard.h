@@ -19,7 +19,7 @@ public:
 
     /// Whether so many removals wait. While some do, what has been added since does not count as recorded: otherwise
     /// the next run would find them to be less than half.
-    [[nodiscard]] bool defers(const std::string& what, std::size_t leaving, std::size_t recorded);
+    [[nodiscard]] bool defers(const std::string& what, size_t leaving, size_t recorded);
 
     /// Notes on the PC what waits, to be called before anything is added.
     void save(Report& report);
@@ -28,7 +28,7 @@ private:
     std::string imei_;
     bool force_;
     bool hasChanged_ = false;
-    std::map<std::string, std::size_t> recordedBefore_;  // of all kinds of which removals wait
+    std::map<std::string, size_t> recordedBefore_;  // of all kinds of which removals wait
 };
 
 }  // namespace kesta

@@ -12,7 +12,9 @@ namespace kesta {
 
 void Session::checkInterrupt()
 {
-    if (os::Interrupted()) throw StopRun(ExitCode::kInterrupted, "interrupted");
+    if (os::Interrupted()) {
+        throw StopRun(ExitCode::kInterrupted, "interrupted");
+    }
 }
 
 void Executor::run(const Plan& plan)
@@ -49,7 +51,9 @@ void Executor::run(const Plan& plan)
     if (timesLost_ > 0) {
         report_.note(fmt::format("the phone did not take the modification time of {}.", Counted(timesLost_, "file")));
     }
-    if (ending) std::rethrow_exception(ending);
+    if (ending) {
+        std::rethrow_exception(ending);
+    }
 }
 
 void Executor::makeAll(const Plan& plan, Journal& journal)
@@ -63,7 +67,9 @@ void Executor::makeAll(const Plan& plan, Journal& journal)
     bool areAllMade = true, hasBegun = paths.empty();
     for (next_ = 0; next_ < plan.changes.size(); ++next_) {
         const Change& change = plan.changes[next_];
-        if (change.needsAllBefore && !areAllMade) continue;
+        if (change.needsAllBefore && !areAllMade) {
+            continue;
+        }
         hasFailed_ = false;
         Session::checkInterrupt();
         checkPhone();
@@ -78,15 +84,23 @@ void Executor::makeAll(const Plan& plan, Journal& journal)
 
 void Executor::checkPhone() const
 {
-    if (!phone_.isStillThere()) throw StopRun(ExitCode::kPhoneGone, "the phone went away");
+    if (!phone_.isStillThere()) {
+        throw StopRun(ExitCode::kPhoneGone, "the phone went away");
+    }
 }
 
 bool Executor::make(const Change& change, const Plan& plan)
 {
     Written written;
-    if (change.kind == ChangeKind::kRemove && !remove(change)) return false;
-    if (change.isToWrite() && !write(change, written)) return false;
-    if (!record(change, written)) return false;
+    if (change.kind == ChangeKind::kRemove && !remove(change)) {
+        return false;
+    }
+    if (change.isToWrite() && !write(change, written)) {
+        return false;
+    }
+    if (!record(change, written)) {
+        return false;
+    }
     (change.tally != nullptr ? *change.tally : *plan.tally) += change.counts;
     if (written.isWritten && !change.pcFile.empty()) {
         report_.summary.bytes += written.size;
@@ -99,7 +113,9 @@ bool Executor::make(const Change& change, const Plan& plan)
 
 bool Executor::remove(const Change& change)
 {
-    if (change.phonePath.empty()) return true;
+    if (change.phonePath.empty()) {
+        return true;
+    }
     if (os::Status status = phone_.removeFile(change.phonePath); !status.ok()) {
         fail(change, "it cannot be removed from the phone: " + status.text());
         stopIfNothingCanBeWritten(status);
@@ -163,29 +179,41 @@ bool Executor::copy(const Change& change, Written& written)
             report_.note("an empty folder stays on the phone: " + status.text());
         }
     }
-    if (result.outcome == CopyOutcome::kInterrupted) throw StopRun(ExitCode::kInterrupted, result.reason);
+    if (result.outcome == CopyOutcome::kInterrupted) {
+        throw StopRun(ExitCode::kInterrupted, result.reason);
+    }
     fail(change, result.reason);
-    if (result.outcome == CopyOutcome::kPhoneFull) throw StopRun(ExitCode::kPhoneFull, result.reason);
-    if (result.outcome == CopyOutcome::kPhoneReadOnly) throw StopRun(ExitCode::kPhoneReadOnly, result.reason);
+    if (result.outcome == CopyOutcome::kPhoneFull) {
+        throw StopRun(ExitCode::kPhoneFull, result.reason);
+    }
+    if (result.outcome == CopyOutcome::kPhoneReadOnly) {
+        throw StopRun(ExitCode::kPhoneReadOnly, result.reason);
+    }
     checkPhone();
     return false;
 }
 
 bool Executor::record(const Change& change, const Written& written)
 {
-    if (!change.record) return true;
+    if (!change.record) {
+        return true;
+    }
     const bool wasLeftBehind = isLeftBehind_;
     isLeftBehind_ = isLeftBehind_ || change.kind == ChangeKind::kPut;  // as long as it can throw
     const Result result = change.record(written);
     isLeftBehind_ = wasLeftBehind;
-    if (result.ok()) return true;
+    if (result.ok()) {
+        return true;
+    }
     fail(change, fmt::format("it cannot be {} the database: {}",
                              change.kind == ChangeKind::kRemove ? "removed from" : "recorded in", result.text()));
     if (change.kind == ChangeKind::kPut) {
         takeBack(change);
     }
     // A text that is too long is that item's own matter; anything else would fail again for the next one.
-    if (!result.isTooLong()) throw StopRun(ExitCode::kDatabase, "the database cannot be written");
+    if (!result.isTooLong()) {
+        throw StopRun(ExitCode::kDatabase, "the database cannot be written");
+    }
     return false;
 }
 
@@ -211,7 +239,9 @@ void Executor::fail(const Change& change, const std::string& reason)
 
 void Executor::stopIfNothingCanBeWritten(const os::Status& status) const
 {
-    if (const auto reason = phone_.whyNothingCanBeWritten(status)) throw *reason;
+    if (const auto reason = phone_.whyNothingCanBeWritten(status)) {
+        throw *reason;
+    }
 }
 
 }  // namespace kesta

@@ -39,7 +39,9 @@ void PhoneJournal::begin(const std::vector<std::string>& phonePaths)
     }
     const os::Status status = os::WriteText(JournalPath(phone_), phone_.native(std::string(kTemporaryName)), text);
     hasBegun_ = status.ok();
-    if (hasBegun_) return;
+    if (hasBegun_) {
+        return;
+    }
     report_.fail(std::string(kJournalName), "it cannot be written to the phone: " + status.text());
     throw phone_.whyNothingCanBeWritten(status).value_or(StopRun(ExitCode::kFailure, "the phone cannot be written"));
 }
@@ -47,7 +49,9 @@ void PhoneJournal::begin(const std::vector<std::string>& phonePaths)
 void PhoneJournal::end(bool isInOrder)
 {
     // What a run leaves behind the next one finds by it.
-    if (!std::exchange(hasBegun_, false) || !isInOrder || !phone_.isStillThere()) return;
+    if (!std::exchange(hasBegun_, false) || !isInOrder || !phone_.isStillThere()) {
+        return;
+    }
     if (os::Status status = RemoveJournal(phone_); !status.ok()) {
         report_.fail(std::string(kJournalName), "it cannot be removed from the phone: " + status.text());
     }
@@ -57,40 +61,57 @@ os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string
 {
     std::string text;
     std::set<std::string> folders{phone.root()};
-    if (os::Status status = os::ReadText(JournalPath(phone), text); status.ok())
+    if (os::Status status = os::ReadText(JournalPath(phone), text); status.ok()) {
         leftovers.journalFound = true;
-    else if (status.failure() != os::Failure::kMissing)
+    } else if (status.failure() != os::Failure::kMissing) {
         return status;
+    }
 
     const std::unordered_set<std::string> recorded(recordedPaths.begin(), recordedPaths.end());
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-        if (!IsOfJournal(line)) continue;
+        if (!IsOfJournal(line)) {
+            continue;
+        }
         folders.insert(os::ParentOf(phone.native(line)));
         leftovers.foldersOf.push_back(line);
-        if (!recorded.contains(line) && phone.find(line).entry == PhoneEntry::kFile)
+        if (!recorded.contains(line) && phone.find(line).entry == PhoneEntry::kFile) {
             leftovers.unknownFiles.push_back(line);
+        }
     }
     for (const std::string& folder : folders) {
         const std::string path = os::Join(folder, kTemporaryName);
         os::FileInfo info;
-        if (os::ReadInfoOfLink(path, info).ok()) leftovers.temporaryFiles.push_back(path);
+        if (os::ReadInfoOfLink(path, info).ok()) {
+            leftovers.temporaryFiles.push_back(path);
+        }
     }
     // A killed run leaves at most one, and none when it was still copying. More mean that these are not the database
     // the files were recorded in, or that the user has put files there: they stay, and planning takes those in that are
     // what the PC has.
-    if (leftovers.unknownFiles.size() > 1 || !leftovers.temporaryFiles.empty()) leftovers.unknownFiles.clear();
+    if (leftovers.unknownFiles.size() > 1 || !leftovers.temporaryFiles.empty()) {
+        leftovers.unknownFiles.clear();
+    }
     return {};
 }
 
 os::Status RemoveLeftovers(PhoneFolder& phone, const Leftovers& leftovers)
 {
-    for (const std::string& path : leftovers.temporaryFiles)
-        if (os::Status status = os::RemoveFile(path); !status.ok()) return status;
-    for (const std::string& place : leftovers.unknownFiles)
-        if (os::Status status = phone.removeFile(place); !status.ok()) return status;
-    for (const std::string& place : leftovers.foldersOf)
-        if (os::Status status = phone.tidyAbove(place); !status.ok()) return status;
+    for (const std::string& path : leftovers.temporaryFiles) {
+        if (os::Status status = os::RemoveFile(path); !status.ok()) {
+            return status;
+        }
+    }
+    for (const std::string& place : leftovers.unknownFiles) {
+        if (os::Status status = phone.removeFile(place); !status.ok()) {
+            return status;
+        }
+    }
+    for (const std::string& place : leftovers.foldersOf) {
+        if (os::Status status = phone.tidyAbove(place); !status.ok()) {
+            return status;
+        }
+    }
     return leftovers.journalFound ? RemoveJournal(phone) : os::Status();
 }
 

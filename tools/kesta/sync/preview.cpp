@@ -8,7 +8,9 @@ namespace kesta {
 
 void PlannedPhone::make(const Change& change)
 {
-    if (change.phonePath.empty()) return;
+    if (change.phonePath.empty()) {
+        return;
+    }
     if (change.isToWrite()) {
         changed_[change.phonePath] = {PhoneEntry::kFile, change.size, 0};
     } else if (change.kind == ChangeKind::kRemove) {
@@ -31,9 +33,13 @@ void Preview::run(const Plan& plan)
             report_.summary.bytes += change.size;
         }
         phone_.make(change);
-        if (change.verb.planned[0] == '\0' || report_.isQuiet) continue;
+        if (change.verb.planned[0] == '\0' || report_.isQuiet) {
+            continue;
+        }
         report_.progress.say(fmt::format("{:<9} {}", change.verb.planned, Printable(change.name())));
-        if (!change.entries) continue;
+        if (!change.entries) {
+            continue;
+        }
         for (const std::string& entry : change.entries()) {
             report_.progress.say(fmt::format("{:<9}   {}", "", Printable(entry)));
         }

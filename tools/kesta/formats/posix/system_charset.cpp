@@ -16,11 +16,13 @@ public:
     Converter& operator=(const Converter&) = delete;
     ~Converter()
     {
-        if (isOpen()) (void)iconv_close(handle_);
+        if (isOpen()) {
+            (void)iconv_close(handle_);
+        }
     }
 
     // The value that iconv_open() fails with.
-    [[nodiscard]] bool isOpen() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
+    [[nodiscard]] bool isOpen() const { return reinterpret_cast<intptr_t>(handle_) != -1; }
 
     [[nodiscard]] std::string convert(std::string bytes)
     {
@@ -51,7 +53,9 @@ private:
 std::optional<std::string> FromSystemCharset(std::string_view bytes, const SystemCharset& charset)
 {
     Converter converter(charset.posixName);
-    if (!converter.isOpen()) return std::nullopt;
+    if (!converter.isOpen()) {
+        return std::nullopt;
+    }
     return converter.convert(std::string(bytes));
 }
 

@@ -21,8 +21,8 @@ FileInfo ToInfo(const struct stat& raw)
 {
     FileInfo info;
     info.kind = S_ISREG(raw.st_mode) ? FileKind::kFile : S_ISDIR(raw.st_mode) ? FileKind::kDirectory : FileKind::kOther;
-    info.size = static_cast<std::uint64_t>(raw.st_size);
-    info.modified = {raw.st_mtim.tv_sec, static_cast<std::int32_t>(raw.st_mtim.tv_nsec)};
+    info.size = static_cast<uint64_t>(raw.st_size);
+    info.modified = {raw.st_mtim.tv_sec, static_cast<int32_t>(raw.st_mtim.tv_nsec)};
     info.id = {raw.st_dev, raw.st_ino};
     return info;
 }
@@ -32,7 +32,9 @@ FileInfo ToInfo(const struct stat& raw)
 Status ReadInfo(const std::string& path, FileInfo& info)
 {
     struct stat raw {};
-    if (stat(path.c_str(), &raw) != 0) return LastError();
+    if (stat(path.c_str(), &raw) != 0) {
+        return LastError();
+    }
     info = ToInfo(raw);
     return {};
 }
@@ -40,7 +42,9 @@ Status ReadInfo(const std::string& path, FileInfo& info)
 Status ReadInfoOfLink(const std::string& path, FileInfo& info)
 {
     struct stat raw {};
-    if (lstat(path.c_str(), &raw) != 0) return LastError();
+    if (lstat(path.c_str(), &raw) != 0) {
+        return LastError();
+    }
     info = ToInfo(raw);
     return {};
 }
@@ -49,13 +53,19 @@ Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entri
 {
     entries.clear();
     const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), closedir);
-    if (!directory) return LastError();
+    if (!directory) {
+        return LastError();
+    }
     for (;;) {
         errno = 0;
         const dirent* raw = readdir(directory.get());
-        if (raw == nullptr) break;
+        if (raw == nullptr) {
+            break;
+        }
         std::string name = raw->d_name;
-        if (name == "." || name == "..") continue;
+        if (name == "." || name == "..") {
+            continue;
+        }
         const bool valid = IsValidUtf8(name);
         bool isLink = raw->d_type == DT_LNK;
         if (raw->d_type == DT_UNKNOWN) {
@@ -71,14 +81,18 @@ Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entri
 Status CanonicalPath(const std::string& path, std::string& canonical)
 {
     const std::unique_ptr<char, void (*)(void*)> resolved(realpath(path.c_str(), nullptr), std::free);
-    if (!resolved) return LastError();
+    if (!resolved) {
+        return LastError();
+    }
     canonical = resolved.get();
     return {};
 }
 
 std::string AbsolutePath(const std::string& path)
 {
-    if (!path.empty() && path.front() == '/') return path;
+    if (!path.empty() && path.front() == '/') {
+        return path;
+    }
     const std::unique_ptr<char, void (*)(void*)> here(getcwd(nullptr, 0), std::free);
     return here ? Join(here.get(), path) : path;
 }
@@ -111,7 +125,9 @@ Status Rename(const std::string& from, const std::string& to)
 Status FlushDirectory(const std::string& path)
 {
     const int handle = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (handle < 0) return LastError();
+    if (handle < 0) {
+        return LastError();
+    }
     const bool flushed = fsync(handle) == 0;
     const int code = errno;
     (void)close(handle);  // Nothing was written through it.

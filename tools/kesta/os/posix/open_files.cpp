@@ -11,7 +11,7 @@
 namespace kesta::os {
 namespace {
 
-int Descriptor(std::intptr_t handle)
+int Descriptor(intptr_t handle)
 {
     return static_cast<int>(handle);
 }
@@ -20,7 +20,9 @@ int Descriptor(std::intptr_t handle)
 
 InputFile::~InputFile()
 {
-    if (handle_ >= 0) (void)::close(Descriptor(handle_));
+    if (handle_ >= 0) {
+        (void)::close(Descriptor(handle_));
+    }
 }
 
 Status InputFile::open(const std::string& path)
@@ -33,34 +35,40 @@ Status InputFile::open(const std::string& path)
 Status InputFile::readInfo(FileInfo& info) const
 {
     struct stat raw {};
-    if (fstat(Descriptor(handle_), &raw) != 0) return LastError();
+    if (fstat(Descriptor(handle_), &raw) != 0) {
+        return LastError();
+    }
     info.kind = S_ISREG(raw.st_mode) ? FileKind::kFile : S_ISDIR(raw.st_mode) ? FileKind::kDirectory : FileKind::kOther;
-    info.size = static_cast<std::uint64_t>(raw.st_size);
-    info.modified = {raw.st_mtim.tv_sec, static_cast<std::int32_t>(raw.st_mtim.tv_nsec)};
+    info.size = static_cast<uint64_t>(raw.st_size);
+    info.modified = {raw.st_mtim.tv_sec, static_cast<int32_t>(raw.st_mtim.tv_nsec)};
     info.id = {raw.st_dev, raw.st_ino};
     return {};
 }
 
-Status InputFile::read(std::span<std::byte> buffer, std::size_t& count)
+Status InputFile::read(std::span<std::byte> buffer, size_t& count)
 {
     for (;;) {
         const ssize_t got = ::read(Descriptor(handle_), buffer.data(), buffer.size());
         if (got >= 0) {
-            count = static_cast<std::size_t>(got);
+            count = static_cast<size_t>(got);
             return {};
         }
-        if (errno != EINTR) return LastError();
+        if (errno != EINTR) {
+            return LastError();
+        }
     }
 }
 
-Status InputFile::seek(std::uint64_t position)
+Status InputFile::seek(uint64_t position)
 {
     return lseek(Descriptor(handle_), static_cast<off_t>(position), SEEK_SET) >= 0 ? Status() : LastError();
 }
 
 OutputFile::~OutputFile()
 {
-    if (handle_ >= 0) (void)::close(Descriptor(handle_));
+    if (handle_ >= 0) {
+        (void)::close(Descriptor(handle_));
+    }
 }
 
 Status OutputFile::create(const std::string& path)
@@ -73,9 +81,13 @@ Status OutputFile::write(std::span<const std::byte> data)
 {
     while (!data.empty()) {
         const ssize_t put = ::write(Descriptor(handle_), data.data(), data.size());
-        if (put < 0 && errno == EINTR) continue;
-        if (put < 0) return LastError();
-        data = data.subspan(static_cast<std::size_t>(put));
+        if (put < 0 && errno == EINTR) {
+            continue;
+        }
+        if (put < 0) {
+            return LastError();
+        }
+        data = data.subspan(static_cast<size_t>(put));
     }
     return {};
 }
@@ -100,13 +112,17 @@ Status OutputFile::close()
 
 DirectoryLock::~DirectoryLock()
 {
-    if (handle_ >= 0) (void)::close(Descriptor(handle_));
+    if (handle_ >= 0) {
+        (void)::close(Descriptor(handle_));
+    }
 }
 
 Status DirectoryLock::acquire(const std::string& directory)
 {
     handle_ = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (handle_ < 0) return LastError();
+    if (handle_ < 0) {
+        return LastError();
+    }
     return flock(Descriptor(handle_), LOCK_EX | LOCK_NB) == 0 ? Status() : LastError();
 }
 

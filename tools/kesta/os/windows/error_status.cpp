@@ -49,8 +49,9 @@ std::string TextOf(DWORD code)
     const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
                                         buffer, 512, nullptr);
     std::string text = FromDbText(std::wstring(buffer, length).c_str());
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r' || text.back() == ' ' || text.back() == '.'))
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r' || text.back() == ' ' || text.back() == '.')) {
         text.pop_back();
+    }
     return text.empty() ? "error " + std::to_string(code) : text;
 }
 
@@ -71,22 +72,31 @@ std::wstring ToNative(const std::string& path)
     // Invalid text gives a name that nothing can have.
     std::wstring native = ToDbText(path).value_or(L"?");
     std::replace(native.begin(), native.end(), L'/', L'\\');
-    if (native.starts_with(kPrefix)) return native;
+    if (native.starts_with(kPrefix)) {
+        return native;
+    }
     std::wstring full(32768, L'\0');
     const DWORD length = GetFullPathNameW(native.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
-    if (length == 0 || length >= full.size()) return native;
+    if (length == 0 || length >= full.size()) {
+        return native;
+    }
     full.resize(length);
-    if (full.starts_with(L"\\\\.\\")) return full;
-    if (full.starts_with(L"\\\\")) return std::wstring(kSharePrefix) + full.substr(2);
+    if (full.starts_with(L"\\\\.\\")) {
+        return full;
+    }
+    if (full.starts_with(L"\\\\")) {
+        return std::wstring(kSharePrefix) + full.substr(2);
+    }
     return std::wstring(kPrefix) + full;
 }
 
 std::string FromNative(std::wstring path)
 {
-    if (path.starts_with(kSharePrefix))
+    if (path.starts_with(kSharePrefix)) {
         path.replace(0, kSharePrefix.size(), L"\\\\");
-    else if (path.starts_with(kPrefix))
+    } else if (path.starts_with(kPrefix)) {
         path.erase(0, kPrefix.size());
+    }
     return FromDbText(path.c_str());
 }
 

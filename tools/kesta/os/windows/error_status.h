@@ -25,7 +25,9 @@ public:
     Handle& operator=(const Handle&) = delete;
     ~Handle()
     {
-        if (valid()) (void)CloseHandle(value_);
+        if (valid()) {
+            (void)CloseHandle(value_);
+        }
     }
     [[nodiscard]] bool valid() const { return value_ != INVALID_HANDLE_VALUE; }
     [[nodiscard]] HANDLE get() const { return value_; }

@@ -10,12 +10,12 @@ namespace kesta::os {
 namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-constexpr std::int64_t kTicksPerSecond = 10'000'000;
-constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
+constexpr int64_t kTicksPerSecond = 10'000'000;
+constexpr int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 
-std::uint64_t Combine(DWORD high, DWORD low)
+uint64_t Combine(DWORD high, DWORD low)
 {
-    return (std::uint64_t{high} << 32) | low;
+    return (uint64_t{high} << 32) | low;
 }
 
 Status InfoOfPath(const std::string& path, DWORD flags, FileInfo& info)
@@ -30,22 +30,24 @@ Status InfoOfPath(const std::string& path, DWORD flags, FileInfo& info)
 Status InfoOfHandle(HANDLE handle, FileInfo& info)
 {
     BY_HANDLE_FILE_INFORMATION raw;
-    if (!GetFileInformationByHandle(handle, &raw)) return LastError();
+    if (!GetFileInformationByHandle(handle, &raw)) {
+        return LastError();
+    }
     const bool isLink = (raw.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     const bool isDirectory = (raw.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     info.kind = isLink ? FileKind::kOther : isDirectory ? FileKind::kDirectory : FileKind::kFile;
     info.size = Combine(raw.nFileSizeHigh, raw.nFileSizeLow);
     const auto ticks =
-        static_cast<std::int64_t>(Combine(raw.ftLastWriteTime.dwHighDateTime, raw.ftLastWriteTime.dwLowDateTime));
+        static_cast<int64_t>(Combine(raw.ftLastWriteTime.dwHighDateTime, raw.ftLastWriteTime.dwLowDateTime));
     info.modified = {ticks / kTicksPerSecond - kSecondsFrom1601To1970,
-                     static_cast<std::int32_t>(ticks % kTicksPerSecond * 100)};
+                     static_cast<int32_t>(ticks % kTicksPerSecond * 100)};
     info.id = {raw.dwVolumeSerialNumber, Combine(raw.nFileIndexHigh, raw.nFileIndexLow)};
     return {};
 }
 
 FILETIME ToFileTime(FileTime time)
 {
-    const std::int64_t ticks = (time.seconds + kSecondsFrom1601To1970) * kTicksPerSecond + time.nanoseconds / 100;
+    const int64_t ticks = (time.seconds + kSecondsFrom1601To1970) * kTicksPerSecond + time.nanoseconds / 100;
     return {static_cast<DWORD>(ticks & 0xFFFFFFFF), static_cast<DWORD>(ticks >> 32)};
 }
 
@@ -66,10 +68,14 @@ Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entri
     const std::wstring pattern = ToNative(Join(path, "")) + L"*";
     const HANDLE search = FindFirstFileW(pattern.c_str(), &data);
     // The root of an empty drive has not even the entries for itself and its parent.
-    if (search == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_FILE_NOT_FOUND ? Status() : LastError();
+    if (search == INVALID_HANDLE_VALUE) {
+        return GetLastError() == ERROR_FILE_NOT_FOUND ? Status() : LastError();
+    }
     do {
         const std::wstring_view name = data.cFileName;
-        if (name == L"." || name == L"..") continue;
+        if (name == L"." || name == L"..") {
+            continue;
+        }
         std::string utf8 = FromDbText(data.cFileName);
         const auto back = ToDbText(utf8);
         const bool isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
@@ -84,10 +90,14 @@ Status CanonicalPath(const std::string& path, std::string& canonical)
 {
     const Handle handle(CreateFileW(ToNative(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-    if (!handle.valid()) return LastError();
+    if (!handle.valid()) {
+        return LastError();
+    }
     std::wstring full(32768, L'\0');
     const DWORD length = GetFinalPathNameByHandleW(handle.get(), full.data(), static_cast<DWORD>(full.size()), 0);
-    if (length == 0 || length >= full.size()) return LastError();
+    if (length == 0 || length >= full.size()) {
+        return LastError();
+    }
     full.resize(length);
     canonical = FromNative(std::move(full));
     return {};
@@ -115,14 +125,19 @@ Status MakeDirectory(const std::string& path)
 Status RemoveFile(const std::string& path)
 {
     const std::wstring native = ToNative(path);
-    if (DeleteFileW(native.c_str())) return {};
+    if (DeleteFileW(native.c_str())) {
+        return {};
+    }
     const DWORD code = GetLastError();
     const DWORD attributes = GetFileAttributesW(native.c_str());
     if (code != ERROR_ACCESS_DENIED || attributes == INVALID_FILE_ATTRIBUTES ||
-        (attributes & FILE_ATTRIBUTE_READONLY) == 0)
+        (attributes & FILE_ATTRIBUTE_READONLY) == 0) {
         return FromErrorCode(code);
+    }
     // The read-only mark came with the file; here it only says that nobody is to change the copy.
-    if (!SetFileAttributesW(native.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY})) return LastError();
+    if (!SetFileAttributesW(native.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY})) {
+        return LastError();
+    }
     return DeleteFileW(native.c_str()) ? Status() : LastError();
 }
 

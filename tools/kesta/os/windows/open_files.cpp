@@ -9,22 +9,24 @@
 namespace kesta::os {
 namespace {
 
-constexpr std::intptr_t kNone = -1;  // the value of INVALID_HANDLE_VALUE
+constexpr intptr_t kNone = -1;  // the value of INVALID_HANDLE_VALUE
 
-HANDLE ToHandle(std::intptr_t handle)
+HANDLE ToHandle(intptr_t handle)
 {
     return reinterpret_cast<HANDLE>(handle);
 }
 
-std::intptr_t Open(const std::string& path, DWORD access, DWORD share, DWORD disposition, DWORD flags)
+intptr_t Open(const std::string& path, DWORD access, DWORD share, DWORD disposition, DWORD flags)
 {
     const HANDLE handle = CreateFileW(ToNative(path).c_str(), access, share, nullptr, disposition, flags, nullptr);
-    return reinterpret_cast<std::intptr_t>(handle);
+    return reinterpret_cast<intptr_t>(handle);
 }
 
-void Close(std::intptr_t handle)
+void Close(intptr_t handle)
 {
-    if (handle != kNone) (void)CloseHandle(ToHandle(handle));
+    if (handle != kNone) {
+        (void)CloseHandle(ToHandle(handle));
+    }
 }
 
 }  // namespace
@@ -46,16 +48,18 @@ Status InputFile::readInfo(FileInfo& info) const
     return InfoOfHandle(ToHandle(handle_), info);
 }
 
-Status InputFile::read(std::span<std::byte> buffer, std::size_t& count)
+Status InputFile::read(std::span<std::byte> buffer, size_t& count)
 {
     DWORD got = 0;
-    const auto size = static_cast<DWORD>(std::min<std::size_t>(buffer.size(), 1u << 30));
-    if (!ReadFile(ToHandle(handle_), buffer.data(), size, &got, nullptr)) return LastError();
+    const auto size = static_cast<DWORD>(std::min<size_t>(buffer.size(), 1u << 30));
+    if (!ReadFile(ToHandle(handle_), buffer.data(), size, &got, nullptr)) {
+        return LastError();
+    }
     count = got;
     return {};
 }
 
-Status InputFile::seek(std::uint64_t position)
+Status InputFile::seek(uint64_t position)
 {
     LARGE_INTEGER place;
     place.QuadPart = static_cast<LONGLONG>(position);
@@ -77,8 +81,10 @@ Status OutputFile::write(std::span<const std::byte> data)
 {
     while (!data.empty()) {
         DWORD put = 0;
-        const auto size = static_cast<DWORD>(std::min<std::size_t>(data.size(), 1u << 30));
-        if (!WriteFile(ToHandle(handle_), data.data(), size, &put, nullptr)) return LastError();
+        const auto size = static_cast<DWORD>(std::min<size_t>(data.size(), 1u << 30));
+        if (!WriteFile(ToHandle(handle_), data.data(), size, &put, nullptr)) {
+            return LastError();
+        }
         data = data.subspan(put);
     }
     return {};

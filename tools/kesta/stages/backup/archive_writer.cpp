@@ -39,7 +39,9 @@ bool ArchiveWriter::run()
 void ArchiveWriter::checkRun() const
 {
     Session::checkInterrupt();
-    if (!phone_.isStillThere()) throw StopRun(ExitCode::kPhoneGone, "the phone went away");
+    if (!phone_.isStillThere()) {
+        throw StopRun(ExitCode::kPhoneGone, "the phone went away");
+    }
 }
 
 // A file that cannot be read to its end has begun in the archive by then, so the archive begins anew without it.
@@ -47,23 +49,33 @@ ArchiveWriter::Outcome ArchiveWriter::attempt()
 {
     report_.progress.start(contents_.files.size(), 2 * contents_.bytes);  // Everything is read twice.
     ZipWriter zip;
-    if (os::Status status = os::RemoveFile(part_); !status.ok() && status.failure() != os::Failure::kMissing)
+    if (os::Status status = os::RemoveFile(part_); !status.ok() && status.failure() != os::Failure::kMissing) {
         return fail(status);
-    if (os::Status status = zip.create(part_); !status.ok()) return fail(status);
+    }
+    if (os::Status status = zip.create(part_); !status.ok()) {
+        return fail(status);
+    }
     for (const PhoneItem& folder : contents_.emptyFolders) {
-        if (os::Status status = zip.addFolder(folder.phonePath, folder.info.modified); !status.ok())
+        if (os::Status status = zip.addFolder(folder.phonePath, folder.info.modified); !status.ok()) {
             return fail(status);
+        }
     }
     for (const PhoneItem& file : contents_.files) {
-        if (const Outcome outcome = pack(zip, file); outcome != Outcome::kDone) return outcome;
+        if (const Outcome outcome = pack(zip, file); outcome != Outcome::kDone) {
+            return outcome;
+        }
     }
-    if (os::Status status = zip.finish(); !status.ok()) return fail(status);
+    if (os::Status status = zip.finish(); !status.ok()) {
+        return fail(status);
+    }
     return check(zip.entries());
 }
 
 ArchiveWriter::Outcome ArchiveWriter::pack(ZipWriter& zip, const PhoneItem& file)
 {
-    if (unreadable_.contains(file.phonePath)) return Outcome::kDone;
+    if (unreadable_.contains(file.phonePath)) {
+        return Outcome::kDone;
+    }
     checkRun();
     os::InputFile source;
     os::Status reading = source.open(phone_.native(file.phonePath));
@@ -71,22 +83,38 @@ ArchiveWriter::Outcome ArchiveWriter::pack(ZipWriter& zip, const PhoneItem& file
     if (reading.ok()) {
         reading = source.readInfo(info);
     }
-    if (!reading.ok()) return leaveOut(file, reading.text(), Outcome::kDone);
-    if (os::Status status = zip.beginFile(file.phonePath, info.modified, info.size); !status.ok()) return fail(status);
+    if (!reading.ok()) {
+        return leaveOut(file, reading.text(), Outcome::kDone);
+    }
+    if (os::Status status = zip.beginFile(file.phonePath, info.modified, info.size); !status.ok()) {
+        return fail(status);
+    }
     uint64_t total = 0;
     for (;;) {
         size_t count = 0;
         reading = source.read(buffer_, count);
-        if (!reading.ok()) return leaveOut(file, reading.text(), Outcome::kAgain);
-        if (count == 0) break;
-        if (os::Status status = zip.write(std::span(buffer_).first(count)); !status.ok()) return fail(status);
+        if (!reading.ok()) {
+            return leaveOut(file, reading.text(), Outcome::kAgain);
+        }
+        if (count == 0) {
+            break;
+        }
+        if (os::Status status = zip.write(std::span(buffer_).first(count)); !status.ok()) {
+            return fail(status);
+        }
         total += count;
-        if (total > info.size) break;  // It grows; following it could take for ever.
+        if (total > info.size) {
+            break;  // It grows; following it could take for ever.
+        }
         report_.progress.addBytes(count);
         Session::checkInterrupt();
     }
-    if (total != info.size) return leaveOut(file, "it changed while it was read", Outcome::kAgain);
-    if (os::Status status = zip.endFile(); !status.ok()) return fail(status);
+    if (total != info.size) {
+        return leaveOut(file, "it changed while it was read", Outcome::kAgain);
+    }
+    if (os::Status status = zip.endFile(); !status.ok()) {
+        return fail(status);
+    }
     report_.progress.endFile("packed", file.phonePath, info.size);
     return Outcome::kDone;
 }

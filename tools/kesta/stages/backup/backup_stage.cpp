@@ -44,13 +44,17 @@ Plan BackupStage::plan(Session& session)
 {
     Report& report = session.report;
     Plan plan(report.summary.files);
-    if (!chooseArchive(session)) return plan;
+    if (!chooseArchive(session)) {
+        return plan;
+    }
     contents_ = ListPhone(session.folder.root(), [&](size_t files) {
         report.progress.remark(fmt::format("reading the phone: {}", Counted(files, "file")));
         return !os::Interrupted();
     });
     Session::checkInterrupt();
-    if (!session.folder.isStillThere()) throw StopRun(ExitCode::kPhoneGone, "the phone went away");
+    if (!session.folder.isStillThere()) {
+        throw StopRun(ExitCode::kPhoneGone, "the phone went away");
+    }
     for (const PhoneProblem& problem : contents_.problems) {
         report.fail(problem.phonePath, "it is not in the backup: " + problem.reason);
     }
@@ -118,9 +122,13 @@ bool BackupStage::isOldPart(const std::string& name) const
 void BackupStage::removeOldParts(Report& report) const
 {
     std::vector<os::DirectoryEntry> entries;
-    if (!os::ListDirectory(folder_, entries).ok()) return;  // Writing will tell why.
+    if (!os::ListDirectory(folder_, entries).ok()) {
+        return;  // Writing will tell why.
+    }
     for (const os::DirectoryEntry& entry : entries) {
-        if (!isOldPart(entry.name)) continue;
+        if (!isOldPart(entry.name)) {
+            continue;
+        }
         const std::string path = os::Join(folder_, entry.name);
         if (os::Status status = os::RemoveFile(path); !status.ok()) {
             report.note(
@@ -135,7 +143,9 @@ void BackupStage::pack(Session& session) const
     ArchiveWriter writer(contents_, session.folder, archive_, session.report);
     const bool isDone = writer.run();
     session.report.progress.finish();
-    if (!isDone) return;
+    if (!isDone) {
+        return;
+    }
     session.report.progress.say(
         fmt::format("{:<9} {}", "Backup", Printable(Line(archive_, writer.files(), contents_.bytes))));
     record(session);
@@ -145,10 +155,12 @@ void BackupStage::record(Session& session) const
 {
     BackupRecords backups(session.database);
     os::FileInfo info;
-    if (os::Status status = os::ReadInfo(archive_, info); !status.ok())
+    if (os::Status status = os::ReadInfo(archive_, info); !status.ok()) {
         return session.report.fail(archive_, "it cannot be found again: " + status.text());
-    if (!backups.of(session.imei))
+    }
+    if (!backups.of(session.imei)) {
         return session.report.note("the database has no table for backups; the archive itself is complete.");
+    }
     constexpr const char* kWholePhone = "/";
     const RecordedBackup backup{-1, archive_, kWholePhone, static_cast<int64_t>(info.size),
                                 ToLocalTime(info.modified.seconds)};

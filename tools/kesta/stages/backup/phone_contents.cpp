@@ -9,7 +9,7 @@ namespace {
 
 class Lister {
 public:
-    Lister(PhoneContents& contents, const std::function<bool(std::size_t)>& keepGoing)
+    Lister(PhoneContents& contents, const std::function<bool(size_t)>& keepGoing)
         : contents_(contents), keepGoing_(keepGoing)
     {
     }
@@ -24,13 +24,19 @@ public:
         }
         bool isEmpty = true;
         for (const os::DirectoryEntry& entry : entries) {
-            if (!keepGoing_(contents_.files.size())) return;
-            if (CaseKey(entry.name).starts_with(CaseKey(kOwnPrefix))) continue;
+            if (!keepGoing_(contents_.files.size())) {
+                return;
+            }
+            if (CaseKey(entry.name).starts_with(CaseKey(kOwnPrefix))) {
+                continue;
+            }
             isEmpty = false;
             take(os::Join(path, entry.name), phonePath.empty() ? entry.name : phonePath + '/' + entry.name,
                  entry.valid);
         }
-        if (isEmpty && !phonePath.empty()) contents_.emptyFolders.push_back({phonePath, info});
+        if (isEmpty && !phonePath.empty()) {
+            contents_.emptyFolders.push_back({phonePath, info});
+        }
     }
 
 private:
@@ -52,12 +58,12 @@ private:
     }
 
     PhoneContents& contents_;
-    const std::function<bool(std::size_t)>& keepGoing_;
+    const std::function<bool(size_t)>& keepGoing_;
 };
 
 }  // namespace
 
-PhoneContents ListPhone(const std::string& root, const std::function<bool(std::size_t)>& keepGoing)
+PhoneContents ListPhone(const std::string& root, const std::function<bool(size_t)>& keepGoing)
 {
     PhoneContents contents;
     Lister(contents, keepGoing).list(root, {}, {});

@@ -24,11 +24,11 @@ struct PhoneContents {
     std::vector<PhoneItem> files;         // sorted by their paths, without the client's own
     std::vector<PhoneItem> emptyFolders;  // the others follow from the files
     std::vector<PhoneProblem> problems;
-    std::size_t others = 0;  // links and what else is neither file nor folder
-    std::uint64_t bytes = 0;
+    size_t others = 0;  // links and what else is neither file nor folder
+    uint64_t bytes = 0;
 };
 
 /// Takes the phone's root. Ends early when keepGoing answers false.
-[[nodiscard]] PhoneContents ListPhone(const std::string& root, const std::function<bool(std::size_t files)>& keepGoing);
+[[nodiscard]] PhoneContents ListPhone(const std::string& root, const std::function<bool(size_t files)>& keepGoing);
 
 }  // namespace kesta

@@ -13,6 +13,6 @@ namespace kesta {
 /// Unpacks every entry, compares it with its CRC, and the names, sizes and CRCs with those expected. keepGoing is told
 /// of the bytes read; when it answers false the check ends without a failure.
 os::Status CheckZip(const std::string& path, const std::vector<ZipEntry>& expected,
-                    const std::function<bool(std::size_t bytes)>& keepGoing);
+                    const std::function<bool(size_t bytes)>& keepGoing);
 
 }  // namespace kesta

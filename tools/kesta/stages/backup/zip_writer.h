@@ -15,8 +15,8 @@ namespace kesta {
 /// What the archive holds under a name; the name of a folder ends in '/'.
 struct ZipEntry {
     std::string name;
-    std::uint64_t size = 0;
-    std::uint32_t crc = 0;
+    uint64_t size = 0;
+    uint32_t crc = 0;
 };
 
 class ZipWriter {
@@ -30,7 +30,7 @@ public:
     os::Status create(const std::string& path);
     os::Status addFolder(const std::string& name, os::FileTime modified);
     /// The size is that to be expected; what is written counts. Files that do not shrink are stored as they are.
-    os::Status beginFile(const std::string& name, os::FileTime modified, std::uint64_t size);
+    os::Status beginFile(const std::string& name, os::FileTime modified, uint64_t size);
     os::Status write(std::span<const std::byte> data);
     os::Status endFile();
     /// Writes the directory of the archive and makes all of it survive a power failure.
@@ -41,9 +41,9 @@ public:
 
 private:
     class Output;
-    os::Status begin(const std::string& name, os::FileTime modified, std::uint64_t size, bool isFolder);
-    os::Status result(std::int32_t code) const;
-    std::int32_t close();
+    os::Status begin(const std::string& name, os::FileTime modified, uint64_t size, bool isFolder);
+    os::Status result(int32_t code) const;
+    int32_t close();
 
     std::unique_ptr<Output> output_;
     void* zip_ = nullptr;

@@ -27,7 +27,9 @@ std::string Escaped(std::string_view text)
                 break;
             default:
                 // HTML has no way to write control characters.
-                if (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F) escaped += c;
+                if (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F) {
+                    escaped += c;
+                }
         }
     }
     return escaped;
@@ -48,8 +50,12 @@ public:
             enter(mark.folders);
             indent();
             text_ += fmt::format("<DT><A HREF=\"{}\"", Escaped(mark.url));
-            if (mark.added) text_ += fmt::format(" ADD_DATE=\"{}\"", *mark.added);
-            if (!mark.id.empty()) text_ += fmt::format(" ID=\"{}\"", Escaped(mark.id));
+            if (mark.added) {
+                text_ += fmt::format(" ADD_DATE=\"{}\"", *mark.added);
+            }
+            if (!mark.id.empty()) {
+                text_ += fmt::format(" ID=\"{}\"", Escaped(mark.id));
+            }
             text_ += fmt::format(">{}</A>\n", Escaped(mark.title.empty() ? mark.url : mark.title));
         }
         enter({});
@@ -61,14 +67,14 @@ private:
 
     void enter(const std::vector<std::string>& folders)
     {
-        const auto common = static_cast<std::size_t>(
+        const auto common = static_cast<size_t>(
             std::mismatch(open_.begin(), open_.end(), folders.begin(), folders.end()).first - open_.begin());
         while (open_.size() > common) {
             open_.pop_back();
             indent();
             text_ += "</DL><p>\n";
         }
-        for (std::size_t i = common; i < folders.size(); ++i) {
+        for (size_t i = common; i < folders.size(); ++i) {
             indent();
             text_ += fmt::format("<DT><H3>{}</H3>\n", Escaped(folders[i]));
             indent();

@@ -11,9 +11,9 @@ namespace kesta {
 
 struct FileBookmark {
     std::string title, url;
-    std::vector<std::string> folders;   // outermost first
-    std::optional<std::int64_t> added;  // seconds since 1970 in UTC
-    std::string id;                     // of the element in the page; empty for a URL that stood there before
+    std::vector<std::string> folders;  // outermost first
+    std::optional<int64_t> added;      // seconds since 1970 in UTC
+    std::string id;                    // of the element in the page; empty for a URL that stood there before
 };
 
 /// UTF-8. The marks keep their order; neighbours in the same folder stand in one.

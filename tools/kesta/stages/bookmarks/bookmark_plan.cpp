@@ -13,26 +13,28 @@
 namespace kesta {
 namespace {
 
-constexpr std::int32_t kOnThePhone = 0;
+constexpr int32_t kOnThePhone = 0;
 
 // A record's statement ends at 40960 bytes; each apostrophe counts twice in it.
-constexpr std::size_t kLongestBookmark = 40'000;
+constexpr size_t kLongestBookmark = 40'000;
 
 bool FitsTheDatabase(const std::string& title, const std::string& url)
 {
     const auto inStatement = [](const std::string& text) {
-        return text.size() + static_cast<std::size_t>(std::count(text.begin(), text.end(), '\''));
+        return text.size() + static_cast<size_t>(std::count(text.begin(), text.end(), '\''));
     };
     return inStatement(title) + inStatement(url) <= kLongestBookmark;
 }
 
 // "Bookmarks/bookmarks.html#b12" is the element b12 in that page; 0 for any other id.
-std::int32_t NumberOf(const RecordedBookmark& mark, const std::string& place)
+int32_t NumberOf(const RecordedBookmark& mark, const std::string& place)
 {
     const std::string_view id = mark.idOnPhone;
-    if (!id.starts_with(place) || !id.substr(place.size()).starts_with("#b")) return 0;
+    if (!id.starts_with(place) || !id.substr(place.size()).starts_with("#b")) {
+        return 0;
+    }
     const std::string_view digits = id.substr(place.size() + 2);
-    std::int32_t number = 0;
+    int32_t number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
     return error == std::errc() && end == digits.data() + digits.size() && number > 0 ? number : 0;
 }
@@ -49,10 +51,15 @@ public:
 
     BookmarkPlan run() &&
     {
-        for (const formats::Bookmark& bookmark : input_.file.bookmarks) take(bookmark);
+        for (const formats::Bookmark& bookmark : input_.file.bookmarks) {
+            take(bookmark);
+        }
         std::vector<RecordedBookmark> gone;
-        for (const RecordedBookmark& mark : input_.recorded)
-            if (!seen_.contains(mark.url)) gone.push_back(mark);
+        for (const RecordedBookmark& mark : input_.recorded) {
+            if (!seen_.contains(mark.url)) {
+                gone.push_back(mark);
+            }
+        }
         if (!input_.file.problems.empty()) {
             keep(gone);
         } else if (input_.guard.defers("bookmarks", gone.size(), input_.recorded.size())) {
@@ -80,41 +87,52 @@ private:
                 mark.id = enter(bookmark.title, bookmark.url);
             }
         }
-        if (!tooLong_.contains(bookmark.url)) plan_.contents.push_back(std::move(mark));
+        if (!tooLong_.contains(bookmark.url)) {
+            plan_.contents.push_back(std::move(mark));
+        }
     }
 
     // What is not to be removed yet stays in the phone's file, where it stands now.
     void keep(const std::vector<RecordedBookmark>& gone)
     {
         std::unordered_map<std::string, const RecordedBookmark*> kept;
-        for (const RecordedBookmark& mark : gone) kept.emplace(mark.url, &mark);
+        for (const RecordedBookmark& mark : gone) {
+            kept.emplace(mark.url, &mark);
+        }
         for (const formats::Bookmark& bookmark : input_.onPhone.bookmarks) {
             const auto found = kept.find(bookmark.url);
-            if (found == kept.end()) continue;
+            if (found == kept.end()) {
+                continue;
+            }
             const RecordedBookmark& record = *found->second;
             plan_.contents.push_back(
                 {record.title, record.url, bookmark.folders, bookmark.added, enter(record.title, record.url)});
             kept.erase(found);
         }
-        for (const RecordedBookmark& mark : gone)
-            if (kept.contains(mark.url))
+        for (const RecordedBookmark& mark : gone) {
+            if (kept.contains(mark.url)) {
                 plan_.contents.push_back({mark.title, mark.url, {}, {}, enter(mark.title, mark.url)});
+            }
+        }
     }
 
     // Sees to the mark's record; the id of its element.
     std::string enter(const std::string& title, const std::string& url)
     {
         const auto known = recorded_.find(url);
-        std::int32_t number = known == recorded_.end() ? 0 : NumberOf(*known->second, input_.place);
-        if (number == 0) number = ++lastNumber_;
+        int32_t number = known == recorded_.end() ? 0 : NumberOf(*known->second, input_.place);
+        if (number == 0) {
+            number = ++lastNumber_;
+        }
         RecordedBookmark mark{title, url, fmt::format("{}#b{}", input_.place, number), number, kOnThePhone};
-        if (known == recorded_.end())
+        if (known == recorded_.end()) {
             plan_.added.push_back(mark);
-        else if (known->second->title != title || known->second->idOnPhone != mark.idOnPhone ||
-                 known->second->flag != kOnThePhone)
+        } else if (known->second->title != title || known->second->idOnPhone != mark.idOnPhone ||
+                   known->second->flag != kOnThePhone) {
             plan_.updated.push_back(mark);
-        else
+        } else {
             ++plan_.unchanged;
+        }
         return fmt::format("b{}", number);
     }
 
@@ -122,7 +140,7 @@ private:
     BookmarkPlan plan_;
     std::unordered_map<std::string, const RecordedBookmark*> recorded_;
     std::unordered_set<std::string> seen_, tooLong_;
-    std::int32_t lastNumber_ = 0;
+    int32_t lastNumber_ = 0;
 };
 
 }  // namespace

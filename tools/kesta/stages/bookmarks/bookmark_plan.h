@@ -24,9 +24,9 @@ struct BookmarkPlan {
     std::vector<FileBookmark> contents;  // of the phone's file
     std::vector<RecordedBookmark> added, updated;
     std::vector<RecordedBookmark> removed;
-    std::size_t unchanged = 0;
-    std::size_t deferred = 0;          // removals left out, since they are more than half of what is recorded
-    std::size_t notOfTheWeb = 0;       // bookmarks that are no addresses of pages: of no use on another machine
+    size_t unchanged = 0;
+    size_t deferred = 0;               // removals left out, since they are more than half of what is recorded
+    size_t notOfTheWeb = 0;            // bookmarks that are no addresses of pages: of no use on another machine
     std::vector<std::string> tooLong;  // URLs that the database cannot take, or not with their title
 };
 

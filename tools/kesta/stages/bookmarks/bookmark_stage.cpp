@@ -15,9 +15,15 @@ os::Status ReadBookmarkFile(const std::string& path, std::string& text)
 {
     constexpr uint64_t kLargest = 64'000'000;
     os::FileInfo info;
-    if (os::Status status = os::ReadInfo(path, info); !status.ok()) return status;
-    if (info.kind != os::FileKind::kFile) return {os::Failure::kOther, "it is not a file"};
-    if (info.size > kLargest) return {os::Failure::kOther, "it is too large for a file of bookmarks"};
+    if (os::Status status = os::ReadInfo(path, info); !status.ok()) {
+        return status;
+    }
+    if (info.kind != os::FileKind::kFile) {
+        return {os::Failure::kOther, "it is not a file"};
+    }
+    if (info.size > kLargest) {
+        return {os::Failure::kOther, "it is too large for a file of bookmarks"};
+    }
     return os::ReadText(path, text);
 }
 
@@ -30,9 +36,13 @@ Plan BookmarkStage::plan(Session& session)
         type_ = settings->bookmarkType;
         recorded_ = records_.bookmarks();
     }
-    if (!readFile(session)) return plan;
+    if (!readFile(session)) {
+        return plan;
+    }
     choosePhonePath();
-    if (!readPhone(session)) return plan;
+    if (!readPhone(session)) {
+        return plan;
+    }
     BookmarkPlan bookmarks = PlanBookmarks({file_, recorded_, onPhone_, phonePath_, session.guard});
     std::string text = BookmarkFileText(bookmarks.contents);
     if (!isOurs_ && isThere_ && text != phoneText_) {  // Somebody else's file.
@@ -79,7 +89,9 @@ void BookmarkStage::choosePhonePath()
     for (const RecordedBookmark& bookmark : recorded_) {
         phonePath_ = PhonePathOf(bookmark);
         isOurs_ = !phonePath_.empty();
-        if (isOurs_) return;
+        if (isOurs_) {
+            return;
+        }
     }
     phonePath_ = fmt::format("{}/{}", kBookmarkFolder, defaultName());
 }
@@ -102,7 +114,9 @@ void BookmarkStage::moveAside(const Phone& phone)
 bool BookmarkStage::readPhone(Session& session)
 {
     const PhoneFile there = session.phone.find(phonePath_);
-    if (there.entry == PhoneEntry::kNothing) return true;
+    if (there.entry == PhoneEntry::kNothing) {
+        return true;
+    }
     if (there.entry == PhoneEntry::kOther) {
         moveAside(session.phone);
         return true;

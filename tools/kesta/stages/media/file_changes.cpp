@@ -11,10 +11,16 @@ Result Enter(FileChange file, FileRecords& records, const Written& written)
         file.size = written.size;
         file.file.modified = written.modified;
     }
-    if (file.kind == ChangeKind::kRemove) return records.remove(file);
-    if (file.kind == ChangeKind::kReplace) return records.update(file);
+    if (file.kind == ChangeKind::kRemove) {
+        return records.remove(file);
+    }
+    if (file.kind == ChangeKind::kReplace) {
+        return records.update(file);
+    }
     const Result added = records.add(file);
-    if (!added.isRecordedAlready()) return added;
+    if (!added.isRecordedAlready()) {
+        return added;
+    }
     // Recorded in the meantime by somebody else, as a rule: what counts is what lies on the phone now. But the row can
     // also have been refused for another reason, and updating a row that is not there succeeds.
     const Result updated = records.update(file);

@@ -59,7 +59,9 @@ void ScanChosen(Category category, const std::vector<std::string>& folders, Medi
         if (!scan.complete) {
             report.note(fmt::format("{} could not be read completely: nothing of it is removed.", Printable(folder)));
         }
-        if (!scan.found) continue;
+        if (!scan.found) {
+            continue;
+        }
         report.progress.say(fmt::format("{:<9} {}: {}, {}", TitleOf(category), Printable(scan.path),
                                         Counted(scan.files.size(), "file"), FormatSize(scan.totalSize)));
         if (scan.repeatedLinks > 0) {
@@ -74,8 +76,9 @@ void ScanChosen(Category category, const std::vector<std::string>& folders, Medi
 void RecordFolders(Category category, MediaState::OfCategory& state, Session& session)
 {
     for (const FolderScan& scan : state.scans) {
-        if (const Result result = session.database.addFolder(session.imei, category, ToRecord(scan)); !result.ok())
+        if (const Result result = session.database.addFolder(session.imei, category, ToRecord(scan)); !result.ok()) {
             throw DatabaseError(fmt::format("the folder {} cannot be recorded: {}", scan.path, result.text()));
+        }
     }
     state.known = session.database.folders(session.imei, category);
     std::erase_if(state.scans, [&](const FolderScan& scan) {
@@ -98,8 +101,9 @@ ChosenFolders ChooseFolders(const SyncOptions& options, const PhoneFolder& phone
     for (size_t category = 0; category < chosen.size(); ++category) {
         for (const std::string& given : options.folders[category]) {
             const std::string path = TryCanonical(given);
-            if (os::LiesIn(path, phone.root()))
+            if (os::LiesIn(path, phone.root())) {
                 throw StopRun(ExitCode::kFailure, fmt::format("the folder {} lies on the phone itself", path));
+            }
             if (std::find(chosen[category].begin(), chosen[category].end(), path) == chosen[category].end()) {
                 chosen[category].push_back(path);
             }
@@ -115,7 +119,9 @@ Plan MediaFolderStage::plan(Session& session)
         const auto index = static_cast<size_t>(category);
         MediaState::OfCategory& state = state_.categories[index];
         ScanChosen(category, state_.chosen[index], state, session);
-        if (state.scans.empty()) continue;
+        if (state.scans.empty()) {
+            continue;
+        }
         Change change;
         change.record = [category, &state, &session](const Written&) {
             RecordFolders(category, state, session);

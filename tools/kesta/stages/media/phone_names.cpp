@@ -12,7 +12,9 @@ namespace {
 std::string NameForRoot(const std::string& folder)
 {
     const std::string name = os::NameOf(folder);
-    if (!name.empty()) return SafeName(name);
+    if (!name.empty()) {
+        return SafeName(name);
+    }
     return folder.size() > 1 && folder[1] == ':' ? folder.substr(0, 1) : "root";
 }
 
@@ -22,25 +24,40 @@ void PhoneNames::chooseRoots(const PlanInput& input)
 {
     std::map<std::string, std::string> ownerOfKey;
     for (const RecordedFile& file : input.recorded) {
-        if (!IsPhonePath(file.phonePath, category_)) continue;
+        if (!IsPhonePath(file.phonePath, category_)) {
+            continue;
+        }
         const auto parts = SplitPath(file.phonePath);
-        if (parts.size() < 3) continue;
+        if (parts.size() < 3) {
+            continue;
+        }
         const auto [owner, isFirst] = ownerOfKey.emplace(CaseKey(parts[1]), file.basePath);
-        if (owner->second == file.basePath) roots_.emplace(file.basePath, parts[1]);
+        if (owner->second == file.basePath) {
+            roots_.emplace(file.basePath, parts[1]);
+        }
     }
     // Folders get their names in the order in which the database came to know them, new ones in the user's order.
     std::vector<const RecordedFolder*> known;
-    for (const RecordedFolder& folder : input.known) known.push_back(&folder);
+    for (const RecordedFolder& folder : input.known) {
+        known.push_back(&folder);
+    }
     std::sort(known.begin(), known.end(), [](const auto* a, const auto* b) { return a->rowId < b->rowId; });
     std::vector<std::string> order;
     const auto isChosen = [&](const std::string& path) {
         return std::any_of(input.folders.begin(), input.folders.end(), [&](const auto* f) { return f->path == path; });
     };
-    for (const RecordedFolder* folder : known)
-        if (isChosen(folder->path)) order.push_back(folder->path);
-    for (const FolderScan* folder : input.folders) order.push_back(folder->path);
+    for (const RecordedFolder* folder : known) {
+        if (isChosen(folder->path)) {
+            order.push_back(folder->path);
+        }
+    }
+    for (const FolderScan* folder : input.folders) {
+        order.push_back(folder->path);
+    }
     for (const std::string& folder : order) {
-        if (roots_.contains(folder)) continue;
+        if (roots_.contains(folder)) {
+            continue;
+        }
         const std::string name = UniqueName(NameForRoot(folder), folder, [&](const std::string& wish) {
             return ownerOfKey.emplace(CaseKey(wish), folder).second;
         });

@@ -23,8 +23,11 @@ std::map<std::string, Wanted> CollectFiles(const PlanInput& input)
     std::stable_sort(folders.begin(), folders.end(),
                      [](const auto* a, const auto* b) { return a->path.size() > b->path.size(); });
     std::map<std::string, Wanted> wanted;
-    for (const FolderScan* folder : folders)
-        for (const ScannedFile& file : folder->files) wanted.try_emplace(file.path, Wanted{&file, folder});
+    for (const FolderScan* folder : folders) {
+        for (const ScannedFile& file : folder->files) {
+            wanted.try_emplace(file.path, Wanted{&file, folder});
+        }
+    }
     return wanted;
 }
 
@@ -32,8 +35,11 @@ class GoneFiles {
 public:
     explicit GoneFiles(const PlanInput& input)
     {
-        for (const FolderScan* folder : input.folders)
-            if (folder->complete) completeFolders_.push_back(folder);
+        for (const FolderScan* folder : input.folders) {
+            if (folder->complete) {
+                completeFolders_.push_back(folder);
+            }
+        }
     }
 
     // Only what lay in a folder that was read to its end can be told to be gone. It may have been chosen by the name of
@@ -41,7 +47,9 @@ public:
     [[nodiscard]] bool isGone(const RecordedFile& file) const
     {
         return std::any_of(completeFolders_.begin(), completeFolders_.end(), [&](const FolderScan* folder) {
-            if (file.basePath != folder->path && !os::LiesIn(file.path, folder->path)) return false;
+            if (file.basePath != folder->path && !os::LiesIn(file.path, folder->path)) {
+                return false;
+            }
             return std::none_of(folder->problems.begin(), folder->problems.end(),
                                 [&](const ScanProblem& problem) { return os::LiesIn(file.path, problem.path); });
         });
@@ -59,8 +67,9 @@ std::optional<FileChange> CompareFile(const ComparedFile& file, Category categor
     FileChange change{ChangeKind::kPut, category, {file.path, basePath, {}, file.modified}, file.size};
     if (file.record != nullptr) {
         if (file.there.entry == PhoneEntry::kFile && file.there.size == file.size &&
-            file.record->modified == file.modified)
+            file.record->modified == file.modified) {
             return std::nullopt;
+        }
         change.kind = ChangeKind::kReplace;
         change.file.basePath = file.record->basePath;
         if (file.there.entry != PhoneEntry::kOther) {
@@ -85,8 +94,9 @@ FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
 
     const GoneFiles gone(input);
     std::vector<const RecordedFile*> staying, leaving;
-    for (const RecordedFile& file : input.recorded)
+    for (const RecordedFile& file : input.recorded) {
         (!wanted.contains(file.path) && gone.isGone(file) ? leaving : staying).push_back(&file);
+    }
     if (input.guard.defers(std::string(KeyOf(input.category)), leaving.size(), plan.recorded)) {
         plan.deferred = leaving.size();
         staying.insert(staying.end(), leaving.begin(), leaving.end());
@@ -98,15 +108,17 @@ FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
     std::unordered_set<std::string> misplaced;  // recorded in a place that is not theirs
     for (const RecordedFile* file : staying) {
         recorded.emplace(file->path, file);
-        if (!IsPhonePath(file->phonePath, input.category) || !names.reserve(file->phonePath))
+        if (!IsPhonePath(file->phonePath, input.category) || !names.reserve(file->phonePath)) {
             misplaced.insert(file->path);
+        }
     }
     for (const RecordedFile* file : leaving) {
         FileChange action{ChangeKind::kRemove, input.category, *file, 0};
-        if (!IsPhonePath(file->phonePath, input.category) || names.isReserved(file->phonePath))
+        if (!IsPhonePath(file->phonePath, input.category) || names.isReserved(file->phonePath)) {
             action.file.phonePath.clear();
-        else
+        } else {
             names.release(file->phonePath);
+        }
         plan.removals.push_back(std::move(action));
     }
     names.chooseRoots(input);

@@ -21,7 +21,7 @@ struct FileChange {
     ChangeKind kind = ChangeKind::kPut;
     Category category = Category::kMusic;
     RecordedFile file;  // as it is to be recorded; an empty phonePath in a removal: only the database knows the file
-    std::uint64_t size = 0;
+    uint64_t size = 0;
 };
 
 struct PlanInput {
@@ -35,15 +35,15 @@ struct PlanInput {
 struct FilePlan {
     std::vector<FileChange> removals;
     std::vector<FileChange> copies;
-    std::size_t unchanged = 0;
-    std::size_t recorded = 0;
-    std::size_t deferred = 0;  // removals left out, since they are more than half of what is recorded
+    size_t unchanged = 0;
+    size_t recorded = 0;
+    size_t deferred = 0;  // removals left out, since they are more than half of what is recorded
 };
 
 /// A file of the PC, where its record says that it lies on the phone, and how it is there.
 struct ComparedFile {
     std::string path;
-    std::uint64_t size = 0;
+    uint64_t size = 0;
     std::optional<LocalTime> modified;
     const RecordedFile* record = nullptr;       // none: it is not recorded
     PhoneFile there{PhoneEntry::kOther, 0, 0};  // kOther: what is recorded cannot be this file's phone path

@@ -20,8 +20,12 @@ public:
     void run()
     {
         os::FileInfo root;
-        if (os::Status status = os::ReadInfo(scan_.path, root); !status.ok()) return refuse(status.text());
-        if (root.kind != os::FileKind::kDirectory) return refuse("it is not a folder");
+        if (os::Status status = os::ReadInfo(scan_.path, root); !status.ok()) {
+            return refuse(status.text());
+        }
+        if (root.kind != os::FileKind::kDirectory) {
+            return refuse("it is not a folder");
+        }
         scan_.complete = true;
         folders_.push_back({scan_.path, {}, root.id});
         // Links come after all real folders, so that a link to a sibling does not take the sibling's place.
@@ -44,7 +48,9 @@ private:
 
     void readFolder(const PendingFolder& folder)
     {
-        if (folder.id == options_.phone) return;
+        if (folder.id == options_.phone) {
+            return;
+        }
         if (!seen_.insert(folder.id).second) {
             ++scan_.repeatedLinks;
             return;
@@ -55,9 +61,13 @@ private:
             scan_.problems.push_back({folder.path, "the folder cannot be read: " + status.text()});
             return;
         }
-        if (folder.relative.empty()) scan_.found = true;
+        if (folder.relative.empty()) {
+            scan_.found = true;
+        }
         std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
-        for (const os::DirectoryEntry& entry : entries) readEntry(folder, entry);
+        for (const os::DirectoryEntry& entry : entries) {
+            readEntry(folder, entry);
+        }
     }
 
     void readEntry(const PendingFolder& folder, const os::DirectoryEntry& entry)
@@ -85,10 +95,11 @@ private:
         } else if (info.kind == os::FileKind::kDirectory && !entry.isLink) {
             folders_.push_back({path, relative, info.id});
         } else if (info.kind == os::FileKind::kDirectory) {
-            if (holdsChosenFolder(path))
+            if (holdsChosenFolder(path)) {
                 ++scan_.repeatedLinks;
-            else
+            } else {
                 links_.push_back({path, relative, info.id});
+            }
         }
     }
 
@@ -96,7 +107,9 @@ private:
     [[nodiscard]] bool holdsChosenFolder(const std::string& link) const
     {
         std::string target;
-        if (!os::CanonicalPath(link, target).ok()) return false;  // Reading the folder will tell why.
+        if (!os::CanonicalPath(link, target).ok()) {
+            return false;  // Reading the folder will tell why.
+        }
         return os::LiesIn(scan_.path, target);
     }
 

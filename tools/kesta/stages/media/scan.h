@@ -15,7 +15,7 @@ namespace kesta {
 struct ScannedFile {
     std::string path;      // on the PC
     std::string relative;  // below the chosen folder, with '/' between the components
-    std::uint64_t size = 0;
+    uint64_t size = 0;
     os::FileTime modified;
     std::optional<LocalTime> localTime;  // the same to the second, as the database keeps it
 };
@@ -32,13 +32,13 @@ struct FolderScan {
     bool complete = false;  // every folder below it could be read, so that what was not seen is gone
     std::vector<ScannedFile> files;
     std::vector<ScanProblem> problems;
-    std::uint64_t totalSize = 0;
-    std::size_t repeatedLinks = 0;  // links to folders that were read already, or that hold the chosen folder itself
+    uint64_t totalSize = 0;
+    size_t repeatedLinks = 0;  // links to folders that were read already, or that hold the chosen folder itself
 };
 
 struct ScanOptions {
     os::FileId phone;  // the phone's own folder is skipped when it lies in a chosen one
-    std::function<bool(std::size_t filesSoFar)> keepGoing = [](std::size_t) { return true; };
+    std::function<bool(size_t filesSoFar)> keepGoing = [](size_t) { return true; };
 };
 
 /// Takes the canonical path of a folder. Links to files and folders are followed, each real folder is read once.

@@ -12,22 +12,22 @@
 namespace kesta {
 namespace {
 
-constexpr std::size_t kShortDigest = 16;
-constexpr std::size_t kDigest = 32;
+constexpr size_t kShortDigest = 16;
+constexpr size_t kDigest = 32;
 
 std::string ShortDigest(std::string_view text)
 {
     return formats::Digest(text).substr(0, kShortDigest);
 }
 
-bool IsDigest(std::string_view text, std::size_t length)
+bool IsDigest(std::string_view text, size_t length)
 {
     return text.size() == length && std::all_of(text.begin(), text.end(), [](char c) {
                return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
            });
 }
 
-std::optional<LocalTime> TimeOf(const std::optional<std::int64_t>& utcSeconds)
+std::optional<LocalTime> TimeOf(const std::optional<int64_t>& utcSeconds)
 {
     return utcSeconds ? ToLocalTime(*utcSeconds) : std::nullopt;
 }
@@ -44,7 +44,7 @@ std::string PimFolderId(const std::string& sourceId, std::string_view name)
     return fmt::format("{}-{}", sourceId, ShortDigest(name));
 }
 
-std::string PimEntryId(const std::string& folderId, std::string_view uid, std::size_t copy)
+std::string PimEntryId(const std::string& folderId, std::string_view uid, size_t copy)
 {
     const std::string id = fmt::format("{}-{}", folderId, formats::Digest(uid));
     return copy < 2 ? id : fmt::format("{}-{}", id, copy);
@@ -53,12 +53,15 @@ std::string PimEntryId(const std::string& folderId, std::string_view uid, std::s
 std::string FolderOfPimEntry(PimKind kind, const std::string& entryId)
 {
     const std::string start = fmt::format("{}-", KeyOf(kind));
-    const std::size_t length = start.size() + kShortDigest + 1 + kShortDigest;
-    if (!entryId.starts_with(start) || entryId.size() <= length || entryId[length] != '-') return {};
+    const size_t length = start.size() + kShortDigest + 1 + kShortDigest;
+    if (!entryId.starts_with(start) || entryId.size() <= length || entryId[length] != '-') {
+        return {};
+    }
     const std::string_view digests = std::string_view(entryId).substr(start.size(), length - start.size());
     if (!IsDigest(digests.substr(0, kShortDigest), kShortDigest) || digests[kShortDigest] != '-' ||
-        !IsDigest(digests.substr(kShortDigest + 1), kShortDigest))
+        !IsDigest(digests.substr(kShortDigest + 1), kShortDigest)) {
         return {};
+    }
     return entryId.substr(0, length);
 }
 
@@ -80,9 +83,13 @@ std::string ToLuid(const PimCopy& place)
 PimCopy FromLuid(const std::string& luid)
 {
     const std::string_view text(luid);
-    if (text.size() != kShortDigest + 1 + kDigest || text[kShortDigest] != '-') return {};
+    if (text.size() != kShortDigest + 1 + kDigest || text[kShortDigest] != '-') {
+        return {};
+    }
     const std::string_view file = text.substr(0, kShortDigest), digest = text.substr(kShortDigest + 1);
-    if (!IsDigest(file, kShortDigest) || !IsDigest(digest, kDigest)) return {};
+    if (!IsDigest(file, kShortDigest) || !IsDigest(digest, kDigest)) {
+        return {};
+    }
     return {std::string(file), std::string(digest)};
 }
 
@@ -92,12 +99,16 @@ PimEntry ReadStored(PimKind kind, PimItem item)
     entry.digest = formats::Digest(entry.bytes);  // of contents that cannot be read, and so no entry's
     if (kind == PimKind::kContacts) {
         const formats::Cards read = formats::ParseCards(entry.bytes);
-        if (read.cards.size() != 1 || !read.problems.empty()) return entry;
+        if (read.cards.size() != 1 || !read.problems.empty()) {
+            return entry;
+        }
         entry.digest = read.cards.front().digest;
         entry.modified = TimeOf(read.cards.front().revised);
     } else {
         const formats::Calendars read = formats::ParseCalendars(entry.bytes);
-        if (read.entries.size() != 1 || !read.problems.empty()) return entry;
+        if (read.entries.size() != 1 || !read.problems.empty()) {
+            return entry;
+        }
         entry.digest = read.entries.front().digest;
         entry.modified = TimeOf(read.entries.front().modified);
     }

@@ -25,7 +25,7 @@ struct PimEntry {
 /// The name is empty for contacts and for a calendar without one.
 [[nodiscard]] std::string PimFolderId(const std::string& sourceId, std::string_view name);
 /// Copies of one UID in a folder are numbered from 1.
-[[nodiscard]] std::string PimEntryId(const std::string& folderId, std::string_view uid, std::size_t copy);
+[[nodiscard]] std::string PimEntryId(const std::string& folderId, std::string_view uid, size_t copy);
 /// The part of an entry's id that names its folder; empty for an id of another form.
 [[nodiscard]] std::string FolderOfPimEntry(PimKind kind, const std::string& entryId);
 [[nodiscard]] bool IsOfPimSource(const std::string& folderId, const std::string& sourceId);

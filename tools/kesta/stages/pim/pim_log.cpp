@@ -57,19 +57,24 @@ void PimLogKeeper::begin(const std::vector<std::string>& /*phonePaths*/)
 
 void PimLogKeeper::write(const PimJournal& journal)
 {
-    if (os::Status status = WritePimJournal(imei_, journal); !status.ok())
+    if (os::Status status = WritePimJournal(imei_, journal); !status.ok()) {
         throw StopRun(ExitCode::kFailure, "the journal of contacts and calendars cannot be written: " + status.text());
+    }
 }
 
 // Also after a run that was stopped: the logs are to say what the phone has.
 void PimLogKeeper::end(bool /*isInOrder*/)
 {
-    if (!hasJournal_ && !hasBegun_ && std::all_of(works_->begin(), works_->end(), IsLogAsPlanned)) return;
+    if (!hasJournal_ && !hasBegun_ && std::all_of(works_->begin(), works_->end(), IsLogAsPlanned)) {
+        return;
+    }
     const bool areAllDone = std::all_of(works_->begin(), works_->end(), [](const PimWork& work) {
         return std::all_of(work.phone.files.begin(), work.phone.files.end(),
                            [](const PimPhonePlan& plan) { return plan.isDone; });
     });
-    if (!hasBegun_ && !areAllDone) return;  // What the last run has left is still to be done.
+    if (!hasBegun_ && !areAllDone) {
+        return;  // What the last run has left is still to be done.
+    }
     const PimJournal paths = plannedPaths();
     PimJournal withRows = paths;
     for (const PimWork& work : *works_) {
@@ -90,7 +95,9 @@ void PimLogKeeper::end(bool /*isInOrder*/)
 void PimLogKeeper::saveLog(const PimWork& work)
 {
     const std::vector<PimLogRow> after = RowsAfter(work), before = SortedPimRows(work.log);
-    if (IsLogAsPlanned(work)) return;
+    if (IsLogAsPlanned(work)) {
+        return;
+    }
     const auto byGuid = [](const PimLogRow& a, const PimLogRow& b) { return a.guid < b.guid; };
     const bool onlyNew = work.logIsInOrder && std::all_of(before.begin(), before.end(), [&](const PimLogRow& row) {
                              const auto found = std::lower_bound(after.begin(), after.end(), row, byGuid);
@@ -104,8 +111,9 @@ void PimLogKeeper::saveLog(const PimWork& work)
         Require("DB_PIMLOG_ClearAll", records_.clearLog(imei_, work.kind));
     }
     Require("DB_PIMLOG_SaveLog", records_.appendToLog(imei_, work.kind, rows));
-    if (SortedPimRows(records_.log(imei_, work.kind)) != after)
+    if (SortedPimRows(records_.log(imei_, work.kind)) != after) {
         throw DatabaseError("DB_PIMLOG_SaveLog failed: the log does not hold what was saved");
+    }
     if (!onlyNew || before.empty()) {
         Require("DB_PIMLOG_SetPimProfile", records_.setLogProfile(imei_, work.kind, PimLogProfile(work.kind)));
     }

@@ -14,7 +14,7 @@ namespace kesta {
 namespace {
 
 // FAT keeps times to two seconds only.
-constexpr std::int64_t kTimeTolerance = 2;
+constexpr int64_t kTimeTolerance = 2;
 
 // The files' places on this phone. Each keeps the one that the log knows.
 class FileNames {
@@ -22,17 +22,23 @@ public:
     FileNames(const PimPhoneInput& input, const Phone& phone)
         : input_(input), phone_(phone), folder_(TitleOf(input.kind))
     {
-        for (std::string& name : phone.names(folder_)) names_.emplace(PimFileDigest(name), std::move(name));
-        for (const PimLogRow& row : input.log)
-            if (const auto name = names_.find(FromLuid(row.luid).file); name != names_.end())
+        for (std::string& name : phone.names(folder_)) {
+            names_.emplace(PimFileDigest(name), std::move(name));
+        }
+        for (const PimLogRow& row : input.log) {
+            if (const auto name = names_.find(FromLuid(row.luid).file); name != names_.end()) {
                 taken_.insert(CaseKey(name->second));
+            }
+        }
     }
 
     /// Where the recorded file lies; std::nullopt when it is not there.
     [[nodiscard]] std::optional<std::string> find(const std::string& fileDigest) const
     {
         const auto name = names_.find(fileDigest);
-        if (name == names_.end()) return std::nullopt;
+        if (name == names_.end()) {
+            return std::nullopt;
+        }
         return fmt::format("{}/{}", folder_, name->second);
     }
 
@@ -53,8 +59,12 @@ private:
     [[nodiscard]] bool isFree(const std::string& place, const std::string& text) const
     {
         const PhoneFile there = phone_.find(place);
-        if (there.entry == PhoneEntry::kNothing) return true;
-        if (there.entry != PhoneEntry::kFile) return false;
+        if (there.entry == PhoneEntry::kNothing) {
+            return true;
+        }
+        if (there.entry != PhoneEntry::kFile) {
+            return false;
+        }
         return input_.owned.contains(place) || (there.size == text.size() && phone_.holds(place, text));
     }
 
@@ -73,10 +83,11 @@ public:
     {
         for (const PimLogRow& row : input_.log) {
             const std::string folder = FolderOfPimEntry(input_.kind, row.guid);
-            if (sourceOf(folder) == nullptr || input_.store.refusedFolders.contains(folder))
+            if (sourceOf(folder) == nullptr || input_.store.refusedFolders.contains(folder)) {
                 result_.others.push_back(row);
-            else
+            } else {
                 rows_[folder].push_back(row);
+            }
         }
         for (const PimStorePlan& folder : input_.store.folders) {
             plan(*folder.source, folder);
@@ -94,8 +105,11 @@ public:
 private:
     [[nodiscard]] const PimSource* sourceOf(const std::string& folderId) const
     {
-        for (const PimSource& source : input_.sources)
-            if (source.readable && IsOfPimSource(folderId, source.id)) return &source;
+        for (const PimSource& source : input_.sources) {
+            if (source.readable && IsOfPimSource(folderId, source.id)) {
+                return &source;
+            }
+        }
         return nullptr;
     }
 
@@ -104,8 +118,12 @@ private:
         PimPhonePlan plan;
         plan.sourcePath = source.path;
         const auto rows = rows_.find(folder.folder.id);
-        if (rows != rows_.end()) plan.oldRows = rows->second;
-        if (folder.entries.empty() && plan.oldRows.empty()) return;
+        if (rows != rows_.end()) {
+            plan.oldRows = rows->second;
+        }
+        if (folder.entries.empty() && plan.oldRows.empty()) {
+            return;
+        }
         compare(folder, plan);
         const bool areTooMany =
             source.complete && input_.guard.defers("phone " + folder.folder.id, plan.removed, plan.oldRows.size());
@@ -124,7 +142,9 @@ private:
     void compare(const PimStorePlan& folder, PimPhonePlan& plan) const
     {
         std::map<std::string, const PimLogRow*> old;
-        for (const PimLogRow& row : plan.oldRows) old.emplace(row.guid, &row);
+        for (const PimLogRow& row : plan.oldRows) {
+            old.emplace(row.guid, &row);
+        }
         for (const PimEntry& entry : folder.entries) {
             PimLogRow row{entry.id, {}, entry.modified, std::nullopt};
             const auto place = old.find(entry.id);
@@ -132,9 +152,15 @@ private:
                 ++plan.added;
             } else {
                 const bool isSame = FromLuid(place->second->luid).digest == entry.digest;
-                if (!isSame) ++plan.updated;
-                if (isSame && !folder.deferred.contains(entry.id)) ++plan.unchanged;
-                if (isSame) row = *place->second;
+                if (!isSame) {
+                    ++plan.updated;
+                }
+                if (isSame && !folder.deferred.contains(entry.id)) {
+                    ++plan.unchanged;
+                }
+                if (isSame) {
+                    row = *place->second;
+                }
                 old.erase(place);
             }
             plan.rows.push_back(std::move(row));
@@ -164,12 +190,16 @@ private:
         const PhoneFile there = phone_.find(plan.phonePath);
         const bool isAsRecorded = recorded && isSameTime(there, plan.oldRows);
         const bool isChanged = plan.added + plan.updated + plan.removed > 0;
-        if (!isChanged && isAsRecorded && there.entry == PhoneEntry::kFile && there.size == plan.text.size()) return;
+        if (!isChanged && isAsRecorded && there.entry == PhoneEntry::kFile && there.size == plan.text.size()) {
+            return;
+        }
 
         const bool holdsIt = there.entry == PhoneEntry::kFile && there.size == plan.text.size() &&
                              phone_.holds(plan.phonePath, plan.text);
         plan.action = holdsIt ? PimFileAction::kRecord : PimFileAction::kWrite;
-        if (!isChanged && !holdsIt) std::swap(plan.updated, plan.unchanged);
+        if (!isChanged && !holdsIt) {
+            std::swap(plan.updated, plan.unchanged);
+        }
         recordPlace(folder, !isAsRecorded || plan.added + plan.updated == 0, plan);
     }
 
@@ -177,7 +207,9 @@ private:
     {
         // The latest row was written with the file.
         std::optional<LocalTime> recorded;
-        for (const PimLogRow& row : rows) recorded = std::max(recorded, row.phoneTime);
+        for (const PimLogRow& row : rows) {
+            recorded = std::max(recorded, row.phoneTime);
+        }
         const auto time = ToLocalTime(there.modifiedSeconds);
         return recorded && time && std::abs(*recorded - *time) <= kTimeTolerance;
     }
@@ -185,9 +217,11 @@ private:
     static void recordPlace(const PimStorePlan& folder, bool evenUnchangedRows, PimPhonePlan& plan)
     {
         const std::string file = PimFileDigest(plan.phonePath.substr(plan.phonePath.rfind('/') + 1));
-        for (std::size_t i = 0; i < plan.rows.size(); ++i) {
+        for (size_t i = 0; i < plan.rows.size(); ++i) {
             plan.rows[i].luid = ToLuid({file, folder.entries[i].digest});
-            if (evenUnchangedRows) plan.rows[i].phoneTime.reset();
+            if (evenUnchangedRows) {
+                plan.rows[i].phoneTime.reset();
+            }
         }
     }
 

@@ -36,8 +36,8 @@ struct PimPhonePlan {
     std::string sourcePath;  // on the PC
     std::string phonePath;   // empty for a file to be removed that is not there
     std::string text;        // to be written
-    std::size_t added = 0, updated = 0, removed = 0, unchanged = 0;
-    std::size_t deferred = 0;     // removals for which the whole file is left as it is
+    size_t added = 0, updated = 0, removed = 0, unchanged = 0;
+    size_t deferred = 0;          // removals for which the whole file is left as it is
     bool waitsForSource = false;  // it is left as it is because the file of the PC is not known to be complete
     bool isDone = false;          // executed: rows holds, and no longer oldRows
     std::vector<PimLogRow> oldRows;

@@ -26,7 +26,9 @@ std::string Describe(const formats::Problems& problems)
 {
     const formats::Problem& first = problems.front();
     std::string text = first.line > 0 ? fmt::format("line {}: {}", first.line, first.text) : first.text;
-    if (problems.size() > 1) text += fmt::format(" (and {} more)", problems.size() - 1);
+    if (problems.size() > 1) {
+        text += fmt::format(" (and {} more)", problems.size() - 1);
+    }
     return text;
 }
 
@@ -35,19 +37,20 @@ class FolderFiller {
 public:
     FolderFiller(PimSourceFolder& folder, std::optional<LocalTime> fileTime) : folder_(folder), fileTime_(fileTime) {}
 
-    void add(std::string_view uid, std::string bytes, std::string digest,
-             const std::optional<std::int64_t>& modifiedUtc)
+    void add(std::string_view uid, std::string bytes, std::string digest, const std::optional<int64_t>& modifiedUtc)
     {
-        const std::size_t copy = ++copies_[std::string(uid)];
+        const size_t copy = ++copies_[std::string(uid)];
         std::optional<LocalTime> modified = modifiedUtc ? ToLocalTime(*modifiedUtc) : std::nullopt;
-        if (!modified) modified = fileTime_;
+        if (!modified) {
+            modified = fileTime_;
+        }
         folder_.entries.push_back({PimEntryId(folder_.id, uid, copy), std::move(bytes), std::move(digest), modified});
     }
 
 private:
     PimSourceFolder& folder_;
     std::optional<LocalTime> fileTime_;
-    std::map<std::string, std::size_t> copies_;
+    std::map<std::string, size_t> copies_;
 };
 
 formats::Problems ReadContacts(std::string_view contents, std::optional<LocalTime> modified, PimSource& source)
@@ -56,27 +59,33 @@ formats::Problems ReadContacts(std::string_view contents, std::optional<LocalTim
     folder.id = PimFolderId(source.id, {});
     folder.name = NameWithoutExtension(source.path);
     // There is no other way to write an address book without entries down.
-    if (formats::Trimmed(formats::WithoutByteOrderMark(contents)).empty()) return {};
+    if (formats::Trimmed(formats::WithoutByteOrderMark(contents)).empty()) {
+        return {};
+    }
     formats::Cards read = formats::ParseCards(contents);
     FolderFiller filler(folder, modified);
-    for (formats::Card& card : read.cards)
+    for (formats::Card& card : read.cards) {
         filler.add(card.uid, std::move(card.bytes), std::move(card.digest), card.revised);
+    }
     return std::move(read.problems);
 }
 
 formats::Problems ReadCalendar(std::string_view contents, std::optional<LocalTime> modified, PimSource& source)
 {
     formats::Calendars read = formats::ParseCalendars(contents);
-    for (const std::string& name : read.names)
+    for (const std::string& name : read.names) {
         source.folders.push_back(
             {PimFolderId(source.id, name), name.empty() ? NameWithoutExtension(source.path) : name, {}});
+    }
     std::unordered_map<std::string_view, FolderFiller> fillers;
     for (size_t i = 0; i < read.names.size(); ++i) {
         fillers.try_emplace(read.names[i], source.folders[i], modified);
     }
     for (formats::CalendarEntry& entry : read.entries) {
         const auto filler = fillers.find(entry.calendar);
-        if (filler == fillers.end()) continue;
+        if (filler == fillers.end()) {
+            continue;
+        }
         filler->second.add(entry.uid, std::move(entry.bytes), std::move(entry.digest), entry.modified);
     }
     return std::move(read.problems);
@@ -91,7 +100,9 @@ PimSource MakePimSource(PimKind kind, const std::string& canonicalPath, std::str
     const formats::Problems problems = kind == PimKind::kContacts ? ReadContacts(contents, modified, source)
                                                                   : ReadCalendar(contents, modified, source);
     source.complete = problems.empty();
-    if (!source.complete) source.problem = Describe(problems);
+    if (!source.complete) {
+        source.problem = Describe(problems);
+    }
     return source;
 }
 
@@ -103,9 +114,15 @@ PimSource ReadPimSource(PimKind kind, const std::string& canonicalPath)
     os::FileInfo before, after;
     for (int attempt = 0; attempt < 2 && !isSteady; ++attempt) {
         os::Status status = os::ReadInfo(canonicalPath, before);
-        if (status.ok() && before.kind != os::FileKind::kFile) status = {os::Failure::kOther, "it is not a file"};
-        if (status.ok()) status = os::ReadText(canonicalPath, contents);
-        if (status.ok()) status = os::ReadInfo(canonicalPath, after);
+        if (status.ok() && before.kind != os::FileKind::kFile) {
+            status = {os::Failure::kOther, "it is not a file"};
+        }
+        if (status.ok()) {
+            status = os::ReadText(canonicalPath, contents);
+        }
+        if (status.ok()) {
+            status = os::ReadInfo(canonicalPath, after);
+        }
         if (!status.ok()) {
             unreadable.problem = "it cannot be read: " + status.text();
             return unreadable;
@@ -113,7 +130,9 @@ PimSource ReadPimSource(PimKind kind, const std::string& canonicalPath)
         isSteady = before.size == after.size && before.modified == after.modified && contents.size() == after.size;
     }
     PimSource source = MakePimSource(kind, canonicalPath, contents, ToLocalTime(after.modified.seconds));
-    if (isSteady) return source;
+    if (isSteady) {
+        return source;
+    }
     source.complete = false;
     source.problem = "it is being written";
     return source;

@@ -110,13 +110,17 @@ Plan PimStage::plan(Session& session)
 
 void PimStage::takeUpJournal(Session& session, Plan& plan)
 {
-    if (!session.isKnown) return;
+    if (!session.isKnown) {
+        return;
+    }
     const os::Status status = ReadPimJournal(session.imei, journal_);
     if (!status.ok()) {
         session.report.fail("the journal of contacts and calendars", status.text());
     }
     hasJournal_ = journal_ || !status.ok();
-    if (!hasJournal_) return;
+    if (!hasJournal_) {
+        return;
+    }
     session.report.note("the last sync of contacts and calendars was not finished.");
     for (const PimKind kind : kPimKinds) {
         const std::string temporary = fmt::format("{}/{}", TitleOf(kind), kTemporaryName);
@@ -135,7 +139,9 @@ void PimStage::prepare(PimKind kind, Session& session)
 {
     PimWork work;
     work.kind = kind;
-    if (session.isKnown && !readLog(work, session)) return;
+    if (session.isKnown && !readLog(work, session)) {
+        return;
+    }
     // Where no file is given only the log is put in order.
     const bool isGiven = !FilesOf(kind, session.options).empty();
     Tally& tally = isGiven ? session.report.summary.beginFamily(
@@ -195,7 +201,9 @@ void PimStage::readSources(PimWork& work, Session& session)
         if (!os::CanonicalPath(given, path).ok()) {
             path = os::AbsolutePath(given);
         }
-        if (!seen.insert(path).second) continue;
+        if (!seen.insert(path).second) {
+            continue;
+        }
         PimSource& source = work.sources.emplace_back();
         source.path = path;
         if (os::LiesIn(path, session.folder.root())) {
@@ -217,14 +225,18 @@ void PimStage::readStore(PimWork& work)
     for (const PimFolder& folder : records_.folders(work.kind, {}, false)) {
         work.rootIsStored = work.rootIsStored || folder.id == root;
     }
-    if (!work.rootIsStored) return;
+    if (!work.rootIsStored) {
+        return;
+    }
     for (PimFolder& folder : records_.folders(work.kind, root, false)) {
         StoredPimFolder& stored = work.stored.emplace_back();
         stored.folder = std::move(folder);
         const bool isWanted = std::any_of(work.sources.begin(), work.sources.end(), [&](const PimSource& source) {
             return source.readable && IsOfPimSource(stored.folder.id, source.id);
         });
-        if (!isWanted) continue;
+        if (!isWanted) {
+            continue;
+        }
         for (PimItem& item : records_.items(work.kind, stored.folder.id)) {
             stored.entries.push_back(ReadStored(work.kind, std::move(item)));
         }
@@ -317,8 +329,12 @@ void PimStage::checkStored(PimKind kind, const PimStorePlan& folder, const std::
     for (const PimItem& item : records_.items(kind, folder.folder.id)) {
         stored.insert(item.id);
     }
-    if (stored == wanted) return;
-    if (!failure.empty()) throw DatabaseError(failure);
+    if (stored == wanted) {
+        return;
+    }
+    if (!failure.empty()) {
+        throw DatabaseError(failure);
+    }
     throw DatabaseError(fmt::format("the database's folder '{}' holds {} entries instead of {}", folder.folder.path,
                                     stored.size(), wanted.size()));
 }

@@ -17,7 +17,9 @@ class FolderPaths {
 public:
     explicit FolderPaths(const PimStoreInput& input) : kind_(input.kind)
     {
-        for (const StoredPimFolder& known : input.known) taken_.insert(CaseKey(known.folder.path));
+        for (const StoredPimFolder& known : input.known) {
+            taken_.insert(CaseKey(known.folder.path));
+        }
     }
 
     [[nodiscard]] std::string allocate(const std::string& name, const std::string& id)
@@ -41,14 +43,19 @@ class StorePlanner {
 public:
     explicit StorePlanner(const PimStoreInput& input) : input_(input), paths_(input)
     {
-        for (const StoredPimFolder& folder : input.known) known_.emplace(folder.folder.id, &folder);
+        for (const StoredPimFolder& folder : input.known) {
+            known_.emplace(folder.folder.id, &folder);
+        }
         folderCount_ = known_.size();
     }
 
     PimStorePlans run() &&
     {
-        for (const PimSource& source : input_.sources)
-            if (source.readable) take(source);
+        for (const PimSource& source : input_.sources) {
+            if (source.readable) {
+                take(source);
+            }
+        }
         return std::move(result_);
     }
 
@@ -60,9 +67,11 @@ private:
             seen.insert(folder.id);
             takeFolder(source, folder);
         }
-        for (const StoredPimFolder& known : input_.known)
-            if (IsOfPimSource(known.folder.id, source.id) && !seen.contains(known.folder.id))
+        for (const StoredPimFolder& known : input_.known) {
+            if (IsOfPimSource(known.folder.id, source.id) && !seen.contains(known.folder.id)) {
                 takeFolder(source, {known.folder.id, {}, {}});
+            }
+        }
     }
 
     void takeFolder(const PimSource& source, const PimSourceFolder& wanted)
@@ -75,8 +84,12 @@ private:
         plan.isNew = place == known_.end();
         plan.folder = known.folder;
         if (plan.isNew) {
-            if (wanted.entries.empty()) return;
-            if (folderCount_ >= input_.folderLimit) return refuse(source, wanted);
+            if (wanted.entries.empty()) {
+                return;
+            }
+            if (folderCount_ >= input_.folderLimit) {
+                return refuse(source, wanted);
+            }
             ++folderCount_;
             plan.folder = {wanted.id, PimRootFolder(input_.kind).id, paths_.allocate(wanted.name, wanted.id)};
         }
@@ -96,9 +109,11 @@ private:
     void planEntries(const std::vector<PimEntry>& known, const std::vector<PimEntry>& wanted, PimStorePlan& plan)
     {
         std::unordered_map<std::string, const PimEntry*> stored;
-        for (const PimEntry& entry : known) stored.emplace(entry.id, &entry);
+        for (const PimEntry& entry : known) {
+            stored.emplace(entry.id, &entry);
+        }
         std::unordered_set<std::string> seen;
-        std::size_t leftOut = 0, room = input_.itemLimit - std::min(input_.itemLimit, known.size());
+        size_t leftOut = 0, room = input_.itemLimit - std::min(input_.itemLimit, known.size());
         for (const PimEntry& entry : wanted) {
             const auto place = stored.find(entry.id);
             seen.insert(entry.id);
@@ -118,10 +133,11 @@ private:
                 plan.entries.back().modified = entry.modified;
             }
         }
-        if (leftOut > 0)
+        if (leftOut > 0) {
             result_.refusals.push_back(
                 {plan.source->path, fmt::format("{} of its entries are left out: the database takes {} in a folder",
                                                 leftOut, input_.itemLimit)});
+        }
         planRemovals(known, seen, plan);
     }
 
@@ -130,8 +146,11 @@ private:
                       PimStorePlan& plan)
     {
         std::vector<const PimEntry*> leaving;
-        for (const PimEntry& entry : known)
-            if (!seen.contains(entry.id)) leaving.push_back(&entry);
+        for (const PimEntry& entry : known) {
+            if (!seen.contains(entry.id)) {
+                leaving.push_back(&entry);
+            }
+        }
         std::sort(leaving.begin(), leaving.end(), [](const auto* a, const auto* b) { return a->id < b->id; });
         const bool areTooMany =
             plan.source->complete && input_.guard.defers("store " + plan.folder.id, leaving.size(), known.size());
@@ -140,7 +159,9 @@ private:
                 plan.removed.push_back(entry->id);
                 continue;
             }
-            if (plan.source->complete) plan.deferred.insert(entry->id);
+            if (plan.source->complete) {
+                plan.deferred.insert(entry->id);
+            }
             plan.entries.push_back(*entry);
         }
     }
@@ -148,7 +169,7 @@ private:
     const PimStoreInput& input_;
     FolderPaths paths_;
     std::map<std::string, const StoredPimFolder*> known_;
-    std::size_t folderCount_ = 0;
+    size_t folderCount_ = 0;
     PimStorePlans result_;
 };
 

@@ -24,8 +24,8 @@ struct PimStoreInput {
     const std::vector<PimSource>& sources;      // those that are not readable are left alone
     const std::vector<StoredPimFolder>& known;  // all of the kind; the entries are needed of the sources' folders only
     DeletionGuard& guard;
-    std::size_t folderLimit = kMostListedPimFolders - 1;  // the root takes part in a listing of the whole tree
-    std::size_t itemLimit = kMostListedPimItems;
+    size_t folderLimit = kMostListedPimFolders - 1;  // the root takes part in a listing of the whole tree
+    size_t itemLimit = kMostListedPimItems;
 };
 
 struct PimStorePlan {
@@ -34,8 +34,8 @@ struct PimStorePlan {
     bool isNew = false;
     bool isLeaving = false;            // nothing is left in it
     std::vector<PimEntry> entries;     // what it holds then: in the file's order, what is not in the file behind it
-    std::vector<std::size_t> added;    // of these
-    std::vector<std::size_t> updated;  // of these
+    std::vector<size_t> added;         // of these
+    std::vector<size_t> updated;       // of these
     std::vector<std::string> removed;  // ids
     std::set<std::string> deferred;    // ids of what stays, since it would be more than half of the folder
     [[nodiscard]] bool changes() const { return !added.empty() || !updated.empty() || !removed.empty(); }

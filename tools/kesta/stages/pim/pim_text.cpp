@@ -15,14 +15,18 @@ constexpr std::string_view kLineBreak = "\r\n";
 void AppendWhole(std::string& text, std::string_view part)
 {
     text += part;
-    if (!part.empty() && part.back() != '\n' && part.back() != '\r') text += kLineBreak;
+    if (!part.empty() && part.back() != '\n' && part.back() != '\r') {
+        text += kLineBreak;
+    }
 }
 
 std::string Escaped(std::string_view value)
 {
     std::string text;
     for (const char c : value) {
-        if (c == '\\' || c == ',' || c == ';') text += '\\';
+        if (c == '\\' || c == ',' || c == ';') {
+            text += '\\';
+        }
         text += c;
     }
     return text;
@@ -37,7 +41,9 @@ struct Head {
     {
         formats::ContentLineReader reader(lines);
         while (const auto line = reader.next()) {
-            if (line->name == "PRODID" || line->is("CALSCALE", "GREGORIAN")) continue;
+            if (line->name == "PRODID" || line->is("CALSCALE", "GREGORIAN")) {
+                continue;
+            }
             text += lines.substr(line->begin, line->end - line->begin);
             formats::AppendCanonical(canonical, *line);
         }
@@ -52,19 +58,28 @@ struct Calendar {
 
     [[nodiscard]] bool takes(const Head& otherHead, const formats::RawCalendar& other) const
     {
-        if (head.canonical != otherHead.canonical) return false;
+        if (head.canonical != otherHead.canonical) {
+            return false;
+        }
         for (const formats::Component& zone : other.timeZones) {
             const auto known = timeZones.find(zone.timeZoneId);
-            if (known != timeZones.end() && known->second != zone.canonical) return false;
+            if (known != timeZones.end() && known->second != zone.canonical) {
+                return false;
+            }
         }
         return true;
     }
 
     void add(const formats::RawCalendar& other)
     {
-        for (const formats::Component& zone : other.timeZones)
-            if (timeZones.emplace(zone.timeZoneId, zone.canonical).second) AppendWhole(zoneText, zone.bytes);
-        for (const formats::Component& entry : other.entries) AppendWhole(entryText, entry.bytes);
+        for (const formats::Component& zone : other.timeZones) {
+            if (timeZones.emplace(zone.timeZoneId, zone.canonical).second) {
+                AppendWhole(zoneText, zone.bytes);
+            }
+        }
+        for (const formats::Component& entry : other.entries) {
+            AppendWhole(entryText, entry.bytes);
+        }
     }
 
     void appendTo(std::string& text, const std::string& name) const
@@ -91,14 +106,19 @@ std::string CalendarText(const std::string& name, const std::vector<PimEntry>& e
         for (const formats::RawCalendar& part : read.calendars) {
             Head head(part.head);
             auto place = calendars.begin();
-            while (place != calendars.end() && !place->takes(head, part)) ++place;
-            if (place == calendars.end())
+            while (place != calendars.end() && !place->takes(head, part)) {
+                ++place;
+            }
+            if (place == calendars.end()) {
                 place = calendars.insert(calendars.end(), Calendar{std::move(head), {}, {}, {}});
+            }
             place->add(part);
         }
     }
     std::string text;
-    for (const Calendar& calendar : calendars) calendar.appendTo(text, name);
+    for (const Calendar& calendar : calendars) {
+        calendar.appendTo(text, name);
+    }
     return text + unknown;
 }
 
@@ -106,9 +126,13 @@ std::string CalendarText(const std::string& name, const std::vector<PimEntry>& e
 
 std::string PhoneFileText(PimKind kind, const std::string& name, const std::vector<PimEntry>& entries)
 {
-    if (kind == PimKind::kCalendar) return CalendarText(name, entries);
+    if (kind == PimKind::kCalendar) {
+        return CalendarText(name, entries);
+    }
     std::string text;
-    for (const PimEntry& entry : entries) AppendWhole(text, entry.bytes);
+    for (const PimEntry& entry : entries) {
+        AppendWhole(text, entry.bytes);
+    }
     return text;
 }
 

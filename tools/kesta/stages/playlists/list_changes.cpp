@@ -12,7 +12,9 @@ namespace {
 std::vector<std::string> MembersToRecord(const PcPlaylist& list, const std::vector<std::string>& former)
 {
     std::vector<std::string> names = MemberNames(list);
-    if (list.complete) return names;
+    if (list.complete) {
+        return names;
+    }
     const std::set<std::string> present(names.begin(), names.end());
     for (const std::string& name : former) {
         if (!present.contains(name)) {
@@ -26,11 +28,14 @@ std::vector<std::string> MembersToRecord(const PcPlaylist& list, const std::vect
 Result RecordList(PlaylistRecords& records, RecordedPlaylist list, const std::vector<std::string>& members,
                   const std::string* newPath)
 {
-    if (const Result result = records.setMembers(list.name, members); !result.ok()) return result;
+    if (const Result result = records.setMembers(list.name, members); !result.ok()) {
+        return result;
+    }
     // The library does not say whether each name was taken.
     const std::vector<std::string> stored = records.members(list.name);
-    if (std::set<std::string>(stored.begin(), stored.end()) != std::set<std::string>(members.begin(), members.end()))
+    if (std::set<std::string>(stored.begin(), stored.end()) != std::set<std::string>(members.begin(), members.end())) {
         return 1;
+    }
     const Result result = newPath != nullptr ? records.setAdded(list.name, *newPath) : records.setUpdated(list.name);
     return result.ok() ? records.confirm(list) : result;
 }
@@ -73,7 +78,9 @@ std::set<std::string> ListChanges::listsWithFiles() const
 
 std::string ListChanges::pathOf(const ListMember& member) const
 {
-    if (std::string path = PathInMedia(member, state_.media, phone_); !path.empty()) return path;
+    if (std::string path = PathInMedia(member, state_.media, phone_); !path.empty()) {
+        return path;
+    }
     const auto own = state_.plan.phonePaths.find(member.path);
     const bool isThere = own != state_.plan.phonePaths.end() && phone_.find(own->second).entry == PhoneEntry::kFile;
     return isThere ? own->second : std::string();
@@ -87,7 +94,9 @@ void ListChanges::findWork()
     for (const RecordedPlaylist& list : state_.recorded) {
         const std::string path = PhonePathOfList(list);
         const bool leaves = std::find(leaving.begin(), leaving.end(), &list) != leaving.end();
-        if (path.empty() || leaves || !paths.reserve(path)) continue;
+        if (path.empty() || leaves || !paths.reserve(path)) {
+            continue;
+        }
         pathOfList.emplace(list.name, path);
         pathsInUse_.insert(CaseKey(path));
     }
@@ -127,7 +136,9 @@ void ListChanges::findWork()
 bool ListChanges::isOnPhone(const Work& work) const
 {
     const RecordedPlaylist& record = *work.bring->record;
-    if (record.state != PlaylistState::kCurrent || record.digest != work.contents.digest) return false;
+    if (record.state != PlaylistState::kCurrent || record.digest != work.contents.digest) {
+        return false;
+    }
     const PhoneFile there = phone_.find(work.phonePath);
     return there.entry == PhoneEntry::kFile && there.size == work.contents.text.size();
 }

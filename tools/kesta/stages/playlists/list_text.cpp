@@ -26,14 +26,18 @@ std::optional<ListText> MakeListText(const PcPlaylist& list,
         formats::PlaylistEntry entry = member.entry;
         if (!member.isUrl()) {
             const std::string place = placeOf(member);
-            if (place.empty()) continue;
+            if (place.empty()) {
+                continue;
+            }
             entry.location = {formats::LocationKind::kRelative, RelativeToLists(place)};
             sources += member.path + '\0';
         }
         entries.push_back(std::move(entry));
     }
     std::optional<std::string> text = formats::WritePlaylist(list.title, entries);
-    if (!text) return std::nullopt;
+    if (!text) {
+        return std::nullopt;
+    }
     std::string digest = formats::Digest(*text + '\0' + sources);
     return ListText{*std::move(text), std::move(digest)};
 }
@@ -44,7 +48,9 @@ std::vector<std::string> MemberNames(const PcPlaylist& list)
     std::unordered_set<std::string> seen;
     for (const ListMember& member : list.members) {
         const std::string& name = member.isUrl() ? member.entry.location.text : member.path;
-        if (seen.insert(name).second) names.push_back(name);
+        if (seen.insert(name).second) {
+            names.push_back(name);
+        }
     }
     return names;
 }

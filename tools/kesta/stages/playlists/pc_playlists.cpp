@@ -12,7 +12,7 @@ namespace kesta {
 namespace {
 
 // A list of a hundred thousand entries takes about ten megabytes. What is larger is no list.
-constexpr std::uint64_t kLargestList = 64'000'000;
+constexpr uint64_t kLargestList = 64'000'000;
 
 std::string StemOf(const std::string& fileName)
 {
@@ -28,8 +28,11 @@ std::map<std::string, std::string> NamesOf(std::vector<std::string> files)
     std::sort(files.begin(), files.end(),
               [&](const std::string& a, const std::string& b) { return isUtf8(a) != isUtf8(b) ? isUtf8(a) : a < b; });
     std::map<std::string, std::string> fileOfName;
-    for (const std::string& file : files)
-        if (!fileOfName.emplace(StemOf(file), file).second) fileOfName.emplace(file, file);
+    for (const std::string& file : files) {
+        if (!fileOfName.emplace(StemOf(file), file).second) {
+            fileOfName.emplace(file, file);
+        }
+    }
     return fileOfName;
 }
 
@@ -42,7 +45,9 @@ std::string Native(std::string path)
 // Whether the system has paths of that kind at all: elsewhere "C:/a.mp3" would be a file in the current folder.
 bool HasPath(formats::LocationKind kind)
 {
-    if (kind == formats::LocationKind::kRelative) return true;
+    if (kind == formats::LocationKind::kRelative) {
+        return true;
+    }
     return (kind == formats::LocationKind::kAbsolute) == (os::kSeparator == '/');
 }
 
@@ -63,10 +68,15 @@ public:
         } else {
             formats::Playlist parsed = formats::ParsePlaylist(text, formats::EncodingOf(file));
             list.complete = parsed.problems.empty();
-            for (const formats::Problem& problem : parsed.problems) report(list, problem.line, problem.text);
-            if (!parsed.title.empty()) list.title = parsed.title;
-            for (formats::PlaylistEntry& entry : parsed.entries)
+            for (const formats::Problem& problem : parsed.problems) {
+                report(list, problem.line, problem.text);
+            }
+            if (!parsed.title.empty()) {
+                list.title = parsed.title;
+            }
+            for (formats::PlaylistEntry& entry : parsed.entries) {
                 list.members.push_back(resolve(list, std::move(entry)));
+            }
         }
         result_.lists.push_back(std::move(list));
     }
@@ -75,13 +85,19 @@ private:
     static os::Status readFile(const std::string& path, std::string& text)
     {
         os::FileInfo info;
-        if (os::Status status = os::ReadInfo(path, info); !status.ok()) return status;
-        if (info.kind != os::FileKind::kFile) return {os::Failure::kOther, "it is not a file"};
-        if (info.size > kLargestList) return {os::Failure::kOther, "it is too large for a playlist"};
+        if (os::Status status = os::ReadInfo(path, info); !status.ok()) {
+            return status;
+        }
+        if (info.kind != os::FileKind::kFile) {
+            return {os::Failure::kOther, "it is not a file"};
+        }
+        if (info.size > kLargestList) {
+            return {os::Failure::kOther, "it is too large for a playlist"};
+        }
         return os::ReadText(path, text);
     }
 
-    void report(const PcPlaylist& list, std::size_t line, const std::string& text)
+    void report(const PcPlaylist& list, size_t line, const std::string& text)
     {
         result_.problems.push_back({list.path, line == 0 ? text : fmt::format("line {}: {}", line, text)});
     }
@@ -90,7 +106,9 @@ private:
     {
         ListMember member;
         member.entry = std::move(entry);
-        if (member.isUrl()) return member;
+        if (member.isUrl()) {
+            return member;
+        }
         const formats::Location& location = member.entry.location;
         member.path = member.namedPath = Native(*formats::PathOf(location, folder_));
         if (!HasPath(location.kind)) {
@@ -99,10 +117,16 @@ private:
         }
         os::FileInfo info;
         os::Status status = os::ReadInfo(member.path, info);
-        if (status.ok() && info.kind != os::FileKind::kFile) status = {os::Failure::kOther, "it is not a file"};
+        if (status.ok() && info.kind != os::FileKind::kFile) {
+            status = {os::Failure::kOther, "it is not a file"};
+        }
         std::string canonical;
-        if (status.ok()) status = os::CanonicalPath(member.path, canonical);
-        if (status.ok() && !IsValidUtf8(canonical)) status = {os::Failure::kOther, "its path is not valid text"};
+        if (status.ok()) {
+            status = os::CanonicalPath(member.path, canonical);
+        }
+        if (status.ok() && !IsValidUtf8(canonical)) {
+            status = {os::Failure::kOther, "its path is not valid text"};
+        }
         if (!status.ok()) {
             member.path = withoutFile(member.path);
             report(list, member.entry.line, fmt::format("{}: {}", member.path, status.text()));
@@ -120,7 +144,9 @@ private:
     static std::string withoutFile(const std::string& path)
     {
         std::string folder;
-        if (os::CanonicalPath(os::ParentOf(path), folder).ok()) return os::Join(folder, os::NameOf(path));
+        if (os::CanonicalPath(os::ParentOf(path), folder).ok()) {
+            return os::Join(folder, os::NameOf(path));
+        }
         return os::AbsolutePath(path);
     }
 
@@ -141,17 +167,22 @@ PcPlaylists ReadPlaylists(const std::string& folder, const std::function<bool()>
     result.found = true;
     std::vector<std::string> files;
     for (const os::DirectoryEntry& entry : entries) {
-        if (!formats::IsPlaylistName(entry.name)) continue;
+        if (!formats::IsPlaylistName(entry.name)) {
+            continue;
+        }
         os::FileInfo info;
         const std::string path = os::Join(folder, entry.name);
-        if (!entry.valid)
+        if (!entry.valid) {
             result.problems.push_back({path, "the name is not valid text"});
-        else if (!os::ReadInfo(path, info).ok() || info.kind != os::FileKind::kDirectory)
+        } else if (!os::ReadInfo(path, info).ok() || info.kind != os::FileKind::kDirectory) {
             files.push_back(entry.name);
+        }
     }
     ListReader reader(result, folder);
     for (const auto& [name, file] : NamesOf(std::move(files))) {
-        if (!keepGoing()) break;
+        if (!keepGoing()) {
+            break;
+        }
         reader.read(name, file);
     }
     return result;

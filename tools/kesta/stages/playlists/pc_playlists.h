@@ -18,7 +18,7 @@ struct ListMember {
     std::string path;              // canonical where there is a file; empty for a URL
     std::string namedPath;         // as the list names it, without links resolved
     bool found = false;            // it is a file that is there
-    std::uint64_t size = 0;
+    uint64_t size = 0;
     os::FileTime modified;
     std::optional<LocalTime> localTime;
 

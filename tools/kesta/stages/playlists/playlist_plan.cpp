@@ -25,7 +25,9 @@ public:
     {
         sortOut();
         defer();
-        for (const ListToBring& bring : plan_.lists) collectNeeds(bring);
+        for (const ListToBring& bring : plan_.lists) {
+            collectNeeds(bring);
+        }
         planFiles();
         reassign();
         return std::move(plan_);
@@ -35,19 +37,22 @@ private:
     void sortOut()
     {
         std::map<std::string, const PcPlaylist*> listOfName;
-        for (const PcPlaylist& list : input_.lists) listOfName.emplace(list.name, &list);
+        for (const PcPlaylist& list : input_.lists) {
+            listOfName.emplace(list.name, &list);
+        }
         for (const RecordedPlaylist& record : input_.recorded) {
             const auto found = listOfName.find(record.name);
-            if (found == listOfName.end())
+            if (found == listOfName.end()) {
                 sortOutGone(record);
-            else if (record.state == PlaylistState::kDeletedOnPhone)
+            } else if (record.state == PlaylistState::kDeletedOnPhone) {
                 plan_.deletedOnPhone.push_back(&record);
-            else if (!record.selected)
+            } else if (!record.selected) {
                 skip(record);
-            else if (!found->second->readable)
+            } else if (!found->second->readable) {
                 keep(record);
-            else
+            } else {
                 plan_.lists.push_back({found->second, &record});
+            }
         }
         std::sort(plan_.lists.begin(), plan_.lists.end(),
                   [](const ListToBring& a, const ListToBring& b) { return a.list->name < b.list->name; });
@@ -55,14 +60,15 @@ private:
 
     void sortOutGone(const RecordedPlaylist& record)
     {
-        if (record.state == PlaylistState::kDeletedOnPhone)
+        if (record.state == PlaylistState::kDeletedOnPhone) {
             plan_.forgotten.push_back(&record);
-        else if (record.state == PlaylistState::kUnconfirmed)
+        } else if (record.state == PlaylistState::kUnconfirmed) {
             plan_.leaving.push_back(&record);
-        else if (!record.selected)
+        } else if (!record.selected) {
             skip(record);
-        else
+        } else {
             keep(record);
+        }
     }
 
     void skip(const RecordedPlaylist& record)
@@ -74,7 +80,9 @@ private:
     // What the list has on the phone stays there.
     void keep(const RecordedPlaylist& record)
     {
-        for (const std::string& member : membersOf(record)) kept_.emplace(member, record.name);
+        for (const std::string& member : membersOf(record)) {
+            kept_.emplace(member, record.name);
+        }
     }
 
     [[nodiscard]] const std::vector<std::string>& membersOf(const RecordedPlaylist& record) const
@@ -94,20 +102,26 @@ private:
     {
         const auto isOnPhone = [](const RecordedPlaylist& record) { return record.idInPhone.has_value(); };
         const auto onPhone =
-            static_cast<std::size_t>(std::count_if(input_.recorded.begin(), input_.recorded.end(), isOnPhone));
+            static_cast<size_t>(std::count_if(input_.recorded.begin(), input_.recorded.end(), isOnPhone));
         const auto losses =
-            static_cast<std::size_t>(std::count_if(plan_.leaving.begin(), plan_.leaving.end(),
-                                                   [&](const RecordedPlaylist* record) { return isOnPhone(*record); }) +
-                                     std::count_if(plan_.lists.begin(), plan_.lists.end(),
-                                                   [&](const ListToBring& bring) { return isEmptied(bring); }));
-        if (!input_.guard.defers("playlists", losses, onPhone)) return;
+            static_cast<size_t>(std::count_if(plan_.leaving.begin(), plan_.leaving.end(),
+                                              [&](const RecordedPlaylist* record) { return isOnPhone(*record); }) +
+                                std::count_if(plan_.lists.begin(), plan_.lists.end(),
+                                              [&](const ListToBring& bring) { return isEmptied(bring); }));
+        if (!input_.guard.defers("playlists", losses, onPhone)) {
+            return;
+        }
         plan_.deferred = losses;
         std::erase_if(plan_.leaving, [&](const RecordedPlaylist* record) {
-            if (isOnPhone(*record)) keep(*record);
+            if (isOnPhone(*record)) {
+                keep(*record);
+            }
             return isOnPhone(*record);
         });
         std::erase_if(plan_.lists, [&](const ListToBring& bring) {
-            if (isEmptied(bring)) keep(*bring.record);
+            if (isEmptied(bring)) {
+                keep(*bring.record);
+            }
             return isEmptied(bring);
         });
     }
@@ -115,13 +129,18 @@ private:
     void collectNeeds(const ListToBring& bring)
     {
         for (const ListMember& member : bring.list->members) {
-            if (member.isUrl()) continue;
-            if (PathInMedia(member, input_.media, phone_).empty())
+            if (member.isUrl()) {
+                continue;
+            }
+            if (PathInMedia(member, input_.media, phone_).empty()) {
                 needs_.try_emplace(member.path, Need{&member, bring.list->name});
-            else
+            } else {
                 carried_.insert(member.path);
+            }
         }
-        if (!bring.list->complete) keep(*bring.record);
+        if (!bring.list->complete) {
+            keep(*bring.record);
+        }
     }
 
     void planFiles()
@@ -134,10 +153,13 @@ private:
                 continue;
             }
             records.emplace(file.path, &file);
-            if (IsPhonePath(file.phonePath, kPlaylistMediaFolder) && places_.reserve(file.phonePath))
+            if (IsPhonePath(file.phonePath, kPlaylistMediaFolder) && places_.reserve(file.phonePath)) {
                 plan_.phonePaths[file.path] = file.phonePath;
+            }
         }
-        for (const RecordedFile* file : leaving) planRemoval(*file);
+        for (const RecordedFile* file : leaving) {
+            planRemoval(*file);
+        }
         for (const auto& [path, need] : needs_) {
             const auto record = records.find(path);
             planMember(need, record == records.end() ? nullptr : record->second);
@@ -149,10 +171,15 @@ private:
     {
         FileChange action{ChangeKind::kRemove, Category::kMusic, file, 0};
         // In any other place lies what somebody else has put there, or a member that stays.
-        if (!IsPhonePath(file.phonePath, kPlaylistMediaFolder) || places_.isReserved(file.phonePath))
+        if (!IsPhonePath(file.phonePath, kPlaylistMediaFolder) || places_.isReserved(file.phonePath)) {
             action.file.phonePath.clear();
-        if (carried_.contains(file.path)) return plan_.superseded.removals.push_back(std::move(action));
-        if (!action.file.phonePath.empty()) places_.release(action.file.phonePath);
+        }
+        if (carried_.contains(file.path)) {
+            return plan_.superseded.removals.push_back(std::move(action));
+        }
+        if (!action.file.phonePath.empty()) {
+            places_.release(action.file.phonePath);
+        }
         plan_.files.removals.push_back(std::move(action));
     }
 
@@ -164,7 +191,9 @@ private:
             place == plan_.phonePaths.end() ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone_.find(place->second);
         if (!member.found) {
             // The list still names it, so it stays on the phone, if it got there while it could be read.
-            if (there.entry != PhoneEntry::kFile) plan_.phonePaths.erase(member.path);
+            if (there.entry != PhoneEntry::kFile) {
+                plan_.phonePaths.erase(member.path);
+            }
             return;
         }
         const auto allocate = [&] {
@@ -188,13 +217,21 @@ private:
     void reassign()
     {
         std::set<std::string> ending;
-        for (const RecordedPlaylist* record : plan_.leaving) ending.insert(record->name);
-        for (const RecordedPlaylist* record : plan_.forgotten) ending.insert(record->name);
+        for (const RecordedPlaylist* record : plan_.leaving) {
+            ending.insert(record->name);
+        }
+        for (const RecordedPlaylist* record : plan_.forgotten) {
+            ending.insert(record->name);
+        }
         for (const RecordedFile& file : input_.files) {
-            if (!ending.contains(file.basePath)) continue;
+            if (!ending.contains(file.basePath)) {
+                continue;
+            }
             const auto need = needs_.find(file.path);
             const auto keeper = kept_.find(file.path);
-            if (need == needs_.end() && keeper == kept_.end()) continue;
+            if (need == needs_.end() && keeper == kept_.end()) {
+                continue;
+            }
             plan_.reassigned.push_back(file);
             plan_.reassigned.back().basePath = need != needs_.end() ? need->second.owner : keeper->second;
         }
@@ -220,8 +257,12 @@ std::string PathInMedia(const ListMember& member, const MediaPhonePaths& media, 
 {
     for (const std::string* path : {&member.path, &member.namedPath}) {
         const auto found = media.find(*path);
-        if (found == media.end()) continue;
-        if (phone.find(found->second).entry == PhoneEntry::kFile) return found->second;
+        if (found == media.end()) {
+            continue;
+        }
+        if (phone.find(found->second).entry == PhoneEntry::kFile) {
+            return found->second;
+        }
     }
     return {};
 }

@@ -39,7 +39,7 @@ struct PlaylistPlan {
     FilePlan superseded;                   // members that media sync carries by now: removed when no list names them
     std::vector<RecordedFile> reassigned;  // members of leaving lists, under the lists that need them still
     std::map<std::string, std::string> phonePaths;  // of members by their path on the PC, once all is executed
-    std::size_t deferred = 0;  // lists to be removed or emptied, since they are more than half of those on the phone
+    size_t deferred = 0;  // lists to be removed or emptied, since they are more than half of those on the phone
 };
 
 [[nodiscard]] PlaylistPlan PlanPlaylists(const PlaylistPlanInput& input, const PhoneView& phone);

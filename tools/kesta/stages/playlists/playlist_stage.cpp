@@ -35,7 +35,9 @@ void Measure(const PcPlaylist& list, RecordedPlaylist& record)
 Plan PlaylistFileStage::plan(Session& session)
 {
     Plan plan(session.report.summary.files);
-    if (!readLists(session)) return plan;
+    if (!readLists(session)) {
+        return plan;
+    }
     if (session.isKnown) {
         state_.recorded = state_.records.lists();
     }
@@ -97,7 +99,9 @@ bool PlaylistFileStage::readLists(Session& session)
     for (const ListProblem& problem : state_.pc.problems) {
         session.report.fail(problem.path, problem.reason);
     }
-    if (!state_.pc.found) return false;
+    if (!state_.pc.found) {
+        return false;
+    }
     session.report.progress.say(
         fmt::format("{:<9} {}: {}", "Playlists", Printable(folder), Counted(state_.pc.lists.size(), "playlist")));
     return true;
@@ -110,7 +114,9 @@ std::vector<RecordedPlaylist> PlaylistFileStage::listsToConfirm()
     std::vector<RecordedPlaylist> lists;
     for (const PcPlaylist& list : state_.pc.lists) {
         const RecordedPlaylist* known = FindList(state_.recorded, list.name);
-        if (known == nullptr && !list.readable) continue;
+        if (known == nullptr && !list.readable) {
+            continue;
+        }
         RecordedPlaylist record = known != nullptr ? *known : RecordedPlaylist();
         record.name = list.name;
         if (list.readable) {
@@ -132,7 +138,9 @@ std::vector<RecordedPlaylist> PlaylistFileStage::listsToConfirm()
 void PlaylistFileStage::confirm(const std::vector<RecordedPlaylist>& lists)
 {
     const auto require = [](Result result) {
-        if (!result.ok()) throw DatabaseError("the playlists cannot be recorded in the database: " + result.text());
+        if (!result.ok()) {
+            throw DatabaseError("the playlists cannot be recorded in the database: " + result.text());
+        }
     };
     require(state_.records.beginConfirming());
     for (const RecordedPlaylist& list : lists) {
@@ -141,8 +149,9 @@ void PlaylistFileStage::confirm(const std::vector<RecordedPlaylist>& lists)
     std::vector<RecordedPlaylist> recorded = state_.records.lists();
     for (const RecordedPlaylist& list : lists) {
         const RecordedPlaylist* row = FindList(recorded, list.name);
-        if (row == nullptr || row->state == PlaylistState::kUnconfirmed || row->count != list.count)
+        if (row == nullptr || row->state == PlaylistState::kUnconfirmed || row->count != list.count) {
             throw DatabaseError(fmt::format("the playlist {} could not be recorded in the database", list.name));
+        }
     }
 }
 
@@ -171,7 +180,9 @@ void PlaylistFileStage::takeInFilesOfThePhone(const PhoneFolder& phone)
     const std::string root = os::Join(phone.root(), "");
     for (const PcPlaylist& list : state_.pc.lists) {
         for (const ListMember& member : list.members) {
-            if (!member.found || !member.path.starts_with(root)) continue;
+            if (!member.found || !member.path.starts_with(root)) {
+                continue;
+            }
             std::string path = member.path.substr(root.size());
             std::replace(path.begin(), path.end(), os::kSeparator, '/');
             state_.media[member.path] = path;
@@ -186,13 +197,17 @@ void PlaylistFileStage::reassign(const RecordedFile& file)
     if (result.ok()) {
         result = state_.records.addFile(file);
     }
-    if (!result.ok()) throw DatabaseError("the database cannot be written: " + result.text());
+    if (!result.ok()) {
+        throw DatabaseError("the database cannot be written: " + result.text());
+    }
 }
 
 Plan PlaylistStage::plan(Session& session)
 {
     Plan plan(session.report.summary.beginFamily("Playlists", "playlist"));
-    if (!state_.pc.found) return plan;
+    if (!state_.pc.found) {
+        return plan;
+    }
     plan.found.deferred = state_.plan.deferred;
     ListChanges(state_, session.phone, session.report, plan).add();
     // Music that media sync carries by now goes when no list on the phone names it any more.
