@@ -3,7 +3,8 @@
 
 namespace kesta::test {
 
-enum class Fault { kOnce, kFromThenOn };
+/// kLikeItFromThenOn: every call of the same function, while others go through.
+enum class Fault { kOnce, kFromThenOn, kLikeItFromThenOn };
 
 class SystemFault {
 public:

@@ -30,11 +30,16 @@ def prepare(bench, place, start):
         place.reset()
 
 
-def expect_tidy(place, failure, start):
+# Takes the mutex's place when that cannot be trusted; beside the database when the user's runtime folder cannot be used.
+LOCK_FILE = "NORVIK_KESTA_DB_ACCESS_MUTEX.lock"
+
+
+def expect_tidy(place, failure, start, *more):
     """What an earlier start left half done is gone. A journal may lie there, dead, until the next transaction; a
-    database of another version, or one whose making failed, is kept under another name; the user's own never is."""
+    database of another version, or one whose making failed, is kept under another name; the user's own never is.
+    `more`: other names that may lie there."""
     known = os.path.basename(place.database)
-    left = set(os.listdir(place.folder)) - {known, os.path.basename(place.journal)}
+    left = set(os.listdir(place.folder)) - {known, os.path.basename(place.journal), *more}
     if start not in KEPT:
         left = {name for name in left if not name.startswith(f"{known}.replaced-")}
     if left:

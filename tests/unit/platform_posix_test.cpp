@@ -96,9 +96,15 @@ TEST_F(PosixFolders, NamedFolderWithSlashAtItsEnd_IsTheSame)
 
 TEST_F(PosixFolders, NamedFolderCannotBeMade_False)
 {
-    const Variable folder("XDG_DATA_HOME", "/dev/null/data");
-    Path found;
-    EXPECT_FALSE(ApplicationDataFolder(found));
+    const fs::path nowhere = data.applicationData() / "link";
+    fs::create_directory_symlink(data.applicationData() / "gone", nowhere);
+    const fs::path itself = data.applicationData() / "loop";
+    fs::create_directory_symlink(itself, itself);
+    for (const fs::path& named : {fs::path("/dev/null"), fs::path("/dev/null/data"), nowhere, itself}) {
+        const Variable folder("XDG_DATA_HOME", named.c_str());
+        Path found;
+        EXPECT_FALSE(ApplicationDataFolder(found)) << named;
+    }
 }
 
 class HomeFolder : public PosixFolders, public ::testing::WithParamInterface<const char*> {};

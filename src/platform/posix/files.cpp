@@ -54,11 +54,12 @@ private:
     int number_;
 };
 
-/// Creates one folder whose name survives a loss of power, as what will lie in it is to do.
-void MakeFolder(const char* folder) noexcept
+/// Creates one folder whose name survives a loss of power, as what will lie in it is to do. False with errno if it
+/// cannot; another process may have been faster.
+bool MakeFolder(const char* folder) noexcept
 {
     if (mkdir(folder, kPrivateFolder) != 0) {
-        return;  // another process may have been faster
+        return false;
     }
     const OpenFile made(folder, O_RDONLY | O_DIRECTORY);
     const int above = made.isOpen() ? openat(made.number(), "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
@@ -66,6 +67,7 @@ void MakeFolder(const char* folder) noexcept
         (void)fsync(above);
         close(above);
     }
+    return true;
 }
 
 /// Creates the folder and every missing one above it, each private to the user.
@@ -73,8 +75,11 @@ bool CreateFolders(const Path& folder)
 {
     if (IsFolder(folder)) return true;
     if (folder.has_relative_path() && !CreateFolders(folder.parent_path())) return false;
-    MakeFolder(folder.c_str());
-    return IsFolder(folder);
+    const bool isThere = MakeFolder(folder.c_str()) || errno == EEXIST;
+    struct stat status = {};
+    if (stat(folder.c_str(), &status) == 0) return S_ISDIR(status.st_mode);
+    // A folder that cannot be looked at is no reason to keep data elsewhere. A link that leads nowhere is no folder.
+    return isThere && errno != ENOENT && errno != ELOOP;
 }
 
 /// Bytes read, 0 at the end, negative for a failure.
@@ -155,7 +160,7 @@ bool ApplicationDataFolder(Path& folder)
 
 void CreateFolder(const Path& folder) noexcept
 {
-    MakeFolder(folder.c_str());
+    (void)MakeFolder(folder.c_str());
 }
 
 Presence Find(const Path& file) noexcept

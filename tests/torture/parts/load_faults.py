@@ -14,7 +14,7 @@ from database import difference, is_complete
 from fault_space import FaultSpace, Mixed, plan_of
 from interposer import FILES, MEMORY, watch
 from loaded import Loaded, NotLoaded, held_locks, open_files
-from starts import KEPT, STARTS, expect_tidy, prepare
+from starts import KEPT, LOCK_FILE, STARTS, expect_tidy, prepare
 
 MOST = 20000  # faults of one start
 
@@ -79,7 +79,9 @@ class LoadFaults(Part):
                 raise Failure(f"descriptors stay: {sorted(set(open_files().items()) ^ set(before.items()))}")
 
         in_child(work).expect_value()
-        expect_tidy(place, Failure, start)
+        # Neither the mutex's memory nor the runtime folder can be looked at when that fails for good.
+        unseen = "-stat/" in name and name.endswith("/sticky")
+        expect_tidy(place, Failure, start, *([LOCK_FILE] if unseen else []))
         if start in KEPT:
             self._expect_same_file(place, inode, "all")
             problem = difference(place.state(), self.bench.before)
