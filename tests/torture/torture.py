@@ -42,6 +42,7 @@ class Work:
 
     def __init__(self, bench, part, trials, clock, jobs):
         self.bench, self.part, self.trials, self.clock, self.jobs = bench, part, iter(trials), clock, jobs
+        self.begun = False
 
     def results(self):
         """(trial, None or what failed, None or what is worth telling), as they come."""
@@ -105,7 +106,9 @@ class Work:
             target.flush()
 
     def _hand_out(self, worker):
-        trial = next(self.trials, None) if self.clock.left() > 0 else None
+        # One at least, however late it is: a part that tries nothing shows nothing.
+        trial = next(self.trials, None) if self.clock.left() > 0 or not self.begun else None
+        self.begun = True
         pickle.dump(trial, worker[2])
         worker[2].flush()
         return trial is not None
@@ -137,17 +140,16 @@ def repeat(bench, part, trial):
 def run_parts(bench, parts, options):
     """Rows by name, in order."""
     rows = {}
-    began = time.monotonic()
-    seconds = SHORT_SECONDS if options.short else options.minutes * 60
+    # Preparing the trials is not counted: on a slow machine it would leave no time for them.
+    left = SHORT_SECONDS if options.short else options.minutes * 60
     for index, part in enumerate(parts):
         trials = part.trials()
-        start = time.monotonic()
-        left = max(1.0, seconds - (time.monotonic() - began))
-        clock = Clock(left * part.share / sum(other.share for other in parts[index:]))
+        began = start = time.monotonic()
+        clock = Clock(max(1.0, left) * part.share / sum(other.share for other in parts[index:]))
         if options.only:
             trials = [trial for trial in trials if trial == options.only or trial.startswith(options.only + "/")]
         print(f"{part.name}: {len(trials)} trials are there, {clock.left():.0f} s for them", flush=True)
-        shown = {}
+        shown, tried = {}, 0
         jobs = part.jobs or options.jobs
         for trial, problem, note in Work(bench, part, trials, clock, jobs).results():
             name = part.row(trial)
@@ -155,6 +157,7 @@ def run_parts(bench, parts, options):
             if note:
                 row.notes[note] += 1
             row.trials += 1
+            tried += 1
             row.seconds += time.monotonic() - start  # what passed since the result before
             start = time.monotonic()
             if problem:
@@ -162,7 +165,9 @@ def run_parts(bench, parts, options):
                 shown[name] = shown.get(name, 0) + 1
                 if shown[name] <= SHOWN or options.all:
                     print(f"  FAILED {trial}\n    {problem}\n    again: {repeat(bench, part, trial)}", flush=True)
-        if not len(trials):
+        left -= time.monotonic() - began
+        if not tried:
+            print(f"{part.name}: NOTHING WAS TRIED", flush=True)
             rows[part.name] = Row()
     return rows
 
