@@ -38,6 +38,8 @@ def expect_tidy(place, failure, start, *more):
     """What an earlier start left half done is gone. A journal may lie there, dead, until the next transaction; a
     database of another version, or one whose making failed, is kept under another name; the user's own never is.
     `more`: other names that may lie there."""
+    if not os.path.isdir(place.folder):  # the library was not even loaded
+        return
     known = os.path.basename(place.database)
     left = set(os.listdir(place.folder)) - {known, os.path.basename(place.journal), *more}
     if start not in KEPT:
