@@ -15,7 +15,6 @@ namespace kesta {
 /// Makes room for `units` more and the terminator.
 bool TraceLine::reserve(size_t units) noexcept
 {
-    if (lost_) return false;
     const size_t needed = length_ + units + 1;
     if (needed <= room_) return true;
     const size_t room = std::max(needed, 2 * room_);

@@ -8,6 +8,7 @@ extern "C" {
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);
 void* __libc_realloc(void* memory, size_t size);
+void __libc_free(void* memory);
 }
 
 namespace kesta::test {
@@ -16,6 +17,7 @@ namespace {
 thread_local bool armed = false;
 thread_local bool struck = false;
 thread_local int remaining = 0;
+thread_local int64_t held = 0;
 
 bool Strike() noexcept
 {
@@ -25,6 +27,18 @@ bool Strike() noexcept
     struck = true;
     errno = ENOMEM;
     return true;
+}
+
+void* Counted(void* memory) noexcept
+{
+    held += memory != nullptr ? 1 : 0;
+    return memory;
+}
+
+void Release(void* memory) noexcept
+{
+    held -= memory != nullptr ? 1 : 0;
+    __libc_free(memory);
 }
 
 }  // namespace
@@ -42,22 +56,35 @@ bool MemoryFault::disarm() noexcept
     return struck;
 }
 
+int64_t MemoryFault::balance() noexcept
+{
+    return held;
+}
+
 }  // namespace kesta::test
 
 extern "C" {
 
 void* malloc(size_t size)
 {
-    return kesta::test::Strike() ? nullptr : __libc_malloc(size);
+    return kesta::test::Strike() ? nullptr : kesta::test::Counted(__libc_malloc(size));
 }
 
 void* calloc(size_t count, size_t size)
 {
-    return kesta::test::Strike() ? nullptr : __libc_calloc(count, size);
+    return kesta::test::Strike() ? nullptr : kesta::test::Counted(__libc_calloc(count, size));
 }
 
 void* realloc(void* memory, size_t size)
 {
-    return kesta::test::Strike() ? nullptr : __libc_realloc(memory, size);
+    if (kesta::test::Strike()) {
+        return nullptr;
+    }
+    return memory == nullptr ? kesta::test::Counted(__libc_malloc(size)) : __libc_realloc(memory, size);
+}
+
+void free(void* memory)
+{
+    kesta::test::Release(memory);
 }
 }

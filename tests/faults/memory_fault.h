@@ -1,6 +1,8 @@
 // Memory that runs out: the program's allocator with a fault at one allocation of choice.
 #pragma once
 
+#include <cstdint>
+
 namespace kesta::test {
 
 class MemoryFault {
@@ -9,6 +11,8 @@ public:
     static void arm(int nth) noexcept;
     /// Ends the counting; whether an allocation has failed since arm().
     static bool disarm() noexcept;
+    /// How many allocations this thread has made more than it has given back.
+    static int64_t balance() noexcept;
 };
 
 }  // namespace kesta::test

@@ -352,6 +352,61 @@ TEST_F(FailingMemory, GetItems_AtEveryAllocation_FailsOrLeavesAConsistentList)
     EXPECT_EQ(held, 0);
 }
 
+TEST_F(FailingMemory, GetGalleryFolders_AtEveryAllocation_LosesNoPath)
+{
+    sql.exec(
+        "INSERT INTO tIFolder ([PhoneID], [Path], [Flag], [AddTime]) VALUES (1, 'a', 0, ''), (1, 'b', 0, '');"
+        "INSERT INTO tVFolder ([PhoneID], [Path], [Flag], [AddTime]) VALUES (1, 'b', 0, ''), (1, 'c', 0, '')");
+    FolderList list = {};
+    atEveryAllocation(
+        {0, 1, kNoMemory}, [&] { return DB_GALLERY_GetFolders(imei, &list); },
+        [&] {
+            EmptyList(list);
+            EXPECT_EQ(held, 0);
+        });
+    EXPECT_EQ(DB_GALLERY_GetFolders(imei, &list), 0);
+    EXPECT_GE(list.Count, 2);
+    EmptyList(list);
+    EXPECT_EQ(held, 0);
+}
+
+/// The trace tells of memory that goes; here it is seen to go.
+TEST_F(FailingMemory, ListsAndTexts_GivenBack_AreFreed)
+{
+    sql.exec("INSERT INTO tPimItem ([pfID], [PimID], [Data], [Type]) VALUES (-2, 'a', x'01', 1)");
+    const auto fillAndEmpty = [&] {
+        FolderList folders = {};
+        EXPECT_EQ(DB_MUSIC_GetFolders(imei, &folders), 0);
+        EXPECT_EQ(folders.Count, 2);
+        EmptyList(folders);
+        PimItemList items = {};
+        EXPECT_EQ(DB_PIM_GetItems(&items, nullptr, 1, 0), 0);
+        EXPECT_EQ(items.Count, 1);
+        EmptyList(items);
+    };
+    fillAndEmpty();  // SQLite keeps what it has compiled and read
+    const int64_t before = MemoryFault::balance();
+    for (int i = 0; i < 50; ++i) {
+        fillAndEmpty();
+    }
+    EXPECT_EQ(MemoryFault::balance(), before);
+}
+
+TEST_F(FailingMemory, ConnectionThatHasKeptStatements_Closed_IsFreed)
+{
+    const auto readManyTextsAndClose = [this] {
+        Connection other;
+        ASSERT_EQ(other.open(data.databasePath().c_str()), SqliteCode::kOk);
+        for (int32_t i = 0; i < 20; ++i) {
+            EXPECT_EQ(other.execKept(NarrowSql("SELECT [ID] FROM tPhone WHERE [ID] = %d", i)), SqliteCode::kOk);
+        }
+    };
+    readManyTextsAndClose();
+    const int64_t before = MemoryFault::balance();
+    readManyTextsAndClose();
+    EXPECT_EQ(MemoryFault::balance(), before);
+}
+
 /// Every statement is made in the buffer: without it a call ends as an exception does, and the next one asks again.
 TEST_F(FailingMemory, Start_AtEveryAllocation_WorksAsSoonAsThereIsMemory)
 {

@@ -1,6 +1,8 @@
 // The connection and what runs on it: creation of the schema, statements without rows, columns, compiled look-ups.
 #include "core/connection.h"
 
+#include <sqlite3.h>
+
 #include "core/busy_retry.h"
 #include "core/caller_memory.h"
 #include "core/database_file.h"
@@ -141,6 +143,28 @@ TEST_F(ConnectionParts, NewText_OneLongCharacterAmongOtherLetters_IsReadAtEveryP
     }
 }
 
+TEST_F(ConnectionParts, NewText_LengthsAroundTheShortText_AreWhole)
+{
+    for (const size_t length : {1000u, 1021u, 1022u, 1023u, 1024u, 1025u, 2000u, 5000u}) {
+        const std::string text = std::string(length, 'a') + "\xC3\xA9";
+        EXPECT_EQ(readText(("'" + text + "'").c_str()), text) << length;
+    }
+}
+
+TEST_F(ConnectionParts, Step_FileHeldByAnother_IsNoRow)
+{
+    Connection other;
+    ASSERT_EQ(other.open(path.c_str()), SqliteCode::kOk);
+    Statement rows = other.prepare(NarrowSql("SELECT [ID] FROM tLibMainFolder"));
+    ASSERT_TRUE(rows.prepared());
+    Connection holder;
+    ASSERT_EQ(holder.open(path.c_str()), SqliteCode::kOk);
+    ASSERT_EQ(holder.exec("BEGIN EXCLUSIVE"), SqliteCode::kOk);
+    EXPECT_FALSE(rows.step());
+    EXPECT_EQ(rows.last(), SqliteCode::kBusy);
+    EXPECT_EQ(holder.exec("COMMIT"), SqliteCode::kOk);
+}
+
 /// What SQLite's own conversion makes of bytes that are not sound UTF-8, or are characters that are none.
 TEST_F(ConnectionParts, NewText_UnsoundBytes_AreReadAsSqliteReadsThem)
 {
@@ -202,22 +226,53 @@ TEST_F(ConnectionParts, EndlessStatement_IsInterrupted)
     }
 }
 
-/// Each statement has all of its steps, however often it runs.
+constexpr const char* kCountToTenThousand =
+    "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000) SELECT COUNT(*) FROM n";
+
+/// Each statement has all of its steps, however often it runs and by whatever way.
 TEST_F(ConnectionParts, ManyStatements_AreNotInterrupted)
 {
     constexpr int kTimes = 12;
     db().limitRounds(6);
-    const auto count = [] {
-        return NarrowSql(
-            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000) SELECT COUNT(*) FROM n");
-    };
     for (int i = 0; i < kTimes; ++i) {
-        EXPECT_EQ(db().exec(count()), SqliteCode::kOk);
-        EXPECT_EQ(db().execKept(count()), SqliteCode::kOk);
-        Statement rows = db().prepare(count());
-        ASSERT_TRUE(rows.step());
+        EXPECT_EQ(db().exec(kCountToTenThousand), SqliteCode::kOk) << i;
+    }
+    for (int i = 0; i < kTimes; ++i) {
+        Statement rows = db().prepare(NarrowSql("%s", Name{kCountToTenThousand}));
+        ASSERT_TRUE(rows.step()) << i;
         EXPECT_EQ(rows.int32(0), 10000);
     }
+    for (int i = 0; i < kTimes; ++i) {
+        EXPECT_EQ(db().execKept(NarrowSql("%s", Name{kCountToTenThousand})), SqliteCode::kOk) << i;
+    }
+}
+
+/// The limit is what a statement may still take: SQLite itself counts the rounds.
+TEST_F(ConnectionParts, StatementOfExactlyTheMostRounds_IsNotInterrupted)
+{
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(":memory:", &other), SQLITE_OK);
+    int32_t rounds = 0;
+    const auto count = [](void* counted) { return ++*static_cast<int32_t*>(counted) < 0 ? 1 : 0; };
+    sqlite3_progress_handler(other, Connection::kStepsPerRound, count, &rounds);
+    EXPECT_EQ(sqlite3_exec(other, kCountToTenThousand, nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(other);
+    ASSERT_GT(rounds, 0);
+    db().limitRounds(rounds);
+    EXPECT_EQ(db().exec(kCountToTenThousand), SqliteCode::kOk);
+    db().limitRounds(rounds - 1);
+    EXPECT_EQ(db().exec(kCountToTenThousand), SqliteCode::kInterrupted);
+}
+
+/// Whoever can write the file can write its schema: a view may use only what is harmless.
+TEST_F(ConnectionParts, ViewOfWhatIsNotHarmless_IsRefused)
+{
+    sql.exec("CREATE VIEW columns AS SELECT name FROM pragma_table_info('tPhone')");
+    EXPECT_NE(sql.text("SELECT COUNT(*) FROM pragma_table_info('tPhone')"), "0");
+    Connection other;
+    ASSERT_EQ(other.open(path.c_str()), SqliteCode::kOk);
+    EXPECT_EQ(other.exec("SELECT * FROM pragma_table_info('tPhone')"), SqliteCode::kOk);
+    EXPECT_EQ(other.exec("SELECT * FROM columns"), SqliteCode::kError);
 }
 
 TEST_F(ConnectionParts, PrepareKept_SameTextAgain_GivesTheRowsOfNow)
@@ -236,6 +291,17 @@ TEST_F(ConnectionParts, PrepareKept_SameTextAgain_GivesTheRowsOfNow)
     EXPECT_EQ(phone(), -1);
     sql.exec("ALTER TABLE elsewhere RENAME TO tPhone");
     EXPECT_EQ(phone(), 9);
+}
+
+/// Compiled again it would not be prepared without its table.
+TEST_F(ConnectionParts, PrepareKept_SameTextAgain_IsNotCompiledAgain)
+{
+    const auto look = [] { return db().prepareKept(NarrowSql("SELECT [ID] FROM tPhone")); };
+    ASSERT_TRUE(look().prepared());
+    sql.exec("ALTER TABLE tPhone RENAME TO elsewhere");
+    EXPECT_EQ(db().exec("SELECT [ID] FROM tLibMainFolder"), SqliteCode::kOk);  // and learns of the renaming
+    EXPECT_TRUE(look().prepared());
+    EXPECT_FALSE(db().prepareKept(NarrowSql("SELECT [ID]  FROM tPhone")).prepared());
 }
 
 TEST_F(ConnectionParts, PrepareKept_ManyTextsByTurns_StayApart)

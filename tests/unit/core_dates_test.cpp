@@ -86,6 +86,26 @@ TEST(Dates, ParseStoredDate_AnyOtherText_IsRefusedAndLeavesTheDate)
     }
 }
 
+TEST(Dates, ParseStoredDate_NeighboursOfTheDigits_AreNone)
+{
+    const std::string sound = "2011-11-11 11:11:11";
+    for (size_t place = 0; place < sound.size(); ++place) {
+        for (const char other : {'/', ':', '\0', '\x7F', '\xB2'}) {
+            std::string text = sound;
+            text[place] = other;
+            DateValue date = {};
+            EXPECT_EQ(ParseStoredDate(text, date), text == sound) << text;
+        }
+    }
+    for (const char* text :
+         {"20:0-01-01 00:00:00", "2024-0:-01 00:00:00", "2024-01-0: 00:00:00", "2024-01-01 0::00:00",
+          "2024-01-01 00:0::00", "2024-01-01 00:00:0:", "2024-1/-01 00:00:00", "2024-01-1/ 00:00:00",
+          "2024-01-01 1/:00:00", "2024-01-01 00:1/:00", "2024-01-01 00:00:1/", "2024-01-01 00:00:/:"}) {
+        DateValue date = {};
+        EXPECT_FALSE(ParseStoredDate(text, date)) << text;
+    }
+}
+
 TEST(Dates, ParseDateTime_StoredForm_IsRead)
 {
     const DateValue date = ParseDateTime(W("2024-02-29 12:34:56"));

@@ -29,6 +29,24 @@ TEST_F(TraceLines, DbTrace_EveryKindOfArgument_IsWritten)
     EXPECT_EQ(onlyLine(), "DB TRACE >> DB_Open O'Brien \xF0\x9F\x8E\xB5 (null) -2147483648 2147483647.\n");
 }
 
+TEST_F(TraceLines, DbTrace_TextOfAStatement_HasItsApostrophesDoubled)
+{
+    DbTrace("'%s' '%s'\n", Escaped{W("O'Brien's")}, Escaped{nullptr});
+    EXPECT_EQ(onlyLine(), "DB TRACE >> 'O''Brien''s' ''\n");
+}
+
+/// The system reads a line up to its terminator.
+TEST_F(TraceLines, DbTrace_EveryLength_EndsWithATerminator)
+{
+    static DbChar last;
+    platform::services.writeTraceLine = [](const DbChar* line, size_t length) noexcept { last = line[length]; };
+    for (const size_t length : {490u, 1u, 300u, 600u, 5u}) {  // what stood there before is no terminator
+        last = u'?';
+        DbTrace("%s\n", Plain{W(std::string(length, 'x'))});
+        EXPECT_EQ(last, 0) << length;
+    }
+}
+
 TEST_F(TraceLines, DbTrace_LengthsAroundTheShortLine_AreWhole)
 {
     for (size_t length = 480; length < 530; ++length) {
