@@ -9,72 +9,70 @@ using namespace kesta;
 
 extern "C" int32_t DB_BACKUP_AddBackup(const DbChar* imei, BackupRecord* backup)
 {
-    static constexpr Export kSelf = {"DB_BACKUP_AddBackup"};
-    return RunFrame(
+    static constexpr Export kSelf = {__func__};
+    return RunExport(
         kSelf,
         [&] {
             DbTrace("Enter %s(szIMEI: %s, Path: %s).\n", Name{kSelf.name}, Plain{imei}, Plain{Required(backup).Path});
         },
-        [&] {
+        [&] { backup->bcID = kNoBackup; },
+        [&](Routine self) {
             // The record learns its id however the call ends.
             struct IdWriter {
                 BackupRecord& record;
                 int32_t id = kNoBackup;
                 ~IdWriter() { record.bcID = id; }
             } writer{*backup};
-            Connection* db = TheModule().openConnection();
-            if (db == nullptr) return ResultCode::kFailure;
-            return backups::AddBackup(*db, Trail(kSelf.name), imei, *backup, writer.id);
+            return backups::AddBackup(self, imei, *backup, writer.id);
         });
 }
 
 extern "C" int32_t DB_BACKUP_ClearAll(void)
 {
-    static constexpr Export kSelf = {"DB_BACKUP_ClearAll"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); },
-        [](Connection& db) { return DB_INTERNAL_ClearTable(db, Name{"tBackups"}); });
+        [](Routine self) { return library::ClearTable(self.db, Name{"tBackups"}); });
 }
 
 extern "C" int32_t DB_BACKUP_DeleteBackups(const DbChar* imei)
 {
-    static constexpr Export kSelf = {"DB_BACKUP_DeleteBackups"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(szIMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
-        [&](Connection& db) { return backups::DeleteBackups(db, Trail(kSelf.name), imei); });
+        [&](Routine self) { return backups::DeleteBackups(self, imei); });
 }
 
 extern "C" int32_t DB_BACKUP_DeleteBackup(int32_t bcID)
 {
-    static constexpr Export kSelf = {"DB_BACKUP_DeleteBackup"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(BackupID: %d).\n", Name{kSelf.name}, bcID); },
-        [&](Connection& db) { return backups::DeleteBackup(db, Trail(kSelf.name), bcID); });
+        [&](Routine self) { return backups::DeleteBackup(self, bcID); });
 }
 
 extern "C" int32_t DB_BACKUP_FileExist(const DbChar* path)
 {
     constexpr int32_t kNo = 0;
     static constexpr ExitFormat kExit = "Exit %s() with bExit = %d.\n";
-    static constexpr Export kSelf = {"DB_BACKUP_FileExist", kNo, &kExit};
+    static constexpr Export kSelf = {__func__, kNo, &kExit};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(szPath: %s).\n", Name{kSelf.name}, Plain{path}); },
-        [&](Connection& db) { return backups::FileExist(db, Trail(kSelf.name), path) ? 1 : kNo; });
+        [&](Routine self) { return backups::FileExist(self, path) ? 1 : kNo; });
 }
 
 extern "C" int32_t DB_BACKUP_GetAllBackups(BackupList* list)
 {
-    static constexpr Export kSelf = {"DB_BACKUP_GetAllBackups"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { EmptyList(Required(list)); },
-        [&](Connection& db) { return backups::GetAllBackups(db, Trail(kSelf.name), *list); });
+        [&](Routine self) { return backups::GetAllBackups(self, *list); });
 }
 
 extern "C" int32_t DB_BACKUP_GetPhoneBackups(const DbChar* imei, BackupList* list)
 {
-    static constexpr Export kSelf = {"DB_BACKUP_GetPhoneBackups"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(szIMEI: %s).\n", Name{kSelf.name}, Plain{imei}); },
-        [&] { EmptyList(Required(list)); },
-        [&](Connection& db) { return backups::GetPhoneBackups(db, Trail(kSelf.name), imei, *list); });
+        [&] { EmptyList(Required(list)); }, [&](Routine self) { return backups::GetPhoneBackups(self, imei, *list); });
 }

@@ -15,111 +15,87 @@ void ReadBackup(const Statement& row, BackupRecord& backup)
     backup.ModifiedTime = row.date(4);
 }
 
-ResultCode RunOnly(Connection& db, Trail trail, const Sql& sql)
-{
-    const SqliteCode code = db.exec(sql);
-    if (code != SqliteCode::kOk) trail.error(1);
-    return PassThrough(code);
-}
-
 /// Refreshes a recorded backup. Its phone stays what it was.
-bool Update(Connection& db, Trail trail, int32_t id, const BackupRecord& backup)
+ResultCode Update(Routine self, int32_t id, const BackupRecord& backup)
 {
-    if (db.exec(WideSql(
-            "UPDATE tBackups SET [PhonePath] = '%s', [Size] = %I64d, [ModifiedTime] = '%s' WHERE [bcID] = %d;",
-            Escaped{backup.PhonePath}, backup.Size, FormatDateTime(backup.ModifiedTime), id)) == SqliteCode::kOk) {
-        return true;
-    }
-    trail.error(2);
-    return false;
+    return self.run(
+        2, WideSql("UPDATE tBackups SET [PhonePath] = '%s', [Size] = %I64d, [ModifiedTime] = '%s' WHERE [bcID] = %d;",
+                   Escaped{backup.PhonePath}, backup.Size, FormatDateTime(backup.ModifiedTime), id));
 }
 
-bool Insert(Connection& db, Trail trail, int32_t phoneId, const BackupRecord& backup)
+ResultCode Insert(Routine self, int32_t phoneId, const BackupRecord& backup)
 {
-    if (db.exec(WideSql("INSERT INTO tBackups ([phoneID], [Path], [PhonePath], [Size], [ModifiedTime]) "
-                        "\t\t\t\t\t\t\t\tVALUES (%d, '%s', '%s', %I64d, '%s');",
-                        phoneId, Escaped{backup.Path}, Escaped{backup.PhonePath}, backup.Size,
-                        FormatDateTime(backup.ModifiedTime))) == SqliteCode::kOk) {
-        return true;
-    }
-    trail.error(3);
-    return false;
+    return self.run(3, WideSql("INSERT INTO tBackups ([phoneID], [Path], [PhonePath], [Size], [ModifiedTime]) "
+                               "\t\t\t\t\t\t\t\tVALUES (%d, '%s', '%s', %I64d, '%s');",
+                               phoneId, Escaped{backup.Path}, Escaped{backup.PhonePath}, backup.Size,
+                               FormatDateTime(backup.ModifiedTime)));
 }
 
 }  // namespace
 
-ResultCode AddBackup(Connection& db, Trail trail, const DbChar* imei, const BackupRecord& backup, int32_t& id)
+ResultCode AddBackup(Routine self, const DbChar* imei, const BackupRecord& backup, int32_t& id)
 {
-    ResultCode result = ResultCode::kFailure;
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return result;
-    {
+    return ForPhone(self, imei, [&](int32_t phoneId) {
         // Deliberate: by path alone, whichever phone it was recorded for.
-        Statement rows = db.prepare(WideSql("SELECT [bcID] FROM tBackups WHERE [Path] = '%s';", Escaped{backup.Path}));
-        if (!rows.prepared()) {
-            trail.error(1);
-            return result;
+        bool known = false;
+        const ResultCode looked =
+            self.first(1, WideSql("SELECT [bcID] FROM tBackups WHERE [Path] = '%s';", Escaped{backup.Path}),
+                       NoRowIsSuccess, [&](const Statement& row) {
+                           id = row.int32(0);
+                           known = true;
+                       });
+        if (looked != ResultCode::kSuccess) return looked;
+        const ResultCode unlessInserted = known ? kBackupExists : ResultCode::kFailure;
+        if (known) {
+            if (Update(self, id, backup) != ResultCode::kSuccess) {
+                id = kNoBackup;
+                return unlessInserted;
+            }
+            if (id != kNoBackup) return unlessInserted;
         }
-        if (rows.step()) {
-            id = rows.int32(0);
-            result = kBackupExists;
-        }
-    }
-    if (result == kBackupExists) {
-        if (!Update(db, trail, id, backup)) {
+        if (Insert(self, phoneId, backup) != ResultCode::kSuccess) {
             id = kNoBackup;
-            return result;
+            return unlessInserted;
         }
-        if (id != kNoBackup) return result;
-    }
-    if (!Insert(db, trail, phoneId, backup)) {
-        id = kNoBackup;
-        return result;
-    }
-    id = static_cast<int32_t>(db.lastInsertRowId());
-    return ResultCode::kSuccess;
+        id = static_cast<int32_t>(self.db.lastInsertRowId());
+        return ResultCode::kSuccess;
+    });
 }
 
-ResultCode DeleteBackups(Connection& db, Trail trail, const DbChar* imei)
+ResultCode DeleteBackups(Routine self, const DbChar* imei)
 {
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return RunOnly(db, trail, NarrowSql("DELETE FROM tBackups WHERE [phoneID] = %d;", phoneId));
+    return ForPhone(self, imei, [&](int32_t phoneId) {
+        return PassThrough(self.exec(1, NarrowSql("DELETE FROM tBackups WHERE [phoneID] = %d;", phoneId)));
+    });
 }
 
-ResultCode DeleteBackup(Connection& db, Trail trail, int32_t id)
+ResultCode DeleteBackup(Routine self, int32_t id)
 {
-    return RunOnly(db, trail, NarrowSql("DELETE FROM tBackups WHERE [bcID] = %d;", id));
+    return PassThrough(self.exec(1, NarrowSql("DELETE FROM tBackups WHERE [bcID] = %d;", id)));
 }
 
-bool FileExist(Connection& db, Trail trail, const DbChar* path)
+bool FileExist(Routine self, const DbChar* path)
 {
-    Statement rows = db.prepare(WideSql("SELECT COUNT(*) FROM tBackups WHERE [Path] = '%s';", Escaped{path}));
-    if (!rows.prepared()) trail.error(1);
-    return rows.prepared() && rows.step() && rows.int32(0) > 0;
+    constexpr int32_t kNone = 0;
+    return self.firstNumber(1, WideSql("SELECT COUNT(*) FROM tBackups WHERE [Path] = '%s';", Escaped{path}), kNone) > 0;
 }
 
-ResultCode GetAllBackups(Connection& db, Trail trail, BackupList& list)
+ResultCode GetAllBackups(Routine self, BackupList& list)
 {
-    return ReadList(
-        db, trail, list, [] { return NarrowSql("SELECT COUNT(*) FROM tBackups;"); },
-        [] { return NarrowSql("SELECT [bcID], [Path], [PhonePath], [Size], DATETIME([ModifiedTime]) FROM tBackups;"); },
-        ReadBackup);
+    return ReadList(self, list, NarrowSql("SELECT COUNT(*) FROM tBackups;"),
+                    NarrowSql("SELECT [bcID], [Path], [PhonePath], [Size], DATETIME([ModifiedTime]) FROM tBackups;"),
+                    ReadBackup);
 }
 
-ResultCode GetPhoneBackups(Connection& db, Trail trail, const DbChar* imei, BackupList& list)
+ResultCode GetPhoneBackups(Routine self, const DbChar* imei, BackupList& list)
 {
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return ReadList(
-        db, trail, list, [&] { return NarrowSql("SELECT COUNT(*) FROM tBackups WHERE [phoneID] = %d;", phoneId); },
-        [&] {
-            return NarrowSql(
-                "SELECT [bcID], [Path], [PhonePath], [Size], DATETIME([ModifiedTime]) FROM tBackups "
-                "WHERE [phoneID] = %d;",
-                phoneId);
-        },
-        ReadBackup);
+    return ForPhone(self, imei, [&](int32_t phoneId) {
+        return ReadList(self, list, NarrowSql("SELECT COUNT(*) FROM tBackups WHERE [phoneID] = %d;", phoneId),
+                        NarrowSql("SELECT [bcID], [Path], [PhonePath], [Size], DATETIME([ModifiedTime]) FROM tBackups "
+                                  "WHERE [phoneID] = %d;",
+                                  phoneId),
+                        ReadBackup);
+    });
 }
 
 }  // namespace kesta::backups

@@ -4,8 +4,7 @@
 #pragma once
 
 #include "core/caller_memory.h"
-#include "core/connection.h"
-#include "core/results.h"
+#include "core/routine.h"
 #include "kesta_db/kesta_db.h"
 
 namespace kesta {
@@ -32,14 +31,14 @@ namespace backups {
 inline constexpr auto kBackupExists = static_cast<ResultCode>(183);
 
 /// Records a backup, or refreshes the one recorded for its path. `id` becomes the record's id, or kNoBackup.
-ResultCode AddBackup(Connection& db, Trail trail, const DbChar* imei, const BackupRecord& backup, int32_t& id);
+ResultCode AddBackup(Routine self, const DbChar* imei, const BackupRecord& backup, int32_t& id);
 /// The results of these two are SQLite's own codes.
-ResultCode DeleteBackups(Connection& db, Trail trail, const DbChar* imei);
-ResultCode DeleteBackup(Connection& db, Trail trail, int32_t id);
-bool FileExist(Connection& db, Trail trail, const DbChar* path);
+ResultCode DeleteBackups(Routine self, const DbChar* imei);
+ResultCode DeleteBackup(Routine self, int32_t id);
+bool FileExist(Routine self, const DbChar* path);
 /// Both fill the empty list.
-ResultCode GetAllBackups(Connection& db, Trail trail, BackupList& list);
-ResultCode GetPhoneBackups(Connection& db, Trail trail, const DbChar* imei, BackupList& list);
+ResultCode GetAllBackups(Routine self, BackupList& list);
+ResultCode GetPhoneBackups(Routine self, const DbChar* imei, BackupList& list);
 
 }  // namespace backups
 }  // namespace kesta

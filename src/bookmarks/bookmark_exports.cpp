@@ -16,59 +16,58 @@ constexpr Format<Name, Plain, Plain> kEnterLower = "Enter %s(IMEI: %s, Url: %s).
 
 extern "C" int32_t DB_BOOKMARK_ClearAll(const DbChar* imei)
 {
-    static constexpr Export kSelf = {"DB_BOOKMARK_ClearAll"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
-        kSelf, [&] { TraceEnter(kSelf.name, imei); },
-        [&](Connection& db) { return bookmarks::ClearAll(db, Trail(kSelf.name), imei); });
+        kSelf, [&] { TraceEnter(kSelf.name, imei); }, [&](Routine self) { return bookmarks::ClearAll(self, imei); });
 }
 
 extern "C" int32_t DB_BOOKMARK_IsSyncedMark(const DbChar* imei, const DbChar* url)
 {
     constexpr int32_t kNo = 0;
-    static constexpr Export kSelf = {"DB_BOOKMARK_IsSyncedMark", kNo};
+    static constexpr Export kSelf = {__func__, kNo};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterUpper, Name{kSelf.name}, Plain{imei}, Plain{url}); },
-        [&](Connection& db) { return bookmarks::IsSyncedMark(db, Trail(kSelf.name), imei, url) ? 1 : kNo; });
+        [&](Routine self) { return bookmarks::IsSyncedMark(self, imei, url) ? 1 : kNo; });
 }
 
 extern "C" int32_t DB_BOOKMARK_GetSyncedMarks(const DbChar* imei, BookmarkList* list)
 {
-    static constexpr Export kSelf = {"DB_BOOKMARK_GetSyncedMarks"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { TraceEnter(kSelf.name, imei); }, [&] { EmptyList(Required(list)); },
-        [&](Connection& db) { return bookmarks::GetSyncedMarks(db, Trail(kSelf.name), imei, *list); });
+        [&](Routine self) { return bookmarks::GetSyncedMarks(self, imei, *list); });
 }
 
 extern "C" int32_t DB_BOOKMARK_GetSyncedMark(const DbChar* imei, const DbChar* url, BookmarkRecord* mark)
 {
-    static constexpr Export kSelf = {"DB_BOOKMARK_GetSyncedMark"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterLower, Name{kSelf.name}, Plain{imei}, Plain{url}); },
         // Deliberate: the numbers keep what the caller gave.
         [&] { Element<BookmarkRecord>::destroy(Required(mark)); },
-        [&](Connection& db) { return bookmarks::GetSyncedMark(db, Trail(kSelf.name), imei, url, *mark); });
+        [&](Routine self) { return bookmarks::GetSyncedMark(self, imei, url, *mark); });
 }
 
 extern "C" int32_t DB_BOOKMARK_SetAddedMark(const DbChar* imei, const BookmarkRecord* mark)
 {
-    static constexpr Export kSelf = {"DB_BOOKMARK_SetAddedMark"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterUpper, Name{kSelf.name}, Plain{imei}, Plain{Required(mark).Path}); },
-        [&](Connection& db) { return bookmarks::SetAddedMark(db, Trail(kSelf.name), imei, *mark); });
+        [&](Routine self) { return bookmarks::SetAddedMark(self, imei, *mark); });
 }
 
 extern "C" int32_t DB_BOOKMARK_SetDeletedMark(const DbChar* imei, const DbChar* url)
 {
-    static constexpr Export kSelf = {"DB_BOOKMARK_SetDeletedMark"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterLower, Name{kSelf.name}, Plain{imei}, Plain{url}); },
-        [&](Connection& db) { return bookmarks::SetDeletedMark(db, Trail(kSelf.name), imei, url); });
+        [&](Routine self) { return bookmarks::SetDeletedMark(self, imei, url); });
 }
 
 extern "C" int32_t DB_BOOKMARK_SetUpdatedMark(const DbChar* imei, const BookmarkRecord* mark)
 {
-    static constexpr Export kSelf = {"DB_BOOKMARK_SetUpdatedMark"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterLower, Name{kSelf.name}, Plain{imei}, Plain{Required(mark).Path}); },
-        [&](Connection& db) { return bookmarks::SetUpdatedMark(db, Trail(kSelf.name), imei, *mark); });
+        [&](Routine self) { return bookmarks::SetUpdatedMark(self, imei, *mark); });
 }

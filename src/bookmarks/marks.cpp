@@ -17,89 +17,89 @@ void ReadMark(const Statement& row, BookmarkRecord& mark)
 
 }  // namespace
 
-ResultCode ClearAll(Connection& db, Trail trail, const DbChar* imei)
+ResultCode ClearAll(Routine self, const DbChar* imei)
 {
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return trail.check(db.exec(NarrowSql("DELETE FROM tBFile WHERE [PhoneID] = %d;", phoneId)), 1);
+    return ForPhone(self, imei, [&](int32_t phoneId) {
+        return self.run(1, NarrowSql("DELETE FROM tBFile WHERE [PhoneID] = %d;", phoneId));
+    });
 }
 
-bool IsSyncedMark(Connection& db, Trail trail, const DbChar* imei, const DbChar* url)
+bool IsSyncedMark(Routine self, const DbChar* imei, const DbChar* url)
 {
-    const int32_t type = GetBookMarkTypeByImei(db, imei);
-    Statement rows = db.prepare(WideSql("SELECT * FROM vBFile WHERE [IMEI] = '%s' AND [Path] = '%s' AND [Type] = %d;",
-                                        Plain{imei}, Escaped{url}, type));
-    if (!rows.prepared()) trail.error(1);
+    const int32_t type = GetBookMarkTypeByImei(self.db, imei);
+    Statement rows =
+        self.prepare(1, WideSql("SELECT * FROM vBFile WHERE [IMEI] = '%s' AND [Path] = '%s' AND [Type] = %d;",
+                                Plain{imei}, Escaped{url}, type));
     return rows.prepared() && rows.step();
 }
 
-ResultCode GetSyncedMarks(Connection& db, Trail trail, const DbChar* imei, BookmarkList& list)
+ResultCode GetSyncedMarks(Routine self, const DbChar* imei, BookmarkList& list)
 {
-    const int32_t type = GetBookMarkTypeByImei(db, imei);
+    const int32_t type = GetBookMarkTypeByImei(self.db, imei);
     return ReadList(
-        db, trail, list,
-        [&] { return NarrowSql("SELECT COUNT(*) FROM vBFile WHERE [IMEI] = '%s' AND [Type] = %d;", Ansi{imei}, type); },
-        [&] {
-            return NarrowSql(
-                "SELECT [Title], [Path], [PhoneMID], [Flag] FROM vBFile WHERE [IMEI] = '%s' AND [Type] = %d;",
-                Ansi{imei}, type);
-        },
+        self, list, NarrowSql("SELECT COUNT(*) FROM vBFile WHERE [IMEI] = '%s' AND [Type] = %d;", Ansi{imei}, type),
+        NarrowSql("SELECT [Title], [Path], [PhoneMID], [Flag] FROM vBFile WHERE [IMEI] = '%s' AND [Type] = %d;",
+                  Ansi{imei}, type),
         ReadMark);
 }
 
-ResultCode GetSyncedMark(Connection& db, Trail trail, const DbChar* imei, const DbChar* url, BookmarkRecord& mark)
+ResultCode GetSyncedMark(Routine self, const DbChar* imei, const DbChar* url, BookmarkRecord& mark)
 {
-    const int32_t type = GetBookMarkTypeByImei(db, imei);
-    Statement rows = db.prepare(NarrowSql(
-        "SELECT [Title], [PhoneMID], [Flag], [Id] FROM vBFile WHERE [IMEI] = '%s' AND [Path] = '%s' AND [Type] = %d;",
-        Ansi{imei}, EscapedAnsi{url}, type));
-    if (!rows.prepared()) {
-        trail.error(3);  // Deliberate: position 3 for the first step
-        return ResultCode::kFailure;
-    }
-    if (!rows.step()) return ResultCode::kFailure;
-    mark.Title = rows.newText(0);
-    mark.PhoneMID = rows.newText(1);
-    mark.Flag = rows.int32(2);
-    mark.Id = rows.int32(3);
-    mark.Path = DuplicateText(url);
-    mark.Type = type;
-    return ResultCode::kSuccess;
+    const int32_t type = GetBookMarkTypeByImei(self.db, imei);
+    // Deliberate: position 3 for the first step.
+    return self.first(3,
+                      NarrowSql("SELECT [Title], [PhoneMID], [Flag], [Id] FROM vBFile "
+                                "WHERE [IMEI] = '%s' AND [Path] = '%s' AND [Type] = %d;",
+                                Ansi{imei}, EscapedAnsi{url}, type),
+                      NoRowIsFailure, [&](const Statement& row) {
+                          mark.Title = row.newText(0);
+                          mark.PhoneMID = row.newText(1);
+                          mark.Flag = row.int32(2);
+                          mark.Id = row.int32(3);
+                          mark.Path = DuplicateText(url);
+                          mark.Type = type;
+                      });
 }
 
-ResultCode SetAddedMark(Connection& db, Trail trail, const DbChar* imei, const BookmarkRecord& mark)
+namespace {
+
+/// What `body(phoneId, type)` comes to. The type is looked up first, for an unknown phone too.
+template <class Body>
+ResultCode ForPhoneAndType(Routine self, const DbChar* imei, Body&& body)
 {
-    const int32_t type = GetBookMarkTypeByImei(db, imei);
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    const SqliteCode inserted = db.exec(
-        WideSql("INSERT INTO tBFile ([PhoneID], [Title], [Path], [PhoneMID], [Id], [Flag], [Type]) "
-                "VALUES (%d, '%s', '%s', '%s', %d, %d, %d);",
-                phoneId, Escaped{mark.Title}, Escaped{mark.Path}, Escaped{mark.PhoneMID}, mark.Id, mark.Flag, type));
-    if (inserted != SqliteCode::kOk) trail.error(3);
-    return PassThrough(inserted);
+    const int32_t type = GetBookMarkTypeByImei(self.db, imei);
+    return ForPhone(self, imei, [&](int32_t phoneId) { return body(phoneId, type); });
 }
 
-ResultCode SetDeletedMark(Connection& db, Trail trail, const DbChar* imei, const DbChar* url)
+}  // namespace
+
+ResultCode SetAddedMark(Routine self, const DbChar* imei, const BookmarkRecord& mark)
 {
-    const int32_t type = GetBookMarkTypeByImei(db, imei);
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return trail.check(db.exec(WideSql("DELETE FROM tBFile WHERE [PhoneID] = %d AND [Path] = '%s' AND [Type] = %d;",
-                                       phoneId, Escaped{url}, type)),
-                       1);
+    return ForPhoneAndType(self, imei, [&](int32_t phoneId, int32_t type) {
+        return PassThrough(
+            self.exec(3, WideSql("INSERT INTO tBFile ([PhoneID], [Title], [Path], [PhoneMID], [Id], [Flag], [Type]) "
+                                 "VALUES (%d, '%s', '%s', '%s', %d, %d, %d);",
+                                 phoneId, Escaped{mark.Title}, Escaped{mark.Path}, Escaped{mark.PhoneMID}, mark.Id,
+                                 mark.Flag, type)));
+    });
 }
 
-ResultCode SetUpdatedMark(Connection& db, Trail trail, const DbChar* imei, const BookmarkRecord& mark)
+ResultCode SetDeletedMark(Routine self, const DbChar* imei, const DbChar* url)
 {
-    const int32_t type = GetBookMarkTypeByImei(db, imei);
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return trail.check(
-        db.exec(WideSql("UPDATE tBFile SET [Title] = '%s', [PhoneMID] = '%s', [Flag] = %d "
-                        "WHERE [PhoneID] = %d AND [Path] = '%s' AND [Type] = %d;",
-                        Escaped{mark.Title}, Escaped{mark.PhoneMID}, mark.Flag, phoneId, Escaped{mark.Path}, type)),
-        1);
+    return ForPhoneAndType(self, imei, [&](int32_t phoneId, int32_t type) {
+        return self.run(1, WideSql("DELETE FROM tBFile WHERE [PhoneID] = %d AND [Path] = '%s' AND [Type] = %d;",
+                                   phoneId, Escaped{url}, type));
+    });
+}
+
+ResultCode SetUpdatedMark(Routine self, const DbChar* imei, const BookmarkRecord& mark)
+{
+    return ForPhoneAndType(self, imei, [&](int32_t phoneId, int32_t type) {
+        return self.run(
+            1, WideSql("UPDATE tBFile SET [Title] = '%s', [PhoneMID] = '%s', [Flag] = %d "
+                       "WHERE [PhoneID] = %d AND [Path] = '%s' AND [Type] = %d;",
+                       Escaped{mark.Title}, Escaped{mark.PhoneMID}, mark.Flag, phoneId, Escaped{mark.Path}, type));
+    });
 }
 
 }  // namespace kesta::bookmarks

@@ -3,8 +3,7 @@
 #pragma once
 
 #include "core/caller_memory.h"
-#include "core/connection.h"
-#include "core/results.h"
+#include "core/routine.h"
 #include "kesta_db/kesta_db.h"
 
 namespace kesta {
@@ -23,16 +22,16 @@ struct Element<BookmarkRecord> {
 namespace bookmarks {
 
 /// Removes the marks of every type.
-ResultCode ClearAll(Connection& db, Trail trail, const DbChar* imei);
-bool IsSyncedMark(Connection& db, Trail trail, const DbChar* imei, const DbChar* url);
+ResultCode ClearAll(Routine self, const DbChar* imei);
+bool IsSyncedMark(Routine self, const DbChar* imei, const DbChar* url);
 /// Fills the empty list.
-ResultCode GetSyncedMarks(Connection& db, Trail trail, const DbChar* imei, BookmarkList& list);
+ResultCode GetSyncedMarks(Routine self, const DbChar* imei, BookmarkList& list);
 /// Fills the record, whose texts are empty.
-ResultCode GetSyncedMark(Connection& db, Trail trail, const DbChar* imei, const DbChar* url, BookmarkRecord& mark);
+ResultCode GetSyncedMark(Routine self, const DbChar* imei, const DbChar* url, BookmarkRecord& mark);
 /// The result of a failed insert is SQLite's own code.
-ResultCode SetAddedMark(Connection& db, Trail trail, const DbChar* imei, const BookmarkRecord& mark);
-ResultCode SetDeletedMark(Connection& db, Trail trail, const DbChar* imei, const DbChar* url);
-ResultCode SetUpdatedMark(Connection& db, Trail trail, const DbChar* imei, const BookmarkRecord& mark);
+ResultCode SetAddedMark(Routine self, const DbChar* imei, const BookmarkRecord& mark);
+ResultCode SetDeletedMark(Routine self, const DbChar* imei, const DbChar* url);
+ResultCode SetUpdatedMark(Routine self, const DbChar* imei, const BookmarkRecord& mark);
 
 }  // namespace bookmarks
 }  // namespace kesta

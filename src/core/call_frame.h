@@ -1,18 +1,23 @@
 // The frame around every call: lock, entry line, connection check, preset result, catch-all, exit line, unlock. Exports
-// and the engine routines that take the lock say only what is their own.
+// and the engine routines that take the lock say only what is their own:
 //
-//   RunExport      an export with entry and, unless it says otherwise, exit line
-//   RunThinExport  an export that traces its entry before the lock is taken and hands over to a routine
-//   RunLocked      such a routine: lock and catch-all, no lines of its own
+//     static constexpr Export kSelf = {__func__};
+//     return RunExport(
+//         kSelf, [&] { TraceEnter(kSelf.name, imei); }, [&](Routine self) { return bookmarks::ClearAll(self, imei); });
+//
+//   RunExport       an export with entry and, unless it says otherwise, exit line
+//   RunFrame        the same for what opens the connection itself
+//   RunThinExport   an export that traces its entry before the lock is taken and hands over to a routine
+//   RunLocked       such a routine: lock and catch-all, no lines of its own
 #pragma once
 
 #include <cstdint>
 #include <span>
 #include <stdexcept>
 
-#include "core/connection.h"
 #include "core/module.h"
 #include "core/results.h"
+#include "core/routine.h"
 #include "core/trace.h"
 
 namespace kesta {
@@ -64,24 +69,20 @@ struct Export {
     const ExitFormat* exit = &kExitWithResult;                    // null: no exit line
 };
 
-/// What a body may return instead of a plain result, to end without the exit line.
+/// What an export's body ends with: its result, and whether the exit line follows.
 struct Outcome {
-    int32_t result;
-    bool traceExit;
-};
+    // NOLINTBEGIN(google-explicit-constructor): a body returns whichever kind of result it has.
+    constexpr Outcome(int32_t number) : result(number) {}
+    constexpr Outcome(ResultCode code) : result(static_cast<int32_t>(code)) {}
+    // NOLINTEND(google-explicit-constructor)
+    constexpr Outcome(ResultCode code, bool itsExitIsTraced)
+        : result(static_cast<int32_t>(code)), traceExit(itsExitIsTraced)
+    {
+    }
 
-constexpr Outcome ToOutcome(int32_t result)
-{
-    return {result, true};
-}
-constexpr Outcome ToOutcome(ResultCode result)
-{
-    return {static_cast<int32_t>(result), true};
-}
-constexpr Outcome ToOutcome(Outcome outcome)
-{
-    return outcome;
-}
+    int32_t result;
+    bool traceExit = true;
+};
 
 /// The entry lines that most exports share.
 inline void TraceEnter(const char* name) noexcept
@@ -103,26 +104,26 @@ int32_t RunFrame(const Export& self, Enter&& enter, Body&& body) noexcept
 {
     const CallScope inside;
     const ScopedAccess access;
-    Outcome outcome = {self.preset, true};
+    Outcome outcome = self.preset;
     try {
         enter();
-        outcome = ToOutcome(body());
+        outcome = body();
     } catch (...) {  // nothing leaves the library as an exception
-        outcome = ToOutcome(ResultCode::kFailure);
+        outcome = ResultCode::kFailure;
         Trail(self.name).exception();
     }
     if (self.exit != nullptr && outcome.traceExit) DbTrace(*self.exit, Name{self.name}, outcome.result);
     return outcome.result;
 }
 
-/// `before` runs after the entry line, whether the database is open or not; `body` with the open connection.
+/// `before` runs after the entry line, whether the database is open or not; `body(routine)` only when it is.
 template <class Enter, class Before, class Body>
 int32_t RunExport(const Export& self, Enter&& enter, Before&& before, Body&& body) noexcept
 {
     return RunFrame(self, enter, [&]() -> Outcome {
         before();
         Connection* db = TheModule().openConnection();
-        return db != nullptr ? ToOutcome(body(*db)) : ToOutcome(self.preset);
+        return db != nullptr ? Outcome(body(Routine(*db, Trail(self.name)))) : Outcome(self.preset);
     });
 }
 
@@ -147,14 +148,16 @@ int32_t RunThinExport(const char* name, Enter&& enter, Call&& call) noexcept
     }
 }
 
-/// `closed` is the result while the database is not open. The result's type is the body's.
+/// A routine by the name that the trace shows. `closed` is the result while the database is not open; the result's type
+/// is the body's.
 template <class Result, class Body>
-Result RunLocked(Trail trail, Result closed, Body&& body) noexcept
+Result RunLocked(const char* name, Result closed, Body&& body) noexcept
 {
     const ScopedAccess access;
+    const Trail trail(name);
     try {
         Connection* db = TheModule().openConnection();
-        return db != nullptr ? body(*db) : closed;
+        return db != nullptr ? body(Routine(*db, trail)) : closed;
     } catch (...) {
         trail.exception();
         return static_cast<Result>(ResultCode::kFailure);

@@ -1,15 +1,21 @@
-// An SQLite connection and the statements run on it. Only core/sqlite_*.cpp speak to SQLite itself.
-// Callers hold the access lock; the module's own connection is handed out by the call frame.
+// An SQLite connection and the statements run on it. Only core/sqlite_*.cpp and the statement cache speak to SQLite
+// itself. Callers hold the access lock; the module's own connection is handed out by the call frame.
+//
+//     if (db.exec(NarrowSql("DELETE FROM %s;", table)) != SqliteCode::kOk) ...
+//     Statement rows = db.prepare(WideSql("SELECT [Path] FROM tMFile WHERE [BasePath] = '%s';", Escaped{folder}));
+//     while (rows.step()) texts.push_back(rows.newText(0));
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
+#include <utility>
 
 #include "core/results.h"
 #include "core/sql.h"
+#include "core/sql_text.h"
+#include "core/statement_buffer.h"
+#include "core/statement_cache.h"
 #include "kesta_db/kesta_db.h"
 
 struct sqlite3;
@@ -17,11 +23,20 @@ struct sqlite3_stmt;
 
 namespace kesta {
 
+class Connection;
+
 /// A query and its rows. Finalised, or given back to its connection, when it goes.
 class Statement {
 public:
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
+    Statement(Statement&& other) noexcept
+        : statement_(std::exchange(other.statement_, nullptr)),
+          last_(other.last_),
+          owner_(other.owner_),
+          cached_(std::exchange(other.cached_, nullptr)),
+          bound_(other.bound_)
+    {
+    }
+    Statement& operator=(Statement&&) = delete;
     ~Statement();
 
     [[nodiscard]] bool prepared() const { return statement_ != nullptr; }
@@ -41,20 +56,25 @@ public:
     [[nodiscard]] const DbChar* wideText(int column) const noexcept;
     [[nodiscard]] std::span<const uint8_t> blob(int column) const noexcept;
 
-    // Parameters, counted from 1. What is bound must live until the statement has been stepped. A value that cannot be
-    // bound has the next step fail with that code.
+    // The parameters that the text itself has, counted from 1; where a cached statement is run, it has one at most.
+    // What is bound must live until the statement has been stepped. A value that cannot be bound has the next step fail
+    // with that code.
     void bindBlob(int parameter, const void* data, int32_t length) noexcept;
     /// Null binds NULL.
     void bindText(int parameter, const DbChar* text);
 
 private:
     friend class Connection;
-    Statement(sqlite3_stmt* statement, SqliteCode code, bool kept) : statement_(statement), last_(code), kept_(kept) {}
+    Statement(sqlite3_stmt* statement, SqliteCode code) : statement_(statement), last_(code) {}
+    /// One that stays compiled, with its arguments bound or the failure of that.
+    Statement(Connection& owner, CachedStatement& cached, int bindingCode) noexcept;
     void noteBinding(int code) noexcept;
+    [[nodiscard]] int parameterOf(int own) const noexcept;
 
     sqlite3_stmt* statement_;
     SqliteCode last_;
-    bool kept_;  // stays compiled for the next time
+    Connection* owner_ = nullptr;  // of the cached statement
+    CachedStatement* cached_ = nullptr;
     bool bound_ = true;
 };
 
@@ -87,15 +107,18 @@ public:
     /// A statement that takes more rounds of kStepsPerRound steps is interrupted: its step fails with kInterrupted.
     void limitRounds(int32_t rounds) noexcept { steps_.most = rounds; }
 
-    /// Runs a statement, or several, whose rows nobody wants.
-    SqliteCode exec(const Sql& sql) noexcept;
+    /// From now on statements are made in this buffer, and stay compiled where that comes to the same. Until then only
+    /// those without arguments can be run.
+    void makeStatementsIn(StatementBuffer& buffer) noexcept { buffer_ = &buffer; }
+    /// Where a text is put together piece by piece. Throws std::bad_alloc.
+    [[nodiscard]] char* textBuffer() const { return buffer_->get(); }
+
+    /// Runs a statement, or several, whose rows nobody wants. Throws std::bad_alloc when it has nowhere to be made.
+    SqliteCode exec(const Sql& sql);
+    SqliteCode exec(const SqlText& text) noexcept;
     SqliteCode exec(const char* text) noexcept;
-    Statement prepare(const Sql& sql) noexcept;
-    /// As prepare, for the short look-ups that recur with every call: the text is compiled once while it stays the
-    /// same.
-    Statement prepareKept(const Sql& sql) noexcept;
-    /// As exec, for one statement that is likely to come again word for word.
-    SqliteCode execKept(const Sql& sql) noexcept;
+    Statement prepare(const Sql& sql);
+    Statement prepare(const char* text) noexcept;
 
     [[nodiscard]] int64_t lastInsertRowId() const noexcept;
     [[nodiscard]] int32_t totalChanges() const noexcept;
@@ -108,16 +131,13 @@ private:
     };
     static int countRound(void* steps) noexcept;
 
-    struct Kept {
-        std::array<char, 256> text;
-        size_t length;
-        sqlite3_stmt* statement;
-    };
+    friend class Statement;
+    Statement prepareText(const SqlText& text) noexcept;
 
     sqlite3* handle_ = nullptr;
     Steps steps_;
-    std::array<Kept, 4> kept_ = {};
-    size_t nextKept_ = 0;
+    StatementBuffer* buffer_ = nullptr;
+    StatementCache cache_;
 };
 
 }  // namespace kesta

@@ -7,7 +7,7 @@ using namespace kesta;
 
 extern "C" int32_t DB_Open(void)
 {
-    static constexpr Export kSelf = {"DB_Open"};
+    static constexpr Export kSelf = {__func__};
     return RunFrame(
         kSelf, [] { TraceEnter(kSelf.name); }, [] { return OpenDatabase(TheModule(), Trail(kSelf.name)); });
 }

@@ -160,7 +160,7 @@ std::optional<int32_t> ReadDatabaseVersion(const DatabasePath& path)
         Connection db;
         if (db.open(path.utf8(), witness.vfsName()) != SqliteCode::kOk) return std::nullopt;
         db.waitSilently(kPatienceMs);
-        Statement rows = db.prepare(NarrowSql("SELECT [Version] FROM tVersion"));
+        Statement rows = db.prepare("SELECT [Version] FROM tVersion");
         if (rows.prepared() && rows.step()) {
             version = rows.int32(0);
         } else if (rows.last() != SqliteCode::kDone && !IsTheFilesFault(rows.last())) {

@@ -80,6 +80,9 @@ public:
         pieces_[sizeof...(Args)] = text.substr(begin);
     }
 
+    /// The literal text around the places: one piece more than there are arguments.
+    [[nodiscard]] constexpr const std::array<std::string_view, sizeof...(Args) + 1>& pieces() const { return pieces_; }
+
     /// Hands pieces and arguments to the writer in their order.
     template <class Writer>
     constexpr void write(Writer& writer, const Args&... args) const

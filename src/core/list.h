@@ -1,4 +1,7 @@
 // List records: the rule by which every export that returns a list empties, counts, allocates and fills it.
+//
+//     EmptyList(*list);
+//     return ReadList(self, *list, NarrowSql("SELECT COUNT(*) FROM tPhone;"), NarrowSql(kSelectAll), ReadPhone);
 #pragma once
 
 #include <cstdint>
@@ -6,9 +9,8 @@
 #include <utility>
 
 #include "core/caller_memory.h"
-#include "core/connection.h"
 #include "core/results.h"
-#include "core/trace.h"
+#include "core/routine.h"
 
 namespace kesta {
 
@@ -41,32 +43,19 @@ ResultCode FillList(List& list, int32_t room, Statement& rows, ReadRow&& readRow
     return EndOfRows(rows.last());
 }
 
-/// The whole rule. `countSql` and `rowSql` make the two statements; the list is known to be empty.
-template <class List, class CountSql, class RowSql, class ReadRow>
-ResultCode ReadList(Connection& db, Trail trail, List& list, CountSql&& countSql, RowSql&& rowSql, ReadRow&& readRow)
+/// The whole rule: `countSql` counts the rows of `rowSql`. The list is known to be empty.
+template <class List, class ReadRow>
+ResultCode ReadList(Routine self, List& list, const Sql& countSql, const Sql& rowSql, ReadRow&& readRow)
 {
-    int32_t count = 0;
-    {
-        Statement counting = db.prepare(countSql());
-        if (!counting.prepared()) {
-            trail.error(1);
-            return ResultCode::kFailure;
-        }
-        if (!counting.step()) return ResultCode::kSuccess;
-        count = counting.int32(0);
-    }
-    if (count == 0) return ResultCode::kSuccess;
-    if (count < 0) {
-        trail.error(2);
+    const std::optional<int32_t> count = self.count(1, countSql);
+    if (!count.has_value()) return ResultCode::kFailure;
+    if (*count == 0) return ResultCode::kSuccess;
+    if (*count < 0) {
+        self.trail.error(2);
         return ResultCode::kFailure;
     }
-    AllocateList(list, count);
-    Statement rows = db.prepare(rowSql());
-    if (!rows.prepared()) {
-        trail.error(3);
-        return ResultCode::kFailure;
-    }
-    return FillList(list, count, rows, readRow);
+    AllocateList(list, *count);
+    return self.query(3, rowSql, [&](Statement& rows) { return FillList(list, *count, rows, readRow); });
 }
 
 }  // namespace kesta

@@ -1,8 +1,5 @@
 #include "core/module.h"
 
-#include <cassert>
-#include <new>
-
 #include "core/database_file.h"
 #include "core/open_database.h"
 #include "core/trace.h"
@@ -11,9 +8,6 @@
 
 namespace kesta {
 namespace {
-
-constexpr size_t kEscapeBufferUnits = 40960;
-static_assert(kEscapeBufferUnits * sizeof(DbChar) > kStatementBytes, "a statement and its terminator must fit");
 
 /// Never destroyed: its end is the unloading of the library, when ModuleEnd decides what may still go.
 union Eternal {
@@ -42,15 +36,9 @@ void Module::start() noexcept
     platform::OpenTrace();
     DbAccessLock.open("NORVIK_KESTA_DB_ACCESS_MUTEX", &DatabaseFolder);
     watchForks();
-    allocateBuffer();
+    EscapeBuffer_.allocate();
+    DbConnection.makeStatementsIn(EscapeBuffer_);
     (void)DB_Open();  // a caller who wants to know asks again
-}
-
-void Module::allocateBuffer() noexcept
-{
-    if (EscapeBuffer_ != nullptr) return;
-    EscapeBuffer_.reset(new (std::nothrow) DbChar[kEscapeBufferUnits]);
-    if (EscapeBuffer_ != nullptr) TraceNew(EscapeBuffer_.get());
 }
 
 void Module::end() noexcept
@@ -60,10 +48,7 @@ void Module::end() noexcept
     if (callsInside_.load(std::memory_order_acquire) != 0) return;
     DbConnection.close();
     noteOpen();
-    if (EscapeBuffer_ != nullptr) {
-        TraceDelete(EscapeBuffer_.get());
-        EscapeBuffer_.reset();
-    }
+    EscapeBuffer_.release();
     DbAccessLock.close();
     platform::CloseTrace();
 }
@@ -91,20 +76,6 @@ void Module::startAnewInChild() noexcept
     callsInside_.store(0, std::memory_order_relaxed);  // their threads are in the parent
     forked_ = forked_ || DbConnection.isOpen();
     DbConnection.abandon();
-}
-
-char* Module::takeStatementBuffer() noexcept
-{
-    assert(!bufferTaken_);
-    allocateBuffer();  // there was no memory for it when the library was loaded, or there still is none
-    if (EscapeBuffer_ == nullptr) return nullptr;
-    bufferTaken_ = true;
-    return reinterpret_cast<char*>(EscapeBuffer_.get());
-}
-
-void Module::giveStatementBufferBack() noexcept
-{
-    bufferTaken_ = false;
 }
 
 }  // namespace kesta

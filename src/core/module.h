@@ -3,9 +3,9 @@
 #pragma once
 
 #include <atomic>
-#include <memory>
 
 #include "core/connection.h"
+#include "core/statement_buffer.h"
 #include "kesta_db/kesta_db.h"
 #include "platform/named_mutex.h"
 
@@ -28,20 +28,14 @@ public:
     [[nodiscard]] bool isOpen() const { return open_.load(std::memory_order_acquire); }
     void noteOpen() { open_.store(DbConnection.isOpen(), std::memory_order_release); }
 
-    /// The buffer in which the one statement at a time is made; null when there is none.
-    char* takeStatementBuffer() noexcept;
-    void giveStatementBufferBack() noexcept;
-
     void enterCall() { callsInside_.fetch_add(1, std::memory_order_relaxed); }
     void leaveCall() { callsInside_.fetch_sub(1, std::memory_order_release); }
 
 private:
-    void allocateBuffer() noexcept;
     void watchForks() noexcept;
     void startAnewInChild() noexcept;
 
-    std::unique_ptr<DbChar[]> EscapeBuffer_;
-    bool bufferTaken_ = false;
+    StatementBuffer EscapeBuffer_;
     bool forked_ = false;  // the connection was another process's and has to be opened
     std::atomic<bool> open_ = false;
     std::atomic<int> callsInside_ = 0;

@@ -1,4 +1,4 @@
-// The kinds of numbers that a call can end with, each a type of its own until it crosses the boundary.
+// Result codes. Each kind is a type of its own until it crosses the boundary.
 #pragma once
 
 #include <cstdint>
@@ -29,6 +29,16 @@ constexpr ResultCode PassThrough(SqliteCode code)
 constexpr ResultCode EndOfRows(SqliteCode lastStep)
 {
     return lastStep == SqliteCode::kDone ? ResultCode::kSuccess : PassThrough(lastStep);
+}
+
+// What a row that does not come means to those who need no code.
+constexpr ResultCode NoRowIsFailure(SqliteCode /*lastStep*/)
+{
+    return ResultCode::kFailure;
+}
+constexpr ResultCode NoRowIsSuccess(SqliteCode /*lastStep*/)
+{
+    return ResultCode::kSuccess;
 }
 
 }  // namespace kesta

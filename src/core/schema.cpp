@@ -116,29 +116,29 @@ constexpr const char kSchema[] =
 // clang-format on
 static_assert(sizeof(kSchema) - 1 == 8212);
 
-struct MainFolderSeed {
-    Format<int32_t> insert;
-    int32_t id;
+static_assert(kDatabaseVersion == 5005 && kMainFolderMusic == 1000 && kMainFolderGallery == 1100 &&
+              kMainFolderDocument == 1400 && kMainFolderPeople == 1500 && kMainFolderCalendar == 1600 &&
+              kMainFolderWebBookmark == 1900 && kMainFolderMap == 2200);
+
+/// The version and the main folders. Deliberate: the capital M of 'Map'.
+constexpr std::array<const char*, 8> kFirstRows = {
+    "INSERT INTO tVersion VALUES (5005)",
+    "INSERT INTO tLibMainFolder VALUES (1000, 'music', 0, 0, '')",
+    "INSERT INTO tLibMainFolder VALUES (1100, 'gallery', 0, 0, '')",
+    "INSERT INTO tLibMainFolder VALUES (1400, 'document', 0, 0, '')",
+    "INSERT INTO tLibMainFolder VALUES (1500, 'people', 0, 0, '')",
+    "INSERT INTO tLibMainFolder VALUES (1600, 'calendar', 0, 0, '')",
+    "INSERT INTO tLibMainFolder VALUES (1900, 'web bookmark', 0, 0, '')",
+    "INSERT INTO tLibMainFolder VALUES (2200, 'Map', 0, 0, '')",
 };
 
-// Deliberate: the capital M of 'Map'.
-constexpr std::array<MainFolderSeed, 7> kMainFolders = {{
-    {"INSERT INTO tLibMainFolder VALUES (%d, 'music', 0, 0, '')", kMainFolderMusic},
-    {"INSERT INTO tLibMainFolder VALUES (%d, 'gallery', 0, 0, '')", kMainFolderGallery},
-    {"INSERT INTO tLibMainFolder VALUES (%d, 'document', 0, 0, '')", kMainFolderDocument},
-    {"INSERT INTO tLibMainFolder VALUES (%d, 'people', 0, 0, '')", kMainFolderPeople},
-    {"INSERT INTO tLibMainFolder VALUES (%d, 'calendar', 0, 0, '')", kMainFolderCalendar},
-    {"INSERT INTO tLibMainFolder VALUES (%d, 'web bookmark', 0, 0, '')", kMainFolderWebBookmark},
-    {"INSERT INTO tLibMainFolder VALUES (%d, 'Map', 0, 0, '')", kMainFolderMap},
-}};
-
-/// Writes the version and the main folders. Only the last statement counts for the result.
+/// Writes the first rows. Only the last statement counts for the result.
 SqliteCode Seed(Connection& db, bool& complete)
 {
-    SqliteCode last = db.exec(NarrowSql("INSERT INTO tVersion VALUES (%d)", kDatabaseVersion));
-    complete = last == SqliteCode::kOk;
-    for (const MainFolderSeed& folder : kMainFolders) {
-        last = db.exec(NarrowSql(folder.insert, folder.id));
+    SqliteCode last = SqliteCode::kOk;
+    complete = true;
+    for (const char* row : kFirstRows) {
+        last = db.exec(row);
         complete = complete && last == SqliteCode::kOk;
     }
     return last;

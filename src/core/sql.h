@@ -1,11 +1,16 @@
-// The text of one statement, made in one pass in UTF-8 in the module's EscapeBuffer: nothing is allocated and nothing
-// is converted twice. There is one buffer, so one statement's text lives at a time, under the lock: write
-// `db.exec(WideSql("...", ...))`, where it ends with the call.
+// A statement as a routine writes it: a format and the arguments that go into it. A connection makes its text when the
+// statement runs, or has it compiled already and binds the arguments.
+//
+//     db.exec(WideSql("DELETE FROM %s WHERE [Path] = '%s';", table, Escaped{path}));
+//     Statement rows = db.prepare(NarrowSql("SELECT [ID] FROM tPhone WHERE [IMEI] = '%s';", Ansi{imei}));
+//     SqlText text(buffer); text.append(WideSql("UPDATE tPhone SET [Name] = '%s'", Escaped{name}));  // core/sql_text.h
 #pragma once
 
+#include <array>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <span>
 #include <string_view>
 
 #include "core/dates.h"
@@ -13,66 +18,71 @@
 
 namespace kesta {
 
-/// The longest statement, in UTF-8 bytes. A longer one is never run cut.
-inline constexpr size_t kStatementBytes = 40960;
+/// One argument of a statement, whatever its type was.
+struct SqlArgument {
+    enum class Kind : uint8_t { kName, kDate, kNumber, kPlain, kEscaped, kAnsi, kEscapedAnsi };
 
+    // NOLINTBEGIN(google-explicit-constructor): an argument stands where this is wanted.
+    SqlArgument(const Name& name) : kind(Kind::kName), narrow(name.text) {}
+    SqlArgument(const DateText& date) : kind(Kind::kDate), narrow(date.view()) {}
+    SqlArgument(int32_t value) : kind(Kind::kNumber), number(value) {}
+    SqlArgument(int64_t value) : kind(Kind::kNumber), number(value) {}
+    SqlArgument(const Plain& plain) : kind(Kind::kPlain), wide(plain.text) {}
+    SqlArgument(const Escaped& escaped) : kind(Kind::kEscaped), until(escaped.until), wide(escaped.text) {}
+    SqlArgument(const Ansi& ansi) : kind(Kind::kAnsi), wide(ansi.text) {}
+    SqlArgument(const EscapedAnsi& escaped) : kind(Kind::kEscapedAnsi), wide(escaped.text) {}
+    // NOLINTEND(google-explicit-constructor)
+
+    /// A caller's text goes between quotes.
+    [[nodiscard]] bool isText() const { return kind >= Kind::kPlain; }
+
+    Kind kind;
+    DbChar until = 0;  // of an escaped text: it ends before the first of these
+    union {
+        std::string_view narrow;
+        int64_t number;
+        const DbChar* wide;  // null for no text
+    };
+};
+
+/// Refers to the arguments' texts: it is run where it is made.
 class Sql {
 public:
-    /// Starts with the text of `format`; throws std::bad_alloc when the EscapeBuffer could not be had.
-    template <class... Args>
-    explicit Sql(const Format<Args...>& format, const Args&... args) : Sql()
-    {
-        format.write(*this, args...);
-    }
     Sql(const Sql&) = delete;
     Sql& operator=(const Sql&) = delete;
-    ~Sql();
 
-    /// Adds to the text.
-    template <class... Args>
-    void append(const FormatFor<Args...>& format, const Args&... args)
+    [[nodiscard]] std::span<const std::string_view> pieces() const { return {pieces_, count_ + 1}; }
+    [[nodiscard]] std::span<const SqlArgument> arguments() const { return {arguments_, count_}; }
+
+protected:
+    Sql(const std::string_view* pieces, const SqlArgument* arguments, size_t count)
+        : pieces_(pieces), arguments_(arguments), count_(count)
     {
-        format.write(*this, args...);
     }
-
-    [[nodiscard]] bool tooLong() const { return tooLong_; }
-
-    /// The finished, zero-terminated text.
-    [[nodiscard]] std::string_view text() const
-    {
-        *end_ = '\0';
-        return {begin_, static_cast<size_t>(end_ - begin_)};
-    }
-
-    // How each kind of argument goes in; called by Format.
-    /// Inline, for the pieces of a format are short and of lengths that the compiler knows.
-    void literal(std::string_view text)
-    {
-        if (text.size() > room()) {
-            tooLong_ = true;
-            return;
-        }
-        std::memcpy(end_, text.data(), text.size());
-        end_ += text.size();
-    }
-    void put(const Name& name) { literal(name.text); }
-    void put(const DateText& date) { literal(date.view()); }
-    void put(const Plain& text);
-    void put(const Escaped& text);
-    void put(const Ansi& text);
-    void put(const EscapedAnsi& text);
-    void put(int32_t number) { put(int64_t{number}); }
-    void put(int64_t number);
+    ~Sql() = default;
 
 private:
-    Sql();
-    [[nodiscard]] size_t room() const { return static_cast<size_t>(begin_ + kStatementBytes - end_); }
-    using Narrow = size_t (*)(const DbChar* text, size_t length, char* out, size_t room) noexcept;
-    void copy(const DbChar* text, DbChar doubled, DbChar until, Narrow narrow);
+    const std::string_view* pieces_;
+    const SqlArgument* arguments_;
+    size_t count_;
+};
 
-    char* begin_;
-    char* end_;
-    bool tooLong_ = false;
+template <size_t kCount>
+struct SqlParts {
+    std::array<std::string_view, kCount + 1> pieces;
+    std::array<SqlArgument, kCount> values;
+};
+
+/// A statement with what it is made of.
+template <class... Args>
+class SqlOf : private SqlParts<sizeof...(Args)>, public Sql {
+    using Parts = SqlParts<sizeof...(Args)>;
+
+public:
+    explicit SqlOf(const Format<Args...>& format, const Args&... args)
+        : Parts{format.pieces(), {args...}}, Sql(Parts::pieces.data(), Parts::values.data(), sizeof...(Args))
+    {
+    }
 };
 
 template <class T>
@@ -82,16 +92,16 @@ concept NarrowArgument = !std::same_as<T, Plain> && !std::same_as<T, Escaped>;
 
 /// A statement whose texts become UTF-8.
 template <WideArgument... Args>
-Sql WideSql(const FormatFor<Args...>& format, const Args&... args)
+SqlOf<Args...> WideSql(const FormatFor<Args...>& format, const Args&... args)
 {
-    return Sql(format, args...);
+    return SqlOf<Args...>(format, args...);
 }
 
 /// A statement whose texts, if any, go in through the ANSI code page.
 template <NarrowArgument... Args>
-Sql NarrowSql(const FormatFor<Args...>& format, const Args&... args)
+SqlOf<Args...> NarrowSql(const FormatFor<Args...>& format, const Args&... args)
 {
-    return Sql(format, args...);
+    return SqlOf<Args...>(format, args...);
 }
 
 }  // namespace kesta

@@ -1,8 +1,5 @@
 #include <sqlite3.h>
 
-#include <algorithm>
-#include <cstring>
-
 #include "core/busy_retry.h"
 #include "core/connection.h"
 
@@ -47,17 +44,14 @@ SqliteCode Connection::open(const char* utf8Path, const char* vfsName) noexcept
 
 void Connection::close() noexcept
 {
-    for (Kept& kept : kept_) {
-        sqlite3_finalize(kept.statement);
-        kept = {};
-    }
+    cache_.drop();
     sqlite3_close(handle_);
     handle_ = nullptr;
 }
 
 void Connection::abandon() noexcept
 {
-    kept_ = {};
+    cache_.abandon();
     handle_ = nullptr;
 }
 
@@ -88,53 +82,69 @@ SqliteCode Connection::exec(const char* text) noexcept
     return static_cast<SqliteCode>(sqlite3_exec(handle_, text, nullptr, nullptr, nullptr));
 }
 
-SqliteCode Connection::exec(const Sql& sql) noexcept
+SqliteCode Connection::exec(const SqlText& text) noexcept
 {
-    return sql.tooLong() ? SqliteCode::kTooBig : exec(sql.text().data());
+    return text.tooLong() ? SqliteCode::kTooBig : exec(text.text().data());
 }
 
-Statement Connection::prepare(const Sql& sql) noexcept
+SqliteCode Connection::exec(const Sql& sql)
 {
-    if (sql.tooLong()) return {nullptr, SqliteCode::kTooBig, false};
+    char* buffer = textBuffer();
+    const StatementCache::Found found =
+        cache_.find(handle_, sql, buffer, StatementCache::Lifetime::kUntilNextStatement);
+    switch (found.verdict) {
+        case StatementCache::Verdict::kCached: {
+            steps_.taken = 0;
+            Statement statement(*this, *found.entry, found.code);
+            while (statement.step()) {
+            }
+            return statement.last() == SqliteCode::kDone ? SqliteCode::kOk : statement.last();
+        }
+        case StatementCache::Verdict::kRefused:
+            return static_cast<SqliteCode>(found.code);
+        default:
+            break;
+    }
+    SqlText text(buffer);
+    text.append(sql);
+    return exec(text);
+}
+
+Statement Connection::prepare(const Sql& sql)
+{
+    char* buffer = textBuffer();
+    const StatementCache::Found found = cache_.find(handle_, sql, buffer, StatementCache::Lifetime::kUntilFinished);
+    switch (found.verdict) {
+        case StatementCache::Verdict::kCached:
+            steps_.taken = 0;
+            return {*this, *found.entry, found.code};
+        case StatementCache::Verdict::kRefused:
+            return {nullptr, static_cast<SqliteCode>(found.code)};
+        default:
+            break;
+    }
+    SqlText text(buffer);
+    text.append(sql);
+    return prepareText(text);
+}
+
+Statement Connection::prepareText(const SqlText& text) noexcept
+{
+    if (text.tooLong()) return {nullptr, SqliteCode::kTooBig};
     steps_.taken = 0;
     sqlite3_stmt* statement = nullptr;
     // The terminator counts, which spares SQLite a copy of the text.
-    const int bytes = static_cast<int>(sql.text().size()) + 1;
-    const int code = sqlite3_prepare_v2(handle_, sql.text().data(), bytes, &statement, nullptr);
-    return {statement, static_cast<SqliteCode>(code), false};
+    const int bytes = static_cast<int>(text.text().size()) + 1;
+    const int code = sqlite3_prepare_v2(handle_, text.text().data(), bytes, &statement, nullptr);
+    return {statement, static_cast<SqliteCode>(code)};
 }
 
-Statement Connection::prepareKept(const Sql& sql) noexcept
+Statement Connection::prepare(const char* text) noexcept
 {
-    if (sql.tooLong()) return prepare(sql);
-    const std::string_view text = sql.text();
-    for (Kept& kept : kept_) {
-        if (kept.statement != nullptr && kept.length == text.size() &&
-            std::memcmp(kept.text.data(), text.data(), text.size()) == 0) {
-            steps_.taken = 0;
-            return {kept.statement, SqliteCode::kOk, true};
-        }
-    }
-    Kept& oldest = kept_[nextKept_];
-    if (text.size() > oldest.text.size()) return prepare(sql);
-    Statement statement = prepare(sql);
-    if (!statement.prepared()) return {nullptr, statement.last(), false};
-    sqlite3_finalize(oldest.statement);
-    std::copy_n(text.data(), text.size(), oldest.text.data());
-    oldest.length = text.size();
-    oldest.statement = statement.statement_;
-    statement.statement_ = nullptr;
-    nextKept_ = (nextKept_ + 1) % kept_.size();
-    return {oldest.statement, SqliteCode::kOk, true};
-}
-
-SqliteCode Connection::execKept(const Sql& sql) noexcept
-{
-    Statement statement = prepareKept(sql);
-    if (!statement.prepared()) return statement.last();
-    while (statement.step()) {
-    }
-    return statement.last() == SqliteCode::kDone ? SqliteCode::kOk : statement.last();
+    steps_.taken = 0;
+    sqlite3_stmt* statement = nullptr;
+    const int code = sqlite3_prepare_v2(handle_, text, -1, &statement, nullptr);
+    return {statement, static_cast<SqliteCode>(code)};
 }
 
 int64_t Connection::lastInsertRowId() const noexcept

@@ -33,10 +33,16 @@ const DbChar* WideColumn(sqlite3_stmt* statement, int column)
 
 }  // namespace
 
+Statement::Statement(Connection& owner, CachedStatement& cached, int bindingCode) noexcept
+    : statement_(cached.statement), last_(SqliteCode::kOk), owner_(&owner), cached_(&cached)
+{
+    noteBinding(bindingCode);
+}
+
 Statement::~Statement()
 {
-    if (kept_) {
-        sqlite3_reset(statement_);  // lets go of the file
+    if (cached_ != nullptr) {
+        owner_->cache_.giveBack(owner_->handle_, *cached_, last_ == SqliteCode::kDone);
     } else {
         sqlite3_finalize(statement_);
     }
@@ -106,13 +112,13 @@ void Statement::bindBlob(int parameter, const void* data, int32_t length) noexce
 {
     // SQLite takes no data for NULL; data of no length is an empty blob.
     const void* start = data == nullptr && length == 0 ? "" : data;
-    noteBinding(sqlite3_bind_blob(statement_, parameter, start, length, SQLITE_STATIC));
+    noteBinding(sqlite3_bind_blob(statement_, parameterOf(parameter), start, length, SQLITE_STATIC));
 }
 
 void Statement::bindText(int parameter, const DbChar* text)
 {
     if (text == nullptr) {
-        noteBinding(sqlite3_bind_null(statement_, parameter));
+        noteBinding(sqlite3_bind_null(statement_, parameterOf(parameter)));
         return;
     }
     const size_t length = LengthOf(text);
@@ -120,8 +126,16 @@ void Statement::bindText(int parameter, const DbChar* text)
     // SQLite copies here, for the repaired text does not outlive the call. Otherwise it would mistake a lone surrogate
     // and its neighbour for a pair.
     const std::basic_string<DbChar> sound = ReplaceLoneSurrogates({text, length});
-    noteBinding(sqlite3_bind_text16(statement_, parameter, sound.data(), static_cast<int>(length * sizeof(DbChar)),
-                                    SQLITE_TRANSIENT));
+    noteBinding(sqlite3_bind_text16(statement_, parameterOf(parameter), sound.data(),
+                                    static_cast<int>(length * sizeof(DbChar)), SQLITE_TRANSIENT));
+}
+
+/// In a cached statement the arguments are parameters too.
+int Statement::parameterOf(int own) const noexcept
+{
+    constexpr int kNoSuchParameter = 0;
+    if (cached_ == nullptr) return own;
+    return own == 1 && cached_->own != 0 ? cached_->own : kNoSuchParameter;
 }
 
 void Statement::noteBinding(int code) noexcept

@@ -33,14 +33,6 @@ public:
     void error(int position) const noexcept;
     void exception() const noexcept;
 
-    /// What a step that is the whole work comes to: failure with its position line, or success.
-    ResultCode check(SqliteCode code, int position) const noexcept
-    {
-        if (code == SqliteCode::kOk) return ResultCode::kSuccess;
-        error(position);
-        return ResultCode::kFailure;
-    }
-
 private:
     const char* routine_;
 };

@@ -27,21 +27,21 @@ void ReportChanges(MainFolderList& list)
 
 extern "C" int32_t DB_LIB_UpdateMainFolderInfo(const MainFolderRecord* record)
 {
-    static constexpr Export kSelf = {"DB_LIB_UpdateMainFolderInfo"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(record); },
-        [&](Connection& db) { return DB_INTERNAL_LIB_UpdateMainFolderInfo(db, *record); });
+        [&](Routine self) { return library::UpdateMainFolderInfo(self.db, *record); });
 }
 
 extern "C" int32_t DB_LIB_RefreshStatistics(void)
 {
-    static constexpr Export kSelf = {"DB_LIB_RefreshStatistics"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); },
-        [](Connection& db) {
+        [](Routine self) {
             ResultCode result = ResultCode::kSuccess;
             for (const int32_t id : kReported) {  // each one, whatever became of the others
-                if (DB_INTERNAL_LIB_RefreshStatistic(db, id) != ResultCode::kSuccess) result = ResultCode::kFailure;
+                if (library::RefreshStatistic(self.db, id) != ResultCode::kSuccess) result = ResultCode::kFailure;
             }
             return result;
         });
@@ -49,23 +49,20 @@ extern "C" int32_t DB_LIB_RefreshStatistics(void)
 
 extern "C" int32_t DB_LIB_GetAllMainFolders(MainFolderList* list)
 {
-    static constexpr Export kSelf = {"DB_LIB_GetAllMainFolders"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { EmptyList(Required(list)); },
-        [&](Connection& db) { return DB_INTERNAL_LIB_GetAllMainFolders(db, *list); });
+        [&](Routine self) { return library::GetAllMainFolders(self.db, *list); });
 }
 
 extern "C" int32_t DB_LIB_MainFoldersChanged(MainFolderList* list)
 {
     // Deliberate: no lock and no lines of its own, so that a user interface can ask at any time.
-    const CallScope inside;
-    try {
-        MainFolderList& changes = Required(list);
-        if (!TheModule().isOpen()) return static_cast<int32_t>(ResultCode::kFailure);
-        ReportChanges(changes);
-        return static_cast<int32_t>(ResultCode::kSuccess);
-    } catch (...) {
-        Trail("DB_LIB_MainFoldersChanged").exception();
-        return static_cast<int32_t>(ResultCode::kFailure);
-    }
+    return RunThinExport(
+        __func__, [&] { (void)Required(list); },
+        [&] {
+            if (!TheModule().isOpen()) return ResultCode::kFailure;
+            ReportChanges(*list);
+            return ResultCode::kSuccess;
+        });
 }

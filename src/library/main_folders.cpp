@@ -1,6 +1,7 @@
 #include "library/main_folders.h"
 
 #include "core/list.h"
+#include "core/routine.h"
 #include "core/text.h"
 
 namespace kesta {
@@ -23,20 +24,23 @@ std::atomic<int32_t>* ChangeFlags::of(int32_t folderId) noexcept
     }
 }
 
-ResultCode DB_INTERNAL_LIB_UpdateMainFolderInfo(Connection& db, const MainFolderRecord& folder)
+namespace library {
+
+ResultCode UpdateMainFolderInfo(Connection& db, const MainFolderRecord& folder)
 {
     constexpr Trail trail("DB_INTERNAL_LIB_UpdateMainFolderInfo");
-    Sql sql = WideSql("UPDATE tLibMainFolder SET");
+    SqlText sql(db.textBuffer());
+    sql.append(WideSql("UPDATE tLibMainFolder SET"));
     const char* separator = " ";
     const auto add = [&]<class... Args>(const FormatFor<Name, Args...>& piece, const Args&... args) {
-        sql.append(piece, Name{separator}, args...);
+        sql.append(SqlOf<Name, Args...>(piece, Name{separator}, args...));
         separator = ", ";
     };
     if (folder.Number >= 0) add("%s[Number] = %d", folder.Number);
     if (folder.Size >= 0) add("%s[Size] = %I64d", folder.Size);
     if (!IsEmpty(folder.Setting)) add("%s[Setting] = '%s'", Escaped{folder.Setting});
     const bool anything = *separator == ',';
-    sql.append(" WHERE [ID] = %d;", folder.ID);
+    sql.append(WideSql(" WHERE [ID] = %d;", folder.ID));
     if (!anything) {
         trail.error(1);
         return ResultCode::kFailure;
@@ -69,24 +73,20 @@ const char* StatisticSql(int32_t folderId)
 
 }  // namespace
 
-ResultCode DB_INTERNAL_LIB_RefreshStatistic(Connection& db, int32_t folderId)
+ResultCode RefreshStatistic(Connection& db, int32_t folderId)
 {
-    constexpr Trail trail("DB_INTERNAL_LIB_RefreshStatistic");
+    Routine self(db, Trail("DB_INTERNAL_LIB_RefreshStatistic"));
     const char* sql = StatisticSql(folderId);
     if (sql == nullptr) return ResultCode::kFailure;
     MainFolderRecord folder = {folderId, 0, 0, nullptr, 0};
-    {
-        // The counted tables are another program's: without them the folder keeps its figures.
-        Statement rows = db.prepare(NarrowSql("%s", Name{sql}));
-        if (!rows.prepared()) {
-            trail.error(1);
-            return ResultCode::kFailure;
-        }
-        if (!rows.step()) return EndOfRows(rows.last());
-        folder.Number = rows.int32(0);
-        folder.Size = folderId == kMainFolderWebBookmark ? 0 : rows.int64(1);
-    }
-    return DB_INTERNAL_LIB_UpdateMainFolderInfo(db, folder);
+    bool counted = false;
+    // The counted tables are another program's: without them the folder keeps its figures.
+    const ResultCode result = self.first(1, NarrowSql("%s", Name{sql}), EndOfRows, [&](const Statement& row) {
+        folder.Number = row.int32(0);
+        folder.Size = folderId == kMainFolderWebBookmark ? 0 : row.int64(1);
+        counted = true;
+    });
+    return counted ? UpdateMainFolderInfo(db, folder) : result;
 }
 
 namespace {
@@ -102,27 +102,17 @@ void ReadMainFolder(const Statement& row, MainFolderRecord& folder)
 
 }  // namespace
 
-ResultCode DB_INTERNAL_LIB_GetAllMainFolders(Connection& db, MainFolderList& list)
+ResultCode GetAllMainFolders(Connection& db, MainFolderList& list)
 {
-    constexpr Trail trail("DB_INTERNAL_LIB_GetAllMainFolders");
-    int32_t count = 0;
-    {
-        Statement counting = db.prepare(NarrowSql("SELECT COUNT(*) FROM tLibMainFolder;"));
-        if (!counting.prepared()) {
-            trail.error(1);
-            return ResultCode::kFailure;
-        }
-        if (counting.step()) count = counting.int32(0);
-    }
-    if (count <= 0) return ResultCode::kSuccess;
+    Routine self(db, Trail("DB_INTERNAL_LIB_GetAllMainFolders"));
+    const std::optional<int32_t> count = self.count(1, NarrowSql("SELECT COUNT(*) FROM tLibMainFolder;"));
+    if (!count.has_value()) return ResultCode::kFailure;
+    if (*count <= 0) return ResultCode::kSuccess;
     EmptyList(list);
-    AllocateList(list, count);
-    Statement rows = db.prepare(NarrowSql("SELECT [ID], [Number], [Size], [Setting] FROM tLibMainFolder;"));
-    if (!rows.prepared()) {
-        trail.error(2);
-        return ResultCode::kFailure;
-    }
-    return FillList(list, count, rows, ReadMainFolder);
+    AllocateList(list, *count);
+    return self.query(2, NarrowSql("SELECT [ID], [Number], [Size], [Setting] FROM tLibMainFolder;"),
+                      [&](Statement& rows) { return FillList(list, *count, rows, ReadMainFolder); });
 }
 
+}  // namespace library
 }  // namespace kesta

@@ -32,12 +32,15 @@ struct Element<MainFolderRecord> {
     static void destroy(MainFolderRecord& folder) { FreeText(folder.Setting); }
 };
 
-ResultCode DB_INTERNAL_LIB_UpdateMainFolderInfo(Connection& db, const MainFolderRecord& folder);
+namespace library {
+
+ResultCode UpdateMainFolderInfo(Connection& db, const MainFolderRecord& folder);
 
 /// Counts the items of one main folder anew and writes number and size.
-ResultCode DB_INTERNAL_LIB_RefreshStatistic(Connection& db, int32_t folderId);
+ResultCode RefreshStatistic(Connection& db, int32_t folderId);
 
 /// Replaces what the list holds, unless there are no folders.
-ResultCode DB_INTERNAL_LIB_GetAllMainFolders(Connection& db, MainFolderList& list);
+ResultCode GetAllMainFolders(Connection& db, MainFolderList& list);
 
+}  // namespace library
 }  // namespace kesta

@@ -17,33 +17,28 @@ struct LocalMainFolders {
 };
 
 /// Gives a new phone a row for every main folder, none of them selected.
-void AddSyncContents(Connection& db, Trail trail, int32_t phoneId)
+void AddSyncContents(Routine self, int32_t phoneId)
 {
     constexpr int32_t kNotSelected = 0;
     LocalMainFolders folders;
-    if (DB_INTERNAL_LIB_GetAllMainFolders(db, folders.list) != ResultCode::kSuccess) return;
+    if (library::GetAllMainFolders(self.db, folders.list) != ResultCode::kSuccess) return;
     for (int32_t i = 0; i < folders.list.Count; ++i) {
-        const SqliteCode inserted =
-            db.exec(NarrowSql("INSERT INTO tSyncContents ([phoneID], [lfID], [Selected]) VALUES (%d, %d, %d);", phoneId,
-                              folders.list.Items[i].ID, kNotSelected));
-        if (inserted != SqliteCode::kOk) trail.error(2);
+        (void)self.run(2, NarrowSql("INSERT INTO tSyncContents ([phoneID], [lfID], [Selected]) VALUES (%d, %d, %d);",
+                                    phoneId, folders.list.Items[i].ID, kNotSelected));
     }
 }
 
-int32_t DetectPhone(Connection& db, Trail trail, const DbChar* imei, const DbChar* name)
+int32_t DetectPhone(Routine self, const DbChar* imei, const DbChar* name)
 {
-    if (const int32_t known = GetPhoneIdByImei(db, imei); known != kNoPhone) return known;
+    if (const int32_t known = GetPhoneIdByImei(self.db, imei); known != kNoPhone) return known;
     // Of two identities joined by a colon the first becomes the second IMEI.
     const Escaped firstIdentity = {imei, static_cast<DbChar>(':')};
-    const SqliteCode inserted =
-        db.exec(WideSql("INSERT INTO tPhone ([IMEI], [IMEI2], [Name]) \t\t\t\tVALUES ('%s', '%s', '%s');",
-                        Escaped{imei}, firstIdentity, Escaped{name}));
-    if (inserted != SqliteCode::kOk) {
-        trail.error(1);
-        return kNoPhone;
-    }
-    const auto phoneId = static_cast<int32_t>(db.lastInsertRowId());
-    AddSyncContents(db, trail, phoneId);
+    const ResultCode inserted =
+        self.run(1, WideSql("INSERT INTO tPhone ([IMEI], [IMEI2], [Name]) \t\t\t\tVALUES ('%s', '%s', '%s');",
+                            Escaped{imei}, firstIdentity, Escaped{name}));
+    if (inserted != ResultCode::kSuccess) return kNoPhone;
+    const auto phoneId = static_cast<int32_t>(self.db.lastInsertRowId());
+    AddSyncContents(self, phoneId);
     return phoneId;
 }
 
@@ -52,32 +47,32 @@ int32_t DetectPhone(Connection& db, Trail trail, const DbChar* imei, const DbCha
 extern "C" int32_t DB_LIB_PhoneDetected(const DbChar* imei, const DbChar* name)
 {
     static constexpr ExitFormat kExit = "Exit %s() with PhoneID = %d.\n";
-    static constexpr Export kSelf = {"DB_LIB_PhoneDetected", kNoPhone, &kExit};
+    static constexpr Export kSelf = {__func__, kNoPhone, &kExit};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(IMEI: %s, Name: %s).\n", Name{kSelf.name}, Plain{imei}, Plain{name}); },
-        [&](Connection& db) { return DetectPhone(db, Trail(kSelf.name), imei, name); });
+        [&](Routine self) { return DetectPhone(self, imei, name); });
 }
 
 extern "C" int32_t DB_LIB_SetPhoneSetting(const PhoneSettingRecord* record)
 {
-    static constexpr Export kSelf = {"DB_LIB_SetPhoneSetting"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(record); },
-        [&](Connection& db) { return SetPhoneSetting(db, Trail(kSelf.name), *record); });
+        [&](Routine self) { return library::SetPhoneSetting(self, *record); });
 }
 
 extern "C" int32_t DB_LIB_GetPhoneSetting(const DbChar* imei, PhoneSettingRecord* record)
 {
-    static constexpr Export kSelf = {"DB_LIB_GetPhoneSetting"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { ResetPhoneSetting(Required(record)); },
-        [&](Connection& db) { return GetPhoneSetting(db, Trail(kSelf.name), imei, *record); });
+        [&](Routine self) { return library::GetPhoneSetting(self, imei, *record); });
 }
 
 extern "C" int32_t DB_LIB_GetAllPhones(PhoneList* list)
 {
-    static constexpr Export kSelf = {"DB_LIB_GetAllPhones"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { EmptyList(Required(list)); },
-        [&](Connection& db) { return GetAllPhones(db, Trail(kSelf.name), *list); });
+        [&](Routine self) { return library::GetAllPhones(self, *list); });
 }

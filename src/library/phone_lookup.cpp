@@ -14,13 +14,13 @@ int32_t FirstInt(Statement rows, int32_t otherwise)
 
 int32_t GetPhoneIdByImei(Connection& db, const DbChar* imei)
 {
-    return FirstInt(db.prepareKept(NarrowSql("SELECT [ID] FROM tPhone WHERE  [IMEI] = '%s';", Ansi{imei})), kNoPhone);
+    return FirstInt(db.prepare(NarrowSql("SELECT [ID] FROM tPhone WHERE  [IMEI] = '%s';", Ansi{imei})), kNoPhone);
 }
 
 int32_t GetBookMarkTypeByImei(Connection& db, const DbChar* imei)
 {
     constexpr int32_t kNoType = 0;
-    return FirstInt(db.prepareKept(NarrowSql("SELECT [BookMarkType] FROM tPhone WHERE  [IMEI] = '%s';", Ansi{imei})),
+    return FirstInt(db.prepare(NarrowSql("SELECT [BookMarkType] FROM tPhone WHERE  [IMEI] = '%s';", Ansi{imei})),
                     kNoType);
 }
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "core/connection.h"
+#include "core/routine.h"
 
 namespace kesta {
 
@@ -18,5 +18,14 @@ int32_t GetBookMarkTypeByImei(Connection& db, const DbChar* imei);
 
 /// The [Flag] of a folder or playlist; 0 when there is no such row or it cannot be looked up.
 int32_t GetPathFlag(Connection& db, int32_t phoneId, Name folderTable, const DbChar* path);
+
+/// What `body(phoneId)` comes to; failure when the phone is not known.
+template <class Body>
+auto ForPhone(Routine self, const DbChar* imei, Body&& body) -> decltype(body(kNoPhone))
+{
+    const int32_t phoneId = GetPhoneIdByImei(self.db, imei);
+    if (phoneId == kNoPhone) return ResultCode::kFailure;
+    return body(phoneId);
+}
 
 }  // namespace kesta

@@ -19,9 +19,12 @@ void ResetPhoneSetting(PhoneSettingRecord& phone) noexcept
 // The blanks and tabs within the statements are content.
 // clang-format off
 
-ResultCode SetPhoneSetting(Connection& db, Trail trail, const PhoneSettingRecord& phone)
+namespace library {
+
+ResultCode SetPhoneSetting(Routine self, const PhoneSettingRecord& phone)
 {
-    Sql sql = WideSql(
+    SqlText sql(self.db.textBuffer());
+    sql.append(WideSql(
         "UPDATE tPhone SET [AutoSync] = %d, [AutoBackup] = %d, [AllowWifi] = %d, "
         "\t\t\t\t[ContactPreferSide] = %d, [CalendarPreferSide] = %d, [ContactPim] = %d, [CalPim] = %d, "
         "\t\t\t\t[CalPeriod] = %d, [CalStart] = '%s', [CalEnd] = '%s', [BookMarkType] = %d, "
@@ -31,9 +34,9 @@ ResultCode SetPhoneSetting(Connection& db, Trail trail, const PhoneSettingRecord
         phone.ContactPreferSide, phone.CalendarPreferSide, phone.ContactPim, phone.CalPim,
         phone.CalPeriod, FormatDateTime(phone.CalStart), FormatDateTime(phone.CalEnd), phone.BookMarkType,
         phone.SyncDocFromFolder, phone.SyncDocFromPhone, phone.SyncPhotoFromFolder,
-        phone.SyncPhotoFromPhone, phone.SyncMusicFromFolder, phone.SyncMusicFromPlayer, phone.SyncMusicAll);
+        phone.SyncPhotoFromPhone, phone.SyncMusicFromFolder, phone.SyncMusicFromPlayer, phone.SyncMusicAll));
     const auto addIfGiven = [&](const Format<Escaped>& piece, const DbChar* text) {
-        if (text != nullptr) sql.append(piece, Escaped{text});
+        if (text != nullptr) sql.append(SqlOf<Escaped>(piece, Escaped{text}));
     };
     addIfGiven(", [WifiMAC] = '%s'", phone.WifiMAC);
     addIfGiven(", [Name] = '%s'", phone.Name);
@@ -44,9 +47,9 @@ ResultCode SetPhoneSetting(Connection& db, Trail trail, const PhoneSettingRecord
     addIfGiven(", [CalendarFolderId] = '%s'", phone.CalendarFolderId);
     addIfGiven(", [ContactProfile] = '%s'", phone.ContactProfile);
     addIfGiven(", [CalendarProfile] = '%s'", phone.CalendarProfile);
-    sql.append(" WHERE [IMEI] = '%s';", Escaped{phone.IMEI});
-    if (db.exec(sql) != SqliteCode::kOk) {
-        trail.error(1);
+    sql.append(WideSql(" WHERE [IMEI] = '%s';", Escaped{phone.IMEI}));
+    if (self.db.exec(sql) != SqliteCode::kOk) {
+        self.trail.error(1);
         return ResultCode::kFailure;
     }
     return ResultCode::kSuccess;
@@ -109,29 +112,23 @@ void ReadPhone(const Statement& row, PhoneSettingRecord& phone)
 
 }  // namespace
 
-ResultCode GetPhoneSetting(Connection& db, Trail trail, const DbChar* imei, PhoneSettingRecord& phone)
+ResultCode GetPhoneSetting(Routine self, const DbChar* imei, PhoneSettingRecord& phone)
 {
-    Statement rows = db.prepare(NarrowSql(kSelectOne, Ansi{imei}));
-    if (!rows.prepared()) {
-        trail.error(1);
-        return ResultCode::kFailure;
-    }
-    if (!rows.step()) return ResultCode::kFailure;
-    phone.IMEI = DuplicateText(imei);
-    int column = ReadSettings(rows, phone, 0);
-    phone.NeedMount = rows.int32(column++);
-    phone.ContactFolderId = rows.newText(column++);
-    phone.CalendarFolderId = rows.newText(column++);
-    phone.ContactProfile = rows.newText(column++);
-    phone.CalendarProfile = rows.newText(column++);
-    return ResultCode::kSuccess;
+    return self.first(1, NarrowSql(kSelectOne, Ansi{imei}), NoRowIsFailure, [&](const Statement& row) {
+        phone.IMEI = DuplicateText(imei);
+        int column = ReadSettings(row, phone, 0);
+        phone.NeedMount = row.int32(column++);
+        phone.ContactFolderId = row.newText(column++);
+        phone.CalendarFolderId = row.newText(column++);
+        phone.ContactProfile = row.newText(column++);
+        phone.CalendarProfile = row.newText(column++);
+    });
 }
 
-ResultCode GetAllPhones(Connection& db, Trail trail, PhoneList& list)
+ResultCode GetAllPhones(Routine self, PhoneList& list)
 {
-    return ReadList(
-        db, trail, list, [] { return NarrowSql("SELECT COUNT(*) FROM tPhone;"); }, [] { return NarrowSql(kSelectAll); },
-        ReadPhone);
+    return ReadList(self, list, NarrowSql("SELECT COUNT(*) FROM tPhone;"), NarrowSql(kSelectAll), ReadPhone);
 }
 
+}  // namespace library
 }  // namespace kesta

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "core/caller_memory.h"
-#include "core/connection.h"
-#include "core/results.h"
+#include "core/routine.h"
 #include "kesta_db/kesta_db.h"
 
 namespace kesta {
@@ -17,12 +16,15 @@ struct Element<PhoneSettingRecord> {
     static void destroy(PhoneSettingRecord& phone) { ResetPhoneSetting(phone); }
 };
 
-ResultCode SetPhoneSetting(Connection& db, Trail trail, const PhoneSettingRecord& phone);
+namespace library {
+
+ResultCode SetPhoneSetting(Routine self, const PhoneSettingRecord& phone);
 
 /// Fills an empty record.
-ResultCode GetPhoneSetting(Connection& db, Trail trail, const DbChar* imei, PhoneSettingRecord& phone);
+ResultCode GetPhoneSetting(Routine self, const DbChar* imei, PhoneSettingRecord& phone);
 
 /// Fills an empty list.
-ResultCode GetAllPhones(Connection& db, Trail trail, PhoneList& list);
+ResultCode GetAllPhones(Routine self, PhoneList& list);
 
+}  // namespace library
 }  // namespace kesta

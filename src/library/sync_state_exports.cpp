@@ -10,77 +10,58 @@ namespace {
 
 constexpr int32_t kSelected = 1;
 
-int32_t IsFolderSelected(Connection& db, Trail trail, const DbChar* imei, int32_t folderId)
+int32_t IsFolderSelected(Routine self, const DbChar* imei, int32_t folderId)
 {
     // An unknown phone is asked for too: no row has its number.
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    Statement rows = db.prepare(
-        NarrowSql("SELECT [Selected] FROM tSyncContents WHERE [phoneID] = %d AND [lfID] = %d;", phoneId, folderId));
-    if (!rows.prepared()) trail.error(1);
-    return rows.prepared() && rows.step() ? rows.int32(0) : kSelected;
+    const int32_t phoneId = GetPhoneIdByImei(self.db, imei);
+    return self.firstNumber(
+        1, NarrowSql("SELECT [Selected] FROM tSyncContents WHERE [phoneID] = %d AND [lfID] = %d;", phoneId, folderId),
+        kSelected);
 }
 
-ResultCode SetFolderSelected(Connection& db, Trail trail, const DbChar* imei, int32_t folderId, int32_t selected)
+ResultCode SetFolderSelected(Routine self, const DbChar* imei, int32_t folderId, int32_t selected)
 {
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    int32_t count = 0;
-    {
-        Statement counting = db.prepare(
+    return ForPhone(self, imei, [&](int32_t phoneId) {
+        const std::optional<int32_t> count = self.count(
+            1,
             NarrowSql("SELECT COUNT(*) FROM tSyncContents WHERE [phoneID] = %d AND [lfID] = %d;", phoneId, folderId));
-        if (!counting.prepared()) {
-            trail.error(1);
-            return ResultCode::kFailure;
+        if (!count.has_value()) return ResultCode::kFailure;
+        if (*count < 1) {
+            return self.run(
+                3, NarrowSql("INSERT INTO tSyncContents ([phoneID], [lfID], [Selected]) VALUES (%d, %d, %d);", phoneId,
+                             folderId, selected));
         }
-        if (counting.step()) count = counting.int32(0);
-    }
-    if (count < 1) {
-        const SqliteCode inserted =
-            db.exec(NarrowSql("INSERT INTO tSyncContents ([phoneID], [lfID], [Selected]) VALUES (%d, %d, %d);", phoneId,
-                              folderId, selected));
-        if (inserted == SqliteCode::kOk) return ResultCode::kSuccess;
-        trail.error(3);
-        return ResultCode::kFailure;
-    }
-    const SqliteCode updated = db.exec(NarrowSql(
-        "UPDATE tSyncContents SET [Selected] = %d WHERE [phoneID] = %d AND [lfID] = %d;", selected, phoneId, folderId));
-    if (updated == SqliteCode::kOk) return ResultCode::kSuccess;
-    trail.error(2);
-    return ResultCode::kFailure;
+        return self.run(2, NarrowSql("UPDATE tSyncContents SET [Selected] = %d WHERE [phoneID] = %d AND [lfID] = %d;",
+                                     selected, phoneId, folderId));
+    });
 }
 
-ResultCode SetLastSyncTime(Connection& db, Trail trail, const DbChar* imei, const DateValue& lastTime, int32_t errCode,
+ResultCode SetLastSyncTime(Routine self, const DbChar* imei, const DateValue& lastTime, int32_t errCode,
                            int32_t needMount)
 {
     // Deliberate: day zero is the mark for "no time", whatever its status.
     if (lastTime.Days == 0.0) {
-        return trail.check(db.exec(NarrowSql("UPDATE tPhone SET [ErrCode] = %d, [NeedMount] = %d WHERE [IMEI] = '%s';",
-                                             errCode, needMount, Ansi{imei})),
-                           1);
+        return self.run(1, NarrowSql("UPDATE tPhone SET [ErrCode] = %d, [NeedMount] = %d WHERE [IMEI] = '%s';", errCode,
+                                     needMount, Ansi{imei}));
     }
-    return trail.check(
-        db.exec(NarrowSql("UPDATE tPhone SET [LastTime] = '%s', [ErrCode] = %d, [NeedMount] = %d WHERE [IMEI] = '%s';",
-                          FormatDateTime(lastTime), errCode, needMount, Ansi{imei})),
-        1);
+    return self.run(
+        1, NarrowSql("UPDATE tPhone SET [LastTime] = '%s', [ErrCode] = %d, [NeedMount] = %d WHERE [IMEI] = '%s';",
+                     FormatDateTime(lastTime), errCode, needMount, Ansi{imei}));
 }
 
-ResultCode GetLastSyncTime(Connection& db, Trail trail, const DbChar* imei, DateValue& lastTime)
+ResultCode GetLastSyncTime(Routine self, const DbChar* imei, DateValue& lastTime)
 {
-    Statement rows = db.prepare(NarrowSql("SELECT DATETIME([LastTime]) FROM tPhone WHERE [IMEI] = '%s';", Ansi{imei}));
-    if (!rows.prepared()) trail.error(1);
-    if (!rows.prepared() || !rows.step()) return ResultCode::kFailure;
-    lastTime = rows.date(0);
-    return ResultCode::kSuccess;
+    return self.first(1, NarrowSql("SELECT DATETIME([LastTime]) FROM tPhone WHERE [IMEI] = '%s';", Ansi{imei}),
+                      NoRowIsFailure, [&](const Statement& row) { lastTime = row.date(0); });
 }
 
-ResultCode GetSDType(Connection& db, Trail trail, const DbChar* imei, int32_t& type, int32_t& oldType)
+ResultCode GetSDType(Routine self, const DbChar* imei, int32_t& type, int32_t& oldType)
 {
-    Statement rows = db.prepare(NarrowSql("SELECT [SDType], [SDOldType] FROM tPhone WHERE [IMEI] = '%s';", Ansi{imei}));
-    if (!rows.prepared()) trail.error(1);
-    if (!rows.prepared() || !rows.step()) return ResultCode::kFailure;
-    type = rows.int32(0);
-    oldType = rows.int32(1);
-    return ResultCode::kSuccess;
+    return self.first(1, NarrowSql("SELECT [SDType], [SDOldType] FROM tPhone WHERE [IMEI] = '%s';", Ansi{imei}),
+                      NoRowIsFailure, [&](const Statement& row) {
+                          type = row.int32(0);
+                          oldType = row.int32(1);
+                      });
 }
 
 }  // namespace
@@ -88,82 +69,80 @@ ResultCode GetSDType(Connection& db, Trail trail, const DbChar* imei, int32_t& t
 extern "C" int32_t DB_LIB_IsFolderSelected(const DbChar* imei, int32_t folderId)
 {
     static constexpr ExitFormat kExit = "Exit %s() with bSelected = %d.\n";
-    static constexpr Export kSelf = {"DB_LIB_IsFolderSelected", kSelected, &kExit};
+    static constexpr Export kSelf = {__func__, kSelected, &kExit};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(IMEI: %s, FolderID: %d).\n", Name{kSelf.name}, Plain{imei}, folderId); },
-        [&](Connection& db) { return IsFolderSelected(db, Trail(kSelf.name), imei, folderId); });
+        [&](Routine self) { return IsFolderSelected(self, imei, folderId); });
 }
 
 extern "C" int32_t DB_LIB_SetFolderSelected(const DbChar* imei, int32_t folderId, int32_t selected)
 {
-    static constexpr Export kSelf = {"DB_LIB_SetFolderSelected"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf,
         [&] {
             DbTrace("Enter %s(IMEI: %s, FolderID: %d, bSelected: %d).\n", Name{kSelf.name}, Plain{imei}, folderId,
                     selected);
         },
-        [&](Connection& db) { return SetFolderSelected(db, Trail(kSelf.name), imei, folderId, selected); });
+        [&](Routine self) { return SetFolderSelected(self, imei, folderId, selected); });
 }
 
 extern "C" int32_t DB_LIB_SetLastSyncTime(const DbChar* imei, const DateValue* lastTime, int32_t errCode,
                                           int32_t needMount)
 {
-    static constexpr Export kSelf = {"DB_LIB_SetLastSyncTime"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf,
         [&] {
             DbTrace("Enter %s(IMEI: %s, LastTime: %s, iErrCode: %d).\n", Name{kSelf.name}, Plain{imei},
                     LocaleDate{Required(lastTime)}, errCode);
         },
-        [&](Connection& db) { return SetLastSyncTime(db, Trail(kSelf.name), imei, *lastTime, errCode, needMount); });
+        [&](Routine self) { return SetLastSyncTime(self, imei, *lastTime, errCode, needMount); });
 }
 
 extern "C" int32_t DB_LIB_GetLastSyncTime(const DbChar* imei, DateValue* lastTime)
 {
-    static constexpr Export kSelf = {"DB_LIB_GetLastSyncTime"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { TraceEnter(kSelf.name, imei); }, [&] { (void)Required(lastTime); },
-        [&](Connection& db) { return GetLastSyncTime(db, Trail(kSelf.name), imei, *lastTime); });
+        [&](Routine self) { return GetLastSyncTime(self, imei, *lastTime); });
 }
 
 extern "C" int32_t DB_LIB_SetSDType(const DbChar* imei, int32_t type, int32_t oldType)
 {
-    static constexpr Export kSelf = {"DB_LIB_SetSDType"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf,
         [&] { DbTrace("Enter %s(IMEI: %s, Type: %d, OldType: %d).\n", Name{kSelf.name}, Plain{imei}, type, oldType); },
-        [&](Connection& db) {
-            return Trail(kSelf.name)
-                .check(db.exec(NarrowSql("UPDATE tPhone SET [SDType] = %d, [SDOldType] = %d WHERE [IMEI] = '%s';", type,
-                                         oldType, Ansi{imei})),
-                       1);
+        [&](Routine self) {
+            return self.run(1, NarrowSql("UPDATE tPhone SET [SDType] = %d, [SDOldType] = %d WHERE [IMEI] = '%s';", type,
+                                         oldType, Ansi{imei}));
         });
 }
 
 extern "C" int32_t DB_LIB_GetSDType(const DbChar* imei, int32_t* type, int32_t* oldType)
 {
-    static constexpr Export kSelf = {"DB_LIB_GetSDType"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { TraceEnter(kSelf.name, imei); },
         [&] {
             (void)Required(type);
             (void)Required(oldType);
         },
-        [&](Connection& db) { return GetSDType(db, Trail(kSelf.name), imei, *type, *oldType); });
+        [&](Routine self) { return GetSDType(self, imei, *type, *oldType); });
 }
 
 extern "C" int32_t DB_LIB_ClearSyncHistory(const DbChar* imei)
 {
     // Deliberate: no exit line, and success whatever became of the tables.
-    static constexpr Export kSelf = {"DB_LIB_ClearSyncHistory", static_cast<int32_t>(ResultCode::kSuccess), nullptr};
+    static constexpr Export kSelf = {__func__, static_cast<int32_t>(ResultCode::kSuccess), nullptr};
     return RunExport(
         kSelf, [&] { TraceEnter(kSelf.name, imei); },
-        [&](Connection& db) {
-            const int32_t phoneId = GetPhoneIdByImei(db, imei);
+        [&](Routine self) {
+            const int32_t phoneId = GetPhoneIdByImei(self.db, imei);
             if (phoneId == kNoPhone) return ResultCode::kSuccess;
             for (const char* table : {"tDFile", "tIFile", "tVFile", "tMFile", "tPFile"}) {
-                (void)DB_INTERNAL_ClearTable4Phone(db, phoneId, Name{table});
+                (void)library::ClearTable4Phone(self.db, phoneId, Name{table});
             }
             return ResultCode::kSuccess;
         });

@@ -1,23 +1,19 @@
 #include "library/tables.h"
 
-#include "core/trace.h"
+#include "core/routine.h"
 
-namespace kesta {
+namespace kesta::library {
 
-ResultCode DB_INTERNAL_ClearTable4Phone(Connection& db, int32_t phoneId, Name table)
+ResultCode ClearTable4Phone(Connection& db, int32_t phoneId, Name table)
 {
-    if (db.exec(NarrowSql("DELETE FROM %s WHERE [PhoneID] = %d;", table, phoneId)) == SqliteCode::kOk) {
-        return ResultCode::kSuccess;
-    }
-    Trail("DB_INTERNAL_ClearTable4Phone").error(1);
-    return ResultCode::kFailure;
+    Routine self(db, Trail("DB_INTERNAL_ClearTable4Phone"));
+    return self.run(1, NarrowSql("DELETE FROM %s WHERE [PhoneID] = %d;", table, phoneId));
 }
 
-ResultCode DB_INTERNAL_ClearTable(Connection& db, Name table)
+ResultCode ClearTable(Connection& db, Name table)
 {
-    const SqliteCode deleted = db.exec(NarrowSql("DELETE FROM %s;", table));
-    if (deleted != SqliteCode::kOk) Trail("DB_INTERNAL_ClearTable").error(1);
-    return PassThrough(deleted);
+    Routine self(db, Trail("DB_INTERNAL_ClearTable"));
+    return PassThrough(self.exec(1, NarrowSql("DELETE FROM %s;", table)));
 }
 
-}  // namespace kesta
+}  // namespace kesta::library

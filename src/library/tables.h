@@ -6,12 +6,12 @@
 #include "core/connection.h"
 #include "core/results.h"
 
-namespace kesta {
+namespace kesta::library {
 
 /// Removes all rows of a phone from a table.
-ResultCode DB_INTERNAL_ClearTable4Phone(Connection& db, int32_t phoneId, Name table);
+ResultCode ClearTable4Phone(Connection& db, int32_t phoneId, Name table);
 
 /// Removes all rows of a table. The result is SQLite's own code.
-ResultCode DB_INTERNAL_ClearTable(Connection& db, Name table);
+ResultCode ClearTable(Connection& db, Name table);
 
-}  // namespace kesta
+}  // namespace kesta::library

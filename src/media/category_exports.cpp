@@ -16,7 +16,7 @@ int32_t AddFolder(const char* name, const Category& category, const DbChar* imei
 {
     return RunThinExport(
         name, [&] { TraceEnter(name, imei, Required(folder).Path); },
-        [&] { return DB_INTERNAL_AddFolder(imei, category.folderTable, *folder); });
+        [&] { return media::AddFolder(imei, category.tables, *folder); });
 }
 
 int32_t ClearAll(const char* name, const Category& category, const DbChar* imei)
@@ -24,7 +24,7 @@ int32_t ClearAll(const char* name, const Category& category, const DbChar* imei)
     constexpr int32_t kDeleted = 1;
     return RunThinExport(
         name, [&] { TraceEnter(name, imei); },
-        [&] { return DB_INTERNAL_SetFoldersState(imei, category.folderTable, Name{"[Deleted]"}, kDeleted); });
+        [&] { return media::SetFoldersState(imei, category.tables, Name{"[Deleted]"}, kDeleted); });
 }
 
 int32_t GetFolders(const char* name, const Category& category, const DbChar* imei, FolderList* list)
@@ -35,7 +35,7 @@ int32_t GetFolders(const char* name, const Category& category, const DbChar* ime
             EmptyList(Required(list));
             TraceEnter(name, imei);
         },
-        [&] { return DB_INTERNAL_GetFolders(imei, category.folderTable, *list, FolderOrder::kAddTime); });
+        [&] { return media::GetFolders(imei, category.tables, *list, media::FolderOrder::kAddTime); });
 }
 
 /// Deliberate: RowId, Selected, Deleted and AddTime stay as the caller gave them.
@@ -57,14 +57,14 @@ int32_t GetFolder(const char* name, const Category& category, const DbChar* imei
             ResetFolder(Required(folder));
             TraceEnter(name, imei, path);
         },
-        [&] { return DB_INTERNAL_GetFolder(imei, category.folderTable, path, *folder); });
+        [&] { return media::GetFolder(imei, category.tables, path, *folder); });
 }
 
 int32_t IsFolderSelected(const char* name, const Category& category, const DbChar* imei, const DbChar* path)
 {
     return RunThinExport(
         name, [&] { TraceEnter(name, imei, path); },
-        [&] { return DB_INTERNAL_IsFolderSelected(imei, category.folderView, path); });
+        [&] { return media::IsFolderSelected(imei, category.tables, path); });
 }
 
 int32_t SetFolderSelected(const char* name, const Category& category, const DbChar* imei, const DbChar* path,
@@ -75,14 +75,14 @@ int32_t SetFolderSelected(const char* name, const Category& category, const DbCh
         [&] {
             DbTrace("Enter %s(IMEI: %s, Path: %s, Selected: %d).\n", Name{name}, Plain{imei}, Plain{path}, selected);
         },
-        [&] { return DB_INTERNAL_SetFolderSelected(imei, category.folderTable, path, selected); });
+        [&] { return media::SetFolderSelected(imei, category.tables, path, selected); });
 }
 
 int32_t IsFolderDeleted(const char* name, const Category& category, const DbChar* imei, const DbChar* path)
 {
     return RunThinExport(
         name, [&] { TraceEnter(name, imei, path); },
-        [&] { return DB_INTERNAL_IsFolderDeleted(imei, category.folderView, path); });
+        [&] { return media::IsFolderDeleted(imei, category.tables, path); });
 }
 
 int32_t SetFolderDeleted(const char* name, const Category& category, const DbChar* imei, const DbChar* path,
@@ -90,7 +90,7 @@ int32_t SetFolderDeleted(const char* name, const Category& category, const DbCha
 {
     return RunThinExport(
         name, [&] { DbTrace(category.enterSetFolderDeleted, Name{name}, Plain{imei}, Plain{path}, deleted); },
-        [&] { return DB_INTERNAL_SetFolderDeleted(imei, category.folderTable, path, deleted); });
+        [&] { return media::SetFolderDeleted(imei, category.tables, path, deleted); });
 }
 
 int32_t GetSyncedFiles(const char* name, const Category& category, const DbChar* imei, const DbChar* folder,
@@ -102,14 +102,14 @@ int32_t GetSyncedFiles(const char* name, const Category& category, const DbChar*
             EmptyList(Required(list));
             DbTrace("Enter %s(IMEI: %s, Folder: %s).\n", Name{name}, Plain{imei}, Plain{folder});
         },
-        [&] { return DB_INTERNAL_GetSyncedFiles(imei, category.fileView, folder, *list); });
+        [&] { return media::GetSyncedFiles(imei, category.tables, folder, *list); });
 }
 
 int32_t SetDeletedFolder(const char* name, const Category& category, const DbChar* imei, const DbChar* path)
 {
     return RunThinExport(
         name, [&] { TraceEnter(name, imei, path); },
-        [&] { return DB_INTERNAL_SetDeletedFolder(imei, category.folderTable, path, Deletion::kNow); });
+        [&] { return media::SetDeletedFolder(imei, category.tables, path, media::Deletion::kNow); });
 }
 
 }  // namespace
@@ -118,64 +118,62 @@ int32_t SetDeletedFolder(const char* name, const Category& category, const DbCha
 using namespace kesta;
 
 // Only stamps out the names that must exist.
-#define CATEGORY_EXPORTS(FAMILY, kCategory)                                                                            \
-    int32_t DB_##FAMILY##_AddFolder(const DbChar* imei, const FolderRecord* folder)                                    \
-    {                                                                                                                  \
-        return category::AddFolder("DB_" #FAMILY "_AddFolder", kCategory, imei, folder);                               \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_ClearAll(const DbChar* imei)                                                                 \
-    {                                                                                                                  \
-        return category::ClearAll("DB_" #FAMILY "_ClearAll", kCategory, imei);                                         \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_GetFolders(const DbChar* imei, FolderList* list)                                             \
-    {                                                                                                                  \
-        return category::GetFolders("DB_" #FAMILY "_GetFolders", kCategory, imei, list);                               \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_GetFolder(const DbChar* imei, const DbChar* path, FolderRecord* folder)                      \
-    {                                                                                                                  \
-        return category::GetFolder("DB_" #FAMILY "_GetFolder", kCategory, imei, path, folder);                         \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_IsFolderSelected(const DbChar* imei, const DbChar* path)                                     \
-    {                                                                                                                  \
-        return category::IsFolderSelected("DB_" #FAMILY "_IsFolderSelected", kCategory, imei, path);                   \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_SetFolderSelected(const DbChar* imei, const DbChar* path, int32_t selected)                  \
-    {                                                                                                                  \
-        return category::SetFolderSelected("DB_" #FAMILY "_SetFolderSelected", kCategory, imei, path, selected);       \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_IsFolderDeleted(const DbChar* imei, const DbChar* path)                                      \
-    {                                                                                                                  \
-        return category::IsFolderDeleted("DB_" #FAMILY "_IsFolderDeleted", kCategory, imei, path);                     \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_SetFolderDeleted(const DbChar* imei, const DbChar* path, int32_t deleted)                    \
-    {                                                                                                                  \
-        return category::SetFolderDeleted("DB_" #FAMILY "_SetFolderDeleted", kCategory, imei, path, deleted);          \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_IsSyncedFile(const DbChar* imei, const DbChar* path, SyncedFileRecord* file)                 \
-    {                                                                                                                  \
-        return IsSyncedFile("DB_" #FAMILY "_IsSyncedFile", (kCategory).fileView, imei, path, file);                    \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_GetSyncedFiles(const DbChar* imei, const DbChar* folder, SyncedFileList* list)               \
-    {                                                                                                                  \
-        return category::GetSyncedFiles("DB_" #FAMILY "_GetSyncedFiles", kCategory, imei, folder, list);               \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_SetAddedFile(const DbChar* imei, const SyncedFileRecord* file)                               \
-    {                                                                                                                  \
-        return RecordFile("DB_" #FAMILY "_SetAddedFile", DB_INTERNAL_SetAddedFile, (kCategory).fileTable, imei, file); \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_SetDeletedFile(const DbChar* imei, const SyncedFileRecord* file)                             \
-    {                                                                                                                  \
-        return RecordFile("DB_" #FAMILY "_SetDeletedFile", DB_INTERNAL_SetDeletedFile, (kCategory).fileTable, imei,    \
-                          file);                                                                                       \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_SetUpdatedFile(const DbChar* imei, const SyncedFileRecord* file)                             \
-    {                                                                                                                  \
-        return RecordFile("DB_" #FAMILY "_SetUpdatedFile", DB_INTERNAL_SetUpdatedFile, (kCategory).fileTable, imei,    \
-                          file);                                                                                       \
-    }                                                                                                                  \
-    int32_t DB_##FAMILY##_SetDeletedFolder(const DbChar* imei, const DbChar* path)                                     \
-    {                                                                                                                  \
-        return category::SetDeletedFolder("DB_" #FAMILY "_SetDeletedFolder", kCategory, imei, path);                   \
+#define CATEGORY_EXPORTS(FAMILY, kCategory)                                                              \
+    int32_t DB_##FAMILY##_AddFolder(const DbChar* imei, const FolderRecord* folder)                      \
+    {                                                                                                    \
+        return category::AddFolder(__func__, kCategory, imei, folder);                                   \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_ClearAll(const DbChar* imei)                                                   \
+    {                                                                                                    \
+        return category::ClearAll(__func__, kCategory, imei);                                            \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_GetFolders(const DbChar* imei, FolderList* list)                               \
+    {                                                                                                    \
+        return category::GetFolders(__func__, kCategory, imei, list);                                    \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_GetFolder(const DbChar* imei, const DbChar* path, FolderRecord* folder)        \
+    {                                                                                                    \
+        return category::GetFolder(__func__, kCategory, imei, path, folder);                             \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_IsFolderSelected(const DbChar* imei, const DbChar* path)                       \
+    {                                                                                                    \
+        return category::IsFolderSelected(__func__, kCategory, imei, path);                              \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_SetFolderSelected(const DbChar* imei, const DbChar* path, int32_t selected)    \
+    {                                                                                                    \
+        return category::SetFolderSelected(__func__, kCategory, imei, path, selected);                   \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_IsFolderDeleted(const DbChar* imei, const DbChar* path)                        \
+    {                                                                                                    \
+        return category::IsFolderDeleted(__func__, kCategory, imei, path);                               \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_SetFolderDeleted(const DbChar* imei, const DbChar* path, int32_t deleted)      \
+    {                                                                                                    \
+        return category::SetFolderDeleted(__func__, kCategory, imei, path, deleted);                     \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_IsSyncedFile(const DbChar* imei, const DbChar* path, SyncedFileRecord* file)   \
+    {                                                                                                    \
+        return IsSyncedFile(__func__, (kCategory).tables, imei, path, file);                             \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_GetSyncedFiles(const DbChar* imei, const DbChar* folder, SyncedFileList* list) \
+    {                                                                                                    \
+        return category::GetSyncedFiles(__func__, kCategory, imei, folder, list);                        \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_SetAddedFile(const DbChar* imei, const SyncedFileRecord* file)                 \
+    {                                                                                                    \
+        return RecordFile(__func__, media::SetAddedFile, (kCategory).tables, imei, file);                \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_SetDeletedFile(const DbChar* imei, const SyncedFileRecord* file)               \
+    {                                                                                                    \
+        return RecordFile(__func__, media::SetDeletedFile, (kCategory).tables, imei, file);              \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_SetUpdatedFile(const DbChar* imei, const SyncedFileRecord* file)               \
+    {                                                                                                    \
+        return RecordFile(__func__, media::SetUpdatedFile, (kCategory).tables, imei, file);              \
+    }                                                                                                    \
+    int32_t DB_##FAMILY##_SetDeletedFolder(const DbChar* imei, const DbChar* path)                       \
+    {                                                                                                    \
+        return category::SetDeletedFolder(__func__, kCategory, imei, path);                              \
     }
 
 extern "C" {

@@ -9,7 +9,7 @@
 namespace kesta {
 
 /// ..._IsSyncedFile
-inline int32_t IsSyncedFile(const char* name, Name fileView, const DbChar* imei, const DbChar* path,
+inline int32_t IsSyncedFile(const char* name, const MediaTables& tables, const DbChar* imei, const DbChar* path,
                             SyncedFileRecord* file)
 {
     return RunThinExport(
@@ -18,17 +18,17 @@ inline int32_t IsSyncedFile(const char* name, Name fileView, const DbChar* imei,
             TraceEnter(name, imei, path);
             (void)Required(file);
         },
-        [&] { return DB_INTERNAL_IsSyncedFile(imei, fileView, path, *file); });
+        [&] { return media::IsSyncedFile(imei, tables, path, *file); });
 }
 
-using FileRoutine = ResultCode(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept;
+using FileRoutine = ResultCode(const DbChar* imei, const MediaTables& tables, const SyncedFileRecord& file) noexcept;
 
 /// ..._SetAddedFile, ..._SetDeletedFile and ..._SetUpdatedFile
-inline int32_t RecordFile(const char* name, FileRoutine& routine, Name fileTable, const DbChar* imei,
+inline int32_t RecordFile(const char* name, FileRoutine& routine, const MediaTables& tables, const DbChar* imei,
                           const SyncedFileRecord* file)
 {
     return RunThinExport(
-        name, [&] { TraceEnter(name, imei, Required(file).Path); }, [&] { return routine(imei, fileTable, *file); });
+        name, [&] { TraceEnter(name, imei, Required(file).Path); }, [&] { return routine(imei, tables, *file); });
 }
 
 }  // namespace kesta

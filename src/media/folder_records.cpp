@@ -6,27 +6,28 @@
 #include "library/phone_lookup.h"
 #include "media/folder_state.h"
 
-namespace kesta {
+namespace kesta::media {
 
-ResultCode DB_INTERNAL_AddFolder(const DbChar* imei, Name folderTable, const FolderRecord& folder) noexcept
+ResultCode AddFolder(const DbChar* imei, const MediaTables& tables, const FolderRecord& folder) noexcept
 {
-    return RunLocked(Trail("DB_INTERNAL_AddFolder"), ResultCode::kFailure, [&](Connection& db) {
-        const int32_t phoneId = GetPhoneIdByImei(db, imei);
-        if (phoneId == kNoPhone) return ResultCode::kFailure;
-        // Deliberate: every category raises the music mark.
-        MainFolderChangeFlags.music.store(1, std::memory_order_relaxed);
-        // A known folder keeps selection and flag; for it the insert then fails on the key. Neither shows in the
-        // result.
-        (void)db.exec(WideSql(
-            "UPDATE %s SET [Count] = %d, [Size] = %I64d, [TotalSize] = %I64d, [Sized] = %d, [Deleted] = 0 "
-            "WHERE [PhoneID] = %d AND [Path] = '%s';",
-            folderTable, folder.Count, folder.Size, folder.TotalSize, folder.Sized, phoneId, Escaped{folder.Path}));
-        (void)db.exec(
-            WideSql("INSERT INTO %s ([PhoneID], [Path], [Count], [Size], [TotalSize], [Sized], [Selected], [Deleted], "
-                    "[Flag], [AddTime]) VALUES (%d, '%s', %d, %I64d, %I64d, %d, 1, 0, %d, '%s');",
-                    folderTable, phoneId, Escaped{folder.Path}, folder.Count, folder.Size, folder.TotalSize,
-                    folder.Sized, static_cast<int32_t>(FolderFlag::kNothingSynced), FormatDateTime(Now())));
-        return ResultCode::kSuccess;
+    return RunLocked("DB_INTERNAL_AddFolder", ResultCode::kFailure, [&](Routine self) {
+        return ForPhone(self, imei, [&](int32_t phoneId) {
+            // Deliberate: every category raises the music flag.
+            MainFolderChangeFlags.music.store(1, std::memory_order_relaxed);
+            // A known folder keeps selection and flag; for it the insert then fails on the key. Neither shows in the
+            // result, nor in the trace.
+            (void)self.db.exec(
+                WideSql("UPDATE %s SET [Count] = %d, [Size] = %I64d, [TotalSize] = %I64d, [Sized] = %d, [Deleted] = 0 "
+                        "WHERE [PhoneID] = %d AND [Path] = '%s';",
+                        tables.folders, folder.Count, folder.Size, folder.TotalSize, folder.Sized, phoneId,
+                        Escaped{folder.Path}));
+            (void)self.db.exec(WideSql(
+                "INSERT INTO %s ([PhoneID], [Path], [Count], [Size], [TotalSize], [Sized], [Selected], [Deleted], "
+                "[Flag], [AddTime]) VALUES (%d, '%s', %d, %I64d, %I64d, %d, 1, 0, %d, '%s');",
+                tables.folders, phoneId, Escaped{folder.Path}, folder.Count, folder.Size, folder.TotalSize,
+                folder.Sized, static_cast<int32_t>(FolderFlag::kNothingSynced), FormatDateTime(Now())));
+            return ResultCode::kSuccess;
+        });
     });
 }
 
@@ -45,65 +46,52 @@ void ReadFolder(const Statement& row, FolderRecord& folder)
     folder.Deleted = row.int32(7);
 }
 
-int32_t CountFolders(Connection& db, Name folderTable, int32_t phoneId)
+void ReadFolderWithTime(const Statement& row, FolderRecord& folder)
 {
-    Statement counting = db.prepare(NarrowSql("SELECT COUNT(*) FROM %s WHERE [PhoneID] = %d;", folderTable, phoneId));
-    return counting.prepared() && counting.step() ? counting.int32(0) : -1;
+    ReadFolder(row, folder);
+    folder.AddTime = row.date(8);
 }
 
-Sql FoldersSql(Name folderTable, int32_t phoneId, FolderOrder order)
+int32_t CountFolders(Connection& db, const MediaTables& tables, int32_t phoneId)
 {
-    return NarrowSql(
-        "SELECT ROWID, [Path], [Count], [Size], [TotalSize], [Sized], [Selected], [Deleted], DATETIME([AddTime]) FROM "
-        "%s "
-        "WHERE [PhoneID] = %d%s;",
-        folderTable, phoneId, Name{order == FolderOrder::kAddTime ? " ORDER BY [AddTime]" : ""});
+    Statement counting =
+        db.prepare(NarrowSql("SELECT COUNT(*) FROM %s WHERE [PhoneID] = %d;", tables.folders, phoneId));
+    return counting.prepared() && counting.step() ? counting.int32(0) : -1;
 }
 
 }  // namespace
 
-ResultCode DB_INTERNAL_GetFolders(const DbChar* imei, Name folderTable, FolderList& list, FolderOrder order) noexcept
+ResultCode GetFolders(const DbChar* imei, const MediaTables& tables, FolderList& list, FolderOrder order) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_GetFolders");
-    return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
-        const int32_t phoneId = GetPhoneIdByImei(db, imei);
-        if (phoneId == kNoPhone) return ResultCode::kFailure;
-        const int32_t count = CountFolders(db, folderTable, phoneId);
-        if (count < 0) return ResultCode::kFailure;  // Deliberate: without a line
-        if (count == 0) return ResultCode::kSuccess;
-        EmptyList(list);
-        AllocateList(list, count);
-        Statement rows = db.prepare(FoldersSql(folderTable, phoneId, order));
-        if (!rows.prepared()) {
-            trail.error(1);
-            return ResultCode::kFailure;
-        }
-        return FillList(list, count, rows, [](const Statement& row, FolderRecord& folder) {
-            ReadFolder(row, folder);
-            folder.AddTime = row.date(8);
+    return RunLocked("DB_INTERNAL_GetFolders", ResultCode::kFailure, [&](Routine self) {
+        return ForPhone(self, imei, [&](int32_t phoneId) {
+            const int32_t count = CountFolders(self.db, tables, phoneId);
+            if (count < 0) return ResultCode::kFailure;  // Deliberate: without a line
+            if (count == 0) return ResultCode::kSuccess;
+            EmptyList(list);
+            AllocateList(list, count);
+            return self.query(
+                1,
+                NarrowSql("SELECT ROWID, [Path], [Count], [Size], [TotalSize], [Sized], [Selected], [Deleted], "
+                          "DATETIME([AddTime]) FROM %s WHERE [PhoneID] = %d%s;",
+                          tables.folders, phoneId, Name{order == FolderOrder::kAddTime ? " ORDER BY [AddTime]" : ""}),
+                [&](Statement& rows) { return FillList(list, count, rows, ReadFolderWithTime); });
         });
     });
 }
 
-ResultCode DB_INTERNAL_GetFolder(const DbChar* imei, Name folderTable, const DbChar* path,
-                                 FolderRecord& folder) noexcept
+ResultCode GetFolder(const DbChar* imei, const MediaTables& tables, const DbChar* path, FolderRecord& folder) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_GetFolder");
-    return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
-        const int32_t phoneId = GetPhoneIdByImei(db, imei);
-        if (phoneId == kNoPhone) return ResultCode::kFailure;
-        Statement rows = db.prepare(
-            WideSql("SELECT ROWID, [Path], [Count], [Size], [TotalSize], [Sized], [Selected], [Deleted] FROM %s "
-                    "WHERE [PhoneID] = %d AND [Path] = '%s';",
-                    folderTable, phoneId, Escaped{path}));
-        if (!rows.prepared()) {
-            trail.error(1);
-            return ResultCode::kFailure;
-        }
-        if (!rows.step()) return ResultCode::kFailure;
-        ReadFolder(rows, folder);
-        return ResultCode::kSuccess;
+    return RunLocked("DB_INTERNAL_GetFolder", ResultCode::kFailure, [&](Routine self) {
+        return ForPhone(self, imei, [&](int32_t phoneId) {
+            return self.first(
+                1,
+                WideSql("SELECT ROWID, [Path], [Count], [Size], [TotalSize], [Sized], [Selected], [Deleted] FROM %s "
+                        "WHERE [PhoneID] = %d AND [Path] = '%s';",
+                        tables.folders, phoneId, Escaped{path}),
+                NoRowIsFailure, [&](const Statement& row) { ReadFolder(row, folder); });
+        });
     });
 }
 
-}  // namespace kesta
+}  // namespace kesta::media

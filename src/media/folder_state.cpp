@@ -2,155 +2,130 @@
 
 #include "core/call_frame.h"
 #include "library/phone_lookup.h"
-#include "media/table_names.h"
 
-namespace kesta {
+namespace kesta::media {
 namespace {
 
-constexpr int32_t kYes = 1;
-
-/// The first column of the first row, an answer of 0 or 1; 1 when there is none.
-int32_t Answer(Statement rows, Trail trail)
-{
-    if (!rows.prepared()) trail.error(1);
-    return rows.prepared() && rows.step() ? rows.int32(0) : kYes;
-}
+constexpr int32_t kYes = 1;  // the answer also when there is no row
 
 }  // namespace
 
-int32_t DB_INTERNAL_IsFolderSelected(const DbChar* imei, Name folderView, const DbChar* path) noexcept
+int32_t IsFolderSelected(const DbChar* imei, const MediaTables& tables, const DbChar* path) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_IsFolderSelected");
-    return RunLocked(trail, kYes, [&](Connection& db) {
-        return Answer(db.prepare(WideSql("SELECT [Selected] FROM %s WHERE [IMEI] = '%s' AND [Path] = '%s';", folderView,
-                                         Plain{imei}, Escaped{path})),
-                      trail);
+    return RunLocked("DB_INTERNAL_IsFolderSelected", kYes, [&](Routine self) {
+        return self.firstNumber(1,
+                                WideSql("SELECT [Selected] FROM %s WHERE [IMEI] = '%s' AND [Path] = '%s';",
+                                        tables.folderView, Plain{imei}, Escaped{path}),
+                                kYes);
     });
 }
 
-ResultCode DB_INTERNAL_SetFolderSelected(const DbChar* imei, Name folderTable, const DbChar* path,
-                                         int32_t selected) noexcept
+ResultCode SetFolderSelected(const DbChar* imei, const MediaTables& tables, const DbChar* path,
+                             int32_t selected) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_SetFolderSelected");
-    return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
-        const int32_t phoneId = GetPhoneIdByImei(db, imei);
-        if (phoneId == kNoPhone) return ResultCode::kFailure;
-        return trail.check(db.exec(WideSql("UPDATE %s SET [Selected] = %d WHERE [PhoneID] = %d AND [Path] = '%s';",
-                                           folderTable, selected, phoneId, Escaped{path})),
-                           2);
+    return RunLocked("DB_INTERNAL_SetFolderSelected", ResultCode::kFailure, [&](Routine self) {
+        return ForPhone(self, imei, [&](int32_t phoneId) {
+            return self.run(2, WideSql("UPDATE %s SET [Selected] = %d WHERE [PhoneID] = %d AND [Path] = '%s';",
+                                       tables.folders, selected, phoneId, Escaped{path}));
+        });
     });
 }
 
-int32_t DB_INTERNAL_IsFolderDeleted(const DbChar* imei, Name folderView, const DbChar* path) noexcept
+int32_t IsFolderDeleted(const DbChar* imei, const MediaTables& tables, const DbChar* path) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_IsFolderDeleted");
-    return RunLocked(trail, kYes, [&](Connection& db) {
+    return RunLocked("DB_INTERNAL_IsFolderDeleted", kYes, [&](Routine self) {
         // Deliberate: the views have no column [Name], so that the answer is 1 for every folder.
-        return Answer(db.prepare(WideSql("SELECT [Deleted] FROM %s WHERE [IMEI] = '%s' AND [Name] = '%s';", folderView,
-                                         Plain{imei}, Escaped{path})),
-                      trail);
+        return self.firstNumber(1,
+                                WideSql("SELECT [Deleted] FROM %s WHERE [IMEI] = '%s' AND [Name] = '%s';",
+                                        tables.folderView, Plain{imei}, Escaped{path}),
+                                kYes);
     });
 }
 
-ResultCode DB_INTNOLOCK_GetFlag(Connection& db, const DbChar* imei, Name folderTable, const DbChar* path, int32_t& flag)
+ResultCode GetFlag(Connection& db, const DbChar* imei, const MediaTables& tables, const DbChar* path, int32_t& flag)
 {
-    Statement rows = db.prepare(WideSql("SELECT [Flag] FROM %s WHERE [IMEI] = '%s' AND [Path] = '%s';",
-                                        Name(ViewOf(folderTable)), Plain{imei}, Escaped{path}));
-    if (!rows.prepared()) {
-        Trail("DB_INTNOLOCK_GetFlag").error(1);
-        return ResultCode::kFailure;
-    }
-    if (!rows.step()) return PassThrough(rows.last());
-    flag = rows.int32(0);
-    return ResultCode::kSuccess;
+    Routine self(db, Trail("DB_INTNOLOCK_GetFlag"));
+    return self.first(1,
+                      WideSql("SELECT [Flag] FROM %s WHERE [IMEI] = '%s' AND [Path] = '%s';", tables.folderView,
+                              Plain{imei}, Escaped{path}),
+                      PassThrough, [&](const Statement& row) { flag = row.int32(0); });
 }
 
-ResultCode DB_INTERNAL_SetFoldersState(const DbChar* imei, Name folderTable, Name column, int32_t value) noexcept
+ResultCode SetFoldersState(const DbChar* imei, const MediaTables& tables, Name column, int32_t value) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_SetFoldersState");
-    return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
-        const int32_t phoneId = GetPhoneIdByImei(db, imei);
-        if (phoneId == kNoPhone) return ResultCode::kFailure;
-        // Deliberate: the last number is that of FolderFlag::kDeleted whatever the column.
-        return trail.check(
-            db.exec(NarrowSql("UPDATE %s SET %s = %d WHERE [PhoneID] = %d AND %s <> %d;", folderTable, column, value,
-                              phoneId, column, static_cast<int32_t>(FolderFlag::kDeleted))),
-            2);
+    return RunLocked("DB_INTERNAL_SetFoldersState", ResultCode::kFailure, [&](Routine self) {
+        return ForPhone(self, imei, [&](int32_t phoneId) {
+            // Deliberate: the last number is that of FolderFlag::kDeleted whatever the column.
+            return self.run(2, NarrowSql("UPDATE %s SET %s = %d WHERE [PhoneID] = %d AND %s <> %d;", tables.folders,
+                                         column, value, phoneId, column, static_cast<int32_t>(FolderFlag::kDeleted)));
+        });
     });
 }
 
-ResultCode DB_INTNOLOCK_SetFolderState(Connection& db, const DbChar* imei, Name folderTable, const DbChar* path,
-                                       Name column, int32_t value)
+ResultCode SetFolderState(Connection& db, const DbChar* imei, const MediaTables& tables, const DbChar* path,
+                          Name column, int32_t value)
 {
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return Trail("DB_INTNOLOCK_SetFolderState")
-        .check(db.exec(WideSql("UPDATE %s SET %s = %d WHERE [PhoneID] = %d AND [Path] = '%s';", folderTable, column,
-                               value, phoneId, Escaped{path})),
-               2);
+    Routine self(db, Trail("DB_INTNOLOCK_SetFolderState"));
+    return ForPhone(self, imei, [&](int32_t phoneId) {
+        return self.run(2, WideSql("UPDATE %s SET %s = %d WHERE [PhoneID] = %d AND [Path] = '%s';", tables.folders,
+                                   column, value, phoneId, Escaped{path}));
+    });
 }
 
-ResultCode DB_INTERNAL_SetFolderState(const DbChar* imei, Name folderTable, const DbChar* path, Name column,
-                                      int32_t value)
+ResultCode SetFolderState(const DbChar* imei, const MediaTables& tables, const DbChar* path, Name column, int32_t value)
 {
     const ScopedAccess access;
     Connection* db = TheModule().openConnection();
     if (db == nullptr) return ResultCode::kFailure;
-    return DB_INTNOLOCK_SetFolderState(*db, imei, folderTable, path, column, value);
+    return SetFolderState(*db, imei, tables, path, column, value);
 }
 
-ResultCode DeleteFilesOf(Connection& db, Trail trail, int32_t phoneId, Name folderTable, const DbChar* path)
+ResultCode DeleteFilesOf(Routine self, int32_t phoneId, const MediaTables& tables, const DbChar* path)
 {
-    return trail.check(db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [BasePath] = '%s';",
-                                       Name(FileTableOf(folderTable)), phoneId, Escaped{path})),
-                       1);
+    return self.run(
+        1, WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [BasePath] = '%s';", tables.files, phoneId, Escaped{path}));
 }
 
-ResultCode DeleteFolderAndFiles(Connection& db, Trail trail, int32_t phoneId, Name folderTable, const DbChar* path)
+ResultCode DeleteFolderAndFiles(Routine self, int32_t phoneId, const MediaTables& tables, const DbChar* path)
 {
-    (void)trail.check(
-        db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s';", folderTable, phoneId, Escaped{path})),
-        1);
-    return DeleteFilesOf(db, trail, phoneId, folderTable, path);
+    (void)self.run(
+        1, WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s';", tables.folders, phoneId, Escaped{path}));
+    return DeleteFilesOf(self, phoneId, tables, path);
 }
 
-ResultCode DB_INTERNAL_SetDeletedFolder(const DbChar* imei, Name folderTable, const DbChar* path,
-                                        Deletion deletion) noexcept
+ResultCode SetDeletedFolder(const DbChar* imei, const MediaTables& tables, const DbChar* path,
+                            Deletion deletion) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_SetDeletedFolder");
-    return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
-        const int32_t phoneId = GetPhoneIdByImei(db, imei);
-        if (phoneId == kNoPhone) return ResultCode::kFailure;
-        const auto flag = static_cast<FolderFlag>(GetPathFlag(db, phoneId, folderTable, path));
-        if (deletion == Deletion::kNow || flag == FolderFlag::kUnconfirmed) {
-            return DeleteFolderAndFiles(db, trail, phoneId, folderTable, path);
-        }
-        if (flag != FolderFlag::kSynced) return ResultCode::kFailure;
-        return DB_INTNOLOCK_SetFolderState(db, imei, folderTable, path, Name{"[Flag]"},
-                                           static_cast<int32_t>(FolderFlag::kDeleted));
+    return RunLocked("DB_INTERNAL_SetDeletedFolder", ResultCode::kFailure, [&](Routine self) {
+        return ForPhone(self, imei, [&](int32_t phoneId) {
+            const auto flag = static_cast<FolderFlag>(GetPathFlag(self.db, phoneId, tables.folders, path));
+            if (deletion == Deletion::kNow || flag == FolderFlag::kUnconfirmed) {
+                return DeleteFolderAndFiles(self, phoneId, tables, path);
+            }
+            if (flag != FolderFlag::kSynced) return ResultCode::kFailure;
+            return SetFolderState(self.db, imei, tables, path, Name{"[Flag]"},
+                                  static_cast<int32_t>(FolderFlag::kDeleted));
+        });
     });
 }
 
-ResultCode DB_INTERNAL_SetFolderDeleted(const DbChar* imei, Name folderTable, const DbChar* path,
-                                        int32_t deleted) noexcept
+ResultCode SetFolderDeleted(const DbChar* imei, const MediaTables& tables, const DbChar* path, int32_t deleted) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_SetFolderDeleted");
     bool removeNow = false;
-    const ResultCode result = RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
-        const int32_t phoneId = GetPhoneIdByImei(db, imei);
-        if (phoneId == kNoPhone) return ResultCode::kFailure;
-        if (deleted != 0) {
-            int32_t flag = 0;
-            removeNow = DB_INTNOLOCK_GetFlag(db, imei, folderTable, path, flag) == ResultCode::kSuccess &&
-                        static_cast<FolderFlag>(flag) == FolderFlag::kNothingSynced;
-            if (removeNow) return ResultCode::kSuccess;
-        }
-        return trail.check(db.exec(WideSql("UPDATE %s SET [Deleted] = %d WHERE [PhoneID] = %d AND [PATH] = '%s';",
-                                           folderTable, deleted, phoneId, Escaped{path})),
-                           2);
+    const ResultCode result = RunLocked("DB_INTERNAL_SetFolderDeleted", ResultCode::kFailure, [&](Routine self) {
+        return ForPhone(self, imei, [&](int32_t phoneId) {
+            if (deleted != 0) {
+                int32_t flag = 0;
+                removeNow = GetFlag(self.db, imei, tables, path, flag) == ResultCode::kSuccess &&
+                            static_cast<FolderFlag>(flag) == FolderFlag::kNothingSynced;
+                if (removeNow) return ResultCode::kSuccess;
+            }
+            return self.run(2, WideSql("UPDATE %s SET [Deleted] = %d WHERE [PhoneID] = %d AND [PATH] = '%s';",
+                                       tables.folders, deleted, phoneId, Escaped{path}));
+        });
     });
     // Deliberate: the removal is a step of its own, after the lock was let go.
-    return removeNow ? DB_INTERNAL_SetDeletedFolder(imei, folderTable, path, Deletion::kNow) : result;
+    return removeNow ? SetDeletedFolder(imei, tables, path, Deletion::kNow) : result;
 }
 
-}  // namespace kesta
+}  // namespace kesta::media

@@ -19,9 +19,9 @@ struct LocalFolders {
 
 int32_t GetGalleryFolders(const DbChar* imei, FolderList& list)
 {
-    const ResultCode pictures = DB_INTERNAL_GetFolders(imei, kImage.folderTable, list, FolderOrder::kTable);
+    const ResultCode pictures = media::GetFolders(imei, kImage.tables, list, media::FolderOrder::kTable);
     LocalFolders videos;
-    const ResultCode read = DB_INTERNAL_GetFolders(imei, kVideo.folderTable, videos.list, FolderOrder::kTable);
+    const ResultCode read = media::GetFolders(imei, kVideo.tables, videos.list, media::FolderOrder::kTable);
     const bool bothRead = pictures == ResultCode::kSuccess && read == ResultCode::kSuccess;
     if (bothRead) MergeGallery(list, videos.list);
     return bothRead ? 0 : 1;
@@ -31,7 +31,7 @@ int32_t GetGalleryFolders(const DbChar* imei, FolderList& list)
 
 extern "C" int32_t DB_GALLERY_GetFolders(const DbChar* imei, FolderList* list)
 {
-    static constexpr auto kName = "DB_GALLERY_GetFolders";
+    static constexpr auto kName = __func__;
     return RunThinExport(
         kName,
         [&] {
@@ -45,54 +45,54 @@ extern "C" int32_t DB_GALLERY_GetFolders(const DbChar* imei, FolderList* list)
 
 extern "C" int32_t DB_GALLERY_IsFolderSelected(const DbChar* imei, const DbChar* path)
 {
-    static constexpr auto kName = "DB_GALLERY_IsFolderSelected";
+    static constexpr auto kName = __func__;
     return RunThinExport(
         kName, [&] { TraceEnter(kName, imei, path); },
         [&] {
-            const int32_t picture = DB_INTERNAL_IsFolderSelected(imei, kImage.folderView, path);
-            const int32_t video = DB_INTERNAL_IsFolderSelected(imei, kVideo.folderView, path);
+            const int32_t picture = media::IsFolderSelected(imei, kImage.tables, path);
+            const int32_t video = media::IsFolderSelected(imei, kVideo.tables, path);
             return picture != 0 || video != 0 ? 1 : 0;
         });
 }
 
 extern "C" int32_t DB_GALLERY_SetFolderSelected(const DbChar* imei, const DbChar* path, int32_t selected)
 {
-    static constexpr auto kName = "DB_GALLERY_SetFolderSelected";
+    static constexpr auto kName = __func__;
     return RunThinExport(
         kName,
         [&] {
             DbTrace("Enter %s(IMEI: %s, Path: %s, Selected: %d).\n", Name{kName}, Plain{imei}, Plain{path}, selected);
         },
         [&] {
-            const ResultCode picture = DB_INTERNAL_SetFolderSelected(imei, kImage.folderTable, path, selected);
-            const ResultCode video = DB_INTERNAL_SetFolderSelected(imei, kVideo.folderTable, path, selected);
+            const ResultCode picture = media::SetFolderSelected(imei, kImage.tables, path, selected);
+            const ResultCode video = media::SetFolderSelected(imei, kVideo.tables, path, selected);
             return static_cast<int32_t>(picture) + static_cast<int32_t>(video);
         });
 }
 
 extern "C" int32_t DB_GALLERY_IsFolderDeleted(const DbChar* imei, const DbChar* path)
 {
-    static constexpr auto kName = "DB_GALLERY_IsFolderDeleted";
+    static constexpr auto kName = __func__;
     return RunThinExport(
         kName, [&] { TraceEnter(kName, imei, path); },
         [&] {
-            const int32_t picture = DB_INTERNAL_IsFolderDeleted(imei, kImage.folderView, path);
-            const int32_t video = DB_INTERNAL_IsFolderDeleted(imei, kVideo.folderView, path);
+            const int32_t picture = media::IsFolderDeleted(imei, kImage.tables, path);
+            const int32_t video = media::IsFolderDeleted(imei, kVideo.tables, path);
             return picture != 0 && video != 0 ? 1 : 0;
         });
 }
 
 extern "C" int32_t DB_GALLERY_SetFolderDeleted(const DbChar* imei, const DbChar* path, int32_t deleted)
 {
-    static constexpr auto kName = "DB_GALLERY_SetFolderDeleted";
+    static constexpr auto kName = __func__;
     return RunThinExport(
         kName,
         [&] {
             DbTrace("Enter %s(IMEI: %s, Path: %s, Deleted: %d).\n", Name{kName}, Plain{imei}, Plain{path}, deleted);
         },
         [&] {
-            const ResultCode picture = DB_INTERNAL_SetFolderDeleted(imei, kImage.folderTable, path, deleted);
-            const ResultCode video = DB_INTERNAL_SetFolderDeleted(imei, kVideo.folderTable, path, deleted);
+            const ResultCode picture = media::SetFolderDeleted(imei, kImage.tables, path, deleted);
+            const ResultCode video = media::SetFolderDeleted(imei, kVideo.tables, path, deleted);
             return static_cast<int32_t>(picture) + static_cast<int32_t>(video);
         });
 }

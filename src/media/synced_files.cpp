@@ -5,9 +5,8 @@
 #include "core/text.h"
 #include "library/phone_lookup.h"
 #include "media/folder_state.h"
-#include "media/table_names.h"
 
-namespace kesta {
+namespace kesta::media {
 namespace {
 
 void ReadSyncedFile(const Statement& row, SyncedFileRecord& file)
@@ -20,105 +19,83 @@ void ReadSyncedFile(const Statement& row, SyncedFileRecord& file)
 
 }  // namespace
 
-int32_t DB_INTERNAL_IsSyncedFile(const DbChar* imei, Name fileView, const DbChar* path, SyncedFileRecord& file) noexcept
+int32_t IsSyncedFile(const DbChar* imei, const MediaTables& tables, const DbChar* path, SyncedFileRecord& file) noexcept
 {
     constexpr int32_t kNo = 0;
     constexpr int32_t kYes = 1;
-    constexpr Trail trail("DB_INTERNAL_IsSyncedFile");
-    return RunLocked(trail, kNo, [&](Connection& db) {
-        Statement rows =
-            db.prepare(WideSql("SELECT [Path], [BasePath], [PhonePath], DATETIME([ModifiedTime]) FROM %s "
+    return RunLocked("DB_INTERNAL_IsSyncedFile", kNo, [&](Routine self) {
+        const ResultCode found =
+            self.first(1,
+                       WideSql("SELECT [Path], [BasePath], [PhonePath], DATETIME([ModifiedTime]) FROM %s "
                                "WHERE [IMEI] = '%s' AND [Path] = '%s';",
-                               fileView, Plain{imei}, Escaped{path}));
-        if (!rows.prepared()) trail.error(1);
-        if (!rows.prepared() || !rows.step()) return kNo;
-        ReadSyncedFile(rows, file);
-        return kYes;
+                               tables.fileView, Plain{imei}, Escaped{path}),
+                       NoRowIsFailure, [&](const Statement& row) { ReadSyncedFile(row, file); });
+        return found == ResultCode::kSuccess ? kYes : kNo;
     });
 }
 
-ResultCode DB_INTERNAL_GetSyncedFiles(const DbChar* imei, Name fileView, const DbChar* folder,
-                                      SyncedFileList& list) noexcept
+ResultCode GetSyncedFiles(const DbChar* imei, const MediaTables& tables, const DbChar* folder,
+                          SyncedFileList& list) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_GetSyncedFiles");
-    return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
-        // Deliberate: no blank before AND.
-        if (!IsEmpty(folder)) {
+    return RunLocked("DB_INTERNAL_GetSyncedFiles", ResultCode::kFailure, [&](Routine self) {
+        if (IsEmpty(folder)) {
             return ReadList(
-                db, trail, list,
-                [&] {
-                    return WideSql("SELECT COUNT(*) FROM %s WHERE [IMEI] = '%s'AND [BasePath] = '%s';", fileView,
-                                   Plain{imei}, Escaped{folder});
-                },
-                [&] {
-                    return WideSql(
-                        "SELECT [Path], [BasePath], [PhonePath], DATETIME([ModifiedTime]) FROM %s "
-                        "WHERE [IMEI] = '%s'AND [BasePath] = '%s';",
-                        fileView, Plain{imei}, Escaped{folder});
-                },
+                self, list, WideSql("SELECT COUNT(*) FROM %s WHERE [IMEI] = '%s';", tables.fileView, Plain{imei}),
+                WideSql("SELECT [Path], [BasePath], [PhonePath], DATETIME([ModifiedTime]) FROM %s WHERE [IMEI] = '%s';",
+                        tables.fileView, Plain{imei}),
                 ReadSyncedFile);
         }
-        return ReadList(
-            db, trail, list,
-            [&] { return WideSql("SELECT COUNT(*) FROM %s WHERE [IMEI] = '%s';", fileView, Plain{imei}); },
-            [&] {
-                return WideSql(
-                    "SELECT [Path], [BasePath], [PhonePath], DATETIME([ModifiedTime]) FROM %s WHERE [IMEI] = '%s';",
-                    fileView, Plain{imei});
-            },
-            ReadSyncedFile);
+        // Deliberate: no blank before AND.
+        return ReadList(self, list,
+                        WideSql("SELECT COUNT(*) FROM %s WHERE [IMEI] = '%s'AND [BasePath] = '%s';", tables.fileView,
+                                Plain{imei}, Escaped{folder}),
+                        WideSql("SELECT [Path], [BasePath], [PhonePath], DATETIME([ModifiedTime]) FROM %s "
+                                "WHERE [IMEI] = '%s'AND [BasePath] = '%s';",
+                                tables.fileView, Plain{imei}, Escaped{folder}),
+                        ReadSyncedFile);
     });
 }
 
-ResultCode DB_INTERNAL_SetAddedFile(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept
+ResultCode SetAddedFile(const DbChar* imei, const MediaTables& tables, const SyncedFileRecord& file) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_SetAddedFile");
-    return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
-        const int32_t phoneId = GetPhoneIdByImei(db, imei);
-        if (phoneId == kNoPhone) return ResultCode::kFailure;
-        const SqliteCode inserted =
-            db.exec(WideSql("INSERT INTO %s ([PhoneID], [Path], [BasePath], [PhonePath], [ModifiedTime]) "
-                            "VALUES (%d, '%s', '%s', '%s', '%s');",
-                            fileTable, phoneId, Escaped{file.Path}, Escaped{file.BasePath}, Escaped{file.PhonePath},
-                            FormatDateTime(file.ModifiedTime)));
-        if (inserted != SqliteCode::kOk) {
-            trail.error(3);
-            return PassThrough(inserted);
-        }
-        // Deliberate: the column is spelled [PATH] here. The file is recorded, whatever becomes of its folder's flag.
-        // Files come folder by folder, so this text is mostly that of the call before.
-        const SqliteCode flagged = db.execKept(
-            WideSql("UPDATE %s SET [Flag] = %d WHERE [PhoneID] = %d AND [PATH] = '%s';", Name(FolderTableOf(fileTable)),
-                    static_cast<int32_t>(FolderFlag::kSynced), phoneId, Escaped{file.BasePath}));
-        if (flagged != SqliteCode::kOk) trail.error(2);
-        return ResultCode::kSuccess;
+    return RunLocked("DB_INTERNAL_SetAddedFile", ResultCode::kFailure, [&](Routine self) {
+        return ForPhone(self, imei, [&](int32_t phoneId) {
+            const SqliteCode inserted =
+                self.exec(3, WideSql("INSERT INTO %s ([PhoneID], [Path], [BasePath], [PhonePath], [ModifiedTime]) "
+                                     "VALUES (%d, '%s', '%s', '%s', '%s');",
+                                     tables.files, phoneId, Escaped{file.Path}, Escaped{file.BasePath},
+                                     Escaped{file.PhonePath}, FormatDateTime(file.ModifiedTime)));
+            if (inserted != SqliteCode::kOk) return PassThrough(inserted);
+            // Deliberate: the column is spelled [PATH] here. The file is recorded, whatever becomes of its folder's
+            // flag.
+            (void)self.run(2,
+                           WideSql("UPDATE %s SET [Flag] = %d WHERE [PhoneID] = %d AND [PATH] = '%s';", tables.folders,
+                                   static_cast<int32_t>(FolderFlag::kSynced), phoneId, Escaped{file.BasePath}));
+            return ResultCode::kSuccess;
+        });
     });
 }
 
-ResultCode DB_INTERNAL_SetDeletedFile(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept
+ResultCode SetDeletedFile(const DbChar* imei, const MediaTables& tables, const SyncedFileRecord& file) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_SetDeletedFile");
-    return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
-        const int32_t phoneId = GetPhoneIdByImei(db, imei);
-        if (phoneId == kNoPhone) return ResultCode::kFailure;
-        return trail.check(db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s';", fileTable, phoneId,
-                                           Escaped{file.Path})),
-                           1);
+    return RunLocked("DB_INTERNAL_SetDeletedFile", ResultCode::kFailure, [&](Routine self) {
+        return ForPhone(self, imei, [&](int32_t phoneId) {
+            return self.run(1, WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s';", tables.files, phoneId,
+                                       Escaped{file.Path}));
+        });
     });
 }
 
-ResultCode DB_INTERNAL_SetUpdatedFile(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept
+ResultCode SetUpdatedFile(const DbChar* imei, const MediaTables& tables, const SyncedFileRecord& file) noexcept
 {
-    constexpr Trail trail("DB_INTERNAL_SetUpdatedFile");
-    return RunLocked(trail, ResultCode::kFailure, [&](Connection& db) {
-        const int32_t phoneId = GetPhoneIdByImei(db, imei);
-        if (phoneId == kNoPhone) return ResultCode::kFailure;
-        return trail.check(
-            db.exec(WideSql(
-                "UPDATE %s SET [PhonePath] = '%s', [ModifiedTime] = '%s' WHERE [PhoneID] = %d AND [Path] = '%s';",
-                fileTable, Escaped{file.PhonePath}, FormatDateTime(file.ModifiedTime), phoneId, Escaped{file.Path})),
-            1);
+    return RunLocked("DB_INTERNAL_SetUpdatedFile", ResultCode::kFailure, [&](Routine self) {
+        return ForPhone(self, imei, [&](int32_t phoneId) {
+            return self.run(1, WideSql("UPDATE %s SET [PhonePath] = '%s', [ModifiedTime] = '%s' "
+                                       "WHERE [PhoneID] = %d AND [Path] = '%s';",
+                                       tables.files, Escaped{file.PhonePath}, FormatDateTime(file.ModifiedTime),
+                                       phoneId, Escaped{file.Path}));
+        });
     });
 }
 
-}  // namespace kesta
+}  // namespace kesta::media

@@ -1,10 +1,11 @@
-// The file engine: which files have been synced to a phone. It works for every table of its shape; each routine takes
-// the lock itself and reports failures under its own name.
+// The file engine: which files have been synced to a phone. It works for every kind of media; each routine takes the
+// lock itself and reports failures under its own name.
 #pragma once
 
 #include "core/caller_memory.h"
 #include "core/results.h"
 #include "kesta_db/kesta_db.h"
+#include "media/media_tables.h"
 
 namespace kesta {
 
@@ -19,16 +20,19 @@ struct Element<SyncedFileRecord> {
     }
 };
 
+namespace media {
+
 /// 1 when the file is recorded; the record is then filled.
-int32_t DB_INTERNAL_IsSyncedFile(const DbChar* imei, Name fileView, const DbChar* path,
-                                 SyncedFileRecord& file) noexcept;
+int32_t IsSyncedFile(const DbChar* imei, const MediaTables& tables, const DbChar* path,
+                     SyncedFileRecord& file) noexcept;
 
 /// Fills the empty list with all files, or with those of one folder when `folder` is not empty.
-ResultCode DB_INTERNAL_GetSyncedFiles(const DbChar* imei, Name fileView, const DbChar* folder,
-                                      SyncedFileList& list) noexcept;
+ResultCode GetSyncedFiles(const DbChar* imei, const MediaTables& tables, const DbChar* folder,
+                          SyncedFileList& list) noexcept;
 
-ResultCode DB_INTERNAL_SetAddedFile(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept;
-ResultCode DB_INTERNAL_SetDeletedFile(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept;
-ResultCode DB_INTERNAL_SetUpdatedFile(const DbChar* imei, Name fileTable, const SyncedFileRecord& file) noexcept;
+ResultCode SetAddedFile(const DbChar* imei, const MediaTables& tables, const SyncedFileRecord& file) noexcept;
+ResultCode SetDeletedFile(const DbChar* imei, const MediaTables& tables, const SyncedFileRecord& file) noexcept;
+ResultCode SetUpdatedFile(const DbChar* imei, const MediaTables& tables, const SyncedFileRecord& file) noexcept;
 
+}  // namespace media
 }  // namespace kesta

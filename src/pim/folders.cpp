@@ -3,135 +3,105 @@
 #include "core/list.h"
 #include "core/text.h"
 
-namespace kesta {
-namespace {
+namespace kesta::pim {
 
-int32_t FolderId(Statement rows, Trail trail)
-{
-    if (!rows.prepared()) trail.error(1);
-    return rows.prepared() && rows.step() ? rows.int32(0) : kNoFolder;
-}
-
-Sql ChildrenSql(int32_t parentId, int32_t type)
-{
-    if (parentId == kRootLevel) {
-        return NarrowSql("SELECT [pfID] FROM tPimFolder WHERE ([parentID] IS NULL OR [parentID] < 0) AND [Type] = %d;",
-                         type);
-    }
-    return NarrowSql("SELECT [pfID] FROM tPimFolder WHERE [parentID] = %d AND [Type] = %d;", parentId, type);
-}
-
-}  // namespace
-
-int32_t DB_INTERNAL_PIM_GetFolderID(Connection& db, const DbChar* pimId)
+int32_t GetFolderID(Connection& db, const DbChar* pimId)
 {
     if (IsEmpty(pimId)) return kRootLevel;
+    Routine self(db, Trail("DB_INTERNAL_PIM_GetFolderID"));
     // Deliberate: not escaped, so that a PimID with an apostrophe is never found.
-    return FolderId(db.prepare(NarrowSql("SELECT [pfID] FROM tPimFolder WHERE [PimID] = '%s';", Ansi{pimId})),
-                    Trail("DB_INTERNAL_PIM_GetFolderID"));
+    return self.firstNumber(1, NarrowSql("SELECT [pfID] FROM tPimFolder WHERE [PimID] = '%s';", Ansi{pimId}),
+                            kNoFolder);
 }
 
-int32_t DB_INTERNAL_PIM_GetFolderIDByPath(Connection& db, const DbChar* path)
+int32_t GetFolderIDByPath(Connection& db, const DbChar* path)
 {
     if (IsEmpty(path)) return kRootLevel;
-    return FolderId(db.prepare(WideSql("SELECT [pfID] FROM tPimFolder WHERE [Path] = '%s';", Escaped{path})),
-                    Trail("DB_INTERNAL_PIM_GetFolderIDByPath"));
+    Routine self(db, Trail("DB_INTERNAL_PIM_GetFolderIDByPath"));
+    return self.firstNumber(1, WideSql("SELECT [pfID] FROM tPimFolder WHERE [Path] = '%s';", Escaped{path}), kNoFolder);
 }
 
-ResultCode DB_INTERNAL_PIM_GetFolderIDs(Connection& db, IdArea& ids, int32_t parentId, int32_t type)
+ResultCode GetFolderIDs(Connection& db, IdArea& ids, int32_t parentId, int32_t type)
 {
-    Statement rows = db.prepare(ChildrenSql(parentId, type));
-    if (!rows.prepared()) {
-        Trail("DB_INTERNAL_PIM_GetFolderIDs").error(1);
-        return ResultCode::kFailure;
+    Routine self(db, Trail("DB_INTERNAL_PIM_GetFolderIDs"));
+    const auto append = [&](Statement& rows) { return ids.appendFirstColumn(rows); };
+    if (parentId == kRootLevel) {
+        return self.query(
+            1,
+            NarrowSql("SELECT [pfID] FROM tPimFolder WHERE ([parentID] IS NULL OR [parentID] < 0) AND [Type] = %d;",
+                      type),
+            append);
     }
-    while (rows.step()) {
-        if (!ids.append(rows.int32(0))) return ResultCode::kSuccess;
-    }
-    return rows.last() == SqliteCode::kDone ? ResultCode::kSuccess : ResultCode::kFailure;
+    return self.query(
+        1, NarrowSql("SELECT [pfID] FROM tPimFolder WHERE [parentID] = %d AND [Type] = %d;", parentId, type), append);
 }
 
 void AppendDescendants(Connection& db, IdArea& ids, int32_t type)
 {
-    for (size_t i = 0; i < ids.count(); ++i) (void)DB_INTERNAL_PIM_GetFolderIDs(db, ids, ids[i], type);
+    for (size_t i = 0; i < ids.count(); ++i) (void)GetFolderIDs(db, ids, ids[i], type);
 }
 
-ResultCode DB_INTERNAL_PIM_GetFolder(Connection& db, PimFolderRecord& folder, int32_t folderId)
+ResultCode GetFolder(Connection& db, PimFolderRecord& folder, int32_t folderId)
 {
-    constexpr Trail trail("DB_INTERNAL_PIM_GetFolder");
+    Routine self(db, Trail("DB_INTERNAL_PIM_GetFolder"));
     if (folderId < 0) return ResultCode::kFailure;
     int32_t parentId = kRootLevel;
-    {
-        Statement rows = db.prepare(
-            NarrowSql("SELECT [PimID], [parentID], [Path], [Type] FROM tPimFolder WHERE [pfID] = %d;", folderId));
-        if (!rows.prepared()) {
-            trail.error(1);
-            return ResultCode::kFailure;
-        }
-        if (!rows.step()) return PassThrough(rows.last());
-        folder.PimID = rows.newText(0);
-        if (!rows.isNull(1)) parentId = rows.int32(1);
-        folder.Path = rows.newText(2);
-        folder.Type = rows.int32(3);
-    }
-    if (parentId < 0) return ResultCode::kSuccess;
-    Statement parents = db.prepare(NarrowSql("SELECT [PimID] FROM tPimFolder WHERE [pfID] = %d;", parentId));
-    if (!parents.prepared()) {
-        trail.error(2);
-        return ResultCode::kFailure;
-    }
-    if (!parents.step()) return PassThrough(parents.last());  // the parent was deleted
-    folder.ParentPimID = parents.newText(0);
-    return ResultCode::kSuccess;
+    const ResultCode read = self.first(
+        1, NarrowSql("SELECT [PimID], [parentID], [Path], [Type] FROM tPimFolder WHERE [pfID] = %d;", folderId),
+        PassThrough, [&](const Statement& row) {
+            folder.PimID = row.newText(0);
+            if (!row.isNull(1)) parentId = row.int32(1);
+            folder.Path = row.newText(2);
+            folder.Type = row.int32(3);
+        });
+    if (read != ResultCode::kSuccess || parentId < 0) return read;
+    // No row: the parent was deleted.
+    return self.first(2, NarrowSql("SELECT [PimID] FROM tPimFolder WHERE [pfID] = %d;", parentId), PassThrough,
+                      [&](const Statement& row) { folder.ParentPimID = row.newText(0); });
 }
 
-namespace pim {
-
-ResultCode GetFolders(Connection& db, PimFolderList& list, const DbChar* parentPimId, int32_t type, bool recursive)
+ResultCode GetFolders(Routine self, PimFolderList& list, const DbChar* parentPimId, int32_t type, bool recursive)
 {
-    const int32_t parentId = DB_INTERNAL_PIM_GetFolderID(db, parentPimId);
+    const int32_t parentId = GetFolderID(self.db, parentPimId);
     if (parentId == kNoFolder) return ResultCode::kFailure;
     FolderIds ids;
-    (void)DB_INTERNAL_PIM_GetFolderIDs(db, ids, parentId, type);
-    if (recursive) AppendDescendants(db, ids, type);
+    (void)GetFolderIDs(self.db, ids, parentId, type);
+    if (recursive) AppendDescendants(self.db, ids, type);
     AllocateList(list, static_cast<int32_t>(ids.count()));
     for (; static_cast<size_t>(list.Count) < ids.count(); ++list.Count) {
-        (void)DB_INTERNAL_PIM_GetFolder(db, list.Items[list.Count], ids[static_cast<size_t>(list.Count)]);
+        (void)GetFolder(self.db, list.Items[list.Count], ids[static_cast<size_t>(list.Count)]);
     }
     return ResultCode::kSuccess;
 }
 
-ResultCode AddFolder(Connection& db, Trail trail, const PimFolderRecord& folder, const DbChar* parentPimId)
+ResultCode AddFolder(Routine self, const PimFolderRecord& folder, const DbChar* parentPimId)
 {
-    const int32_t parentId = DB_INTERNAL_PIM_GetFolderID(db, parentPimId);
+    const int32_t parentId = GetFolderID(self.db, parentPimId);
     if (parentId == kNoFolder) return ResultCode::kFailure;
-    return trail.check(
-        db.exec(WideSql("INSERT INTO tPimFolder ([parentID], [PimID], [Path], [Type]) VALUES (%d, '%s', '%s', %d);",
-                        parentId, Plain{folder.PimID}, Escaped{folder.Path}, folder.Type)),
-        1);
+    return self.run(1,
+                    WideSql("INSERT INTO tPimFolder ([parentID], [PimID], [Path], [Type]) VALUES (%d, '%s', '%s', %d);",
+                            parentId, Plain{folder.PimID}, Escaped{folder.Path}, folder.Type));
 }
 
-ResultCode GetFolder(Connection& db, PimFolderRecord& folder, const DbChar* pimId)
+ResultCode GetFolder(Routine self, PimFolderRecord& folder, const DbChar* pimId)
 {
-    return DB_INTERNAL_PIM_GetFolder(db, folder, DB_INTERNAL_PIM_GetFolderID(db, pimId));
+    return GetFolder(self.db, folder, GetFolderID(self.db, pimId));
 }
 
-ResultCode UpdateFolder(Connection& db, Trail trail, const PimFolderRecord& folder)
+ResultCode UpdateFolder(Routine self, const PimFolderRecord& folder)
 {
-    const int32_t folderId = DB_INTERNAL_PIM_GetFolderID(db, folder.PimID);
+    const int32_t folderId = GetFolderID(self.db, folder.PimID);
     if (folderId == kNoFolder) return ResultCode::kFailure;
-    return trail.check(db.exec(WideSql("UPDATE tPimFolder SET [Path] = '%s', [Type] = %d WHERE [pfID] = %d;",
-                                       Escaped{folder.Path}, folder.Type, folderId)),
-                       1);
+    return self.run(1, WideSql("UPDATE tPimFolder SET [Path] = '%s', [Type] = %d WHERE [pfID] = %d;",
+                               Escaped{folder.Path}, folder.Type, folderId));
 }
 
-ResultCode DeleteFolder(Connection& db, Trail trail, const DbChar* pimId)
+ResultCode DeleteFolder(Routine self, const DbChar* pimId)
 {
-    const int32_t folderId = DB_INTERNAL_PIM_GetFolderID(db, pimId);
+    const int32_t folderId = GetFolderID(self.db, pimId);
     if (folderId == kNoFolder) return ResultCode::kFailure;
     // What lies below it stays, and hangs in the air.
-    return trail.check(db.exec(NarrowSql("DELETE FROM tPimFolder WHERE [pfID] = %d;", folderId)), 1);
+    return self.run(1, NarrowSql("DELETE FROM tPimFolder WHERE [pfID] = %d;", folderId));
 }
 
-}  // namespace pim
-}  // namespace kesta
+}  // namespace kesta::pim

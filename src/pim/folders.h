@@ -3,8 +3,7 @@
 #pragma once
 
 #include "core/caller_memory.h"
-#include "core/connection.h"
-#include "core/results.h"
+#include "core/routine.h"
 #include "kesta_db/kesta_db.h"
 #include "pim/id_area.h"
 
@@ -27,25 +26,29 @@ struct Element<PimFolderRecord> {
     }
 };
 
-int32_t DB_INTERNAL_PIM_GetFolderID(Connection& db, const DbChar* pimId);
-int32_t DB_INTERNAL_PIM_GetFolderIDByPath(Connection& db, const DbChar* path);
+namespace pim {
+
+// Look-ups, each under a name of its own in the trace.
+
+int32_t GetFolderID(Connection& db, const DbChar* pimId);
+int32_t GetFolderIDByPath(Connection& db, const DbChar* path);
 
 /// Appends the folders of one type below a folder, or those of the root level, as far as the area has room.
-ResultCode DB_INTERNAL_PIM_GetFolderIDs(Connection& db, IdArea& ids, int32_t parentId, int32_t type);
+ResultCode GetFolderIDs(Connection& db, IdArea& ids, int32_t parentId, int32_t type);
 
 /// Appends what is below each folder of the area, breadth first, until nothing is left or the area is full.
 void AppendDescendants(Connection& db, IdArea& ids, int32_t type);
 
 /// Fills an empty record.
-ResultCode DB_INTERNAL_PIM_GetFolder(Connection& db, PimFolderRecord& folder, int32_t folderId);
+ResultCode GetFolder(Connection& db, PimFolderRecord& folder, int32_t folderId);
 
-namespace pim {
+// The bodies of the exports.
 
-ResultCode GetFolders(Connection& db, PimFolderList& list, const DbChar* parentPimId, int32_t type, bool recursive);
-ResultCode AddFolder(Connection& db, Trail trail, const PimFolderRecord& folder, const DbChar* parentPimId);
-ResultCode GetFolder(Connection& db, PimFolderRecord& folder, const DbChar* pimId);
-ResultCode UpdateFolder(Connection& db, Trail trail, const PimFolderRecord& folder);
-ResultCode DeleteFolder(Connection& db, Trail trail, const DbChar* pimId);
+ResultCode GetFolders(Routine self, PimFolderList& list, const DbChar* parentPimId, int32_t type, bool recursive);
+ResultCode AddFolder(Routine self, const PimFolderRecord& folder, const DbChar* parentPimId);
+ResultCode GetFolder(Routine self, PimFolderRecord& folder, const DbChar* pimId);
+ResultCode UpdateFolder(Routine self, const PimFolderRecord& folder);
+ResultCode DeleteFolder(Routine self, const DbChar* pimId);
 
 }  // namespace pim
 }  // namespace kesta

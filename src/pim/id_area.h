@@ -8,6 +8,7 @@
 #include <new>
 #include <span>
 
+#include "core/connection.h"
 #include "core/trace.h"
 
 namespace kesta {
@@ -23,6 +24,14 @@ public:
         if (count_ + 1 >= slots_.size()) return false;
         slots_[count_++] = id;
         return true;
+    }
+    /// Appends the ids of all rows, or as many as there is room for, which is no failure.
+    ResultCode appendFirstColumn(Statement& rows)
+    {
+        while (rows.step()) {
+            if (!append(rows.int32(0))) return ResultCode::kSuccess;
+        }
+        return rows.last() == SqliteCode::kDone ? ResultCode::kSuccess : ResultCode::kFailure;
     }
     /// Read by index while it grows: so it is a queue.
     [[nodiscard]] size_t count() const { return count_; }

@@ -3,8 +3,7 @@
 #pragma once
 
 #include "core/caller_memory.h"
-#include "core/connection.h"
-#include "core/results.h"
+#include "core/routine.h"
 #include "kesta_db/kesta_db.h"
 #include "pim/id_area.h"
 
@@ -22,21 +21,25 @@ struct Element<PimItemRecord> {
     }
 };
 
-/// Appends the items of a folder, as far as the area has room.
-ResultCode DB_INTERNAL_PIM_GetItemIDs(Connection& db, IdArea& ids, int32_t folderId);
-int32_t DB_INTERNAL_PIM_GetItemID(Connection& db, const DbChar* pimId);
-/// Success also when there is no such item: the record then stays as it is.
-ResultCode DB_INTERNAL_PIM_GetItem(Connection& db, PimItemRecord& item, int32_t itemId);
-
 namespace pim {
 
-ResultCode GetItems(Connection& db, PimItemList& list, const DbChar* folderPimId, int32_t type, bool recursive);
-ResultCode AddItem(Connection& db, Trail trail, const PimItemRecord& item, const DbChar* folderPath);
-ResultCode UpdateItem(Connection& db, Trail trail, const PimItemRecord& item);
-ResultCode DeleteItem(Connection& db, Trail trail, const DbChar* pimId);
-ResultCode GetProfile(Connection& db, Trail trail, DbChar*& profile);
-ResultCode SetProfile(Connection& db, Trail trail, const DbChar* profile);
-ResultCode ClearAll(Connection& db, Trail trail, int32_t type, bool keepFolders);
+// Look-ups, each under a name of its own in the trace.
+
+/// Appends the items of a folder, as far as the area has room.
+ResultCode GetItemIDs(Connection& db, IdArea& ids, int32_t folderId);
+int32_t GetItemID(Connection& db, const DbChar* pimId);
+/// Success also when there is no such item: the record then stays as it is.
+ResultCode GetItem(Connection& db, PimItemRecord& item, int32_t itemId);
+
+// The bodies of the exports.
+
+ResultCode GetItems(Routine self, PimItemList& list, const DbChar* folderPimId, int32_t type, bool recursive);
+ResultCode AddItem(Routine self, const PimItemRecord& item, const DbChar* folderPath);
+ResultCode UpdateItem(Routine self, const PimItemRecord& item);
+ResultCode DeleteItem(Routine self, const DbChar* pimId);
+ResultCode GetProfile(Routine self, DbChar*& profile);
+ResultCode SetProfile(Routine self, const DbChar* profile);
+ResultCode ClearAll(Routine self, int32_t type, bool keepFolders);
 
 }  // namespace pim
 }  // namespace kesta

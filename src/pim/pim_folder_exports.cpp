@@ -8,40 +8,39 @@ using namespace kesta;
 
 extern "C" int32_t DB_PIM_GetFolders(PimFolderList* list, const DbChar* parentPimID, int32_t type, int32_t recursive)
 {
-    static constexpr Export kSelf = {"DB_PIM_GetFolders"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { EmptyList(Required(list)); },
-        [&](Connection& db) { return pim::GetFolders(db, *list, parentPimID, type, recursive != 0); });
+        [&](Routine self) { return pim::GetFolders(self, *list, parentPimID, type, recursive != 0); });
 }
 
 extern "C" int32_t DB_PIM_AddFolder(const PimFolderRecord* folder, const DbChar* parentPimID)
 {
-    static constexpr Export kSelf = {"DB_PIM_AddFolder"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(folder); },
-        [&](Connection& db) { return pim::AddFolder(db, Trail(kSelf.name), *folder, parentPimID); });
+        [&](Routine self) { return pim::AddFolder(self, *folder, parentPimID); });
 }
 
 extern "C" int32_t DB_PIM_GetFolder(PimFolderRecord* folder, const DbChar* pimID)
 {
-    static constexpr Export kSelf = {"DB_PIM_GetFolder"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { Element<PimFolderRecord>::destroy(Required(folder)); },
-        [&](Connection& db) { return pim::GetFolder(db, *folder, pimID); });
+        [&](Routine self) { return pim::GetFolder(self, *folder, pimID); });
 }
 
 extern "C" int32_t DB_PIM_UpdateFolder(const PimFolderRecord* folder)
 {
-    static constexpr Export kSelf = {"DB_PIM_UpdateFolder"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(folder); },
-        [&](Connection& db) { return pim::UpdateFolder(db, Trail(kSelf.name), *folder); });
+        [&](Routine self) { return pim::UpdateFolder(self, *folder); });
 }
 
 extern "C" int32_t DB_PIM_DeleteFolder(const DbChar* pimID)
 {
-    static constexpr Export kSelf = {"DB_PIM_DeleteFolder"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
-        kSelf, [] { TraceEnter(kSelf.name); },
-        [&](Connection& db) { return pim::DeleteFolder(db, Trail(kSelf.name), pimID); });
+        kSelf, [] { TraceEnter(kSelf.name); }, [&](Routine self) { return pim::DeleteFolder(self, pimID); });
 }

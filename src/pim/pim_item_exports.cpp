@@ -8,56 +8,55 @@ using namespace kesta;
 
 extern "C" int32_t DB_PIM_GetItems(PimItemList* list, const DbChar* folderPimID, int32_t type, int32_t recursive)
 {
-    static constexpr Export kSelf = {"DB_PIM_GetItems"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { EmptyList(Required(list)); },
-        [&](Connection& db) { return pim::GetItems(db, *list, folderPimID, type, recursive != 0); });
+        [&](Routine self) { return pim::GetItems(self, *list, folderPimID, type, recursive != 0); });
 }
 
 extern "C" int32_t DB_PIM_AddItem(const PimItemRecord* item, const DbChar* folderPath)
 {
-    static constexpr Export kSelf = {"DB_PIM_AddItem"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(item); },
-        [&](Connection& db) { return pim::AddItem(db, Trail(kSelf.name), *item, folderPath); });
+        [&](Routine self) { return pim::AddItem(self, *item, folderPath); });
 }
 
 extern "C" int32_t DB_PIM_UpdateItem(const PimItemRecord* item)
 {
-    static constexpr Export kSelf = {"DB_PIM_UpdateItem"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(item); },
-        [&](Connection& db) { return pim::UpdateItem(db, Trail(kSelf.name), *item); });
+        [&](Routine self) { return pim::UpdateItem(self, *item); });
 }
 
 extern "C" int32_t DB_PIM_DeleteItem(const DbChar* pimID)
 {
-    static constexpr Export kSelf = {"DB_PIM_DeleteItem"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
-        kSelf, [] { TraceEnter(kSelf.name); },
-        [&](Connection& db) { return pim::DeleteItem(db, Trail(kSelf.name), pimID); });
+        kSelf, [] { TraceEnter(kSelf.name); }, [&](Routine self) { return pim::DeleteItem(self, pimID); });
 }
 
 extern "C" int32_t DB_PIM_GetProfile(DbChar** slot)
 {
-    static constexpr Export kSelf = {"DB_PIM_GetProfile"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { FreeText(Required(slot)); },
-        [&](Connection& db) { return pim::GetProfile(db, Trail(kSelf.name), *slot); });
+        [&](Routine self) { return pim::GetProfile(self, *slot); });
 }
 
 extern "C" int32_t DB_PIM_SetProfile(DbChar* const* slot)
 {
-    static constexpr Export kSelf = {"DB_PIM_SetProfile"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(slot); },
-        [&](Connection& db) { return pim::SetProfile(db, Trail(kSelf.name), *slot); });
+        [&](Routine self) { return pim::SetProfile(self, *slot); });
 }
 
 extern "C" int32_t DB_PIM_ClearAll(int32_t type, int32_t keepFolders)
 {
-    static constexpr Export kSelf = {"DB_PIM_ClearAll"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); },
-        [&](Connection& db) { return pim::ClearAll(db, Trail(kSelf.name), type, keepFolders != 0); });
+        [&](Routine self) { return pim::ClearAll(self, type, keepFolders != 0); });
 }

@@ -7,40 +7,39 @@ using namespace kesta;
 
 extern "C" int32_t DB_PIMLOG_GetPimProfile(const DbChar* imei, DbChar* buffer, int32_t type)
 {
-    static constexpr Export kSelf = {"DB_PIMLOG_GetPimProfile"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(buffer); },
-        [&](Connection& db) { return pimlog::GetPimProfile(db, Trail(kSelf.name), imei, buffer, type); });
+        [&](Routine self) { return pimlog::GetPimProfile(self, imei, buffer, type); });
 }
 
 extern "C" int32_t DB_PIMLOG_SetPimProfile(const DbChar* imei, const DbChar* profile, int32_t type)
 {
-    static constexpr Export kSelf = {"DB_PIMLOG_SetPimProfile"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); },
-        [&](Connection& db) { return pimlog::SetPimProfile(db, Trail(kSelf.name), imei, profile, type); });
+        [&](Routine self) { return pimlog::SetPimProfile(self, imei, profile, type); });
 }
 
 extern "C" int32_t DB_PIMLOG_ClearAll(const DbChar* imei, int32_t type)
 {
-    static constexpr Export kSelf = {"DB_PIMLOG_ClearAll"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
-        kSelf, [] { TraceEnter(kSelf.name); },
-        [&](Connection& db) { return pimlog::ClearAll(db, Trail(kSelf.name), imei, type); });
+        kSelf, [] { TraceEnter(kSelf.name); }, [&](Routine self) { return pimlog::ClearAll(self, imei, type); });
 }
 
 extern "C" int32_t DB_PIMLOG_ReadLog(const DbChar* imei, PimLog* log)
 {
-    static constexpr Export kSelf = {"DB_PIMLOG_ReadLog"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(log); },
-        [&](Connection& db) { return pimlog::ReadLog(db, Trail(kSelf.name), imei, *log); });
+        [&](Routine self) { return pimlog::ReadLog(self, imei, *log); });
 }
 
 extern "C" int32_t DB_PIMLOG_SaveLog(const DbChar* imei, const PimLog* log)
 {
-    static constexpr Export kSelf = {"DB_PIMLOG_SaveLog"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [] { TraceEnter(kSelf.name); }, [&] { (void)Required(log); },
-        [&](Connection& db) { return pimlog::SaveLog(db, Trail(kSelf.name), imei, *log); });
+        [&](Routine self) { return pimlog::SaveLog(self, imei, *log); });
 }

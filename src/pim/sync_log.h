@@ -3,8 +3,7 @@
 #pragma once
 
 #include "core/caller_memory.h"
-#include "core/connection.h"
-#include "core/results.h"
+#include "core/routine.h"
 #include "kesta_db/kesta_db.h"
 
 namespace kesta {
@@ -22,14 +21,14 @@ struct Element<PimLogItem> {
 namespace pimlog {
 
 /// Copies the profile into the caller's buffer, however long it is; without a log the buffer stays as it is.
-ResultCode GetPimProfile(Connection& db, Trail trail, const DbChar* imei, DbChar* buffer, int32_t type);
-ResultCode SetPimProfile(Connection& db, Trail trail, const DbChar* imei, const DbChar* profile, int32_t type);
+ResultCode GetPimProfile(Routine self, const DbChar* imei, DbChar* buffer, int32_t type);
+ResultCode SetPimProfile(Routine self, const DbChar* imei, const DbChar* profile, int32_t type);
 /// Removes the items and the profile.
-ResultCode ClearAll(Connection& db, Trail trail, const DbChar* imei, int32_t type);
+ResultCode ClearAll(Routine self, const DbChar* imei, int32_t type);
 /// Replaces what the log holds, unless no items are recorded.
-ResultCode ReadLog(Connection& db, Trail trail, const DbChar* imei, PimLog& log);
+ResultCode ReadLog(Routine self, const DbChar* imei, PimLog& log);
 /// Appends the log's items, for an unknown phone under number kNoPhone.
-ResultCode SaveLog(Connection& db, Trail trail, const DbChar* imei, const PimLog& log);
+ResultCode SaveLog(Routine self, const DbChar* imei, const PimLog& log);
 
 }  // namespace pimlog
 }  // namespace kesta

@@ -35,8 +35,7 @@ constexpr StepLines kInsert = {
 void ExecWithRetry(Connection& db, Name self, const Sql& sql, const StepLines& lines, SqliteCode& last)
 {
     constexpr uint32_t kAttempts = 10;
-    last = SqliteCode::kBusy;
-    for (uint32_t i = 0; i < kAttempts && last == SqliteCode::kBusy; ++i) {
+    for (uint32_t i = 0; i == 0 || (i < kAttempts && last == SqliteCode::kBusy); ++i) {
         last = db.exec(sql);
         if (last == SqliteCode::kBusy) {
             DbTrace(lines.busy, self);
@@ -51,7 +50,7 @@ void ExecWithRetry(Connection& db, Name self, const Sql& sql, const StepLines& l
 /// One playlist on its way through the steps.
 class Addition {
 public:
-    Addition(Connection& db, Trail trail) : db_(db), self_{trail.routine()} {}
+    explicit Addition(Routine self) : db_(self.db), self_{self.trail.routine()} {}
 
     template <class... Args>
     void step(const StepLines& lines, const FormatFor<Args...>& format, const Args&... args)
@@ -106,19 +105,19 @@ void RunSteps(Addition& addition, int32_t phoneId, const PlaylistRecord& list)
 
 }  // namespace
 
-int32_t AddPlaylist(Connection& db, Trail trail, const DbChar* imei, const PlaylistRecord& playlist)
+ResultCode AddPlaylist(Routine self, const DbChar* imei, const PlaylistRecord& playlist)
 {
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return static_cast<int32_t>(ResultCode::kFailure);
-    MainFolderChangeFlags.music.store(1, std::memory_order_relaxed);
-    Addition addition(db, trail);
-    try {
-        RunSteps(addition, phoneId, playlist);
-    } catch (...) {
-        trail.exception();
-        return static_cast<int32_t>(addition.last());
-    }
-    return static_cast<int32_t>(ResultCode::kSuccess);
+    return ForPhone(self, imei, [&](int32_t phoneId) {
+        MainFolderChangeFlags.music.store(1, std::memory_order_relaxed);
+        Addition addition(self);
+        try {
+            RunSteps(addition, phoneId, playlist);
+        } catch (...) {
+            self.trail.exception();
+            return PassThrough(addition.last());
+        }
+        return ResultCode::kSuccess;
+    });
 }
 
 }  // namespace kesta::playlists

@@ -46,36 +46,30 @@ private:
 
 }  // namespace
 
-ResultCode SetListFilesname(Connection& db, Trail trail, const DbChar* imei, const DbChar* list,
-                            const FileNameArray& names)
+ResultCode SetListFilesname(Routine self, const DbChar* imei, const DbChar* list, const FileNameArray& names)
 {
     // Deliberate: the IMEI goes in as it is. A statement that fails is told and does not show in the result.
-    if (db.exec(WideSql("DELETE FROM tPFilename WHERE [IMEI] = '%s' AND [Listname] = '%s';", Plain{imei},
-                        Escaped{list})) != SqliteCode::kOk) {
-        trail.error(1);
-    }
+    (void)self.run(
+        1, WideSql("DELETE FROM tPFilename WHERE [IMEI] = '%s' AND [Listname] = '%s';", Plain{imei}, Escaped{list}));
     // Deliberate: from the last to the first. Reading goes by the table's key and does not show it.
     const std::span<DbChar* const> elements = Elements(names.Items, names.Count);
     for (auto name = elements.rbegin(); name != elements.rend(); ++name) {
-        if (db.exec(WideSql("INSERT INTO tPFilename ([IMEI], [Listname], [Filename]) VALUES ('%s', '%s', '%s');",
-                            Plain{imei}, Escaped{list}, Escaped{*name})) != SqliteCode::kOk) {
-            trail.error(2);
-        }
+        (void)self.run(2, WideSql("INSERT INTO tPFilename ([IMEI], [Listname], [Filename]) VALUES ('%s', '%s', '%s');",
+                                  Plain{imei}, Escaped{list}, Escaped{*name}));
     }
     return ResultCode::kSuccess;
 }
 
-ResultCode GetListFilesname(Connection& db, Trail trail, const DbChar* imei, const DbChar* list, FileNameArray& names)
+ResultCode GetListFilesname(Routine self, const DbChar* imei, const DbChar* list, FileNameArray& names)
 {
-    Statement rows = db.prepare(WideSql("SELECT [Filename] FROM tPFilename WHERE [IMEI] = '%s' AND [Listname] = '%s';",
-                                        Plain{imei}, Escaped{list}));
-    if (!rows.prepared()) {
-        trail.error(3);
-        return ResultCode::kFailure;
-    }
-    Appender appender(names);
-    while (rows.step()) appender.append(rows.wideText(0));
-    return ResultCode::kSuccess;
+    return self.query(3,
+                      WideSql("SELECT [Filename] FROM tPFilename WHERE [IMEI] = '%s' AND [Listname] = '%s';",
+                              Plain{imei}, Escaped{list}),
+                      [&](Statement& rows) {
+                          Appender appender(names);
+                          while (rows.step()) appender.append(rows.wideText(0));
+                          return ResultCode::kSuccess;
+                      });
 }
 
 }  // namespace kesta::playlists

@@ -8,7 +8,7 @@ using namespace kesta;
 
 extern "C" int32_t DB_PLAYERMUSIC_AddPlaylist(const DbChar* imei, const PlaylistRecord* playlist)
 {
-    static constexpr Export kSelf = {"DB_PLAYERMUSIC_AddPlaylist"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf,
         [&] {
@@ -16,48 +16,47 @@ extern "C" int32_t DB_PLAYERMUSIC_AddPlaylist(const DbChar* imei, const Playlist
             DbTrace("Enter %s(IMEI: %s, Name: %s, Type: %d).\n", Name{kSelf.name}, Plain{imei}, Plain{list.Name},
                     list.Type);
         },
-        [&](Connection& db) { return playlists::AddPlaylist(db, Trail(kSelf.name), imei, *playlist); });
+        [&](Routine self) { return playlists::AddPlaylist(self, imei, *playlist); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_ClearAll(const DbChar* imei)
 {
     // Deliberate: no exit line.
-    static constexpr Export kSelf = {"DB_PLAYERMUSIC_ClearAll", static_cast<int32_t>(ResultCode::kFailure), nullptr};
+    static constexpr Export kSelf = {__func__, static_cast<int32_t>(ResultCode::kFailure), nullptr};
     return RunExport(
-        kSelf, [&] { TraceEnter(kSelf.name, imei); },
-        [&](Connection& db) { return playlists::ClearAll(db, Trail(kSelf.name), imei); });
+        kSelf, [&] { TraceEnter(kSelf.name, imei); }, [&](Routine self) { return playlists::ClearAll(self, imei); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_GetPlaylists(const DbChar* imei, PlaylistList* list)
 {
-    static constexpr Export kSelf = {"DB_PLAYERMUSIC_GetPlaylists"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { TraceEnter(kSelf.name, imei); }, [&] { EmptyList(Required(list)); },
-        [&](Connection& db) { return playlists::GetPlaylists(db, Trail(kSelf.name), imei, *list); });
+        [&](Routine self) { return playlists::GetPlaylists(self, imei, *list); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_IsListSelected(const DbChar* imei, const DbChar* name)
 {
-    static constexpr auto kName = "DB_PLAYERMUSIC_IsListSelected";
+    static constexpr auto kName = __func__;
     return RunThinExport(
         kName, [&] { DbTrace("Enter %s(IMEI: %s, Name: %s).\n", Name{kName}, Plain{imei}, Plain{name}); },
-        [&] { return DB_INTERNAL_IsFolderSelected(imei, kPlaylistView, name); });
+        [&] { return media::IsFolderSelected(imei, kPlaylistTables, name); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_SetListSelected(const DbChar* imei, const DbChar* name, int32_t selected)
 {
-    static constexpr auto kName = "DB_PLAYERMUSIC_SetListSelected";
+    static constexpr auto kName = __func__;
     return RunThinExport(
         kName,
         [&] {
             DbTrace("Enter %s(IMEI: %s, Name: %s, Selected: %d).\n", Name{kName}, Plain{imei}, Plain{name}, selected);
         },
-        [&] { return DB_INTERNAL_SetFolderSelected(imei, kPlaylistTable, name, selected); });
+        [&] { return media::SetFolderSelected(imei, kPlaylistTables, name, selected); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_SetAddedPlaylist(const DbChar* imei, const PlaylistRecord* playlist)
 {
-    static constexpr Export kSelf = {"DB_PLAYERMUSIC_SetAddedPlaylist"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf,
         [&] {
@@ -65,34 +64,34 @@ extern "C" int32_t DB_PLAYERMUSIC_SetAddedPlaylist(const DbChar* imei, const Pla
             DbTrace("Enter %s(IMEI: %s, Name: %s, IdInPhone: %s).\n", Name{kSelf.name}, Plain{imei}, Plain{list.Name},
                     Plain{list.IdInPhone});
         },
-        [&](Connection& db) { return playlists::SetAddedPlaylist(db, Trail(kSelf.name), imei, *playlist); });
+        [&](Routine self) { return playlists::SetAddedPlaylist(self, imei, *playlist); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_SetDeletedPlaylist(const DbChar* imei, const PlaylistRecord* playlist)
 {
-    static constexpr auto kName = "DB_PLAYERMUSIC_SetDeletedPlaylist";
+    static constexpr auto kName = __func__;
     return RunThinExport(
         kName,
         [&] { DbTrace("Enter %s(IMEI: %s, Name: %s).\n", Name{kName}, Plain{imei}, Plain{Required(playlist).Name}); },
-        [&] { return DB_INTERNAL_SetDeletedFolder(imei, kPlaylistTable, playlist->Name, Deletion::kByFlag); });
+        [&] { return media::SetDeletedFolder(imei, kPlaylistTables, playlist->Name, media::Deletion::kByFlag); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_SetUpdatedPlaylist(const DbChar* imei, const PlaylistRecord* playlist)
 {
-    static constexpr auto kName = "DB_PLAYERMUSIC_SetUpdatedPlaylist";
+    static constexpr auto kName = __func__;
     return RunThinExport(
         kName,
         [&] { DbTrace("Enter %s(IMEI: %s, Name: %s).\n", Name{kName}, Plain{imei}, Plain{Required(playlist).Name}); },
         [&] {
-            return DB_INTERNAL_SetFolderState(imei, kPlaylistTable, playlist->Name, Name{"[Flag]"},
-                                              static_cast<int32_t>(PlaylistFlag::kCurrent));
+            return media::SetFolderState(imei, kPlaylistTables, playlist->Name, Name{"[Flag]"},
+                                         static_cast<int32_t>(PlaylistFlag::kCurrent));
         });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_DeleteList(const DbChar* imei, const DbChar* name)
 {
-    static constexpr Export kSelf = {"DB_PLAYERMUSIC_DeleteList"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(szName: %s).\n", Name{kSelf.name}, Plain{name}); },
-        [&](Connection& db) { return playlists::DeleteList(db, Trail(kSelf.name), imei, name); });
+        [&](Routine self) { return playlists::DeleteList(self, imei, name); });
 }

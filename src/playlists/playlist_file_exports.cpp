@@ -8,12 +8,12 @@ using namespace kesta;
 
 extern "C" int32_t DB_PLAYERMUSIC_IsSyncedFile(const DbChar* imei, const DbChar* path, SyncedFileRecord* file)
 {
-    return IsSyncedFile("DB_PLAYERMUSIC_IsSyncedFile", kPlaylistFileView, imei, path, file);
+    return IsSyncedFile(__func__, kPlaylistTables, imei, path, file);
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_GetSyncedFiles(const DbChar* imei, const DbChar* list, SyncedFileList* files)
 {
-    static constexpr auto kName = "DB_PLAYERMUSIC_GetSyncedFiles";
+    static constexpr auto kName = __func__;
     return RunThinExport(
         kName,
         [&] {
@@ -21,39 +21,39 @@ extern "C" int32_t DB_PLAYERMUSIC_GetSyncedFiles(const DbChar* imei, const DbCha
             DbTrace("Enter %s(IMEI: %s, List: %s).\n", Name{kName}, Plain{imei}, Plain{list});
         },
         // Deliberate: the files of all playlists, whatever the list's name.
-        [&] { return DB_INTERNAL_GetSyncedFiles(imei, kPlaylistFileView, nullptr, *files); });
+        [&] { return media::GetSyncedFiles(imei, kPlaylistTables, nullptr, *files); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_SetAddedFile(const DbChar* imei, const SyncedFileRecord* file)
 {
-    return RecordFile("DB_PLAYERMUSIC_SetAddedFile", DB_INTERNAL_SetAddedFile, kPlaylistFileTable, imei, file);
+    return RecordFile(__func__, media::SetAddedFile, kPlaylistTables, imei, file);
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_SetDeletedFile(const DbChar* imei, const SyncedFileRecord* file)
 {
-    return RecordFile("DB_PLAYERMUSIC_SetDeletedFile", DB_INTERNAL_SetDeletedFile, kPlaylistFileTable, imei, file);
+    return RecordFile(__func__, media::SetDeletedFile, kPlaylistTables, imei, file);
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_SetUpdatedFile(const DbChar* imei, const SyncedFileRecord* file)
 {
-    return RecordFile("DB_PLAYERMUSIC_SetUpdatedFile", DB_INTERNAL_SetUpdatedFile, kPlaylistFileTable, imei, file);
+    return RecordFile(__func__, media::SetUpdatedFile, kPlaylistTables, imei, file);
 }
 
 // Deliberate: "Listname" here and "ListName" below.
 extern "C" int32_t DB_PLAYERMUSIC_GetListFilesname(const DbChar* imei, const DbChar* list, FileNameArray* names)
 {
-    static constexpr Export kSelf = {"DB_PLAYERMUSIC_GetListFilesname"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(Listname: %s).\n", Name{kSelf.name}, Plain{list}); },
         [&] { (void)Required(names); },
-        [&](Connection& db) { return playlists::GetListFilesname(db, Trail(kSelf.name), imei, list, *names); });
+        [&](Routine self) { return playlists::GetListFilesname(self, imei, list, *names); });
 }
 
 extern "C" int32_t DB_PLAYERMUSIC_SetListFilesname(const DbChar* imei, const DbChar* list, const FileNameArray* names)
 {
-    static constexpr Export kSelf = {"DB_PLAYERMUSIC_SetListFilesname"};
+    static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace("Enter %s(ListName: %s).\n", Name{kSelf.name}, Plain{list}); },
         [&] { (void)Required(names); },
-        [&](Connection& db) { return playlists::SetListFilesname(db, Trail(kSelf.name), imei, list, *names); });
+        [&](Routine self) { return playlists::SetListFilesname(self, imei, list, *names); });
 }

@@ -28,84 +28,72 @@ void ReadPlaylist(const Statement& row, PlaylistRecord& playlist)
 }
 
 /// Removes a playlist that waits for its removal from the phone, if it never was there.
-ResultCode DeleteUnlessOnPhone(Connection& db, Trail trail, int32_t phoneId, const DbChar* name)
+ResultCode DeleteUnlessOnPhone(Routine self, int32_t phoneId, const DbChar* name)
 {
-    const int32_t before = db.totalChanges();
+    const int32_t before = self.db.totalChanges();
     const ResultCode deleted =
-        trail.check(db.exec(WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s' AND ([IdInPhone] ISNULL OR "
-                                    "[IdInPhone] = '(null)');",
-                                    kPlaylistTable, phoneId, Escaped{name})),
-                    1);
-    if (db.totalChanges() == before) return deleted;
-    const ResultCode files = DeleteFilesOf(db, trail, phoneId, kPlaylistTable, name);
+        self.run(1, WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s' AND ([IdInPhone] ISNULL OR "
+                            "[IdInPhone] = '(null)');",
+                            kPlaylistTables.folders, phoneId, Escaped{name}));
+    if (self.db.totalChanges() == before) return deleted;
+    const ResultCode files = media::DeleteFilesOf(self, phoneId, kPlaylistTables, name);
     return deleted == ResultCode::kSuccess ? files : deleted;
 }
 
 }  // namespace
 
-ResultCode ClearAll(Connection& db, Trail trail, const DbChar* imei)
+ResultCode ClearAll(Routine self, const DbChar* imei)
 {
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return trail.check(db.exec(NarrowSql("UPDATE tPFolder SET [Flag] = %d WHERE [PhoneID] = %d AND [Flag] <> %d;",
-                                         Number(PlaylistFlag::kUnconfirmed), phoneId, Number(PlaylistFlag::kDeleted))),
-                       2);
+    return ForPhone(self, imei, [&](int32_t phoneId) {
+        return self.run(2, NarrowSql("UPDATE tPFolder SET [Flag] = %d WHERE [PhoneID] = %d AND [Flag] <> %d;",
+                                     Number(PlaylistFlag::kUnconfirmed), phoneId, Number(PlaylistFlag::kDeleted)));
+    });
 }
 
-Outcome GetPlaylists(Connection& db, Trail trail, const DbChar* imei, PlaylistList& list)
+Outcome GetPlaylists(Routine self, const DbChar* imei, PlaylistList& list)
 {
     // Deliberate: without an exit line.
-    constexpr Outcome kNotPrepared = {static_cast<int32_t>(ResultCode::kFailure), false};
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ToOutcome(ResultCode::kFailure);
-    int32_t count = 0;
-    {
-        Statement counting = db.prepare(NarrowSql("SELECT COUNT(*) FROM tPFolder WHERE [PhoneID] = %d;", phoneId));
-        if (!counting.prepared()) {
-            trail.error(1);
-            return kNotPrepared;
+    constexpr Outcome kNotPrepared(ResultCode::kFailure, false);
+    return ForPhone(self, imei, [&](int32_t phoneId) -> Outcome {
+        const std::optional<int32_t> count =
+            self.count(1, NarrowSql("SELECT COUNT(*) FROM tPFolder WHERE [PhoneID] = %d;", phoneId));
+        if (!count.has_value()) return kNotPrepared;
+        AllocateList(list, *count);
+        Statement rows = self.prepare(
+            1, NarrowSql("SELECT ROWID, [Path], [Digest], [IdInPhone], [Type], [Flag], [Count], [Size], [TotalSize], "
+                         "[Sized], [Selected] FROM tPFolder WHERE [PhoneID] = %d;",
+                         phoneId));
+        if (!rows.prepared()) return kNotPrepared;
+        return FillList(list, *count, rows, ReadPlaylist);
+    });
+}
+
+ResultCode SetAddedPlaylist(Routine self, const DbChar* imei, const PlaylistRecord& playlist)
+{
+    return ForPhone(self, imei, [&](int32_t phoneId) {
+        return self.run(
+            2, WideSql("UPDATE tPFolder SET [Flag] = %d, [IdInPhone] = '%s' WHERE [PhoneID] = %d AND [Path] = '%s';",
+                       Number(PlaylistFlag::kCurrent), Escaped{playlist.IdInPhone}, phoneId, Escaped{playlist.Name}));
+    });
+}
+
+ResultCode DeleteList(Routine self, const DbChar* imei, const DbChar* name)
+{
+    return ForPhone(self, imei, [&](int32_t phoneId) {
+        switch (static_cast<PlaylistFlag>(GetPathFlag(self.db, phoneId, kPlaylistTables.folders, name))) {
+            case PlaylistFlag::kNew:
+            case PlaylistFlag::kDeleted:
+                return media::DeleteFolderAndFiles(self, phoneId, kPlaylistTables, name);
+            case PlaylistFlag::kCurrent:
+            case PlaylistFlag::kAlsoCurrent:
+                return media::SetFolderState(self.db, imei, kPlaylistTables, name, Name{"[Flag]"},
+                                             Number(PlaylistFlag::kUnconfirmed));
+            case PlaylistFlag::kUnconfirmed:
+                return DeleteUnlessOnPhone(self, phoneId, name);
+            default:
+                return ResultCode::kFailure;
         }
-        if (counting.step()) count = counting.int32(0);
-    }
-    AllocateList(list, count);
-    Statement rows = db.prepare(
-        NarrowSql("SELECT ROWID, [Path], [Digest], [IdInPhone], [Type], [Flag], [Count], [Size], [TotalSize], [Sized], "
-                  "[Selected] FROM tPFolder WHERE [PhoneID] = %d;",
-                  phoneId));
-    if (!rows.prepared()) {
-        trail.error(1);
-        return kNotPrepared;
-    }
-    return ToOutcome(FillList(list, count, rows, ReadPlaylist));
-}
-
-ResultCode SetAddedPlaylist(Connection& db, Trail trail, const DbChar* imei, const PlaylistRecord& playlist)
-{
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    return trail.check(
-        db.exec(WideSql("UPDATE tPFolder SET [Flag] = %d, [IdInPhone] = '%s' WHERE [PhoneID] = %d AND [Path] = '%s';",
-                        Number(PlaylistFlag::kCurrent), Escaped{playlist.IdInPhone}, phoneId, Escaped{playlist.Name})),
-        2);
-}
-
-ResultCode DeleteList(Connection& db, Trail trail, const DbChar* imei, const DbChar* name)
-{
-    const int32_t phoneId = GetPhoneIdByImei(db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
-    switch (static_cast<PlaylistFlag>(GetPathFlag(db, phoneId, kPlaylistTable, name))) {
-        case PlaylistFlag::kNew:
-        case PlaylistFlag::kDeleted:
-            return DeleteFolderAndFiles(db, trail, phoneId, kPlaylistTable, name);
-        case PlaylistFlag::kCurrent:
-        case PlaylistFlag::kAlsoCurrent:
-            return DB_INTNOLOCK_SetFolderState(db, imei, kPlaylistTable, name, Name{"[Flag]"},
-                                               Number(PlaylistFlag::kUnconfirmed));
-        case PlaylistFlag::kUnconfirmed:
-            return DeleteUnlessOnPhone(db, trail, phoneId, name);
-        default:
-            return ResultCode::kFailure;
-    }
+    });
 }
 
 }  // namespace kesta::playlists

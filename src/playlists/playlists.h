@@ -3,16 +3,12 @@
 
 #include "core/call_frame.h"
 #include "core/caller_memory.h"
-#include "core/connection.h"
-#include "core/results.h"
 #include "kesta_db/kesta_db.h"
+#include "media/media_tables.h"
 
 namespace kesta {
 
-inline constexpr Name kPlaylistTable = {"tPFolder"};
-inline constexpr Name kPlaylistView = {"vPFolder"};
-inline constexpr Name kPlaylistFileTable = {"tPFile"};
-inline constexpr Name kPlaylistFileView = {"vPFile"};
+inline constexpr MediaTables kPlaylistTables = {{"tPFolder"}, {"vPFolder"}, {"tPFile"}, {"vPFile"}};
 
 /// The sync state of a playlist.
 enum class PlaylistFlag : int32_t {
@@ -41,26 +37,25 @@ namespace playlists {
 
 /// Confirms a playlist or inserts it. The result is success for a known phone, whatever became of the statements; after
 /// an exception the code of the last one.
-int32_t AddPlaylist(Connection& db, Trail trail, const DbChar* imei, const PlaylistRecord& playlist);
+ResultCode AddPlaylist(Routine self, const DbChar* imei, const PlaylistRecord& playlist);
 
 /// Marks every playlist of a phone as unconfirmed, except those deleted on the phone.
-ResultCode ClearAll(Connection& db, Trail trail, const DbChar* imei);
+ResultCode ClearAll(Routine self, const DbChar* imei);
 
 /// Fills the empty list; without playlists it gets an array of no elements.
-Outcome GetPlaylists(Connection& db, Trail trail, const DbChar* imei, PlaylistList& list);
+Outcome GetPlaylists(Routine self, const DbChar* imei, PlaylistList& list);
 
 /// Notes that the phone has taken a playlist and named it.
-ResultCode SetAddedPlaylist(Connection& db, Trail trail, const DbChar* imei, const PlaylistRecord& playlist);
+ResultCode SetAddedPlaylist(Routine self, const DbChar* imei, const PlaylistRecord& playlist);
 
 /// Reacts to a playlist deleted on the PC.
-ResultCode DeleteList(Connection& db, Trail trail, const DbChar* imei, const DbChar* name);
+ResultCode DeleteList(Routine self, const DbChar* imei, const DbChar* name);
 
 /// Replaces the file names of a playlist.
-ResultCode SetListFilesname(Connection& db, Trail trail, const DbChar* imei, const DbChar* list,
-                            const FileNameArray& names);
+ResultCode SetListFilesname(Routine self, const DbChar* imei, const DbChar* list, const FileNameArray& names);
 
 /// Appends the file names of a playlist to what the array holds.
-ResultCode GetListFilesname(Connection& db, Trail trail, const DbChar* imei, const DbChar* list, FileNameArray& names);
+ResultCode GetListFilesname(Routine self, const DbChar* imei, const DbChar* list, FileNameArray& names);
 
 }  // namespace playlists
 }  // namespace kesta

@@ -384,7 +384,8 @@ TEST_F(FailingMemory, ListsAndTexts_GivenBack_AreFreed)
         EXPECT_EQ(items.Count, 1);
         EmptyList(items);
     };
-    fillAndEmpty();  // SQLite keeps what it has compiled and read
+    fillAndEmpty();  // SQLite keeps what it has compiled and read,
+    fillAndEmpty();  // and what a statement needs when it runs again
     const int64_t before = MemoryFault::balance();
     for (int i = 0; i < 50; ++i) {
         fillAndEmpty();
@@ -392,18 +393,22 @@ TEST_F(FailingMemory, ListsAndTexts_GivenBack_AreFreed)
     EXPECT_EQ(MemoryFault::balance(), before);
 }
 
-TEST_F(FailingMemory, ConnectionThatHasKeptStatements_Closed_IsFreed)
+TEST_F(FailingMemory, ConnectionWithCachedStatements_Closed_IsFreed)
 {
-    const auto readManyTextsAndClose = [this] {
+    const auto runManyAndClose = [this] {
+        StatementBuffer buffer;
         Connection other;
         ASSERT_EQ(other.open(data.databasePath().c_str()), SqliteCode::kOk);
-        for (int32_t i = 0; i < 20; ++i) {
-            EXPECT_EQ(other.execKept(NarrowSql("SELECT [ID] FROM tPhone WHERE [ID] = %d", i)), SqliteCode::kOk);
+        other.makeStatementsIn(buffer);
+        for (size_t i = 0; i < StatementCache::kMost + 10; ++i) {
+            const std::string name = "c" + std::to_string(i);
+            EXPECT_EQ(other.exec(NarrowSql("SELECT [ID] AS %s FROM tPhone WHERE [ID] = %d", Name{name.c_str()}, 1)),
+                      SqliteCode::kOk);
         }
     };
-    readManyTextsAndClose();
+    runManyAndClose();
     const int64_t before = MemoryFault::balance();
-    readManyTextsAndClose();
+    runManyAndClose();
     EXPECT_EQ(MemoryFault::balance(), before);
 }
 

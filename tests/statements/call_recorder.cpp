@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <map>
+#include <new>
 #include <utility>
 
 #include "core/module.h"
@@ -18,11 +19,13 @@ using RowCallback = int(void*, int, char**, char**);
 extern "C" {
 int __real_sqlite3_exec(sqlite3* db, const char* text, RowCallback* row, void* data, char** message);
 int __real_sqlite3_prepare_v2(sqlite3* db, const char* text, int bytes, sqlite3_stmt** statement, const char** tail);
+int __real_sqlite3_prepare_v3(sqlite3* db, const char* text, int bytes, unsigned flags, sqlite3_stmt** statement,
+                              const char** tail);
 int __real_sqlite3_step(sqlite3_stmt* statement);
 int __real_sqlite3_close(sqlite3* db);
 void __real__ZN5kesta8platform10NamedMutex4lockEv(kesta::platform::NamedMutex* mutex) noexcept;
 void __real__ZN5kesta8platform10NamedMutex6unlockEv(kesta::platform::NamedMutex* mutex) noexcept;
-char* __real__ZN5kesta6Module19takeStatementBufferEv(kesta::Module* module) noexcept;
+char* __real__ZN5kesta15StatementBuffer3getEv(kesta::StatementBuffer* buffer);
 }
 
 namespace kesta::test {
@@ -47,9 +50,7 @@ bool Strikes(int& left)
 
 void Note(std::string event)
 {
-    if (recording) {
-        events.push_back(std::move(event));
-    }
+    if (recording) events.push_back(std::move(event));
 }
 
 void NoteLine(const DbChar* line, size_t /*length*/) noexcept
@@ -61,6 +62,15 @@ void NoteLine(const DbChar* line, size_t /*length*/) noexcept
 std::string Received(const char* text, int bytes)
 {
     return bytes < 0 ? std::string(text) : std::string(text, strnlen(text, static_cast<size_t>(bytes)));
+}
+
+/// A compiled statement with the values that are bound to it written in.
+std::string Expanded(sqlite3_stmt* statement)
+{
+    char* text = sqlite3_expanded_sql(statement);
+    std::string expanded = text;
+    sqlite3_free(text);
+    return expanded;
 }
 
 }  // namespace
@@ -111,9 +121,7 @@ extern "C" {
 int __wrap_sqlite3_exec(sqlite3* db, const char* text, RowCallback* row, void* data, char** message)
 {
     Note(text);
-    if (!refused.empty() && text == refused) {
-        return refusal;
-    }
+    if (!refused.empty() && text == refused) return refusal;
     return __real_sqlite3_exec(db, text, row, data, message);
 }
 
@@ -125,17 +133,26 @@ int __wrap_sqlite3_prepare_v2(sqlite3* db, const char* text, int bytes, sqlite3_
         return SQLITE_ERROR;
     }
     const int code = __real_sqlite3_prepare_v2(db, text, bytes, statement, tail);
-    if (*statement != nullptr) {
-        texts[*statement] = Received(text, bytes);
-    }
+    if (*statement != nullptr) texts[*statement] = Received(text, bytes);
     justCompiled = *statement;
+    return code;
+}
+
+/// Of a statement that stays compiled; what it is run with is noted when it is stepped.
+int __wrap_sqlite3_prepare_v3(sqlite3* db, const char* text, int bytes, unsigned flags, sqlite3_stmt** statement,
+                              const char** tail)
+{
+    const int code = __real_sqlite3_prepare_v3(db, text, bytes, flags, statement, tail);
+    texts.erase(*statement);
+    if (*statement == nullptr) Note(Received(text, bytes));
     return code;
 }
 
 int __wrap_sqlite3_step(sqlite3_stmt* statement)
 {
     if (sqlite3_stmt_busy(statement) == 0 && std::exchange(justCompiled, nullptr) != statement) {
-        Note(texts[statement]);
+        const auto text = texts.find(statement);
+        Note(text != texts.end() ? text->second : Expanded(statement));
     }
     return Strikes(stepsLeft) ? endCode : __real_sqlite3_step(statement);
 }
@@ -158,15 +175,11 @@ void __wrap__ZN5kesta8platform10NamedMutex6unlockEv(kesta::platform::NamedMutex*
     __real__ZN5kesta8platform10NamedMutex6unlockEv(mutex);
 }
 
-char* __wrap__ZN5kesta6Module19takeStatementBufferEv(kesta::Module* module) noexcept
+char* __wrap__ZN5kesta15StatementBuffer3getEv(kesta::StatementBuffer* buffer)
 {
-    if (buffersLeft == 0) {
-        return nullptr;
-    }
-    if (buffersLeft > 0) {
-        --buffersLeft;
-    }
-    return __real__ZN5kesta6Module19takeStatementBufferEv(module);
+    if (buffersLeft == 0) throw std::bad_alloc();
+    if (buffersLeft > 0) --buffersLeft;
+    return __real__ZN5kesta15StatementBuffer3getEv(buffer);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)

@@ -15,6 +15,7 @@ class FailingSteps : public ModuleUnderTest {
 protected:
     FailingSteps()
     {
+        statementsStayCompiled = false;
         EXPECT_EQ(DB_LIB_PhoneDetected(W("351111"), W("Phone")), 1);
         sql.exec(
             "INSERT INTO tPimFolder ([pfID], [parentID], [PimID], [Path], [Type]) VALUES (5, -2, 'root', 'Root', 3), "
@@ -27,6 +28,7 @@ protected:
     {
         CallRecorder::refuseStatementAfter(-1);
         CallRecorder::endStepAfter(-1, SQLITE_OK);
+        statementsStayCompiled = true;
     }
 
     /// The call's lines between entry and exit.

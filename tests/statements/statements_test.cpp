@@ -84,13 +84,18 @@ class Statements : public ::testing::Test {
 protected:
     Statements()
     {
+        statementsStayCompiled = false;
         givenDatabase();
         TheModule().start();
         ReplacedServices::take();
         platform::services.now = []() noexcept { return kNow; };
         sql.exec(Complete("INSERT INTO tPhone ([IMEI], [BookMarkType]) VALUES ('I''$', 5), ('I''§', 5)"));
     }
-    ~Statements() override { TheModule().end(); }
+    ~Statements() override
+    {
+        TheModule().end();
+        statementsStayCompiled = true;
+    }
 
     static std::vector<std::string> recorded(const std::function<int32_t(const Exports&)>& call)
     {
@@ -157,6 +162,37 @@ TEST_P(EachStatement, Call_UnderTheLock_IsReceivedToTheCharacter)
     EXPECT_EQ(events[1 - entry], "lock");
     if (!IsThin(name)) {
         EXPECT_EQ(events.back(), "unlock");  // behind the exit line
+    }
+}
+
+/// Compiled statements with their values bound are those that the texts would be. A parameter of the text itself shows
+/// as the caller's value.
+TEST_P(EachStatement, Call_StatementsThatStayCompiled_AreTheSame)
+{
+    if (ExportOf(GetParam()) == "DB_Open") GTEST_SKIP() << "runs no statement of its own";
+    statementsStayCompiled = true;
+    const std::vector<std::string> received = WithoutLines(recorded(GetParam().call));
+    std::vector<std::string> statements;
+    for (const std::string& event : received) {
+        if (event != "lock" && event != "unlock") statements.push_back(event);
+    }
+    std::vector<std::string> expected;
+    for (const std::string& statement : GetParam().statements) {
+        if (statement != "lock" && statement != "unlock") expected.push_back(Complete(statement));
+    }
+    ASSERT_EQ(statements.size(), expected.size());
+    for (size_t i = 0; i < expected.size(); ++i) {
+        const size_t value = expected[i].find('?');
+        const size_t parameter = statements[i].find(" ?");
+        if (value == std::string::npos && parameter != std::string::npos) {
+            // It does not compile: nothing was bound.
+            EXPECT_THAT(expected[i], StartsWith(statements[i].substr(0, parameter)));
+        } else if (value == std::string::npos) {
+            EXPECT_EQ(statements[i], expected[i]);
+        } else {
+            EXPECT_THAT(statements[i],
+                        AllOf(StartsWith(expected[i].substr(0, value)), EndsWith(expected[i].substr(value + 1))));
+        }
     }
 }
 

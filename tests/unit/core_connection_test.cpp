@@ -1,13 +1,11 @@
 // The connection and what runs on it: creation of the schema, statements without rows, columns, compiled look-ups.
 #include "core/connection.h"
 
-#include <sqlite3.h>
-
 #include "core/busy_retry.h"
 #include "core/caller_memory.h"
 #include "core/database_file.h"
+#include "core/routine.h"
 #include "core/schema.h"
-#include "core/sql_exec.h"
 #include "unit/module_under_test.h"
 
 namespace kesta {
@@ -22,9 +20,7 @@ protected:
     static std::string readText(const char* expression)
     {
         Statement rows = db().prepare(NarrowSql("SELECT %s", Name{expression}));
-        if (!rows.step()) {
-            return "no row";
-        }
+        if (!rows.step()) return "no row";
         DbChar* text = rows.newText(0);
         const std::string read = test::Utf8(text);
         FreeText(text);
@@ -77,41 +73,61 @@ TEST_F(ConnectionParts, ReadDatabaseVersion_EachKindOfFile_TellsWhatItIs)
     EXPECT_FALSE(ReadDatabaseVersion(DatabasePath(data.databasePath() / "below")).has_value());
 }
 
-TEST_F(ConnectionParts, SqlExec_SeveralStatements_RunInTheirOrder)
+TEST_F(ConnectionParts, Exec_SeveralStatements_RunInTheirOrder)
 {
-    EXPECT_EQ(SqlExec(NarrowSql("DELETE FROM tVersion; INSERT INTO tVersion VALUES (%d); "
-                                "UPDATE tVersion SET [Version] = [Version] + 1",
-                                int32_t{7})),
-              ResultCode::kSuccess);
+    EXPECT_EQ(db().exec(NarrowSql("DELETE FROM tVersion; INSERT INTO tVersion VALUES (%d); "
+                                  "UPDATE tVersion SET [Version] = [Version] + 1",
+                                  int32_t{7})),
+              SqliteCode::kOk);
     EXPECT_EQ(sql.text("SELECT [Version] FROM tVersion"), "8");
     EXPECT_THAT(ReplacedServices::take(), ElementsAre());
 }
 
-TEST_F(ConnectionParts, SqlExec_RowsOfAQuery_AreNobodys)
+TEST_F(ConnectionParts, Exec_RowsOfAQuery_AreNobodys)
 {
-    EXPECT_EQ(SqlExec(NarrowSql("SELECT * FROM tLibMainFolder")), ResultCode::kSuccess);
+    EXPECT_EQ(db().exec(NarrowSql("SELECT * FROM tLibMainFolder")), SqliteCode::kOk);
 }
 
-TEST_F(ConnectionParts, SqlExec_FailingStatement_IsPositionOneWithoutSqlitesCode)
+TEST_F(ConnectionParts, RoutineRun_FailingStatement_IsToldWithItsPosition)
 {
-    EXPECT_EQ(SqlExec(NarrowSql("INSERT INTO tLibMainFolder VALUES (1000, 'x', 0, 0, '')")), ResultCode::kFailure);
-    EXPECT_EQ(SqlExec(NarrowSql("nonsense")), ResultCode::kFailure);
-    EXPECT_THAT(ReplacedServices::take(), ElementsAre("DB TRACE >> Error in SqlExec(), position 1.\n",
-                                                      "DB TRACE >> Error in SqlExec(), position 1.\n"));
+    Routine self(db(), Trail("Some"));
+    EXPECT_EQ(self.run(1, NarrowSql("INSERT INTO tLibMainFolder VALUES (1000, 'x', 0, 0, '')")), ResultCode::kFailure);
+    EXPECT_EQ(self.exec(2, NarrowSql("INSERT INTO tLibMainFolder VALUES (1000, 'x', 0, 0, '')")),
+              SqliteCode::kConstraint);
+    EXPECT_EQ(self.run(3, NarrowSql("nonsense")), ResultCode::kFailure);
+    EXPECT_EQ(self.run(1, NarrowSql("DELETE FROM tBFile")), ResultCode::kSuccess);
+    EXPECT_THAT(ReplacedServices::take(),
+                ElementsAre("DB TRACE >> Error in Some(), position 1.\n", "DB TRACE >> Error in Some(), position 2.\n",
+                            "DB TRACE >> Error in Some(), position 3.\n"));
 }
 
-TEST_F(ConnectionParts, SqlExec_ConnectionClosed_FailsSilently)
+TEST_F(ConnectionParts, RoutineQueries_NoRowOrNoStatement_TakeWhatTheyAreGiven)
 {
-    db().close();
-    EXPECT_EQ(SqlExec(NarrowSql("SELECT 1")), ResultCode::kFailure);
+    Routine self(db(), Trail("Some"));
+    EXPECT_EQ(self.firstNumber(1, NarrowSql("SELECT 5"), 7), 5);
+    EXPECT_EQ(self.firstNumber(1, NarrowSql("SELECT 5 WHERE 0"), 7), 7);
+    EXPECT_EQ(self.count(1, NarrowSql("SELECT 5")), 5);
+    EXPECT_EQ(self.count(1, NarrowSql("SELECT 5 WHERE 0")), 0);
+    int read = 0;
+    const auto note = [&](const Statement& row) { read = row.int32(0); };
+    EXPECT_EQ(self.first(1, NarrowSql("SELECT 6"), PassThrough, note), ResultCode::kSuccess);
+    EXPECT_EQ(read, 6);
+    EXPECT_EQ(static_cast<int>(self.first(1, NarrowSql("SELECT 8 WHERE 0"), PassThrough, note)), 101);
+    EXPECT_EQ(self.first(1, NarrowSql("SELECT 8 WHERE 0"), EndOfRows, note), ResultCode::kSuccess);
+    EXPECT_EQ(self.first(1, NarrowSql("SELECT 8 WHERE 0"), NoRowIsFailure, note), ResultCode::kFailure);
+    EXPECT_EQ(read, 6);
     EXPECT_THAT(ReplacedServices::take(), ElementsAre());
+    EXPECT_EQ(self.firstNumber(1, NarrowSql("nonsense"), 7), 7);
+    EXPECT_EQ(self.count(2, NarrowSql("nonsense")), std::nullopt);
+    EXPECT_EQ(self.first(3, NarrowSql("nonsense"), NoRowIsSuccess, note), ResultCode::kFailure);
+    EXPECT_THAT(ReplacedServices::take(),
+                ElementsAre("DB TRACE >> Error in Some(), position 1.\n", "DB TRACE >> Error in Some(), position 2.\n",
+                            "DB TRACE >> Error in Some(), position 3.\n"));
 }
 
 TEST_F(ConnectionParts, BusyRetry_HundredAndOneTimes_AsksAgainAndThenGivesUp)
 {
-    for (int tries = 0; tries <= 100; ++tries) {
-        EXPECT_EQ(BusyRetry(nullptr, tries), 5);
-    }
+    for (int tries = 0; tries <= 100; ++tries) EXPECT_EQ(BusyRetry(nullptr, tries), 5);
     const std::vector<std::string> waiting = ReplacedServices::take();
     EXPECT_EQ(waiting, std::vector<std::string>(101, "DB TRACE >> Database busy, try again.\n"));
     EXPECT_EQ(ReplacedServices::sleeps(), std::vector<uint32_t>(101, 100u));
@@ -141,28 +157,6 @@ TEST_F(ConnectionParts, NewText_OneLongCharacterAmongOtherLetters_IsReadAtEveryP
             }
         }
     }
-}
-
-TEST_F(ConnectionParts, NewText_LengthsAroundTheShortText_AreWhole)
-{
-    for (const size_t length : {1000u, 1021u, 1022u, 1023u, 1024u, 1025u, 2000u, 5000u}) {
-        const std::string text = std::string(length, 'a') + "\xC3\xA9";
-        EXPECT_EQ(readText(("'" + text + "'").c_str()), text) << length;
-    }
-}
-
-TEST_F(ConnectionParts, Step_FileHeldByAnother_IsNoRow)
-{
-    Connection other;
-    ASSERT_EQ(other.open(path.c_str()), SqliteCode::kOk);
-    Statement rows = other.prepare(NarrowSql("SELECT [ID] FROM tLibMainFolder"));
-    ASSERT_TRUE(rows.prepared());
-    Connection holder;
-    ASSERT_EQ(holder.open(path.c_str()), SqliteCode::kOk);
-    ASSERT_EQ(holder.exec("BEGIN EXCLUSIVE"), SqliteCode::kOk);
-    EXPECT_FALSE(rows.step());
-    EXPECT_EQ(rows.last(), SqliteCode::kBusy);
-    EXPECT_EQ(holder.exec("COMMIT"), SqliteCode::kOk);
 }
 
 /// What SQLite's own conversion makes of bytes that are not sound UTF-8, or are characters that are none.
@@ -220,133 +214,27 @@ TEST_F(ConnectionParts, EndlessStatement_IsInterrupted)
     EXPECT_EQ(db().exec(NarrowSql("INSERT INTO t VALUES (0)")), SqliteCode::kInterrupted);
     EXPECT_EQ(sql.text("SELECT COUNT(*) FROM t"), "0");
     for (int round = 0; round < 2; ++round) {
-        Statement rows = db().prepareKept(NarrowSql("SELECT COUNT(*) FROM endless"));
+        Statement rows = db().prepare(NarrowSql("SELECT COUNT(*) FROM endless"));
         EXPECT_FALSE(rows.step());
         EXPECT_EQ(rows.last(), SqliteCode::kInterrupted);
     }
 }
 
-constexpr const char* kCountToTenThousand =
-    "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000) SELECT COUNT(*) FROM n";
-
-/// Each statement has all of its steps, however often it runs and by whatever way.
+/// Each statement has all of its steps, however often it runs.
 TEST_F(ConnectionParts, ManyStatements_AreNotInterrupted)
 {
     constexpr int kTimes = 12;
     db().limitRounds(6);
+    const auto count = [] {
+        return NarrowSql(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000) SELECT COUNT(*) FROM n");
+    };
     for (int i = 0; i < kTimes; ++i) {
-        EXPECT_EQ(db().exec(kCountToTenThousand), SqliteCode::kOk) << i;
-    }
-    for (int i = 0; i < kTimes; ++i) {
-        Statement rows = db().prepare(NarrowSql("%s", Name{kCountToTenThousand}));
-        ASSERT_TRUE(rows.step()) << i;
+        EXPECT_EQ(db().exec(count()), SqliteCode::kOk);
+        Statement rows = db().prepare(count());
+        ASSERT_TRUE(rows.step());
         EXPECT_EQ(rows.int32(0), 10000);
     }
-    for (int i = 0; i < kTimes; ++i) {
-        EXPECT_EQ(db().execKept(NarrowSql("%s", Name{kCountToTenThousand})), SqliteCode::kOk) << i;
-    }
-}
-
-/// The limit is what a statement may still take: SQLite itself counts the rounds.
-TEST_F(ConnectionParts, StatementOfExactlyTheMostRounds_IsNotInterrupted)
-{
-    sqlite3* other = nullptr;
-    ASSERT_EQ(sqlite3_open(":memory:", &other), SQLITE_OK);
-    int32_t rounds = 0;
-    const auto count = [](void* counted) { return ++*static_cast<int32_t*>(counted) < 0 ? 1 : 0; };
-    sqlite3_progress_handler(other, Connection::kStepsPerRound, count, &rounds);
-    EXPECT_EQ(sqlite3_exec(other, kCountToTenThousand, nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(other);
-    ASSERT_GT(rounds, 0);
-    db().limitRounds(rounds);
-    EXPECT_EQ(db().exec(kCountToTenThousand), SqliteCode::kOk);
-    db().limitRounds(rounds - 1);
-    EXPECT_EQ(db().exec(kCountToTenThousand), SqliteCode::kInterrupted);
-}
-
-/// Whoever can write the file can write its schema: a view may use only what is harmless.
-TEST_F(ConnectionParts, ViewOfWhatIsNotHarmless_IsRefused)
-{
-    sql.exec("CREATE VIEW columns AS SELECT name FROM pragma_table_info('tPhone')");
-    EXPECT_NE(sql.text("SELECT COUNT(*) FROM pragma_table_info('tPhone')"), "0");
-    Connection other;
-    ASSERT_EQ(other.open(path.c_str()), SqliteCode::kOk);
-    EXPECT_EQ(other.exec("SELECT * FROM pragma_table_info('tPhone')"), SqliteCode::kOk);
-    EXPECT_EQ(other.exec("SELECT * FROM columns"), SqliteCode::kError);
-}
-
-TEST_F(ConnectionParts, PrepareKept_SameTextAgain_GivesTheRowsOfNow)
-{
-    const auto phone = [] {
-        Statement rows = db().prepareKept(NarrowSql("SELECT [ID] FROM tPhone WHERE [IMEI] = '1'"));
-        return rows.prepared() && rows.step() ? rows.int32(0) : -1;
-    };
-    EXPECT_EQ(phone(), -1);
-    sql.exec("INSERT INTO tPhone ([IMEI]) VALUES ('1')");
-    EXPECT_EQ(phone(), 1);
-    EXPECT_EQ(phone(), 1);
-    sql.exec("UPDATE tPhone SET [ID] = 9");
-    EXPECT_EQ(phone(), 9);
-    sql.exec("ALTER TABLE tPhone RENAME TO elsewhere");
-    EXPECT_EQ(phone(), -1);
-    sql.exec("ALTER TABLE elsewhere RENAME TO tPhone");
-    EXPECT_EQ(phone(), 9);
-}
-
-/// Compiled again it would not be prepared without its table.
-TEST_F(ConnectionParts, PrepareKept_SameTextAgain_IsNotCompiledAgain)
-{
-    const auto look = [] { return db().prepareKept(NarrowSql("SELECT [ID] FROM tPhone")); };
-    ASSERT_TRUE(look().prepared());
-    sql.exec("ALTER TABLE tPhone RENAME TO elsewhere");
-    EXPECT_EQ(db().exec("SELECT [ID] FROM tLibMainFolder"), SqliteCode::kOk);  // and learns of the renaming
-    EXPECT_TRUE(look().prepared());
-    EXPECT_FALSE(db().prepareKept(NarrowSql("SELECT [ID]  FROM tPhone")).prepared());
-}
-
-TEST_F(ConnectionParts, PrepareKept_ManyTextsByTurns_StayApart)
-{
-    for (int round = 0; round < 3; ++round) {
-        for (int32_t i = 0; i < 10; ++i) {
-            Statement rows = db().prepareKept(NarrowSql("SELECT %d", i));
-            ASSERT_TRUE(rows.step());
-            EXPECT_EQ(rows.int32(0), i);
-        }
-    }
-    for (const size_t length : {200u, 248u, 249u, 250u, 300u, 5000u}) {  // around the longest text that is kept
-        for (int round = 0; round < 2; ++round) {
-            const std::string text(length, 'x');
-            Statement rows = db().prepareKept(WideSql("SELECT '%s'", Escaped{W(text)}));
-            ASSERT_TRUE(rows.step());
-            EXPECT_EQ(test::Utf8(rows.wideText(0)), text);
-        }
-    }
-}
-
-TEST_F(ConnectionParts, PrepareKept_ReadHalfway_LetsGoOfTheFile)
-{
-    {
-        Statement rows = db().prepareKept(NarrowSql("SELECT [ID] FROM tLibMainFolder"));
-        ASSERT_TRUE(rows.step());
-    }
-    sql.exec("DELETE FROM tLibMainFolder");
-    EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tLibMainFolder"), "0");
-}
-
-TEST_F(ConnectionParts, PrepareKept_NoStatement_TellsTheCode)
-{
-    EXPECT_EQ(db().prepareKept(NarrowSql("nonsense")).last(), SqliteCode::kError);
-    EXPECT_FALSE(db().prepareKept(NarrowSql("nonsense")).prepared());
-}
-
-TEST_F(ConnectionParts, ExecKept_Failures_GiveSqlitesCode)
-{
-    const auto insert = [] { return db().execKept(NarrowSql("INSERT INTO tLibMainFolder VALUES (1, 'x', 0, 0, '')")); };
-    EXPECT_EQ(insert(), SqliteCode::kOk);
-    EXPECT_EQ(insert(), SqliteCode::kConstraint);
-    EXPECT_EQ(db().execKept(NarrowSql("nonsense")), SqliteCode::kError);
-    EXPECT_EQ(db().execKept(NarrowSql("SELECT * FROM tLibMainFolder")), SqliteCode::kOk);
-    EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tLibMainFolder"), "8");
 }
 
 }  // namespace

@@ -31,13 +31,11 @@ protected:
     /// Runs the rule with these two statements.
     int32_t read(const char* countSql, const char* rowSql)
     {
-        return static_cast<int32_t>(ReadList(
-            db(), Trail("Test"), list, [&] { return NarrowSql("%s", Name{countSql}); },
-            [&] { return NarrowSql("%s", Name{rowSql}); },
-            [](const Statement& row, Item& item) {
-                item.value = row.int32(0);
-                item.text = row.newText(1);
-            }));
+        return static_cast<int32_t>(ReadList(Routine(db(), Trail("Test")), list, NarrowSql("%s", Name{countSql}),
+                                             NarrowSql("%s", Name{rowSql}), [](const Statement& row, Item& item) {
+                                                 item.value = row.int32(0);
+                                                 item.text = row.newText(1);
+                                             }));
     }
 
     /// The lines of failures; those of memory are left out.

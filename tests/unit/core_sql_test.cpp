@@ -1,5 +1,5 @@
 // Making the text of a statement.
-#include "core/sql.h"
+#include "core/sql_text.h"
 
 #include "core/text.h"
 #include "unit/module_under_test.h"
@@ -12,14 +12,21 @@ using test::W;
 
 constexpr char kReplacement[] = "\xEF\xBF\xBD";
 
-class SqlText : public ModuleUnderTest {
+class StatementText : public ModuleUnderTest {
 protected:
-    static std::string escaped(const DbChar* text) { return std::string(WideSql("%s", Escaped{text}).text()); }
-    static std::string plain(const DbChar* text) { return std::string(WideSql("%s", Plain{text}).text()); }
-    static std::string ansi(const DbChar* text) { return std::string(NarrowSql("%s", Ansi{text}).text()); }
+    static std::string made(const Sql& sql)
+    {
+        SqlText text(db().textBuffer());
+        text.append(sql);
+        return text.tooLong() ? "too long" : std::string(text.text());
+    }
+    static bool fits(const Sql& sql) { return made(sql) != "too long"; }
+    static std::string escaped(const DbChar* text) { return made(WideSql("%s", Escaped{text})); }
+    static std::string plain(const DbChar* text) { return made(WideSql("%s", Plain{text})); }
+    static std::string ansi(const DbChar* text) { return made(NarrowSql("%s", Ansi{text})); }
 };
 
-TEST_F(SqlText, Escaped_Apostrophes_AreDoubledWhereverTheyStand)
+TEST_F(StatementText, Escaped_Apostrophes_AreDoubledWhereverTheyStand)
 {
     EXPECT_EQ(escaped(W("")), "");
     EXPECT_EQ(escaped(W("plain")), "plain");
@@ -32,7 +39,7 @@ TEST_F(SqlText, Escaped_Apostrophes_AreDoubledWhereverTheyStand)
 }
 
 /// Every place of a text is tried, since it is copied in blocks.
-TEST_F(SqlText, Escaped_OneApostropheAmongOtherLetters_IsDoubledAtEveryPlace)
+TEST_F(StatementText, Escaped_OneApostropheAmongOtherLetters_IsDoubledAtEveryPlace)
 {
     for (size_t length = 1; length < 40; ++length) {
         for (size_t place = 0; place < length; ++place) {
@@ -47,7 +54,7 @@ TEST_F(SqlText, Escaped_OneApostropheAmongOtherLetters_IsDoubledAtEveryPlace)
     }
 }
 
-TEST_F(SqlText, AnyKind_OneLongCharacterAmongOtherLetters_IsConvertedAtEveryPlace)
+TEST_F(StatementText, AnyKind_OneLongCharacterAmongOtherLetters_IsConvertedAtEveryPlace)
 {
     for (const std::string character : {"\xC2\x80", "\xC3\xA9", "\xDF\xBF", "\xE0\xA0\x80", "\xE6\x97\xA5",
                                         "\xEF\xBF\xBD", "\xF0\x90\x80\x80", "\xF0\x9F\x8E\xB5", "\xF4\x8F\xBF\xBF"}) {
@@ -62,7 +69,7 @@ TEST_F(SqlText, AnyKind_OneLongCharacterAmongOtherLetters_IsConvertedAtEveryPlac
     }
 }
 
-TEST_F(SqlText, AnyKind_LoneSurrogates_BecomeTheReplacementCharacter)
+TEST_F(StatementText, AnyKind_LoneSurrogates_BecomeTheReplacementCharacter)
 {
     struct Case {
         Text text;
@@ -82,10 +89,10 @@ TEST_F(SqlText, AnyKind_LoneSurrogates_BecomeTheReplacementCharacter)
     EXPECT_EQ(escaped(cases[6].text), r + "''" + r);
 }
 
-TEST_F(SqlText, Escaped_EndCharacter_EndsTheText)
+TEST_F(StatementText, Escaped_EndCharacter_EndsTheText)
 {
     const auto until = [](const DbChar* text) {
-        return std::string(WideSql("<%s>", Escaped{text, static_cast<DbChar>(':')}).text());
+        return made(WideSql("<%s>", Escaped{text, static_cast<DbChar>(':')}));
     };
     EXPECT_EQ(until(W("35:11:22")), "<35>");
     EXPECT_EQ(until(W(":35")), "<>");
@@ -97,31 +104,32 @@ TEST_F(SqlText, Escaped_EndCharacter_EndsTheText)
     }
 }
 
-TEST_F(SqlText, PlainAndAnsi_Null_IsTheTextNull)
+TEST_F(StatementText, PlainAndAnsi_Null_IsTheTextNull)
 {
     EXPECT_EQ(plain(nullptr), "(null)");
     EXPECT_EQ(ansi(nullptr), "(null)");
     EXPECT_EQ(ansi(W("a'b")), "a'b");
 }
 
-TEST_F(SqlText, Numbers_Extremes_AreWrittenInDecimal)
+TEST_F(StatementText, Numbers_Extremes_AreWrittenInDecimal)
 {
     EXPECT_EQ(
-        NarrowSql("%d %d %I64d %I64d", int32_t{INT32_MIN}, int32_t{-1}, int64_t{INT64_MIN}, int64_t{INT64_MAX}).text(),
+        made(NarrowSql("%d %d %I64d %I64d", int32_t{INT32_MIN}, int32_t{-1}, int64_t{INT64_MIN}, int64_t{INT64_MAX})),
         "-2147483648 -1 -9223372036854775808 9223372036854775807");
 }
 
-TEST_F(SqlText, Append_Pieces_FollowEachOther)
+TEST_F(StatementText, Append_Pieces_FollowEachOther)
 {
-    Sql text = WideSql("UPDATE %s SET", Name{"t"});
-    text.append(" [A] = %d", int32_t{5});
-    text.append(", [B] = '%s'", Escaped{W("it's")});
+    SqlText text(db().textBuffer());
+    text.append(WideSql("UPDATE %s SET", Name{"t"}));
+    text.append(WideSql(" [A] = %d", int32_t{5}));
+    text.append(WideSql(", [B] = '%s'", Escaped{W("it's")}));
     EXPECT_EQ(text.text(), "UPDATE t SET [A] = 5, [B] = 'it''s'");
     EXPECT_FALSE(text.tooLong());
 }
 
 /// What fills the rest of a statement, and how many bytes it takes.
-TEST_F(SqlText, Limit_LastCharacter_FitsToTheByteAndNotOneMore)
+TEST_F(StatementText, Limit_LastCharacter_FitsToTheByteAndNotOneMore)
 {
     struct Case {
         std::string text;
@@ -130,45 +138,43 @@ TEST_F(SqlText, Limit_LastCharacter_FitsToTheByteAndNotOneMore)
     for (const Case& each : {Case{"x", 1}, Case{"'", 2}, Case{"\xC3\xA9", 2}, Case{"\xE6\x97\xA5", 3},
                              Case{"\xF0\x9F\x8E\xB5", 4}, Case{"'\xF0\x9F\x8E\xB5'", 8}}) {
         const std::string room(kStatementBytes - each.bytes, 'r');
-        {
-            const Sql fits = WideSql("%s%s", Escaped{W(room)}, Escaped{W(each.text)});
-            EXPECT_FALSE(fits.tooLong()) << each.text;
-            EXPECT_EQ(fits.text().size(), kStatementBytes);
-        }
-        const Sql tooLong = WideSql("%s%s", Escaped{W(room + "r")}, Escaped{W(each.text)});
-        EXPECT_TRUE(tooLong.tooLong()) << each.text;
+        EXPECT_EQ(made(WideSql("%s%s", Escaped{W(room)}, Escaped{W(each.text)})).size(), kStatementBytes) << each.text;
+        EXPECT_FALSE(fits(WideSql("%s%s", Escaped{W(room + "r")}, Escaped{W(each.text)}))) << each.text;
     }
 }
 
-TEST_F(SqlText, Limit_LiteralNumberAndName_AreCountedToo)
+TEST_F(StatementText, Limit_LiteralNumberAndName_AreCountedToo)
 {
     const std::string room(kStatementBytes - 3, 'r');
-    EXPECT_FALSE(WideSql("%sabc", Escaped{W(room)}).tooLong());
-    EXPECT_TRUE(WideSql("%sabcd", Escaped{W(room)}).tooLong());
-    EXPECT_FALSE(WideSql("%s%d", Escaped{W(room)}, int32_t{-12}).tooLong());
-    EXPECT_TRUE(WideSql("%s%d", Escaped{W(room)}, int32_t{-123}).tooLong());
-    EXPECT_FALSE(WideSql("%s%s", Escaped{W(room)}, Name{"tab"}).tooLong());
-    EXPECT_TRUE(WideSql("%s%s", Escaped{W(room)}, Name{"tabl"}).tooLong());
-    EXPECT_TRUE(WideSql("%s%s", Escaped{W(room)}, Plain{nullptr}).tooLong());
-    EXPECT_FALSE(WideSql("%s%s", Escaped{W(room)}, Escaped{nullptr}).tooLong());
-    EXPECT_FALSE(NarrowSql("%s%s", Ansi{W(room)}, Ansi{W("abc")}).tooLong());
-    EXPECT_TRUE(NarrowSql("%s%s", Ansi{W(room)}, Ansi{W("abcd")}).tooLong());
+    EXPECT_TRUE(fits(WideSql("%sabc", Escaped{W(room)})));
+    EXPECT_FALSE(fits(WideSql("%sabcd", Escaped{W(room)})));
+    EXPECT_TRUE(fits(WideSql("%s%d", Escaped{W(room)}, int32_t{-12})));
+    EXPECT_FALSE(fits(WideSql("%s%d", Escaped{W(room)}, int32_t{-123})));
+    EXPECT_TRUE(fits(WideSql("%s%s", Escaped{W(room)}, Name{"tab"})));
+    EXPECT_FALSE(fits(WideSql("%s%s", Escaped{W(room)}, Name{"tabl"})));
+    EXPECT_FALSE(fits(WideSql("%s%s", Escaped{W(room)}, Plain{nullptr})));
+    EXPECT_TRUE(fits(WideSql("%s%s", Escaped{W(room)}, Escaped{nullptr})));
+    EXPECT_TRUE(fits(NarrowSql("%s%s", Ansi{W(room)}, Ansi{W("abc")})));
+    EXPECT_FALSE(fits(NarrowSql("%s%s", Ansi{W(room)}, Ansi{W("abcd")})));
 }
 
-TEST_F(SqlText, Limit_OnceExceeded_StaysExceeded)
+TEST_F(StatementText, Limit_OnceExceeded_StaysExceeded)
 {
-    Sql text = WideSql("%s", Escaped{W(std::string(kStatementBytes + 1, 'x'))});
+    const std::string letters(kStatementBytes + 1, 'x');
+    SqlText text(db().textBuffer());
+    text.append(WideSql("%s", Escaped{W(letters)}));
     EXPECT_TRUE(text.tooLong());
-    text.append("");
-    text.append("%s", Escaped{W("")});
+    text.append(WideSql(""));
+    text.append(WideSql("%s", Escaped{W("")}));
     EXPECT_TRUE(text.tooLong());
     EXPECT_EQ(db().exec(text), SqliteCode::kTooBig);
-    EXPECT_FALSE(db().prepare(text).prepared());
-    EXPECT_EQ(db().prepare(text).last(), SqliteCode::kTooBig);
-    EXPECT_EQ(db().prepareKept(text).last(), SqliteCode::kTooBig);
+    EXPECT_EQ(db().exec(WideSql("%s", Escaped{W(letters)})), SqliteCode::kTooBig);
+    const Statement none = db().prepare(WideSql("%s", Escaped{W(letters)}));
+    EXPECT_FALSE(none.prepared());
+    EXPECT_EQ(none.last(), SqliteCode::kTooBig);
 }
 
-TEST_F(SqlText, EscapeSqlText_LongText_StopsAtItsLimit)
+TEST_F(StatementText, EscapeSqlText_LongText_StopsAtItsLimit)
 {
     const auto length = [](const std::string& text) {
         size_t units = 0;
@@ -198,7 +204,7 @@ TEST_F(SqlText, EscapeSqlText_LongText_StopsAtItsLimit)
     EXPECT_EQ(runs, 0u);
 }
 
-TEST_F(SqlText, LengthOf_CountsCodeUnits)
+TEST_F(StatementText, LengthOf_CountsCodeUnits)
 {
     EXPECT_EQ(LengthOf(W("")), 0u);
     EXPECT_EQ(LengthOf(W("a\xF0\x9F\x8E\xB5")), 3u);

@@ -14,6 +14,9 @@ namespace {
 using test::W;
 using ::testing::ElementsAre;
 
+constexpr MediaTables kTables = {{"tMFolder"}, {"vMFolder"}, {"tMFile"}, {"vMFile"}};
+constexpr MediaTables kNoTables = {{"tXFolder"}, {"vXFolder"}, {"tXFile"}, {"vXFile"}};
+
 class LookUps : public ModuleUnderTest {
 protected:
     LookUps()
@@ -33,7 +36,7 @@ protected:
 
     ResultCode setDeleted(const char* path)
     {
-        return DB_INTERNAL_SetDeletedFolder(W("351111"), Name{"tMFolder"}, W(path), Deletion::kByFlag);
+        return media::SetDeletedFolder(W("351111"), kTables, W(path), media::Deletion::kByFlag);
     }
 };
 
@@ -108,35 +111,32 @@ TEST_F(LookUps, SetDeletedFolderByFlag_MarkingFails_TellsUnderTheMarkingsName)
 TEST_F(LookUps, GetFlag_EveryOutcome_HasItsResult)
 {
     int32_t flag = 77;
-    const auto get = [&](const char* imei, const char* table, const char* path) {
-        return static_cast<int32_t>(DB_INTNOLOCK_GetFlag(db(), W(imei), Name{table}, W(path), flag));
+    const auto get = [&](const char* imei, const MediaTables& tables, const char* path) {
+        return static_cast<int32_t>(media::GetFlag(db(), W(imei), tables, W(path), flag));
     };
-    EXPECT_EQ(get("351111", "tMFolder", "unknown"), 101);
-    EXPECT_EQ(get("999", "tMFolder", "zero"), 101);
+    EXPECT_EQ(get("351111", kTables, "unknown"), 101);
+    EXPECT_EQ(get("999", kTables, "zero"), 101);
     EXPECT_EQ(flag, 77);
-    EXPECT_EQ(get("351111", "tMFolder", "it's"), 0);
+    EXPECT_EQ(get("351111", kTables, "it's"), 0);
     EXPECT_EQ(flag, 4);
     EXPECT_THAT(ReplacedServices::take(), ElementsAre());
-    EXPECT_EQ(get("351111", "tXFolder", "zero"), 1);
+    EXPECT_EQ(get("351111", kNoTables, "zero"), 1);
     EXPECT_THAT(ReplacedServices::take(), ElementsAre("DB TRACE >> Error in DB_INTNOLOCK_GetFlag(), position 1.\n"));
 }
 
 TEST_F(LookUps, SetFolderState_KnownAndUnknownPhone_WritesOrFails)
 {
-    EXPECT_EQ(DB_INTERNAL_SetFolderState(W("351111"), Name{"tMFolder"}, W("it's"), Name{"[Flag]"}, 9),
-              ResultCode::kSuccess);
+    EXPECT_EQ(media::SetFolderState(W("351111"), kTables, W("it's"), Name{"[Flag]"}, 9), ResultCode::kSuccess);
     EXPECT_EQ(folders(), "it's|9\none|1\nthree|3\nzero|0");
-    EXPECT_EQ(DB_INTERNAL_SetFolderState(W("999"), Name{"tMFolder"}, W("zero"), Name{"[Flag]"}, 9),
-              ResultCode::kFailure);
+    EXPECT_EQ(media::SetFolderState(W("999"), kTables, W("zero"), Name{"[Flag]"}, 9), ResultCode::kFailure);
     db().close();
-    EXPECT_EQ(DB_INTERNAL_SetFolderState(W("351111"), Name{"tMFolder"}, W("zero"), Name{"[Flag]"}, 9),
-              ResultCode::kFailure);
+    EXPECT_EQ(media::SetFolderState(W("351111"), kTables, W("zero"), Name{"[Flag]"}, 9), ResultCode::kFailure);
     EXPECT_THAT(ReplacedServices::take(), ElementsAre());
 }
 
 TEST_F(LookUps, SetFoldersState_AnyColumn_LeavesRowsAtFour)
 {
-    EXPECT_EQ(DB_INTERNAL_SetFoldersState(W("351111"), Name{"tMFolder"}, Name{"[Flag]"}, 8), ResultCode::kSuccess);
+    EXPECT_EQ(media::SetFoldersState(W("351111"), kTables, Name{"[Flag]"}, 8), ResultCode::kSuccess);
     EXPECT_EQ(folders(), "it's|4\none|8\nthree|8\nzero|8");
     EXPECT_EQ(sql.text("SELECT [Flag] FROM tMFolder WHERE [PhoneID] = 2"), "7");
 }
@@ -144,13 +144,13 @@ TEST_F(LookUps, SetFoldersState_AnyColumn_LeavesRowsAtFour)
 TEST_F(LookUps, GetFolders_OrderOfTheTable_IsTheOrderOfItsKey)
 {
     FolderList list = {};
-    EXPECT_EQ(DB_INTERNAL_GetFolders(W("351111"), Name{"tMFolder"}, list, FolderOrder::kTable), ResultCode::kSuccess);
+    EXPECT_EQ(media::GetFolders(W("351111"), kTables, list, media::FolderOrder::kTable), ResultCode::kSuccess);
     std::string paths;
     for (int32_t i = 0; i < list.Count; ++i) {
         paths += test::Utf8(list.Items[i].Path) + " ";
     }
     EXPECT_EQ(paths, "it's one three zero ");
-    EXPECT_EQ(DB_INTERNAL_GetFolders(W("351111"), Name{"tMFolder"}, list, FolderOrder::kAddTime), ResultCode::kSuccess);
+    EXPECT_EQ(media::GetFolders(W("351111"), kTables, list, media::FolderOrder::kAddTime), ResultCode::kSuccess);
     paths.clear();
     for (int32_t i = 0; i < list.Count; ++i) {
         paths += test::Utf8(list.Items[i].Path) + " ";
@@ -162,9 +162,9 @@ TEST_F(LookUps, GetFolders_OrderOfTheTable_IsTheOrderOfItsKey)
 TEST_F(LookUps, GetFolders_NoFolders_LeavesTheListAsItWas)
 {
     FolderList list = {};
-    ASSERT_EQ(DB_INTERNAL_GetFolders(W("351111"), Name{"tMFolder"}, list, FolderOrder::kTable), ResultCode::kSuccess);
+    ASSERT_EQ(media::GetFolders(W("351111"), kTables, list, media::FolderOrder::kTable), ResultCode::kSuccess);
     sql.exec("DELETE FROM tMFolder");
-    EXPECT_EQ(DB_INTERNAL_GetFolders(W("351111"), Name{"tMFolder"}, list, FolderOrder::kTable), ResultCode::kSuccess);
+    EXPECT_EQ(media::GetFolders(W("351111"), kTables, list, media::FolderOrder::kTable), ResultCode::kSuccess);
     EXPECT_EQ(list.Count, 4);
     EmptyList(list);
 }
@@ -172,9 +172,9 @@ TEST_F(LookUps, GetFolders_NoFolders_LeavesTheListAsItWas)
 TEST_F(LookUps, GetAllMainFolders_NoFolders_LeavesTheListAsItWas)
 {
     MainFolderList list = {};
-    ASSERT_EQ(DB_INTERNAL_LIB_GetAllMainFolders(db(), list), ResultCode::kSuccess);
+    ASSERT_EQ(library::GetAllMainFolders(db(), list), ResultCode::kSuccess);
     sql.exec("DELETE FROM tLibMainFolder");
-    EXPECT_EQ(DB_INTERNAL_LIB_GetAllMainFolders(db(), list), ResultCode::kSuccess);
+    EXPECT_EQ(library::GetAllMainFolders(db(), list), ResultCode::kSuccess);
     EXPECT_EQ(list.Count, 7);
     EmptyList(list);
 }
@@ -182,8 +182,8 @@ TEST_F(LookUps, GetAllMainFolders_NoFolders_LeavesTheListAsItWas)
 TEST_F(LookUps, GetAllMainFolders_ListThatHoldsFolders_GivesThemBack)
 {
     MainFolderList list = {};
-    ASSERT_EQ(DB_INTERNAL_LIB_GetAllMainFolders(db(), list), ResultCode::kSuccess);
-    ASSERT_EQ(DB_INTERNAL_LIB_GetAllMainFolders(db(), list), ResultCode::kSuccess);
+    ASSERT_EQ(library::GetAllMainFolders(db(), list), ResultCode::kSuccess);
+    ASSERT_EQ(library::GetAllMainFolders(db(), list), ResultCode::kSuccess);
     EmptyList(list);
     int alive = 0;
     for (const std::string& line : ReplacedServices::take()) {
@@ -195,16 +195,16 @@ TEST_F(LookUps, GetAllMainFolders_ListThatHoldsFolders_GivesThemBack)
 TEST_F(LookUps, RefreshStatistic_AnyOtherFolder_FailsWithoutLine)
 {
     for (const int32_t id : {0, 1500, 1600, 2200, -1}) {
-        EXPECT_EQ(DB_INTERNAL_LIB_RefreshStatistic(db(), id), ResultCode::kFailure);
+        EXPECT_EQ(library::RefreshStatistic(db(), id), ResultCode::kFailure);
     }
     EXPECT_THAT(ReplacedServices::take(), ElementsAre());
 }
 
 TEST_F(LookUps, ClearTable4Phone_OnePhone_KeepsTheOthers)
 {
-    EXPECT_EQ(DB_INTERNAL_ClearTable4Phone(db(), 1, Name{"tMFile"}), ResultCode::kSuccess);
+    EXPECT_EQ(library::ClearTable4Phone(db(), 1, Name{"tMFile"}), ResultCode::kSuccess);
     EXPECT_EQ(sql.text("SELECT [PhoneID] FROM tMFile"), "2");
-    EXPECT_EQ(DB_INTERNAL_ClearTable4Phone(db(), 1, Name{"tNowhere"}), ResultCode::kFailure);
+    EXPECT_EQ(library::ClearTable4Phone(db(), 1, Name{"tNowhere"}), ResultCode::kFailure);
     EXPECT_THAT(ReplacedServices::take(),
                 ElementsAre("DB TRACE >> Error in DB_INTERNAL_ClearTable4Phone(), position 1.\n"));
 }
