@@ -44,14 +44,18 @@ ResultCode AddBackup(Routine self, const DbChar* imei, const BackupRecord& backu
                            id = row.int32(0);
                            known = true;
                        });
-        if (looked != ResultCode::kSuccess) return looked;
+        if (looked != ResultCode::kSuccess) {
+            return looked;
+        }
         const ResultCode unlessInserted = known ? kBackupExists : ResultCode::kFailure;
         if (known) {
             if (Update(self, id, backup) != ResultCode::kSuccess) {
                 id = kNoBackup;
                 return unlessInserted;
             }
-            if (id != kNoBackup) return unlessInserted;
+            if (id != kNoBackup) {
+                return unlessInserted;
+            }
         }
         if (Insert(self, phoneId, backup) != ResultCode::kSuccess) {
             id = kNoBackup;

@@ -26,7 +26,9 @@ inline constexpr size_t kNarrowedBlock = 8;
 inline size_t NarrowAsciiBlock(const DbChar* __restrict text, DbChar stop, DbChar until, char* __restrict out) noexcept
 {
     static_assert(std::endian::native == std::endian::little && sizeof(DbChar) == sizeof(uint16_t));
-    for (size_t i = 0; i < kNarrowedBlock; ++i) out[i] = static_cast<char>(text[i]);
+    for (size_t i = 0; i < kNarrowedBlock; ++i) {
+        out[i] = static_cast<char>(text[i]);
+    }
     uint64_t words[2];
     std::memcpy(words, text, sizeof words);
     const uint64_t others[2] = {words[0] & 0xFF80FF80FF80FF80, words[1] & 0xFF80FF80FF80FF80};
@@ -40,7 +42,9 @@ inline size_t NarrowAsciiBlock(const DbChar* __restrict text, DbChar stop, DbCha
     const uint64_t untils = bytes ^ (kEach * until);
     const uint64_t found = (((stops - kEach) & ~stops) | ((untils - kEach) & ~untils)) & (0x80 * kEach);
 
-    if ((others[0] | others[1] | found) == 0) return kNarrowedBlock;
+    if ((others[0] | others[1] | found) == 0) {
+        return kNarrowedBlock;
+    }
     const int other = others[0] != 0 ? std::countr_zero(others[0]) : 64 + std::countr_zero(others[1]);
     return static_cast<size_t>(std::min(other / 16, std::countr_zero(found) / 8));
 }
@@ -53,11 +57,15 @@ inline size_t CopyAscii(const DbChar* text, size_t length, DbChar stop, DbChar u
     while (length - done >= kNarrowedBlock) {
         const size_t plain = NarrowAsciiBlock(text + done, stop, until, out + done);
         done += plain;
-        if (plain < kNarrowedBlock) return done;
+        if (plain < kNarrowedBlock) {
+            return done;
+        }
     }
     for (; done < length; ++done) {
         const DbChar unit = text[done];
-        if (!IsAscii(unit) || unit == stop || unit == until) break;
+        if (!IsAscii(unit) || unit == stop || unit == until) {
+            break;
+        }
         out[done] = static_cast<char>(unit);
     }
     return done;
@@ -79,7 +87,9 @@ template <class Block>
 bool ForEachBlock(size_t length, Block&& block)
 {
     for (size_t place = 0; place + kWidenedBlock < length; place += kWidenedBlock) {
-        if (!block(place)) return false;
+        if (!block(place)) {
+            return false;
+        }
     }
     return block(length - kWidenedBlock);
 }
@@ -90,14 +100,18 @@ inline bool IsAscii(std::string_view text) noexcept
         return ForEachBlock(text.size(), [text](size_t place) { return IsAsciiBlock(text.data() + place); });
     }
     for (const char c : text) {
-        if (static_cast<unsigned char>(c) >= 0x80) return false;
+        if (static_cast<unsigned char>(c) >= 0x80) {
+            return false;
+        }
     }
     return true;
 }
 
 inline void WidenAsciiBlock(const char* __restrict text, DbChar* __restrict out) noexcept
 {
-    for (size_t i = 0; i < kWidenedBlock; ++i) out[i] = static_cast<DbChar>(static_cast<unsigned char>(text[i]));
+    for (size_t i = 0; i < kWidenedBlock; ++i) {
+        out[i] = static_cast<DbChar>(static_cast<unsigned char>(text[i]));
+    }
 }
 
 /// Widens an ASCII text.
@@ -110,7 +124,9 @@ inline void WidenAscii(std::string_view text, DbChar* out) noexcept
         });
         return;
     }
-    for (size_t i = 0; i < text.size(); ++i) out[i] = static_cast<DbChar>(static_cast<unsigned char>(text[i]));
+    for (size_t i = 0; i < text.size(); ++i) {
+        out[i] = static_cast<DbChar>(static_cast<unsigned char>(text[i]));
+    }
 }
 
 }  // namespace kesta

@@ -47,7 +47,9 @@ public:
 template <class T>
 T& Required(T* record)
 {
-    if (record == nullptr) throw std::invalid_argument("null record");
+    if (record == nullptr) {
+        throw std::invalid_argument("null record");
+    }
     return *record;
 }
 
@@ -55,7 +57,9 @@ T& Required(T* record)
 template <class T>
 std::span<T> Elements(T* items, int32_t count)
 {
-    if (count <= 0) return {};
+    if (count <= 0) {
+        return {};
+    }
     return {&Required(items), static_cast<size_t>(count)};
 }
 
@@ -112,7 +116,9 @@ int32_t RunFrame(const Export& self, Enter&& enter, Body&& body) noexcept
         outcome = ResultCode::kFailure;
         Trail(self.name).exception();
     }
-    if (self.exit != nullptr && outcome.traceExit) DbTrace(*self.exit, Name{self.name}, outcome.result);
+    if (self.exit != nullptr && outcome.traceExit) {
+        DbTrace(*self.exit, Name{self.name}, outcome.result);
+    }
     return outcome.result;
 }
 

@@ -11,7 +11,9 @@ template <class T>
 T* Allocate(size_t count)
 {
     auto* memory = static_cast<T*>(std::malloc(count * sizeof(T)));
-    if (memory == nullptr) throw std::bad_alloc();
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
     memory[count - 1] = 0;
     TraceNew(memory);
     return memory;
@@ -20,7 +22,9 @@ T* Allocate(size_t count)
 template <class T>
 void Free(T*& memory) noexcept
 {
-    if (memory == nullptr) return;
+    if (memory == nullptr) {
+        return;
+    }
     TraceDelete(memory);
     std::free(memory);
     memory = nullptr;
@@ -35,7 +39,9 @@ DbChar* NewText(size_t length)
 
 DbChar* DuplicateText(const DbChar* text)
 {
-    if (text == nullptr) return nullptr;
+    if (text == nullptr) {
+        return nullptr;
+    }
     const size_t length = LengthOf(text);
     DbChar* copy = NewText(length);
     std::copy_n(text, length, copy);

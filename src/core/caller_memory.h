@@ -43,22 +43,32 @@ class CallerArray {
 public:
     static T* create(size_t count, const DateValue& now)
     {
-        if (count > (std::numeric_limits<size_t>::max() - kFront) / sizeof(T)) throw std::bad_alloc();
+        if (count > (std::numeric_limits<size_t>::max() - kFront) / sizeof(T)) {
+            throw std::bad_alloc();
+        }
         void* memory = std::malloc(kFront + count * sizeof(T));
-        if (memory == nullptr) throw std::bad_alloc();
+        if (memory == nullptr) {
+            throw std::bad_alloc();
+        }
         T* items = reinterpret_cast<T*>(static_cast<std::byte*>(memory) + kFront);
         countOf(items) = count;
-        for (size_t i = 0; i < count; ++i) Element<T>::construct(items[i], now);
+        for (size_t i = 0; i < count; ++i) {
+            Element<T>::construct(items[i], now);
+        }
         TraceNew(items);
         return items;
     }
 
     static void release(T* items) noexcept
     {
-        if (items == nullptr) return;
+        if (items == nullptr) {
+            return;
+        }
         TraceDelete(items);
         const size_t count = countOf(items);
-        for (size_t i = 0; i < count; ++i) Element<T>::destroy(items[i]);
+        for (size_t i = 0; i < count; ++i) {
+            Element<T>::destroy(items[i]);
+        }
         std::free(reinterpret_cast<std::byte*>(items) - kFront);
     }
 };

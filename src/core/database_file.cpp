@@ -137,7 +137,9 @@ DatabasePath::DatabasePath()
     if (platform::ApplicationDataFolder(folder)) {
         for (const char* name : {"NORVIK", "NORVIK Sync", "Database"}) {
             folder /= name;
-            if (!platform::Exists(folder)) platform::CreateFolder(folder);
+            if (!platform::Exists(folder)) {
+                platform::CreateFolder(folder);
+            }
         }
         file_ = folder / "KESTA_DB.s3db";
     }
@@ -158,7 +160,9 @@ std::optional<int32_t> ReadDatabaseVersion(const DatabasePath& path)
     int32_t version = kNone;
     {
         Connection db;
-        if (db.open(path.utf8(), witness.vfsName()) != SqliteCode::kOk) return std::nullopt;
+        if (db.open(path.utf8(), witness.vfsName()) != SqliteCode::kOk) {
+            return std::nullopt;
+        }
         db.waitSilently(kPatienceMs);
         Statement rows = db.prepare("SELECT [Version] FROM tVersion");
         if (rows.prepared() && rows.step()) {
@@ -167,9 +171,13 @@ std::optional<int32_t> ReadDatabaseVersion(const DatabasePath& path)
             return std::nullopt;
         }
     }
-    if (version == kDatabaseVersion) return version;
+    if (version == kDatabaseVersion) {
+        return version;
+    }
     // What follows costs the file: it must not rest on a read that failed.
-    if (witness.sawFailure() || !CanReadFileAndJournals(path.file())) return std::nullopt;
+    if (witness.sawFailure() || !CanReadFileAndJournals(path.file())) {
+        return std::nullopt;
+    }
     return version;
 }
 
@@ -213,7 +221,9 @@ ResultCode CreateDatabase(const DatabasePath& path)
         return created;
     }
     (void)platform::RemoveFile(unfinished.file());
-    if (moved == platform::Naming::kNameTaken) return ResultCode::kFileInTheWay;
+    if (moved == platform::Naming::kNameTaken) {
+        return ResultCode::kFileInTheWay;
+    }
     // A file system without renaming.
     return created == ResultCode::kSuccess ? CreateInPlace(path) : created;
 }

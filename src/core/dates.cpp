@@ -41,7 +41,9 @@ private:
 DateText FormatDateTime(const DateValue& date) noexcept
 {
     DateText result;
-    if (date.Status == kDateNull) return result;
+    if (date.Status == kDateNull) {
+        return result;
+    }
     platform::CalendarTime time = {};
     if (date.Status == kDateInvalid || !platform::SplitDate(date.Days, time)) {
         result.length_ = kInvalidDate.copy(result.text_, kInvalidDate.size());
@@ -75,7 +77,9 @@ DateValue ParseDateTime(const DbChar* text) noexcept
 
 bool ParseStoredDate(std::string_view text, DateValue& date) noexcept
 {
-    if (text.size() != kStoredForm.size()) return false;
+    if (text.size() != kStoredForm.size()) {
+        return false;
+    }
     DigitReader digits(text.data());
     const platform::CalendarTime time = {digits.two(0) * 100 + digits.two(2),
                                          digits.two(5),
@@ -88,9 +92,13 @@ bool ParseStoredDate(std::string_view text, DateValue& date) noexcept
     digits.skip(10, ' ');
     digits.skip(13, ':');
     digits.skip(16, ':');
-    if (!digits.sound()) return false;
+    if (!digits.sound()) {
+        return false;
+    }
     double days = 0.0;
-    if (time.year < 100 || !platform::JoinDate(time, days)) return false;
+    if (time.year < 100 || !platform::JoinDate(time, days)) {
+        return false;
+    }
     date = {days, kDateValid};
     return true;
 }
@@ -99,7 +107,9 @@ DateValue DateFromTime(int64_t seconds) noexcept
 {
     platform::CalendarTime time = {};
     double days = 0.0;
-    if (!platform::LocalTime(seconds, time) || !platform::JoinDate(time, days)) return {0.0, kDateInvalid};
+    if (!platform::LocalTime(seconds, time) || !platform::JoinDate(time, days)) {
+        return {0.0, kDateInvalid};
+    }
     return {days, kDateValid};
 }
 

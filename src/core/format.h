@@ -71,12 +71,18 @@ public:
         size_t begin = 0;
         for (size_t i = 0; i < sizeof...(Args); ++i) {
             const size_t place = text.find('%', begin);
-            if (place == std::string_view::npos) throw "more arguments than places";
-            if (!text.substr(place + 1).starts_with(conversions[i])) throw "an argument is not of its place's kind";
+            if (place == std::string_view::npos) {
+                throw "more arguments than places";
+            }
+            if (!text.substr(place + 1).starts_with(conversions[i])) {
+                throw "an argument is not of its place's kind";
+            }
             pieces_[i] = text.substr(begin, place - begin);
             begin = place + 1 + conversions[i].size();
         }
-        if (text.find('%', begin) != std::string_view::npos) throw "more places than arguments";
+        if (text.find('%', begin) != std::string_view::npos) {
+            throw "more places than arguments";
+        }
         pieces_[sizeof...(Args)] = text.substr(begin);
     }
 

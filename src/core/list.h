@@ -39,7 +39,9 @@ template <class List, class ReadRow>
 ResultCode FillList(List& list, int32_t room, Statement& rows, ReadRow&& readRow)
 {
     // Step first: only so does a row too many show in the result. Count goes along, so that it is true at any time.
-    for (int32_t i = 0; rows.step() && i < room; list.Count = ++i) readRow(rows, list.Items[i]);
+    for (int32_t i = 0; rows.step() && i < room; list.Count = ++i) {
+        readRow(rows, list.Items[i]);
+    }
     return EndOfRows(rows.last());
 }
 
@@ -48,8 +50,12 @@ template <class List, class ReadRow>
 ResultCode ReadList(Routine self, List& list, const Sql& countSql, const Sql& rowSql, ReadRow&& readRow)
 {
     const std::optional<int32_t> count = self.count(1, countSql);
-    if (!count.has_value()) return ResultCode::kFailure;
-    if (*count == 0) return ResultCode::kSuccess;
+    if (!count.has_value()) {
+        return ResultCode::kFailure;
+    }
+    if (*count == 0) {
+        return ResultCode::kSuccess;
+    }
     if (*count < 0) {
         self.trail.error(2);
         return ResultCode::kFailure;

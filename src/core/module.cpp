@@ -45,7 +45,9 @@ void Module::end() noexcept
 {
     // A process may end while one of its threads is in the middle of a call. What that call uses is then left to it and
     // to the system; the journal keeps the file sound.
-    if (callsInside_.load(std::memory_order_acquire) != 0) return;
+    if (callsInside_.load(std::memory_order_acquire) != 0) {
+        return;
+    }
     DbConnection.close();
     noteOpen();
     EscapeBuffer_.release();

@@ -31,7 +31,9 @@ ResultCode PrepareFile(const DatabasePath& path, Trail trail)
         return ResultCode::kSuccess;
     }
     // A file that may be valid is never thrown away.
-    if (!version.has_value() || !ReplaceFile(path)) return ResultCode::kFileInTheWay;
+    if (!version.has_value() || !ReplaceFile(path)) {
+        return ResultCode::kFileInTheWay;
+    }
     return CreateDatabase(path);
 }
 
@@ -40,9 +42,13 @@ ResultCode PrepareFile(const DatabasePath& path, Trail trail)
 ResultCode OpenDatabase(Module& module, Trail trail)
 {
     Connection& db = module.DbConnection;
-    if (db.isOpen()) return ResultCode::kSuccess;
+    if (db.isOpen()) {
+        return ResultCode::kSuccess;
+    }
     const DatabasePath path;
-    if (const ResultCode prepared = PrepareFile(path, trail); prepared != ResultCode::kSuccess) return prepared;
+    if (const ResultCode prepared = PrepareFile(path, trail); prepared != ResultCode::kSuccess) {
+        return prepared;
+    }
     const SqliteCode opened = db.open(path.utf8());
     if (opened == SqliteCode::kOk) {
         db.waitWhenBusy();
@@ -50,7 +56,9 @@ ResultCode OpenDatabase(Module& module, Trail trail)
         module.noteOpen();
         return ResultCode::kSuccess;
     }
-    if (!db.isOpen()) return PassThrough(opened);  // SQLite had no memory for a handle
+    if (!db.isOpen()) {
+        return PassThrough(opened);  // SQLite had no memory for a handle
+    }
     db.close();
     trail.error(2);
     return ResultCode::kFailure;

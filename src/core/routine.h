@@ -26,7 +26,9 @@ public:
     SqliteCode exec(int position, const Sql& sql)
     {
         const SqliteCode code = db.exec(sql);
-        if (code != SqliteCode::kOk) trail.error(position);
+        if (code != SqliteCode::kOk) {
+            trail.error(position);
+        }
         return code;
     }
 
@@ -40,7 +42,9 @@ public:
     Statement prepare(int position, const Sql& sql)
     {
         Statement rows = db.prepare(sql);
-        if (!rows.prepared()) trail.error(position);
+        if (!rows.prepared()) {
+            trail.error(position);
+        }
         return rows;
     }
 
@@ -57,7 +61,9 @@ public:
     ResultCode first(int position, const Sql& sql, ResultCode (&noRow)(SqliteCode), Read&& read)
     {
         return query(position, sql, [&](Statement& rows) {
-            if (!rows.step()) return noRow(rows.last());
+            if (!rows.step()) {
+                return noRow(rows.last());
+            }
             read(rows);
             return ResultCode::kSuccess;
         });
@@ -74,7 +80,9 @@ public:
     std::optional<int32_t> count(int position, const Sql& sql)
     {
         Statement rows = prepare(position, sql);
-        if (!rows.prepared()) return std::nullopt;
+        if (!rows.prepared()) {
+            return std::nullopt;
+        }
         return rows.step() ? rows.int32(0) : 0;
     }
 };

@@ -18,7 +18,9 @@ using Narrow = size_t (*)(const DbChar* text, size_t length, char* out, size_t r
 size_t CountOthers(const DbChar* text)
 {
     size_t others = 0;
-    while (!IsAscii(text[others])) ++others;
+    while (!IsAscii(text[others])) {
+        ++others;
+    }
     return others;
 }
 
@@ -32,9 +34,13 @@ size_t Copy(const DbChar* text, DbChar doubled, DbChar until, Narrow narrow, cha
         const size_t copied = CopyAscii(text, std::min(static_cast<size_t>(end - text), left), doubled, until, place);
         text += copied;
         place += copied;
-        if (text == end || *text == until) return static_cast<size_t>(place - out);
+        if (text == end || *text == until) {
+            return static_cast<size_t>(place - out);
+        }
         if (*text == doubled) {
-            if (left - copied < 2) return platform::kDoesNotFit;
+            if (left - copied < 2) {
+                return platform::kDoesNotFit;
+            }
             *place++ = '\'';
             *place++ = '\'';
             ++text;
@@ -43,7 +49,9 @@ size_t Copy(const DbChar* text, DbChar doubled, DbChar until, Narrow narrow, cha
         } else {
             const size_t others = CountOthers(text);
             const size_t bytes = narrow(text, others, place, left - copied);
-            if (bytes == platform::kDoesNotFit) return bytes;
+            if (bytes == platform::kDoesNotFit) {
+                return bytes;
+            }
             text += others;
             place += bytes;
         }
@@ -55,7 +63,9 @@ size_t NarrowWith(const SqlArgument& text, DbChar doubled, char* out, size_t roo
     const bool escaped = text.kind == Kind::kEscaped || text.kind == Kind::kEscapedAnsi;
     if (text.wide == nullptr) {
         const std::string_view instead = escaped ? std::string_view() : kNoText;
-        if (instead.size() > room) return platform::kDoesNotFit;
+        if (instead.size() > room) {
+            return platform::kDoesNotFit;
+        }
         return instead.copy(out, instead.size());
     }
     const bool ansi = text.kind == Kind::kAnsi || text.kind == Kind::kEscapedAnsi;
@@ -91,7 +101,9 @@ void SqlText::append(const Sql& sql) noexcept
 void SqlText::literal(std::string_view text) noexcept
 {
     tooLong_ = tooLong_ || text.size() > room();
-    if (tooLong_) return;
+    if (tooLong_) {
+        return;
+    }
     std::memcpy(end_, text.data(), text.size());
     end_ += text.size();
 }
@@ -107,10 +119,14 @@ void SqlText::put(const SqlArgument& argument) noexcept
         default:
             break;
     }
-    if (tooLong_) return;
+    if (tooLong_) {
+        return;
+    }
     const size_t bytes = NarrowText(argument, end_, room());
     tooLong_ = bytes == platform::kDoesNotFit;
-    if (!tooLong_) end_ += bytes;
+    if (!tooLong_) {
+        end_ += bytes;
+    }
 }
 
 void SqlText::number(int64_t value) noexcept

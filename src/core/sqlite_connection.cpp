@@ -28,7 +28,9 @@ int AllowRows(void* /*unused*/, int action, const char* /*first*/, const char* /
 
 SqliteCode Connection::open(const char* utf8Path, const char* vfsName) noexcept
 {
-    if (utf8Path == nullptr) return SqliteCode::kCannotOpen;
+    if (utf8Path == nullptr) {
+        return SqliteCode::kCannotOpen;
+    }
     const auto code = static_cast<SqliteCode>(
         sqlite3_open_v2(utf8Path, &handle_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, vfsName));
     if (code == SqliteCode::kOk) {
@@ -130,7 +132,9 @@ Statement Connection::prepare(const Sql& sql)
 
 Statement Connection::prepareText(const SqlText& text) noexcept
 {
-    if (text.tooLong()) return {nullptr, SqliteCode::kTooBig};
+    if (text.tooLong()) {
+        return {nullptr, SqliteCode::kTooBig};
+    }
     steps_.taken = 0;
     sqlite3_stmt* statement = nullptr;
     // The terminator counts, which spares SQLite a copy of the text.

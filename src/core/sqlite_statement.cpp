@@ -50,7 +50,9 @@ Statement::~Statement()
 
 bool Statement::step() noexcept
 {
-    if (!bound_) return false;
+    if (!bound_) {
+        return false;
+    }
     last_ = static_cast<SqliteCode>(sqlite3_step(statement_));
     return last_ == SqliteCode::kRow;
 }
@@ -73,14 +75,18 @@ int64_t Statement::int64(int column) const noexcept
 DateValue Statement::date(int column) const noexcept
 {
     DateValue date = {};
-    if (ParseStoredDate(Utf8Column(statement_, column), date)) return date;
+    if (ParseStoredDate(Utf8Column(statement_, column), date)) {
+        return date;
+    }
     return ParseDateTime(WideColumn(statement_, column));
 }
 
 DbChar* Statement::newText(int column) const
 {
     const std::string_view text = Utf8Column(statement_, column);
-    if (text.empty()) return nullptr;
+    if (text.empty()) {
+        return nullptr;
+    }
     // SQLite's own conversion is a detour: most texts are ASCII and are widened straight into their final place, others
     // are mostly short enough for the stack.
     if (IsAscii(text)) {
@@ -91,7 +97,9 @@ DbChar* Statement::newText(int column) const
     DbChar units[kShortText];
     const std::optional<size_t> length = text.size() <= kShortText ? WidenUtf8(text, units) : std::nullopt;
     // What becomes of bytes that are no UTF-8 only SQLite knows.
-    if (!length.has_value()) return DuplicateText(WideColumn(statement_, column));
+    if (!length.has_value()) {
+        return DuplicateText(WideColumn(statement_, column));
+    }
     DbChar* copy = NewText(*length);
     std::copy_n(units, *length, copy);
     return copy;
@@ -122,7 +130,9 @@ void Statement::bindText(int parameter, const DbChar* text)
         return;
     }
     const size_t length = LengthOf(text);
-    if (length > INT_MAX / sizeof(DbChar)) throw std::length_error("text to bind");
+    if (length > INT_MAX / sizeof(DbChar)) {
+        throw std::length_error("text to bind");
+    }
     // SQLite copies here, for the repaired text does not outlive the call. Otherwise it would mistake a lone surrogate
     // and its neighbour for a pair.
     const std::basic_string<DbChar> sound = ReplaceLoneSurrogates({text, length});
@@ -134,13 +144,17 @@ void Statement::bindText(int parameter, const DbChar* text)
 int Statement::parameterOf(int own) const noexcept
 {
     constexpr int kNoSuchParameter = 0;
-    if (cached_ == nullptr) return own;
+    if (cached_ == nullptr) {
+        return own;
+    }
     return own == 1 && cached_->own != 0 ? cached_->own : kNoSuchParameter;
 }
 
 void Statement::noteBinding(int code) noexcept
 {
-    if (code == SQLITE_OK || !bound_) return;
+    if (code == SQLITE_OK || !bound_) {
+        return;
+    }
     bound_ = false;
     last_ = static_cast<SqliteCode>(code);
 }

@@ -15,14 +15,20 @@ static_assert(kEscapeBufferUnits * sizeof(DbChar) > kStatementBytes, "a statemen
 
 void StatementBuffer::allocate() noexcept
 {
-    if (EscapeBuffer_ != nullptr) return;
+    if (EscapeBuffer_ != nullptr) {
+        return;
+    }
     EscapeBuffer_.reset(new (std::nothrow) DbChar[kEscapeBufferUnits]);
-    if (EscapeBuffer_ != nullptr) TraceNew(EscapeBuffer_.get());
+    if (EscapeBuffer_ != nullptr) {
+        TraceNew(EscapeBuffer_.get());
+    }
 }
 
 void StatementBuffer::release() noexcept
 {
-    if (EscapeBuffer_ == nullptr) return;
+    if (EscapeBuffer_ == nullptr) {
+        return;
+    }
     TraceDelete(EscapeBuffer_.get());
     EscapeBuffer_.reset();
 }
@@ -30,7 +36,9 @@ void StatementBuffer::release() noexcept
 char* StatementBuffer::get()
 {
     allocate();
-    if (EscapeBuffer_ == nullptr) throw std::bad_alloc();
+    if (EscapeBuffer_ == nullptr) {
+        throw std::bad_alloc();
+    }
     return reinterpret_cast<char*>(EscapeBuffer_.get());
 }
 

@@ -30,7 +30,9 @@ public:
     /// False when there are too many.
     bool add(std::string_view name) noexcept
     {
-        if (name.size() + 1 > bytes_.size() - length_) return false;
+        if (name.size() + 1 > bytes_.size() - length_) {
+            return false;
+        }
         std::memcpy(bytes_.data() + length_, name.data(), name.size());
         length_ += name.size();
         bytes_[length_++] = '\0';
@@ -60,19 +62,27 @@ bool EndsQuote(const SqlArgument& text, std::string_view narrow)
 bool Collect(const Sql& sql, char* buffer, Values& values) noexcept
 {
     const std::span<const SqlArgument> arguments = sql.arguments();
-    if (arguments.size() > kMostArguments) return false;
+    if (arguments.size() > kMostArguments) {
+        return false;
+    }
     size_t used = 0;
     for (size_t i = 0; i < arguments.size(); ++i) {
         const SqlArgument& argument = arguments[i];
         if (argument.kind == Kind::kName) {
-            if (!values.names.add(argument.narrow)) return false;
+            if (!values.names.add(argument.narrow)) {
+                return false;
+            }
         } else if (argument.kind == Kind::kDate) {
             values.texts[i] = argument.narrow;
         } else if (argument.isText()) {
             const size_t bytes = NarrowTextOnce(argument, buffer + used, kBoundBytes - used);
-            if (bytes == platform::kDoesNotFit) return false;
+            if (bytes == platform::kDoesNotFit) {
+                return false;
+            }
             values.texts[i] = {buffer + used, bytes};
-            if (EndsQuote(argument, values.texts[i])) return false;
+            if (EndsQuote(argument, values.texts[i])) {
+                return false;
+            }
             used += bytes;
         }
     }
@@ -91,15 +101,21 @@ public:
         for (size_t i = 0; i < arguments.size(); ++i) {
             std::string_view next = pieces[i + 1];
             if (arguments[i].kind == Kind::kName) {
-                if (!literal(piece) || !literal(arguments[i].narrow)) return false;
+                if (!literal(piece) || !literal(arguments[i].narrow)) {
+                    return false;
+                }
             } else {
                 const bool quoted = piece.ends_with('\'') && next.starts_with('\'');
-                if (quoted == (arguments[i].kind == Kind::kNumber)) return false;
+                if (quoted == (arguments[i].kind == Kind::kNumber)) {
+                    return false;
+                }
                 if (quoted) {
                     piece.remove_suffix(1);
                     next.remove_prefix(1);
                 }
-                if (!literal(piece) || !parameter()) return false;
+                if (!literal(piece) || !parameter()) {
+                    return false;
+                }
             }
             piece = next;
         }
@@ -112,10 +128,16 @@ public:
 private:
     bool literal(std::string_view piece) noexcept
     {
-        if (piece.size() > text_.size() - length_) return false;
+        if (piece.size() > text_.size() - length_) {
+            return false;
+        }
         for (const char c : piece) {
-            if (c != '?') continue;
-            if (own_ != 0) return false;
+            if (c != '?') {
+                continue;
+            }
+            if (own_ != 0) {
+                return false;
+            }
             own_ = ++parameters_;
         }
         std::memcpy(text_.data() + length_, piece.data(), piece.size());
@@ -124,7 +146,9 @@ private:
     }
     bool parameter() noexcept
     {
-        if (length_ == text_.size()) return false;
+        if (length_ == text_.size()) {
+            return false;
+        }
         text_[length_++] = '?';
         ++parameters_;
         return true;
@@ -143,8 +167,12 @@ int Bind(const CachedStatement& entry, const Sql& sql, const Values& values, Sta
     int parameter = 0;
     int code = SQLITE_OK;
     for (size_t i = 0; i < arguments.size() && code == SQLITE_OK; ++i) {
-        if (arguments[i].kind == Kind::kName) continue;
-        if (++parameter == entry.own) ++parameter;
+        if (arguments[i].kind == Kind::kName) {
+            continue;
+        }
+        if (++parameter == entry.own) {
+            ++parameter;
+        }
         if (arguments[i].kind == Kind::kNumber) {
             code = sqlite3_bind_int64(entry.statement, parameter, arguments[i].number);
         } else {
@@ -161,7 +189,9 @@ int Bind(const CachedStatement& entry, const Sql& sql, const Values& values, Sta
 std::optional<unsigned> DataVersion(sqlite3* handle) noexcept
 {
     unsigned version = 0;
-    if (sqlite3_file_control(handle, "main", SQLITE_FCNTL_DATA_VERSION, &version) != SQLITE_OK) return std::nullopt;
+    if (sqlite3_file_control(handle, "main", SQLITE_FCNTL_DATA_VERSION, &version) != SQLITE_OK) {
+        return std::nullopt;
+    }
     return version;
 }
 
@@ -170,21 +200,29 @@ std::optional<unsigned> DataVersion(sqlite3* handle) noexcept
 StatementCache::Found StatementCache::find(sqlite3* handle, const Sql& sql, char* buffer, Lifetime lifetime) noexcept
 {
     Values values;
-    if (!statementsStayCompiled || !Collect(sql, buffer, values)) return {Verdict::kAsText, nullptr, SQLITE_OK};
+    if (!statementsStayCompiled || !Collect(sql, buffer, values)) {
+        return {Verdict::kAsText, nullptr, SQLITE_OK};
+    }
     dropIfChanged(handle);
-    if (!versionKnown_) return {Verdict::kAsText, nullptr, SQLITE_OK};
+    if (!versionKnown_) {
+        return {Verdict::kAsText, nullptr, SQLITE_OK};
+    }
     const char* format = sql.pieces()[0].data();
     const std::string_view names = values.names.view();
     CachedStatement* entry = lookUp(format, names);
     if (entry == nullptr) {
         Template text;
         entry = freeEntry();
-        if (entry == nullptr || !text.write(sql)) return {Verdict::kAsText, nullptr, SQLITE_OK};
+        if (entry == nullptr || !text.write(sql)) {
+            return {Verdict::kAsText, nullptr, SQLITE_OK};
+        }
         const std::string_view written = text.text();
         const char* rest = nullptr;
         const int code = sqlite3_prepare_v3(handle, written.data(), static_cast<int>(written.size()),
                                             SQLITE_PREPARE_PERSISTENT, &entry->statement, &rest);
-        if (entry->statement == nullptr) return {Verdict::kRefused, nullptr, code};
+        if (entry->statement == nullptr) {
+            return {Verdict::kRefused, nullptr, code};
+        }
         if (rest != written.data() + written.size()) {  // a second statement
             sqlite3_finalize(std::exchange(entry->statement, nullptr));
             return {Verdict::kAsText, nullptr, SQLITE_OK};
@@ -203,7 +241,9 @@ StatementCache::Found StatementCache::find(sqlite3* handle, const Sql& sql, char
 void StatementCache::giveBack(sqlite3* handle, CachedStatement& entry, bool done) noexcept
 {
     sqlite3_reset(entry.statement);
-    if (entry.own != 0) sqlite3_clear_bindings(entry.statement);  // that one is the caller's memory
+    if (entry.own != 0) {
+        sqlite3_clear_bindings(entry.statement);  // that one is the caller's memory
+    }
     entry.inUse = false;
     if (entry.obsolete) {
         sqlite3_finalize(entry.statement);
@@ -237,7 +277,9 @@ void StatementCache::abandon() noexcept
 void StatementCache::dropIfChanged(sqlite3* handle) noexcept
 {
     const std::optional<unsigned> version = DataVersion(handle);
-    if (versionKnown_ && version == version_) return;
+    if (versionKnown_ && version == version_) {
+        return;
+    }
     drop();
     versionKnown_ = version.has_value();
     version_ = version.value_or(0);
@@ -246,7 +288,9 @@ void StatementCache::dropIfChanged(sqlite3* handle) noexcept
 CachedStatement* StatementCache::lookUp(const char* format, std::string_view names) noexcept
 {
     for (CachedStatement& entry : std::span(entries_).first(count_)) {
-        if (entry.format == format && std::string_view(entry.names.data(), entry.nameBytes) == names) return &entry;
+        if (entry.format == format && std::string_view(entry.names.data(), entry.nameBytes) == names) {
+            return &entry;
+        }
     }
     return nullptr;
 }
@@ -256,11 +300,19 @@ CachedStatement* StatementCache::freeEntry() noexcept
 {
     CachedStatement* oldest = nullptr;
     for (CachedStatement& entry : std::span(entries_).first(count_)) {
-        if (entry.statement == nullptr) return &entry;
-        if (!entry.inUse && (oldest == nullptr || entry.lastUse < oldest->lastUse)) oldest = &entry;
+        if (entry.statement == nullptr) {
+            return &entry;
+        }
+        if (!entry.inUse && (oldest == nullptr || entry.lastUse < oldest->lastUse)) {
+            oldest = &entry;
+        }
     }
-    if (count_ < kMost) return &entries_[count_++];
-    if (oldest == nullptr) return nullptr;
+    if (count_ < kMost) {
+        return &entries_[count_++];
+    }
+    if (oldest == nullptr) {
+        return nullptr;
+    }
     sqlite3_finalize(oldest->statement);
     *oldest = {};
     return oldest;

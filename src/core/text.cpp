@@ -7,10 +7,18 @@ size_t LengthOf(const DbChar* text) noexcept
     // The compiler's own loop looks at one unit a round, which costs twice as much.
     size_t length = 0;
     for (;; length += 4) {
-        if (text[length] == 0) return length;
-        if (text[length + 1] == 0) return length + 1;
-        if (text[length + 2] == 0) return length + 2;
-        if (text[length + 3] == 0) return length + 3;
+        if (text[length] == 0) {
+            return length;
+        }
+        if (text[length + 1] == 0) {
+            return length + 1;
+        }
+        if (text[length + 2] == 0) {
+            return length + 2;
+        }
+        if (text[length + 3] == 0) {
+            return length + 3;
+        }
     }
 }
 

@@ -33,7 +33,9 @@ inline bool IsEmpty(const DbChar* text) noexcept
 template <class Sink>
 void EscapeSqlText(const DbChar* text, DbChar until, Sink&& sink)
 {
-    if (text == nullptr) return;
+    if (text == nullptr) {
+        return;
+    }
     size_t written = 0;
     while (*text != 0 && *text != until && written < kEscapedUnits) {
         const DbChar* run = text;
@@ -41,7 +43,9 @@ void EscapeSqlText(const DbChar* text, DbChar until, Sink&& sink)
             ++text;
             ++written;
         }
-        if (text != run) sink(run, static_cast<size_t>(text - run));
+        if (text != run) {
+            sink(run, static_cast<size_t>(text - run));
+        }
         if (*text == kApostrophe && written < kEscapedUnits) {
             static constexpr DbChar kTwice[] = {kApostrophe, kApostrophe};
             const size_t taken = written + 2 <= kEscapedUnits ? 2 : 1;

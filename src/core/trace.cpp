@@ -5,7 +5,9 @@ namespace {
 
 void WriteMemoryLine(const Format<Address>& format, const void* memory) noexcept
 {
-    if (!platform::services.traceIsRead()) return;
+    if (!platform::services.traceIsRead()) {
+        return;
+    }
     TraceLine line;
     format.write(line, Address{memory});
     line.send();

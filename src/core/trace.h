@@ -11,7 +11,9 @@ namespace kesta {
 template <class... Args>
 void DbTrace(const FormatFor<Args...>& format, const Args&... args) noexcept
 {
-    if (!platform::services.traceIsRead()) return;
+    if (!platform::services.traceIsRead()) {
+        return;
+    }
     TraceLine line;
     line.literal("DB TRACE >> ");
     format.write(line, args...);

@@ -16,7 +16,9 @@ namespace kesta {
 bool TraceLine::reserve(size_t units) noexcept
 {
     const size_t needed = length_ + units + 1;
-    if (needed <= room_) return true;
+    if (needed <= room_) {
+        return true;
+    }
     const size_t room = std::max(needed, 2 * room_);
     std::unique_ptr<DbChar[]> grown(new (std::nothrow) DbChar[room]);
     if (grown == nullptr) {
@@ -32,20 +34,28 @@ bool TraceLine::reserve(size_t units) noexcept
 
 void TraceLine::append(const DbChar* text, size_t units) noexcept
 {
-    if (!reserve(units)) return;
+    if (!reserve(units)) {
+        return;
+    }
     std::copy_n(text, units, text_ + length_);
     length_ += units;
 }
 
 void TraceLine::literal(std::string_view text) noexcept
 {
-    if (!reserve(text.size())) return;
-    for (const char c : text) text_[length_++] = static_cast<DbChar>(c);
+    if (!reserve(text.size())) {
+        return;
+    }
+    for (const char c : text) {
+        text_[length_++] = static_cast<DbChar>(c);
+    }
 }
 
 void TraceLine::put(const Plain& text) noexcept
 {
-    if (text.text == nullptr) return literal(kNoText);
+    if (text.text == nullptr) {
+        return literal(kNoText);
+    }
     append(text.text, LengthOf(text.text));
 }
 
@@ -56,11 +66,15 @@ void TraceLine::put(const Escaped& text) noexcept
 
 void TraceLine::put(const LocaleDate& date) noexcept
 {
-    if (date.value.Status == kDateNull) return;
+    if (date.value.Status == kDateNull) {
+        return;
+    }
     DbChar text[256];
     const size_t length =
         date.value.Status == kDateInvalid ? 0 : platform::LocaleDate(date.value.Days, text, std::size(text));
-    if (length == 0) return literal(kInvalidDate);
+    if (length == 0) {
+        return literal(kInvalidDate);
+    }
     append(text, length);
 }
 
@@ -80,7 +94,9 @@ void TraceLine::put(int64_t number) noexcept
 
 void TraceLine::send() noexcept
 {
-    if (lost_) return;
+    if (lost_) {
+        return;
+    }
     text_[length_] = 0;
     platform::services.writeTraceLine(text_, length_);
 }

@@ -21,7 +21,9 @@ inline ptrdiff_t WidenMixedBlock(const unsigned char* __restrict text, DbChar* _
     uint64_t word = 0;
     static_assert(sizeof word == kMixedBlock);
     std::memcpy(&word, text, sizeof word);
-    for (ptrdiff_t i = 0; i < kMixedBlock; ++i) out[i] = static_cast<DbChar>(text[i]);
+    for (ptrdiff_t i = 0; i < kMixedBlock; ++i) {
+        out[i] = static_cast<DbChar>(text[i]);
+    }
     static_assert(std::endian::native == std::endian::little);
     return std::countr_zero(word & 0x8080808080808080) / 8;
 }
@@ -34,9 +36,13 @@ inline std::optional<size_t> WidenUtf8(std::string_view text, DbChar* out) noexc
     const auto* const end = byte + text.size();
     DbChar* const begin = out;
     const auto follows = [&](ptrdiff_t count) {
-        if (end - byte <= count) return false;
+        if (end - byte <= count) {
+            return false;
+        }
         for (ptrdiff_t i = 1; i <= count; ++i) {
-            if ((byte[i] & 0xC0) != 0x80) return false;
+            if ((byte[i] & 0xC0) != 0x80) {
+                return false;
+            }
         }
         return true;
     };
@@ -54,11 +60,15 @@ inline std::optional<size_t> WidenUtf8(std::string_view text, DbChar* out) noexc
             byte += letters;
             out += letters;
         } else if (lead < 0xE0) {
-            if (lead < 0xC2 || !follows(1)) return std::nullopt;
+            if (lead < 0xC2 || !follows(1)) {
+                return std::nullopt;
+            }
             *out++ = static_cast<DbChar>((lead & 0x1F) << 6 | bits(1));
             byte += 2;
         } else if (lead < 0xF0) {
-            if (!follows(2)) return std::nullopt;
+            if (!follows(2)) {
+                return std::nullopt;
+            }
             const char32_t character = (lead & 0x0F) << 12 | bits(1) << 6 | bits(2);
             if (character < 0x800 || (character >= 0xD800 && character < 0xE000) || character >= 0xFFFE) {
                 return std::nullopt;
@@ -66,9 +76,13 @@ inline std::optional<size_t> WidenUtf8(std::string_view text, DbChar* out) noexc
             *out++ = static_cast<DbChar>(character);
             byte += 3;
         } else {
-            if (lead > 0xF4 || !follows(3)) return std::nullopt;
+            if (lead > 0xF4 || !follows(3)) {
+                return std::nullopt;
+            }
             const char32_t character = (lead & 0x07) << 18 | bits(1) << 12 | bits(2) << 6 | bits(3);
-            if (character < 0x10000 || character > 0x10FFFF) return std::nullopt;
+            if (character < 0x10000 || character > 0x10FFFF) {
+                return std::nullopt;
+            }
             *out++ = static_cast<DbChar>(0xD800 + ((character - 0x10000) >> 10));
             *out++ = static_cast<DbChar>(0xDC00 + (character & 0x3FF));
             byte += 4;

@@ -20,7 +20,9 @@ void ReportChanges(MainFolderList& list)
         folder.ID = id;
         folder.Changed = MainFolderChangeFlags.of(id)->load(std::memory_order_relaxed);
     }
-    for (const int32_t id : kReported) MainFolderChangeFlags.of(id)->store(0, std::memory_order_relaxed);
+    for (const int32_t id : kReported) {
+        MainFolderChangeFlags.of(id)->store(0, std::memory_order_relaxed);
+    }
 }
 
 }  // namespace
@@ -41,7 +43,9 @@ extern "C" int32_t DB_LIB_RefreshStatistics(void)
         [](Routine self) {
             ResultCode result = ResultCode::kSuccess;
             for (const int32_t id : kReported) {  // each one, whatever became of the others
-                if (library::RefreshStatistic(self.db, id) != ResultCode::kSuccess) result = ResultCode::kFailure;
+                if (library::RefreshStatistic(self.db, id) != ResultCode::kSuccess) {
+                    result = ResultCode::kFailure;
+                }
             }
             return result;
         });
@@ -61,7 +65,9 @@ extern "C" int32_t DB_LIB_MainFoldersChanged(MainFolderList* list)
     return RunThinExport(
         __func__, [&] { (void)Required(list); },
         [&] {
-            if (!TheModule().isOpen()) return ResultCode::kFailure;
+            if (!TheModule().isOpen()) {
+                return ResultCode::kFailure;
+            }
             ReportChanges(*list);
             return ResultCode::kSuccess;
         });

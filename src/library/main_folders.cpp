@@ -36,9 +36,15 @@ ResultCode UpdateMainFolderInfo(Connection& db, const MainFolderRecord& folder)
         sql.append(SqlOf<Name, Args...>(piece, Name{separator}, args...));
         separator = ", ";
     };
-    if (folder.Number >= 0) add("%s[Number] = %d", folder.Number);
-    if (folder.Size >= 0) add("%s[Size] = %I64d", folder.Size);
-    if (!IsEmpty(folder.Setting)) add("%s[Setting] = '%s'", Escaped{folder.Setting});
+    if (folder.Number >= 0) {
+        add("%s[Number] = %d", folder.Number);
+    }
+    if (folder.Size >= 0) {
+        add("%s[Size] = %I64d", folder.Size);
+    }
+    if (!IsEmpty(folder.Setting)) {
+        add("%s[Setting] = '%s'", Escaped{folder.Setting});
+    }
     const bool anything = *separator == ',';
     sql.append(WideSql(" WHERE [ID] = %d;", folder.ID));
     if (!anything) {
@@ -77,7 +83,9 @@ ResultCode RefreshStatistic(Connection& db, int32_t folderId)
 {
     Routine self(db, Trail("DB_INTERNAL_LIB_RefreshStatistic"));
     const char* sql = StatisticSql(folderId);
-    if (sql == nullptr) return ResultCode::kFailure;
+    if (sql == nullptr) {
+        return ResultCode::kFailure;
+    }
     MainFolderRecord folder = {folderId, 0, 0, nullptr, 0};
     bool counted = false;
     // The counted tables are another program's: without them the folder keeps its figures.
@@ -97,7 +105,9 @@ void ReadMainFolder(const Statement& row, MainFolderRecord& folder)
     folder.Number = row.int32(1);
     folder.Size = row.int64(2);
     folder.Setting = row.newText(3);
-    if (const auto* flag = MainFolderChangeFlags.of(folder.ID)) folder.Changed = flag->load(std::memory_order_relaxed);
+    if (const auto* flag = MainFolderChangeFlags.of(folder.ID)) {
+        folder.Changed = flag->load(std::memory_order_relaxed);
+    }
 }
 
 }  // namespace
@@ -106,8 +116,12 @@ ResultCode GetAllMainFolders(Connection& db, MainFolderList& list)
 {
     Routine self(db, Trail("DB_INTERNAL_LIB_GetAllMainFolders"));
     const std::optional<int32_t> count = self.count(1, NarrowSql("SELECT COUNT(*) FROM tLibMainFolder;"));
-    if (!count.has_value()) return ResultCode::kFailure;
-    if (*count <= 0) return ResultCode::kSuccess;
+    if (!count.has_value()) {
+        return ResultCode::kFailure;
+    }
+    if (*count <= 0) {
+        return ResultCode::kSuccess;
+    }
     EmptyList(list);
     AllocateList(list, *count);
     return self.query(2, NarrowSql("SELECT [ID], [Number], [Size], [Setting] FROM tLibMainFolder;"),

@@ -21,7 +21,9 @@ void AddSyncContents(Routine self, int32_t phoneId)
 {
     constexpr int32_t kNotSelected = 0;
     LocalMainFolders folders;
-    if (library::GetAllMainFolders(self.db, folders.list) != ResultCode::kSuccess) return;
+    if (library::GetAllMainFolders(self.db, folders.list) != ResultCode::kSuccess) {
+        return;
+    }
     for (int32_t i = 0; i < folders.list.Count; ++i) {
         (void)self.run(2, NarrowSql("INSERT INTO tSyncContents ([phoneID], [lfID], [Selected]) VALUES (%d, %d, %d);",
                                     phoneId, folders.list.Items[i].ID, kNotSelected));
@@ -30,13 +32,17 @@ void AddSyncContents(Routine self, int32_t phoneId)
 
 int32_t DetectPhone(Routine self, const DbChar* imei, const DbChar* name)
 {
-    if (const int32_t known = GetPhoneIdByImei(self.db, imei); known != kNoPhone) return known;
+    if (const int32_t known = GetPhoneIdByImei(self.db, imei); known != kNoPhone) {
+        return known;
+    }
     // Of two identities joined by a colon the first becomes the second IMEI.
     const Escaped firstIdentity = {imei, static_cast<DbChar>(':')};
     const ResultCode inserted =
         self.run(1, WideSql("INSERT INTO tPhone ([IMEI], [IMEI2], [Name]) \t\t\t\tVALUES ('%s', '%s', '%s');",
                             Escaped{imei}, firstIdentity, Escaped{name}));
-    if (inserted != ResultCode::kSuccess) return kNoPhone;
+    if (inserted != ResultCode::kSuccess) {
+        return kNoPhone;
+    }
     const auto phoneId = static_cast<int32_t>(self.db.lastInsertRowId());
     AddSyncContents(self, phoneId);
     return phoneId;

@@ -24,7 +24,9 @@ template <class Body>
 auto ForPhone(Routine self, const DbChar* imei, Body&& body) -> decltype(body(kNoPhone))
 {
     const int32_t phoneId = GetPhoneIdByImei(self.db, imei);
-    if (phoneId == kNoPhone) return ResultCode::kFailure;
+    if (phoneId == kNoPhone) {
+        return ResultCode::kFailure;
+    }
     return body(phoneId);
 }
 

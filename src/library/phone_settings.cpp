@@ -36,7 +36,8 @@ ResultCode SetPhoneSetting(Routine self, const PhoneSettingRecord& phone)
         phone.SyncDocFromFolder, phone.SyncDocFromPhone, phone.SyncPhotoFromFolder,
         phone.SyncPhotoFromPhone, phone.SyncMusicFromFolder, phone.SyncMusicFromPlayer, phone.SyncMusicAll));
     const auto addIfGiven = [&](const Format<Escaped>& piece, const DbChar* text) {
-        if (text != nullptr) sql.append(SqlOf<Escaped>(piece, Escaped{text}));
+        if (text != nullptr) { sql.append(SqlOf<Escaped>(piece, Escaped{text}));
+}
     };
     addIfGiven(", [WifiMAC] = '%s'", phone.WifiMAC);
     addIfGiven(", [Name] = '%s'", phone.Name);

@@ -25,7 +25,9 @@ ResultCode SetFolderSelected(Routine self, const DbChar* imei, int32_t folderId,
         const std::optional<int32_t> count = self.count(
             1,
             NarrowSql("SELECT COUNT(*) FROM tSyncContents WHERE [phoneID] = %d AND [lfID] = %d;", phoneId, folderId));
-        if (!count.has_value()) return ResultCode::kFailure;
+        if (!count.has_value()) {
+            return ResultCode::kFailure;
+        }
         if (*count < 1) {
             return self.run(
                 3, NarrowSql("INSERT INTO tSyncContents ([phoneID], [lfID], [Selected]) VALUES (%d, %d, %d);", phoneId,
@@ -140,7 +142,9 @@ extern "C" int32_t DB_LIB_ClearSyncHistory(const DbChar* imei)
         kSelf, [&] { TraceEnter(kSelf.name, imei); },
         [&](Routine self) {
             const int32_t phoneId = GetPhoneIdByImei(self.db, imei);
-            if (phoneId == kNoPhone) return ResultCode::kSuccess;
+            if (phoneId == kNoPhone) {
+                return ResultCode::kSuccess;
+            }
             for (const char* table : {"tDFile", "tIFile", "tVFile", "tMFile", "tPFile"}) {
                 (void)library::ClearTable4Phone(self.db, phoneId, Name{table});
             }

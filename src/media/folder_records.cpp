@@ -66,8 +66,12 @@ ResultCode GetFolders(const DbChar* imei, const MediaTables& tables, FolderList&
     return RunLocked("DB_INTERNAL_GetFolders", ResultCode::kFailure, [&](Routine self) {
         return ForPhone(self, imei, [&](int32_t phoneId) {
             const int32_t count = CountFolders(self.db, tables, phoneId);
-            if (count < 0) return ResultCode::kFailure;  // Deliberate: without a line
-            if (count == 0) return ResultCode::kSuccess;
+            if (count < 0) {
+                return ResultCode::kFailure;  // Deliberate: without a line
+            }
+            if (count == 0) {
+                return ResultCode::kSuccess;
+            }
             EmptyList(list);
             AllocateList(list, count);
             return self.query(

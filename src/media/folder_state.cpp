@@ -76,7 +76,9 @@ ResultCode SetFolderState(const DbChar* imei, const MediaTables& tables, const D
 {
     const ScopedAccess access;
     Connection* db = TheModule().openConnection();
-    if (db == nullptr) return ResultCode::kFailure;
+    if (db == nullptr) {
+        return ResultCode::kFailure;
+    }
     return SetFolderState(*db, imei, tables, path, column, value);
 }
 
@@ -102,7 +104,9 @@ ResultCode SetDeletedFolder(const DbChar* imei, const MediaTables& tables, const
             if (deletion == Deletion::kNow || flag == FolderFlag::kUnconfirmed) {
                 return DeleteFolderAndFiles(self, phoneId, tables, path);
             }
-            if (flag != FolderFlag::kSynced) return ResultCode::kFailure;
+            if (flag != FolderFlag::kSynced) {
+                return ResultCode::kFailure;
+            }
             return SetFolderState(self.db, imei, tables, path, Name{"[Flag]"},
                                   static_cast<int32_t>(FolderFlag::kDeleted));
         });
@@ -118,7 +122,9 @@ ResultCode SetFolderDeleted(const DbChar* imei, const MediaTables& tables, const
                 int32_t flag = 0;
                 removeNow = GetFlag(self.db, imei, tables, path, flag) == ResultCode::kSuccess &&
                             static_cast<FolderFlag>(flag) == FolderFlag::kNothingSynced;
-                if (removeNow) return ResultCode::kSuccess;
+                if (removeNow) {
+                    return ResultCode::kSuccess;
+                }
             }
             return self.run(2, WideSql("UPDATE %s SET [Deleted] = %d WHERE [PhoneID] = %d AND [PATH] = '%s';",
                                        tables.folders, deleted, phoneId, Escaped{path}));

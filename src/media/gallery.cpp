@@ -40,8 +40,12 @@ using Run = std::list<OwnFolder>;
 int ComparePaths(const DbChar* a, const DbChar* b)
 {
     static constexpr DbChar kEmpty[] = {0};
-    if (a == nullptr) a = kEmpty;
-    if (b == nullptr) b = kEmpty;
+    if (a == nullptr) {
+        a = kEmpty;
+    }
+    if (b == nullptr) {
+        b = kEmpty;
+    }
     for (; *a != 0 && *a == *b; ++a, ++b) {
     }
     return *a == *b ? 0 : *a < *b ? -1 : 1;
@@ -126,23 +130,33 @@ void Sort(Run& folders)
             MergeIn(bins[bin - 1], carried);
         } else {
             carried.swap(bins[bin]);
-            if (bin == used) ++used;
+            if (bin == used) {
+                ++used;
+            }
         }
     }
-    for (size_t bin = 1; bin < used; ++bin) MergeIn(bins[bin], bins[bin - 1]);
-    if (used > 0) folders.swap(bins[used - 1]);
+    for (size_t bin = 1; bin < used; ++bin) {
+        MergeIn(bins[bin], bins[bin - 1]);
+    }
+    if (used > 0) {
+        folders.swap(bins[used - 1]);
+    }
 }
 
 }  // namespace
 
 void MergeGallery(FolderList& pictures, const FolderList& videos)
 {
-    if (videos.Count == 0) return;
+    if (videos.Count == 0) {
+        return;
+    }
     Run merged = Pair(pictures, videos);
     Sort(merged);
     EmptyList(pictures);
     AllocateList(pictures, static_cast<int32_t>(merged.size()));
-    for (OwnFolder& folder : merged) pictures.Items[pictures.Count++] = folder.release();
+    for (OwnFolder& folder : merged) {
+        pictures.Items[pictures.Count++] = folder.release();
+    }
 }
 
 }  // namespace kesta

@@ -23,7 +23,9 @@ int32_t GetGalleryFolders(const DbChar* imei, FolderList& list)
     LocalFolders videos;
     const ResultCode read = media::GetFolders(imei, kVideo.tables, videos.list, media::FolderOrder::kTable);
     const bool bothRead = pictures == ResultCode::kSuccess && read == ResultCode::kSuccess;
-    if (bothRead) MergeGallery(list, videos.list);
+    if (bothRead) {
+        MergeGallery(list, videos.list);
+    }
     return bothRead ? 0 : 1;
 }
 

@@ -65,7 +65,9 @@ ResultCode SetAddedFile(const DbChar* imei, const MediaTables& tables, const Syn
                                      "VALUES (%d, '%s', '%s', '%s', '%s');",
                                      tables.files, phoneId, Escaped{file.Path}, Escaped{file.BasePath},
                                      Escaped{file.PhonePath}, FormatDateTime(file.ModifiedTime)));
-            if (inserted != SqliteCode::kOk) return PassThrough(inserted);
+            if (inserted != SqliteCode::kOk) {
+                return PassThrough(inserted);
+            }
             // Deliberate: the column is spelled [PATH] here. The file is recorded, whatever becomes of its folder's
             // flag.
             (void)self.run(2,

@@ -7,7 +7,9 @@ namespace kesta::pim {
 
 int32_t GetFolderID(Connection& db, const DbChar* pimId)
 {
-    if (IsEmpty(pimId)) return kRootLevel;
+    if (IsEmpty(pimId)) {
+        return kRootLevel;
+    }
     Routine self(db, Trail("DB_INTERNAL_PIM_GetFolderID"));
     // Deliberate: not escaped, so that a PimID with an apostrophe is never found.
     return self.firstNumber(1, NarrowSql("SELECT [pfID] FROM tPimFolder WHERE [PimID] = '%s';", Ansi{pimId}),
@@ -16,7 +18,9 @@ int32_t GetFolderID(Connection& db, const DbChar* pimId)
 
 int32_t GetFolderIDByPath(Connection& db, const DbChar* path)
 {
-    if (IsEmpty(path)) return kRootLevel;
+    if (IsEmpty(path)) {
+        return kRootLevel;
+    }
     Routine self(db, Trail("DB_INTERNAL_PIM_GetFolderIDByPath"));
     return self.firstNumber(1, WideSql("SELECT [pfID] FROM tPimFolder WHERE [Path] = '%s';", Escaped{path}), kNoFolder);
 }
@@ -38,23 +42,31 @@ ResultCode GetFolderIDs(Connection& db, IdArea& ids, int32_t parentId, int32_t t
 
 void AppendDescendants(Connection& db, IdArea& ids, int32_t type)
 {
-    for (size_t i = 0; i < ids.count(); ++i) (void)GetFolderIDs(db, ids, ids[i], type);
+    for (size_t i = 0; i < ids.count(); ++i) {
+        (void)GetFolderIDs(db, ids, ids[i], type);
+    }
 }
 
 ResultCode GetFolder(Connection& db, PimFolderRecord& folder, int32_t folderId)
 {
     Routine self(db, Trail("DB_INTERNAL_PIM_GetFolder"));
-    if (folderId < 0) return ResultCode::kFailure;
+    if (folderId < 0) {
+        return ResultCode::kFailure;
+    }
     int32_t parentId = kRootLevel;
     const ResultCode read = self.first(
         1, NarrowSql("SELECT [PimID], [parentID], [Path], [Type] FROM tPimFolder WHERE [pfID] = %d;", folderId),
         PassThrough, [&](const Statement& row) {
             folder.PimID = row.newText(0);
-            if (!row.isNull(1)) parentId = row.int32(1);
+            if (!row.isNull(1)) {
+                parentId = row.int32(1);
+            }
             folder.Path = row.newText(2);
             folder.Type = row.int32(3);
         });
-    if (read != ResultCode::kSuccess || parentId < 0) return read;
+    if (read != ResultCode::kSuccess || parentId < 0) {
+        return read;
+    }
     // No row: the parent was deleted.
     return self.first(2, NarrowSql("SELECT [PimID] FROM tPimFolder WHERE [pfID] = %d;", parentId), PassThrough,
                       [&](const Statement& row) { folder.ParentPimID = row.newText(0); });
@@ -63,10 +75,14 @@ ResultCode GetFolder(Connection& db, PimFolderRecord& folder, int32_t folderId)
 ResultCode GetFolders(Routine self, PimFolderList& list, const DbChar* parentPimId, int32_t type, bool recursive)
 {
     const int32_t parentId = GetFolderID(self.db, parentPimId);
-    if (parentId == kNoFolder) return ResultCode::kFailure;
+    if (parentId == kNoFolder) {
+        return ResultCode::kFailure;
+    }
     FolderIds ids;
     (void)GetFolderIDs(self.db, ids, parentId, type);
-    if (recursive) AppendDescendants(self.db, ids, type);
+    if (recursive) {
+        AppendDescendants(self.db, ids, type);
+    }
     AllocateList(list, static_cast<int32_t>(ids.count()));
     for (; static_cast<size_t>(list.Count) < ids.count(); ++list.Count) {
         (void)GetFolder(self.db, list.Items[list.Count], ids[static_cast<size_t>(list.Count)]);
@@ -77,7 +93,9 @@ ResultCode GetFolders(Routine self, PimFolderList& list, const DbChar* parentPim
 ResultCode AddFolder(Routine self, const PimFolderRecord& folder, const DbChar* parentPimId)
 {
     const int32_t parentId = GetFolderID(self.db, parentPimId);
-    if (parentId == kNoFolder) return ResultCode::kFailure;
+    if (parentId == kNoFolder) {
+        return ResultCode::kFailure;
+    }
     return self.run(1,
                     WideSql("INSERT INTO tPimFolder ([parentID], [PimID], [Path], [Type]) VALUES (%d, '%s', '%s', %d);",
                             parentId, Plain{folder.PimID}, Escaped{folder.Path}, folder.Type));
@@ -91,7 +109,9 @@ ResultCode GetFolder(Routine self, PimFolderRecord& folder, const DbChar* pimId)
 ResultCode UpdateFolder(Routine self, const PimFolderRecord& folder)
 {
     const int32_t folderId = GetFolderID(self.db, folder.PimID);
-    if (folderId == kNoFolder) return ResultCode::kFailure;
+    if (folderId == kNoFolder) {
+        return ResultCode::kFailure;
+    }
     return self.run(1, WideSql("UPDATE tPimFolder SET [Path] = '%s', [Type] = %d WHERE [pfID] = %d;",
                                Escaped{folder.Path}, folder.Type, folderId));
 }
@@ -99,7 +119,9 @@ ResultCode UpdateFolder(Routine self, const PimFolderRecord& folder)
 ResultCode DeleteFolder(Routine self, const DbChar* pimId)
 {
     const int32_t folderId = GetFolderID(self.db, pimId);
-    if (folderId == kNoFolder) return ResultCode::kFailure;
+    if (folderId == kNoFolder) {
+        return ResultCode::kFailure;
+    }
     // What lies below it stays, and hangs in the air.
     return self.run(1, NarrowSql("DELETE FROM tPimFolder WHERE [pfID] = %d;", folderId));
 }

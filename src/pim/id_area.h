@@ -21,7 +21,9 @@ public:
     /// False when the area is full.
     bool append(int32_t id)
     {
-        if (count_ + 1 >= slots_.size()) return false;
+        if (count_ + 1 >= slots_.size()) {
+            return false;
+        }
         slots_[count_++] = id;
         return true;
     }
@@ -29,7 +31,9 @@ public:
     ResultCode appendFirstColumn(Statement& rows)
     {
         while (rows.step()) {
-            if (!append(rows.int32(0))) return ResultCode::kSuccess;
+            if (!append(rows.int32(0))) {
+                return ResultCode::kSuccess;
+            }
         }
         return rows.last() == SqliteCode::kDone ? ResultCode::kSuccess : ResultCode::kFailure;
     }
@@ -57,7 +61,9 @@ public:
     // Not cleared: the C library would do it by hand when it takes the memory out of what was freed before.
     ItemSlots() : memory_(static_cast<int32_t*>(std::malloc(kSlots * sizeof(int32_t))))
     {
-        if (memory_ == nullptr) throw std::bad_alloc();
+        if (memory_ == nullptr) {
+            throw std::bad_alloc();
+        }
         TraceNew(memory_);
     }
     ~ItemSlots()

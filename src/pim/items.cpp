@@ -53,7 +53,9 @@ ResultCode StepOnce(Statement& statement)
 ResultCode RunWithData(Routine self, const Sql& sql, const PimItemRecord& item)
 {
     return self.query(1, sql, [&](Statement& statement) {
-        if (item.DataLength < 0) throw std::invalid_argument("negative length");
+        if (item.DataLength < 0) {
+            throw std::invalid_argument("negative length");
+        }
         statement.bindBlob(1, item.Data, item.DataLength);
         return StepOnce(statement);
     });
@@ -64,14 +66,20 @@ ResultCode RunWithData(Routine self, const Sql& sql, const PimItemRecord& item)
 ResultCode GetItems(Routine self, PimItemList& list, const DbChar* folderPimId, int32_t type, bool recursive)
 {
     const int32_t folderId = GetFolderID(self.db, folderPimId);
-    if (folderId == kNoFolder) return ResultCode::kFailure;
+    if (folderId == kNoFolder) {
+        return ResultCode::kFailure;
+    }
     // The type chooses among the folders below; neither the first folder nor the items are asked for theirs.
     FolderIds folders;
     folders.append(folderId);
-    if (recursive) AppendDescendants(self.db, folders, type);
+    if (recursive) {
+        AppendDescendants(self.db, folders, type);
+    }
     const ItemSlots slots;
     IdArea items(slots.slots());
-    for (size_t i = 0; i < folders.count(); ++i) (void)GetItemIDs(self.db, items, folders[i]);
+    for (size_t i = 0; i < folders.count(); ++i) {
+        (void)GetItemIDs(self.db, items, folders[i]);
+    }
     AllocateList(list, static_cast<int32_t>(items.count()));
     for (; static_cast<size_t>(list.Count) < items.count(); ++list.Count) {
         (void)GetItem(self.db, list.Items[list.Count], items[static_cast<size_t>(list.Count)]);
@@ -83,7 +91,9 @@ ResultCode AddItem(Routine self, const PimItemRecord& item, const DbChar* folder
 {
     // Deliberate: the folder is named by its path here, by its PimID everywhere else.
     const int32_t folderId = GetFolderIDByPath(self.db, folderPath);
-    if (folderId == kNoFolder) return ResultCode::kFailure;
+    if (folderId == kNoFolder) {
+        return ResultCode::kFailure;
+    }
     return RunWithData(self,
                        NarrowSql("INSERT INTO tPimItem ([pfID], [PimID], [Data], [Type]) VALUES (%d, '%s', ?, %d);",
                                  folderId, Ansi{item.PimID}, item.Type),
@@ -93,14 +103,18 @@ ResultCode AddItem(Routine self, const PimItemRecord& item, const DbChar* folder
 ResultCode UpdateItem(Routine self, const PimItemRecord& item)
 {
     const int32_t itemId = GetItemID(self.db, item.PimID);
-    if (itemId == kNoItem) return ResultCode::kFailure;
+    if (itemId == kNoItem) {
+        return ResultCode::kFailure;
+    }
     return RunWithData(self, NarrowSql("UPDATE tPimItem SET [Data] = ? WHERE [piID] = %d;", itemId), item);
 }
 
 ResultCode DeleteItem(Routine self, const DbChar* pimId)
 {
     const int32_t itemId = GetItemID(self.db, pimId);
-    if (itemId == kNoItem) return ResultCode::kFailure;
+    if (itemId == kNoItem) {
+        return ResultCode::kFailure;
+    }
     return self.run(1, NarrowSql("DELETE FROM tPimItem WHERE [piID] = %d;", itemId));
 }
 
@@ -122,7 +136,9 @@ ResultCode SetProfile(Routine self, const DbChar* profile)
 ResultCode ClearAll(Routine self, int32_t type, bool keepFolders)
 {
     const ResultCode items = self.run(1, NarrowSql("DELETE FROM tPimItem WHERE [Type] = %d;", type));
-    if (items != ResultCode::kSuccess || keepFolders) return items;
+    if (items != ResultCode::kSuccess || keepFolders) {
+        return items;
+    }
     return self.run(2, NarrowSql("DELETE FROM tPimFolder WHERE [Type] = %d;", type));
 }
 

@@ -34,7 +34,9 @@ ResultCode SetPimProfile(Routine self, const DbChar* imei, const DbChar* profile
         bool known = false;
         const ResultCode looked = self.first(1, NarrowSql(kSelectLog, phoneId, type), NoRowIsSuccess,
                                              [&](const Statement& /*row*/) { known = true; });
-        if (looked != ResultCode::kSuccess) return looked;
+        if (looked != ResultCode::kSuccess) {
+            return looked;
+        }
         // Deliberate: position 3 for the first of the two, 2 for the second.
         if (known) {
             return self.run(3, WideSql("UPDATE tPimLog SET [PimProfile] = '%s' WHERE [phoneID] = %d AND [Type] = %d;",
@@ -51,7 +53,9 @@ ResultCode ClearAll(Routine self, const DbChar* imei, int32_t type)
         std::optional<int32_t> logId;
         const ResultCode looked = self.first(1, NarrowSql(kSelectLog, phoneId, type), EndOfRows,
                                              [&](const Statement& row) { logId = row.int32(0); });
-        if (!logId.has_value()) return looked;
+        if (!logId.has_value()) {
+            return looked;
+        }
         return self.run(2, NarrowSql("DELETE FROM tPimLogItem WHERE [plID] = %d;DELETE FROM tPimLog WHERE [plID] = %d;",
                                      *logId, *logId));
     });
@@ -71,7 +75,9 @@ ResultCode ReadLog(Routine self, const DbChar* imei, PimLog& log)
                            count = row.int32(0);
                            logId = row.int32(2);
                        });
-        if (counted != ResultCode::kSuccess || count < 1) return counted;
+        if (counted != ResultCode::kSuccess || count < 1) {
+            return counted;
+        }
         EmptyList(log);
         AllocateList(log, count);
         return self.query(
@@ -98,10 +104,14 @@ ResultCode OpenLog(Routine self, int32_t phoneId, int32_t type, int32_t& logId)
             logId = row.int32(0);
             known = true;
         });
-    if (looked != ResultCode::kSuccess || known) return looked;
+    if (looked != ResultCode::kSuccess || known) {
+        return looked;
+    }
     const ResultCode created =
         self.run(2, NarrowSql("INSERT INTO tPimLog ([phoneID], [Type]) VALUES (%d, %d);", phoneId, type));
-    if (created == ResultCode::kSuccess) logId = static_cast<int32_t>(self.db.lastInsertRowId());
+    if (created == ResultCode::kSuccess) {
+        logId = static_cast<int32_t>(self.db.lastInsertRowId());
+    }
     return created;
 }
 

@@ -42,9 +42,15 @@ void ExecWithRetry(Connection& db, Name self, const Sql& sql, const StepLines& l
             platform::services.sleep(567 + 123 * i);  // after the last attempt too
         }
     }
-    if (last == SqliteCode::kOk) return DbTrace(lines.done, self);
-    if (last != SqliteCode::kBusy) DbTrace(lines.error, self);
-    if (last != SqliteCode::kConstraint || lines.constraintIsFailure) DbTrace(lines.failed, self);
+    if (last == SqliteCode::kOk) {
+        return DbTrace(lines.done, self);
+    }
+    if (last != SqliteCode::kBusy) {
+        DbTrace(lines.error, self);
+    }
+    if (last != SqliteCode::kConstraint || lines.constraintIsFailure) {
+        DbTrace(lines.failed, self);
+    }
 }
 
 /// One playlist on its way through the steps.

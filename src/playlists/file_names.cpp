@@ -18,10 +18,14 @@ public:
     /// The text that the trace announces is the one handed over; an empty one is handed over without a line.
     void append(const DbChar* text)
     {
-        if (names_.Count == room_) grow();
+        if (names_.Count == room_) {
+            grow();
+        }
         const size_t length = text != nullptr ? LengthOf(text) : 0;
         auto* copy = static_cast<DbChar*>(platform::AllocateForCaller((length + 1) * sizeof(DbChar)));
-        if (copy == nullptr) throw std::bad_alloc();
+        if (copy == nullptr) {
+            throw std::bad_alloc();
+        }
         if (length != 0) {
             std::copy_n(text, length, copy);
             TraceNew(copy);
@@ -35,7 +39,9 @@ private:
     {
         const int32_t room = room_ < 8 ? 8 : room_ + room_ / 2;
         void* items = platform::ReallocateForCaller(names_.Items, static_cast<size_t>(room) * sizeof(DbChar*));
-        if (items == nullptr) throw std::bad_alloc();
+        if (items == nullptr) {
+            throw std::bad_alloc();
+        }
         names_.Items = static_cast<DbChar**>(items);
         room_ = room;
     }
@@ -67,7 +73,9 @@ ResultCode GetListFilesname(Routine self, const DbChar* imei, const DbChar* list
                               Plain{imei}, Escaped{list}),
                       [&](Statement& rows) {
                           Appender appender(names);
-                          while (rows.step()) appender.append(rows.wideText(0));
+                          while (rows.step()) {
+                              appender.append(rows.wideText(0));
+                          }
                           return ResultCode::kSuccess;
                       });
 }

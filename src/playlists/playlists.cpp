@@ -35,7 +35,9 @@ ResultCode DeleteUnlessOnPhone(Routine self, int32_t phoneId, const DbChar* name
         self.run(1, WideSql("DELETE FROM %s WHERE [PhoneID] = %d AND [Path] = '%s' AND ([IdInPhone] ISNULL OR "
                             "[IdInPhone] = '(null)');",
                             kPlaylistTables.folders, phoneId, Escaped{name}));
-    if (self.db.totalChanges() == before) return deleted;
+    if (self.db.totalChanges() == before) {
+        return deleted;
+    }
     const ResultCode files = media::DeleteFilesOf(self, phoneId, kPlaylistTables, name);
     return deleted == ResultCode::kSuccess ? files : deleted;
 }
@@ -57,13 +59,17 @@ Outcome GetPlaylists(Routine self, const DbChar* imei, PlaylistList& list)
     return ForPhone(self, imei, [&](int32_t phoneId) -> Outcome {
         const std::optional<int32_t> count =
             self.count(1, NarrowSql("SELECT COUNT(*) FROM tPFolder WHERE [PhoneID] = %d;", phoneId));
-        if (!count.has_value()) return kNotPrepared;
+        if (!count.has_value()) {
+            return kNotPrepared;
+        }
         AllocateList(list, *count);
         Statement rows = self.prepare(
             1, NarrowSql("SELECT ROWID, [Path], [Digest], [IdInPhone], [Type], [Flag], [Count], [Size], [TotalSize], "
                          "[Sized], [Selected] FROM tPFolder WHERE [PhoneID] = %d;",
                          phoneId));
-        if (!rows.prepared()) return kNotPrepared;
+        if (!rows.prepared()) {
+            return kNotPrepared;
+        }
         return FillList(list, *count, rows, ReadPlaylist);
     });
 }

@@ -50,7 +50,9 @@ bool Strikes(int& left)
 
 void Note(std::string event)
 {
-    if (recording) events.push_back(std::move(event));
+    if (recording) {
+        events.push_back(std::move(event));
+    }
 }
 
 void NoteLine(const DbChar* line, size_t /*length*/) noexcept
@@ -121,7 +123,9 @@ extern "C" {
 int __wrap_sqlite3_exec(sqlite3* db, const char* text, RowCallback* row, void* data, char** message)
 {
     Note(text);
-    if (!refused.empty() && text == refused) return refusal;
+    if (!refused.empty() && text == refused) {
+        return refusal;
+    }
     return __real_sqlite3_exec(db, text, row, data, message);
 }
 
@@ -133,7 +137,9 @@ int __wrap_sqlite3_prepare_v2(sqlite3* db, const char* text, int bytes, sqlite3_
         return SQLITE_ERROR;
     }
     const int code = __real_sqlite3_prepare_v2(db, text, bytes, statement, tail);
-    if (*statement != nullptr) texts[*statement] = Received(text, bytes);
+    if (*statement != nullptr) {
+        texts[*statement] = Received(text, bytes);
+    }
     justCompiled = *statement;
     return code;
 }
@@ -144,7 +150,9 @@ int __wrap_sqlite3_prepare_v3(sqlite3* db, const char* text, int bytes, unsigned
 {
     const int code = __real_sqlite3_prepare_v3(db, text, bytes, flags, statement, tail);
     texts.erase(*statement);
-    if (*statement == nullptr) Note(Received(text, bytes));
+    if (*statement == nullptr) {
+        Note(Received(text, bytes));
+    }
     return code;
 }
 
@@ -177,8 +185,12 @@ void __wrap__ZN5kesta8platform10NamedMutex6unlockEv(kesta::platform::NamedMutex*
 
 char* __wrap__ZN5kesta15StatementBuffer3getEv(kesta::StatementBuffer* buffer)
 {
-    if (buffersLeft == 0) throw std::bad_alloc();
-    if (buffersLeft > 0) --buffersLeft;
+    if (buffersLeft == 0) {
+        throw std::bad_alloc();
+    }
+    if (buffersLeft > 0) {
+        --buffersLeft;
+    }
     return __real__ZN5kesta15StatementBuffer3getEv(buffer);
 }
 }

@@ -169,16 +169,22 @@ TEST_P(EachStatement, Call_UnderTheLock_IsReceivedToTheCharacter)
 /// as the caller's value.
 TEST_P(EachStatement, Call_StatementsThatStayCompiled_AreTheSame)
 {
-    if (ExportOf(GetParam()) == "DB_Open") GTEST_SKIP() << "runs no statement of its own";
+    if (ExportOf(GetParam()) == "DB_Open") {
+        GTEST_SKIP() << "runs no statement of its own";
+    }
     statementsStayCompiled = true;
     const std::vector<std::string> received = WithoutLines(recorded(GetParam().call));
     std::vector<std::string> statements;
     for (const std::string& event : received) {
-        if (event != "lock" && event != "unlock") statements.push_back(event);
+        if (event != "lock" && event != "unlock") {
+            statements.push_back(event);
+        }
     }
     std::vector<std::string> expected;
     for (const std::string& statement : GetParam().statements) {
-        if (statement != "lock" && statement != "unlock") expected.push_back(Complete(statement));
+        if (statement != "lock" && statement != "unlock") {
+            expected.push_back(Complete(statement));
+        }
     }
     ASSERT_EQ(statements.size(), expected.size());
     for (size_t i = 0; i < expected.size(); ++i) {

@@ -20,7 +20,9 @@ protected:
     static std::string readText(const char* expression)
     {
         Statement rows = db().prepare(NarrowSql("SELECT %s", Name{expression}));
-        if (!rows.step()) return "no row";
+        if (!rows.step()) {
+            return "no row";
+        }
         DbChar* text = rows.newText(0);
         const std::string read = test::Utf8(text);
         FreeText(text);
@@ -127,7 +129,9 @@ TEST_F(ConnectionParts, RoutineQueries_NoRowOrNoStatement_TakeWhatTheyAreGiven)
 
 TEST_F(ConnectionParts, BusyRetry_HundredAndOneTimes_AsksAgainAndThenGivesUp)
 {
-    for (int tries = 0; tries <= 100; ++tries) EXPECT_EQ(BusyRetry(nullptr, tries), 5);
+    for (int tries = 0; tries <= 100; ++tries) {
+        EXPECT_EQ(BusyRetry(nullptr, tries), 5);
+    }
     const std::vector<std::string> waiting = ReplacedServices::take();
     EXPECT_EQ(waiting, std::vector<std::string>(101, "DB TRACE >> Database busy, try again.\n"));
     EXPECT_EQ(ReplacedServices::sleeps(), std::vector<uint32_t>(101, 100u));

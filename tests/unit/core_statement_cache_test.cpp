@@ -35,10 +35,14 @@ protected:
     int runsBefore(const Sql& sql)
     {
         const StatementCache::Found found = find(sql);
-        if (found.verdict != Verdict::kCached) return -1;
+        if (found.verdict != Verdict::kCached) {
+            return -1;
+        }
         const int runs = sqlite3_stmt_status(found.entry->statement, SQLITE_STMTSTATUS_RUN, 0);
         int code = SQLITE_ROW;
-        while (code == SQLITE_ROW) code = sqlite3_step(found.entry->statement);
+        while (code == SQLITE_ROW) {
+            code = sqlite3_step(found.entry->statement);
+        }
         cache.giveBack(handle, *found.entry, code == SQLITE_DONE);
         return runs;
     }
@@ -52,7 +56,9 @@ protected:
     std::string bound(const Sql& sql)
     {
         const StatementCache::Found found = find(sql);
-        if (found.verdict != Verdict::kCached) return "not kept";
+        if (found.verdict != Verdict::kCached) {
+            return "not kept";
+        }
         char* text = sqlite3_expanded_sql(found.entry->statement);
         std::string expanded = text;
         sqlite3_free(text);
@@ -109,7 +115,9 @@ TEST_F(Cache, Find_MoreThanAreKept_LetsTheOldestGo)
         const std::string name = "c" + std::to_string(i);
         return runsBefore(NarrowSql("SELECT n AS %s FROM a WHERE n = %d", Name{name.c_str()}, int32_t{1}));
     };
-    for (size_t i = 0; i < StatementCache::kMost; ++i) EXPECT_EQ(run(i), 0);
+    for (size_t i = 0; i < StatementCache::kMost; ++i) {
+        EXPECT_EQ(run(i), 0);
+    }
     EXPECT_EQ(run(0), 1);
     EXPECT_EQ(run(StatementCache::kMost), 0);  // in the place of number 1
     EXPECT_EQ(run(0), 2);

@@ -42,7 +42,9 @@ size_t Utf8FromWide(const DbChar* text, size_t length, char* out, size_t room) n
     const char* const full = out + room;
     while (text != end) {
         const char32_t character = NextCodePoint(text, end);
-        if (full - out < kMostBytes && full - out < BytesOf(character)) return kDoesNotFit;
+        if (full - out < kMostBytes && full - out < BytesOf(character)) {
+            return kDoesNotFit;
+        }
         out = utf8::unchecked::append(character, out);
     }
     return static_cast<size_t>(out - begin);

@@ -26,11 +26,15 @@ bool IsFolder(const Path& path) noexcept
 
 Path HomeFolder()
 {
-    if (const char* home = std::getenv("HOME"); home != nullptr && home[0] == '/') return home;
+    if (const char* home = std::getenv("HOME"); home != nullptr && home[0] == '/') {
+        return home;
+    }
     passwd entry = {};
     passwd* found = nullptr;
     std::vector<char> buffer(16384);
-    if (getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr) return {};
+    if (getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr) {
+        return {};
+    }
     return found->pw_dir;
 }
 
@@ -73,11 +77,17 @@ bool MakeFolder(const char* folder) noexcept
 /// Creates the folder and every missing one above it, each private to the user.
 bool CreateFolders(const Path& folder)
 {
-    if (IsFolder(folder)) return true;
-    if (folder.has_relative_path() && !CreateFolders(folder.parent_path())) return false;
+    if (IsFolder(folder)) {
+        return true;
+    }
+    if (folder.has_relative_path() && !CreateFolders(folder.parent_path())) {
+        return false;
+    }
     const bool isThere = MakeFolder(folder.c_str()) || errno == EEXIST;
     struct stat status = {};
-    if (stat(folder.c_str(), &status) == 0) return S_ISDIR(status.st_mode);
+    if (stat(folder.c_str(), &status) == 0) {
+        return S_ISDIR(status.st_mode);
+    }
     // A folder that cannot be looked at is no reason to keep data elsewhere. A link that leads nowhere is no folder.
     return isThere && errno != ENOENT && errno != ELOOP;
 }
@@ -151,10 +161,14 @@ bool ApplicationDataFolder(Path& folder)
         folder = named;
     } else {
         folder = HomeFolder();
-        if (folder.empty()) return false;
+        if (folder.empty()) {
+            return false;
+        }
         folder /= ".local/share";
     }
-    if (!folder.has_filename()) folder = folder.parent_path();  // a trailing slash names no folder of its own
+    if (!folder.has_filename()) {
+        folder = folder.parent_path();  // a trailing slash names no folder of its own
+    }
     return CreateFolders(folder);
 }
 
@@ -192,7 +206,9 @@ bool PathToUtf8(const Path& path, char* out, size_t room) noexcept
 {
     // Names are bytes here, and taken as they are: one that is not UTF-8 still names its file.
     const std::string& bytes = path.native();
-    if (bytes.size() > room) return false;
+    if (bytes.size() > room) {
+        return false;
+    }
     out[bytes.copy(out, bytes.size())] = '\0';
     return true;
 }

@@ -65,7 +65,9 @@ bool Send(const char* bytes, size_t length) noexcept
 /// The file under a number that no program mistakes for its own output, should that be closed.
 int AboveStandard(int file) noexcept
 {
-    if (file < 0 || file > STDERR_FILENO) return file;
+    if (file < 0 || file > STDERR_FILENO) {
+        return file;
+    }
     const int other = fcntl(file, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     close(file);
     return other;
@@ -74,12 +76,16 @@ int AboveStandard(int file) noexcept
 /// Waits for the viewer to make room, as long as this call may still be held up.
 bool WaitForRoom() noexcept
 {
-    if (viewer.stalled.load(std::memory_order_relaxed) || delayedMs >= kMostDelayMs) return false;
+    if (viewer.stalled.load(std::memory_order_relaxed) || delayedMs >= kMostDelayMs) {
+        return false;
+    }
     const int64_t start = CoarseMs();
     pollfd room = {viewer.socket, POLLOUT, 0};
     const int ready = poll(&room, 1, static_cast<int>(kMostDelayMs - delayedMs));
     delayedMs += ready == 0 ? kMostDelayMs : CoarseMs() - start;
-    if (ready == 0) viewer.stalled.store(true, std::memory_order_relaxed);
+    if (ready == 0) {
+        viewer.stalled.store(true, std::memory_order_relaxed);
+    }
     return ready > 0;
 }
 
@@ -88,9 +94,13 @@ void SendLine(const char* bytes, size_t length) noexcept
     bool lookedAgain = false;
     while (!Send(bytes, length)) {
         if (errno == EAGAIN || errno == EWOULDBLOCK || errno == ENOBUFS) {
-            if (!WaitForRoom()) return;
+            if (!WaitForRoom()) {
+                return;
+            }
         } else if (errno != EINTR) {
-            if (lookedAgain || !Look()) return;  // the viewer is gone; another one may have taken its place
+            if (lookedAgain || !Look()) {
+                return;  // the viewer is gone; another one may have taken its place
+            }
             lookedAgain = true;
         }
     }
@@ -114,7 +124,9 @@ void WriteTraceLine(const DbChar* line, size_t length) noexcept
     std::unique_ptr<char[]> large;
     if (room > sizeof small) {
         large.reset(new (std::nothrow) char[room]);
-        if (large == nullptr) return;
+        if (large == nullptr) {
+            return;
+        }
     }
     char* bytes = large != nullptr ? large.get() : small;
     SendLine(bytes, Utf8FromWide(line, length, bytes, room));
@@ -144,10 +156,14 @@ void OpenTrace() noexcept
             ? std::snprintf(viewer.address.sun_path, sizeof viewer.address.sun_path, "%s/%s", folder, "kesta_db.trace")
             : std::snprintf(viewer.address.sun_path, sizeof viewer.address.sun_path, "/tmp/kesta_db-%u.trace",
                             static_cast<unsigned>(geteuid()));
-    if (length < 0 || static_cast<size_t>(length) >= sizeof viewer.address.sun_path) return;  // no viewer can bind it
+    if (length < 0 || static_cast<size_t>(length) >= sizeof viewer.address.sun_path) {
+        return;  // no viewer can bind it
+    }
     viewer.address.sun_family = AF_UNIX;
     viewer.socket = AboveStandard(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    if (viewer.socket < 0) return;
+    if (viewer.socket < 0) {
+        return;
+    }
     const int buffer = 1 << 20;  // the longest line is a statement of 40,960 characters
     (void)setsockopt(viewer.socket, SOL_SOCKET, SO_SNDBUF, &buffer, sizeof buffer);
     viewer.nextLookMs.store(0, std::memory_order_relaxed);
@@ -155,7 +171,9 @@ void OpenTrace() noexcept
 
 void CloseTrace() noexcept
 {
-    if (viewer.socket >= 0) close(viewer.socket);
+    if (viewer.socket >= 0) {
+        close(viewer.socket);
+    }
     viewer.socket = -1;
     viewer.present.store(false, std::memory_order_relaxed);
 }
