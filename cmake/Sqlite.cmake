@@ -1,8 +1,9 @@
-# Target kesta_sqlite: SQLite 3 at one pinned version, linked statically, or the system's.
+# Target kesta_sqlite: SQLite 3 at one pinned version, linked statically, or the system's. KESTA_SQLITE_VERSION is which.
 #
 # The amalgamation comes out of the npm package better-sqlite3, which carries SQLite's own sources unchanged.
 if(KESTA_SYSTEM_SQLITE)
     find_package(SQLite3 3.37 REQUIRED)
+    set(KESTA_SQLITE_VERSION ${SQLite3_VERSION})
     add_library(kesta_sqlite INTERFACE)
     target_link_libraries(kesta_sqlite INTERFACE SQLite::SQLite3)
     return()
@@ -13,6 +14,9 @@ kesta_fetch_from_npm(sqlite  # SQLite 3.54.1
     PACKAGE better-sqlite3 VERSION 13.2.0
     SHA256 40487589df3496f2ee0079d22b73c63fccebe7db0e8ee9a2c42421861e321e0b
     FOLDER deps/sqlite3 FILES "sqlite3.[ch]")
+
+file(STRINGS ${sqlite}/sqlite3.h version REGEX "^#define SQLITE_VERSION  *\"")
+string(REGEX REPLACE ".*\"(.*)\".*" "\\1" KESTA_SQLITE_VERSION "${version}")
 
 option(KESTA_SQLITE_PGO "Lay SQLite out by a profile that is taken while building" OFF)
 
@@ -37,7 +41,7 @@ endfunction()
 if(NOT KESTA_SQLITE_PGO)
     add_library(kesta_sqlite STATIC ${sqlite}/sqlite3.c)
     kesta_sqlite_settings(kesta_sqlite)
-    target_compile_options(kesta_sqlite PRIVATE -w)
+    target_compile_options(kesta_sqlite PRIVATE ${KESTA_NO_WARNINGS})
     return()
 endif()
 

@@ -1,82 +1,125 @@
 /**
- * KESTA_DB: the bookkeeping of a phone-sync suite in one SQLite file.
+ * @file
+ * @brief KESTA_DB: which phones this PC has met, what has been synced to them and in which state, in one SQLite file.
  *
- * Which phones this PC has met and how each is set up, which folders and files have been synced to them, and in which
- * state. The library opens its database when it is loaded and closes it when it is unloaded; there is nothing to
- * initialise and nothing to shut down. The file lies in the user's own application data:
+ * The library opens its database when it is loaded and closes it when it is unloaded; there is nothing to initialise
+ * and nothing to shut down. The file lies in the user's own application data:
  *
- *   Windows   %APPDATA%\NORVIK\NORVIK Sync\Database\KESTA_DB.s3db
- *   Linux     $XDG_DATA_HOME/NORVIK/NORVIK Sync/Database/KESTA_DB.s3db   (~/.local/share without that variable)
+ *     Windows   %APPDATA%\NORVIK\NORVIK Sync\Database\KESTA_DB.s3db
+ *     Linux     $XDG_DATA_HOME/NORVIK/NORVIK Sync/Database/KESTA_DB.s3db   (~/.local/share without that variable)
  *
- * THREADS AND PROCESSES. Every function may be called from any thread. All calls of all threads and processes of one
- * user (on Windows: of one session) are serialised by one named mutex, so a call may wait for another one. A database
+ * THREADS AND PROCESSES. Every function may be called from any thread. All calls of all threads and processes are
+ * serialised by one named mutex, so a call may wait for another one: on Linux one mutex for each user, on Windows one
+ * for each session, whoever the user is. Two sessions of one Windows user meet only at SQLite's own locks. A database
  * locked by another program is waited for up to about ten seconds per statement. A process may be forked at any time,
  * also while other threads call: the fork waits for the call that runs, and the child opens the database anew at its
  * first call.
  *
  * TEXTS are zero-terminated UTF-16. A null pointer where a text is expected is taken as the empty text where the text
  * is quoted into the database, and as the six characters "(null)" where it stands for itself (every IMEI that chooses a
- * phone does).
- * A statement may be 40,960 UTF-8 bytes long; a longer one is not run, and the call fails.
+ * phone does). In what the library hands out, an empty text and a text that was never stored are both null.
+ *
+ * ASCII ONLY. On Windows some texts reach SQLite through the ANSI code page, while the column they are compared with is
+ * UTF-8. These must be ASCII there: the IMEI of every function, the URL of DB_BOOKMARK_GetSyncedMark, the name given to
+ * DB_PLAYERMUSIC_SetDeletedPlaylist and DB_PLAYERMUSIC_DeleteList, every PimID, Guid and Luid. A row is not found
+ * otherwise, or comes back as another text; DB_LIB_PhoneDetected registers a phone with such an IMEI anew at each call.
+ * On Linux any text will do.
+ *
+ * LENGTH. A statement may be 40,960 UTF-8 bytes long, with the texts in it. A longer one is not run: the call goes on
+ * as for any statement that failed. Which answers do not tell of a failed statement is said at the functions; of those
+ * that store something they are the four AddFolder, DB_PLAYERMUSIC_AddPlaylist, DB_PLAYERMUSIC_SetListFilesname and the
+ * items of DB_PIMLOG_SaveLog: 0 although nothing was stored.
  *
  * RESULTS. Unless its comment says otherwise a function returns 0 for success and 1 for failure; 1 is also the answer
- * when the database is not open and when a record, list or out pointer is null. "An SQLite code" is the plain
- * result code of the statement that failed (5 busy, 8 read-only, 10 I/O error, 11 damaged file, 13 disk full,
- * 18 statement too long, 19 the row exists already, 23 refused). The library opens no transaction: what an earlier step
- * of the same call has changed stays changed when a later one fails.
+ * when the database is not open, when a record, list or out pointer is null, and after an internal failure (no memory).
+ * The last two hold for functions that answer a truth value too: 1 then means nothing, and an out record was not
+ * filled. "A query failed" means that it could not be prepared: it was refused or too long, or the file could not be
+ * read. "An SQLite code" is the plain result code of the statement that failed (5 busy, 7 no memory, 8 read-only, 9
+ * ended, 10 I/O error, 11 damaged file, 13 disk full, 18 statement too long, 19 the row exists already or was refused
+ * by a rule of its table, 23 refused, 100 one more row was there than had been counted: ask again). The library opens
+ * no transaction: what an earlier step of the same call has changed stays changed when a later one fails.
  *
  * DURABILITY. What a call has acknowledged survives the end of the process at any moment. A loss of power may undo the
  * very last change that was acknowledged, never more, and never damages the file.
  *
- * An empty answer may be a failed one. A list is counted before it is read: when the count itself cannot be read (the
- * file locked for more than ten seconds, an I/O error, no memory), the answer is 0 with an empty list. A phone that
- * cannot be looked up is taken for one that is not known. Who would remove something because a list is empty makes sure
- * first that a row known to exist can be read.
+ * AN EMPTY ANSWER MAY BE A FAILED ONE. A list is counted before it is read. Where a comment says "counted silently", a
+ * count that breaks off (the file locked for more than ten seconds, an I/O error, no memory) gives 0 and an empty list.
+ * A phone that cannot be looked up is taken for one that is not known. Who would remove something because a list is
+ * empty makes sure first: DB_LIB_GetAllMainFolders lists seven rows of every database that can be read, so 0 with rows
+ * says that the file is readable now; then ask for the list again, and believe it when it is empty once more. Damage
+ * within the one table stays hidden even so.
  *
  * STATEMENTS. A text that is not quoted, as every IMEI that chooses a phone, is part of its statement: it must come
  * from a source that may read and change every row. More than that it cannot do: once the database is open, statements
  * that begin or end transactions, change the schema or the settings, or reach other files are refused with code 23. A
- * statement that takes more than a thousand million of SQLite's steps (some ten seconds) is ended with code 9.
+ * statement that takes more than a thousand million of SQLite's steps (some ten seconds) is ended with code 9. In seven
+ * places such a text can even bring a second statement along: the IMEI of DB_LIB_SetLastSyncTime, DB_LIB_SetSDType and
+ * DB_PLAYERMUSIC_SetListFilesname, the Digest of DB_PLAYERMUSIC_AddPlaylist, Guid and Luid of DB_PIMLOG_SaveLog and the
+ * PimID of DB_PIM_AddFolder.
  *
  * MEMORY. Records that the caller fills stay the caller's, texts included. A list record starts as {0, NULL}; the
  * library fills it, owns the array and its texts, and frees them when the same record is passed to a function with
- * a list of that kind again. The contents must not be freed or changed by the caller. Asking for the list of a phone
- * that is not known empties the record, which is how a caller gives the memory back; only the lists of main folders and
- * of phones, which no phone is named for, keep their elements until the process ends. Texts in a single record that the
- * library filled belong to the library too; who frees them is said at the function.
+ * a list of that kind again: before it looks at the other arguments, so none of these may be a text out of that list or
+ * record. The contents must not be freed or changed by the caller. A caller gives a list back by asking for something
+ * that is not known:
+ *
+ *     of a phone that is not known    folders, synced files, playlists, bookmarks, backups (DB_BACKUP_GetPhoneBackups)
+ *     of a folder that is not known   PIM folders (DB_PIM_GetFolders) and PIM items (DB_PIM_GetItems)
+ *
+ * Four are never emptied by a call that finds nothing, and are best kept as one record for the whole program: the lists
+ * of main folders and of phones, a PimLog, and the slot of DB_PIM_GetProfile. Texts in a single record that the library
+ * filled belong to the library too; who frees them is said at the function.
  *
  * TRACE. Each call writes its steps as lines that start with "DB TRACE >> " to the debug output: OutputDebugStringW on
  * Windows; elsewhere one datagram a line, in UTF-8, to the Unix socket $XDG_RUNTIME_DIR/kesta_db.trace (without
- * that variable /tmp/kesta_db-<uid>.trace), if a viewer has bound it. `kesta trace` is such a viewer.
+ * that variable /tmp/kesta_db-UID.trace), if a viewer has bound it. `kesta trace` is such a viewer.
  */
 #ifndef KESTA_DB_KESTA_DB_H
 #define KESTA_DB_KESTA_DB_H
 
+#include <stddef.h>
 #include <stdint.h>
 #if !defined(_WIN32) && !defined(__cplusplus)
 #include <uchar.h>
 #endif
 
+/** @name Version
+ * The version of this header. Within one major version programs run with any library that is not older than the header
+ * that they were compiled with.
+ * @{ */
+#define KESTA_DB_VERSION_MAJOR 1 /**< changes when programs have to be compiled anew */
+#define KESTA_DB_VERSION_MINOR 0 /**< changes when something was added */
+#define KESTA_DB_VERSION_PATCH 0 /**< changes when something was mended */
+/** One number to compare with: 1.2.3 is 10203. */
+#define KESTA_DB_VERSION_NUMBER (KESTA_DB_VERSION_MAJOR * 10000 + KESTA_DB_VERSION_MINOR * 100 + KESTA_DB_VERSION_PATCH)
+/** "1.2.3" */
+#define KESTA_DB_VERSION "1.0.0"
+/** @} */
+
 #if defined(_WIN32)
+/** The calling convention of every function. */
 #define KESTA_DB_CALL __cdecl
 #if defined(KESTA_DB_BUILD)
 #define KESTA_DB_API
 #else
+/** How a caller sees the library's symbols. */
 #define KESTA_DB_API __declspec(dllimport)
 #endif
 #else
+/** The calling convention of every function. */
 #define KESTA_DB_CALL
+/** How a caller sees the library's symbols. */
 #define KESTA_DB_API __attribute__((visibility("default")))
 #endif
 
-#define KESTA_DB_OFFSET(type, field) __builtin_offsetof(type, field)
+#define KESTA_DB_OFFSET(type, field) offsetof(type, field)
 #if defined(__cplusplus)
 #define KESTA_DB_STATIC_ASSERT(condition) static_assert(condition, #condition)
 extern "C" {
 #else
 #define KESTA_DB_STATIC_ASSERT(condition) _Static_assert(condition, #condition)
 #endif
-
+/* clang-format off */
 /** One UTF-16 code unit. */
 #if defined(_WIN32)
 typedef wchar_t DbChar;
@@ -85,16 +128,21 @@ typedef char16_t DbChar;
 #endif
 
 /** State of a DateValue. */
-enum { kDateValid = 0, kDateInvalid = 1, kDateNull = 2 };
+enum {
+    kDateValid = 0,   /**< Days holds a point in time */
+    kDateInvalid = 1, /**< Days holds nothing */
+    kDateNull = 2     /**< no date; what a caller passes for one that is not known */
+};
 
 #pragma pack(push, 4)
 /**
  * A point in local time: days since 30 December 1899 00:00, the fraction being the time of day (forward in the day for
  * negative values too). Times are kept to the second; the years 100 to 9999 can be stored.
- * A null date is stored as an empty text, an invalid one as the text "Invalid DateTime"; both read back as invalid.
+ * A null date is stored as an empty text; an invalid one, a day number outside those years or one that is no number as
+ * the text "Invalid DateTime". All of these read back as invalid: kDateNull is never handed out.
  */
 typedef struct DateValue {
-    double Days;
+    double Days;    /**< days since 30 December 1899 00:00 */
     int32_t Status; /**< kDateValid, kDateInvalid or kDateNull */
 } DateValue;
 #pragma pack(pop)
@@ -102,16 +150,21 @@ KESTA_DB_STATIC_ASSERT(sizeof(DateValue) == 12);
 KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(DateValue, Status) == 8);
 
 /* ---- Main library folders --------------------------------------------------------------------------------------- */
+/**
+ * @defgroup main_folders Main folders
+ * The main folders of the library, their figures and whether they changed.
+ * @{
+ */
 
 /** The main library folders: the IDs of MainFolderRecord and the folderId arguments. */
 enum {
-    kMainFolderMusic = 1000,
-    kMainFolderGallery = 1100,
-    kMainFolderDocument = 1400,
-    kMainFolderPeople = 1500,
-    kMainFolderCalendar = 1600,
-    kMainFolderWebBookmark = 1900,
-    kMainFolderMap = 2200
+    kMainFolderMusic = 1000,       /**< music */
+    kMainFolderGallery = 1100,     /**< pictures and videos */
+    kMainFolderDocument = 1400,    /**< documents */
+    kMainFolderPeople = 1500,      /**< contacts */
+    kMainFolderCalendar = 1600,    /**< calendar */
+    kMainFolderWebBookmark = 1900, /**< web bookmarks */
+    kMainFolderMap = 2200          /**< maps */
 };
 
 /** One main library folder. */
@@ -134,7 +187,14 @@ typedef struct MainFolderList {
 } MainFolderList;
 KESTA_DB_STATIC_ASSERT(sizeof(MainFolderList) == 2 * sizeof(void *));
 
+/** @} */
+
 /* ---- Phones ----------------------------------------------------------------------------------------------------- */
+/**
+ * @defgroup phones Phones
+ * The registry of phones and how each is set up.
+ * @{
+ */
 
 /** What is known of one phone and how it is to be synced. Truth values are 0 or 1. */
 typedef struct PhoneSettingRecord {
@@ -183,7 +243,14 @@ typedef struct PhoneList {
 } PhoneList;
 KESTA_DB_STATIC_ASSERT(sizeof(PhoneList) == 2 * sizeof(void *));
 
+/** @} */
+
 /* ---- Media folders and synced files ----------------------------------------------------------------------------- */
+/**
+ * @defgroup media Media folders and files
+ * Which folders of the PC are synced to a phone, and which files lie on it.
+ * @{
+ */
 
 /** One PC folder that is synced to a phone. */
 typedef struct FolderRecord {
@@ -233,7 +300,14 @@ typedef struct SyncedFileList {
 } SyncedFileList;
 KESTA_DB_STATIC_ASSERT(sizeof(SyncedFileList) == 2 * sizeof(void *));
 
+/** @} */
+
 /* ---- Playlists -------------------------------------------------------------------------------------------------- */
+/**
+ * @defgroup playlists Playlists
+ * The playlists of the music player, their files, and the files copied because of them.
+ * @{
+ */
 
 /** Sync state of a playlist. */
 enum {
@@ -248,7 +322,8 @@ typedef struct PlaylistRecord {
     int64_t RowId;      /**< the row's number in the database; not read */
     DbChar *Name;       /**< the key within a phone */
     DbChar *Digest;     /**< the caller's digest of the contents; stored unescaped: it must hold no apostrophe */
-    DbChar *IdInPhone;  /**< the phone's name for it; null or "(null)": it is not on the phone */
+    DbChar *IdInPhone;  /**< the phone's name for it. "(null)": it is not on the phone; null in a list: it is not, or it
+                             is under an empty name, which counts as on the phone */
     int32_t Type;       /**< the caller's own number */
     int32_t Flag;       /**< kPlaylistCurrent ... kPlaylistDeleted */
     int32_t Count;      /**< entries */
@@ -274,12 +349,20 @@ KESTA_DB_STATIC_ASSERT(sizeof(PlaylistList) == 2 * sizeof(void *));
  * and malloc elsewhere, by whoever adds them, and freed by the caller.
  */
 typedef struct FileNameArray {
-    int32_t Count;  /**< elements in Items */
-    DbChar **Items; /**< null when Count is 0 */
+    int32_t Count;  /**< elements in Items; a negative one counts as 0 */
+    DbChar **Items; /**< may be null when Count is 0 */
 } FileNameArray;
 KESTA_DB_STATIC_ASSERT(sizeof(FileNameArray) == 2 * sizeof(void *));
 
+/** @} */
+
 /* ---- Bookmarks -------------------------------------------------------------------------------------------------- */
+/**
+ * @defgroup bookmarks Bookmarks
+ * The web bookmarks synced to a phone. Every function but DB_BOOKMARK_ClearAll sees and writes only the bookmarks of the
+ * phone's present BookMarkType. When that cannot be read, type 0 is taken, and the result does not show it.
+ * @{
+ */
 
 /** One web bookmark that has been synced to a phone. */
 typedef struct BookmarkRecord {
@@ -300,7 +383,16 @@ typedef struct BookmarkList {
 } BookmarkList;
 KESTA_DB_STATIC_ASSERT(sizeof(BookmarkList) == 2 * sizeof(void *));
 
+/** @} */
+
 /* ---- Backups ---------------------------------------------------------------------------------------------------- */
+/**
+ * @defgroup backups Backups
+ * The backups made of phones. A database made by this library has no table for them: there every function of this family
+ * fails as its comment says for a failed statement. They work where another program has created the table tBackups with
+ * the columns bcID (INTEGER PRIMARY KEY), phoneID, Path, PhonePath, Size and ModifiedTime.
+ * @{
+ */
 
 /** One backup file made of a phone. */
 typedef struct BackupRecord {
@@ -322,12 +414,19 @@ typedef struct BackupList {
 } BackupList;
 KESTA_DB_STATIC_ASSERT(sizeof(BackupList) == 2 * sizeof(void *));
 
+/** @} */
+
 /* ---- Contacts and calendar (PIM) -------------------------------------------------------------------------------- */
+/**
+ * @defgroup pim Contacts and calendar
+ * The store of contacts and calendar entries, and the log of their syncs.
+ * @{
+ */
 
 /** One synced entry: the PC's and the phone's name for it, and when either side last changed it. */
 typedef struct PimLogItem {
-    DbChar *Guid;        /**< on the PC; stored unescaped: it must hold no apostrophe */
-    DbChar *Luid;        /**< on the phone; stored unescaped: it must hold no apostrophe */
+    DbChar *Guid;        /**< on the PC; stored unescaped: no apostrophe, and ASCII on Windows */
+    DbChar *Luid;        /**< on the phone; stored unescaped: no apostrophe, and ASCII on Windows */
     DateValue PCTime;    /**< last change on the PC */
     DateValue PhoneTime; /**< last change on the phone */
 } PimLogItem;
@@ -344,7 +443,7 @@ KESTA_DB_STATIC_ASSERT(sizeof(PimLog) == 8 + sizeof(void *));
 
 /** One folder of the PIM store. */
 typedef struct PimFolderRecord {
-    DbChar *PimID;       /**< names the folder, unique; it must hold no apostrophe */
+    DbChar *PimID;       /**< names the folder, unique; no apostrophe, and ASCII on Windows */
     DbChar *ParentPimID; /**< names the folder above; null for a root; filled only */
     DbChar *Path;        /**< what it is called; items are added by it */
     int32_t Type;        /**< the kind of data, the caller's own number */
@@ -360,10 +459,10 @@ KESTA_DB_STATIC_ASSERT(sizeof(PimFolderList) == 2 * sizeof(void *));
 
 /** One item of the PIM store. */
 typedef struct PimItemRecord {
-    DbChar *PimID;      /**< names the item, unique; it must hold no apostrophe */
+    DbChar *PimID;      /**< names the item, unique; no apostrophe, and ASCII on Windows */
     int32_t Type;       /**< the kind of data, the caller's own number */
     int32_t DataLength; /**< bytes in Data */
-    uint8_t *Data;      /**< the contents, opaque; null when there are none */
+    uint8_t *Data;      /**< the contents, opaque; null when there are none. Null stores none, whatever DataLength */
 } PimItemRecord;
 KESTA_DB_STATIC_ASSERT(sizeof(PimItemRecord) == (sizeof(void *) == 8 ? 24 : 16));
 KESTA_DB_STATIC_ASSERT(KESTA_DB_OFFSET(PimItemRecord, DataLength) == sizeof(void *) + 4);
@@ -376,7 +475,14 @@ typedef struct PimItemList {
 } PimItemList;
 KESTA_DB_STATIC_ASSERT(sizeof(PimItemList) == 2 * sizeof(void *));
 
+/** @} */
+
 /* ---- Connection ------------------------------------------------------------------------------------------------- */
+/**
+ * @defgroup connection Connection
+ * Whether the database is open.
+ * @{
+ */
 
 /**
  * Opens the database, unless it is open already. The library calls this itself when it is loaded, so that a program
@@ -403,7 +509,11 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_Open(void);
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_Close(void);
 
+/** @} */
+
 /* ---- DB_LIB_*: main folders ------------------------------------------------------------------------------------- */
+/** @addtogroup main_folders
+ * @{ */
 
 /**
  * Writes number of items, size and setting of one main folder.
@@ -427,7 +537,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_RefreshStatistics(void);
  * for people, calendar and map); this function does not reset it.
  *
  * @param list  emptied, then filled
- * @return 0; 1 the query failed; an SQLite code when reading the rows ended with it
+ * @return 0; 1 a query failed; an SQLite code when reading the rows ended with it. Counted silently: 0 with an empty
+ *         list says that the count broke off, for the library's databases have seven of them
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetAllMainFolders(MainFolderList *list);
 
@@ -441,17 +552,22 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetAllMainFolders(MainFolderList *list
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_MainFoldersChanged(MainFolderList *list);
 
+/** @} */
+
 /* ---- DB_LIB_*: phones ------------------------------------------------------------------------------------------- */
+/** @addtogroup phones
+ * @{ */
 
 /**
  * Announces a phone. An unknown one is registered, with every main folder unselected; a known one is left as it is, its
  * name too. Everything else that is kept per phone needs this first.
  *
  * @param imei  identifies the phone; of two identities joined by a colon the first is kept as the second IMEI as well.
- *              An IMEI is looked up as it stands, so it must hold no apostrophe
+ *              An IMEI is looked up as it stands, so it must hold no apostrophe, and be ASCII on Windows
  * @param name  display name
  * @return the phone's number, 1 or more, whether its main folders could be noted or not; -1 when it could not be
- *         registered. A phone whose look-up fails is registered once more
+ *         registered, or the database is not open. A phone whose look-up fails is registered once more. After an
+ *         internal failure (no memory) 1, which cannot be told from the first phone's number
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_PhoneDetected(const DbChar *imei, const DbChar *name);
 
@@ -476,21 +592,29 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_SetPhoneSetting(const PhoneSettingReco
 KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetPhoneSetting(const DbChar *imei, PhoneSettingRecord *record);
 
 /**
- * Lists all phones ever announced. NeedMount and the last four texts of the elements are not filled.
+ * Lists all phones ever announced. NeedMount and the last four texts of the elements are not filled: NeedMount is 0 and
+ * the texts are null.
  *
  * @param list  emptied, then filled
- * @return 0; 1 the query failed; an SQLite code when reading the rows ended with it (100: one more row was
- *         there than had been counted)
+ * @return 0; 1 a query failed; an SQLite code when reading the rows ended with it. Counted silently
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetAllPhones(PhoneList *list);
 
+/** @} */
+
 /* ---- DB_LIB_*: sync state of a phone ---------------------------------------------------------------------------- */
+/**
+ * @defgroup sync_state Sync state
+ * What is kept for a phone between two runs.
+ * @{
+ */
 
 /**
  * Tells whether the user has chosen a main folder for a phone.
  *
  * @param folderId  the main folder, kMainFolderMusic ... kMainFolderMap
- * @return 0 or 1 as stored; 1 also when nothing is stored, the phone is unknown, or the query failed
+ * @return 0 or 1 as stored; 1 also when nothing is stored, the phone is unknown, the query failed, or the database is
+ *         not open
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_IsFolderSelected(const DbChar *imei, int32_t folderId);
 
@@ -506,7 +630,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_SetFolderSelected(const DbChar *imei, 
 /**
  * Notes the end of a sync run.
  *
- * @param lastTime   when; a day number of exactly 0 leaves the stored time as it is
+ * @param lastTime   when; a day number of exactly 0 leaves the stored time as it is, whatever its Status
  * @param errCode    the caller's own code of the run's outcome
  * @param needMount  1: the phone's storage must be mounted for the next run
  * @return 0 stored, also when the phone is unknown; 1 the update failed
@@ -544,7 +668,11 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetSDType(const DbChar *imei, int32_t 
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_ClearSyncHistory(const DbChar *imei);
 
+/** @} */
+
 /* ---- DB_MUSIC_*, DB_IMAGE_*, DB_VIDEO_*, DB_DOCUMENT_*: folders and files synced per phone ---------------------- */
+/** @addtogroup media
+ * @{ */
 
 /**
  * Adds a music folder to a phone, or refreshes it: a known folder gets the new Count, Size, TotalSize and Sized and is
@@ -552,7 +680,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_ClearSyncHistory(const DbChar *imei);
  *
  * @param imei    the phone, as announced to DB_LIB_PhoneDetected
  * @param folder  Path, Count, Size, TotalSize and Sized are read; the text stays the caller's
- * @return 0; 1 unknown phone or closed database. Whether the statements succeeded does not show in the result
+ * @return 0; 1 unknown phone or closed database. Whether the statements succeeded does not show in the result: who
+ *         needs to know reads the folder with DB_MUSIC_GetFolder
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_AddFolder(const DbChar *imei, const FolderRecord *folder);
 
@@ -567,24 +696,27 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_ClearAll(const DbChar *imei);
  * Lists the music folders of a phone in the order in which they were added.
  *
  * @param list  emptied, then filled
- * @return 0; 1 unknown phone, or the query failed; an SQLite code when reading the rows ended with it
+ * @return 0; 1 unknown phone, or the folders could not be counted or queried; an SQLite code when reading the rows
+ *         ended with it
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_GetFolders(const DbChar *imei, FolderList *list);
 
 /**
  * Reads one music folder of a phone.
  *
- * @param path    the folder's Path
- * @param folder  its Path is freed and, like Count, Size, TotalSize and Sized, zeroed first, so it must start zeroed;
- *                AddTime is never filled. To free the Path, pass the record again with an unknown path
- * @return 0 filled; 1 not found, or the query failed
+ * @param path    the folder's Path; it must not be the text that folder->Path points to
+ * @param folder  its Path is freed and, like Count, Size, TotalSize and Sized, zeroed first, whatever the result, so it
+ *                must start zeroed; AddTime is never filled. To free the Path, pass the record again with an unknown
+ *                path
+ * @return 0 filled; 1 not found, unknown phone, or the query failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_GetFolder(const DbChar *imei, const DbChar *path, FolderRecord *folder);
 
 /**
  * Tells whether the user wants a music folder synced.
  *
- * @return 0 or 1 as stored; 1 also for an unknown folder or phone, and when the query failed
+ * @return 0 or 1 as stored; 1 also for an unknown folder or phone, and when the query failed or the database is not
+ *         open
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_IsFolderSelected(const DbChar *imei, const DbChar *path);
 
@@ -620,7 +752,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetFolderDeleted(const DbChar *imei,
  * @param path  the file on the PC
  * @param file  filled when it has; the texts it held before are not freed, and nothing frees the new ones: to look at
  *              many files use DB_MUSIC_GetSyncedFiles
- * @return 1 recorded; 0 not recorded, or the query failed
+ * @return 1 recorded; 0 not recorded, the query failed, or the database is not open. 1 with a file that was not filled
+ *         says that there was no memory, or that the pointer is null
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_IsSyncedFile(const DbChar *imei, const DbChar *path,
                                                         SyncedFileRecord *file);
@@ -632,8 +765,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_IsSyncedFile(const DbChar *imei, con
  *
  * @param folder  the BasePath wanted; null or empty: all
  * @param list    emptied, then filled
- * @return 0, also for an unknown phone (no files); 1 a query failed; an SQLite code when reading the rows ended with it
- *         (100: a row too many had been added meanwhile)
+ * @return 0, also for an unknown phone (no files); 1 a query failed; an SQLite code when reading the rows ended with
+ *         it. Counted silently
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_GetSyncedFiles(const DbChar *imei, const DbChar *folder,
                                                           SyncedFileList *list);
@@ -665,7 +798,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetDeletedFile(const DbChar *imei, c
 KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_SetUpdatedFile(const DbChar *imei, const SyncedFileRecord *file);
 
 /**
- * Removes a music folder and all files recorded under it from a phone's books.
+ * Removes a music folder of a phone and all files recorded under it.
  *
  * @return 0 done, also when the folder was not known; 1 unknown phone, or the files could not be removed. Two
  *         statements: whether the folder's own row went does not show
@@ -767,7 +900,14 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetUpdatedFile(const DbChar *imei
 /** As DB_MUSIC_SetDeletedFolder, for documents. */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetDeletedFolder(const DbChar *imei, const DbChar *path);
 
+/** @} */
+
 /* ---- DB_GALLERY_*: pictures and videos as one ------------------------------------------------------------------- */
+/**
+ * @defgroup gallery Gallery
+ * Pictures and videos as one.
+ * @{
+ */
 
 /**
  * Lists picture and video folders of a phone as one. A folder tracked for both appears once where the walk through the
@@ -777,7 +917,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_DOCUMENT_SetDeletedFolder(const DbChar *im
  * DB_IMAGE_GetFolders and DB_VIDEO_GetFolders.
  *
  * @param list  emptied, then filled
- * @return 0; 1 one of the two could not be read (the picture folders alone are listed when it was the videos)
+ * @return 0; 1 one of the two could not be read (the picture folders alone are listed when it was the videos), or
+ *         unknown phone
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_GALLERY_GetFolders(const DbChar *imei, FolderList *list);
 
@@ -810,7 +951,11 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_GALLERY_IsFolderDeleted(const DbChar *imei
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_GALLERY_SetFolderDeleted(const DbChar *imei, const DbChar *path, int32_t deleted);
 
+/** @} */
+
 /* ---- DB_PLAYERMUSIC_*: playlists -------------------------------------------------------------------------------- */
+/** @addtogroup playlists
+ * @{ */
 
 /**
  * Adds or confirms a playlist. The usual round: DB_PLAYERMUSIC_ClearAll, this for every playlist of the PC, then
@@ -820,7 +965,9 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_GALLERY_SetFolderDeleted(const DbChar *ime
  * database is busy each of the four statements is tried ten times, so that a call may take minutes.
  *
  * @param playlist  Name, Digest, Type, Count, Size, TotalSize and Sized are read; the texts stay the caller's
- * @return 0, whether the statements succeeded or not; 1 unknown phone or closed database
+ * @return 0, whether the statements succeeded or not: who needs to know reads the playlists; 1 unknown phone or closed
+ *         database. After an internal failure (no memory) the SQLite code of the statement before, which may be 0 as
+ *         well
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_AddPlaylist(const DbChar *imei, const PlaylistRecord *playlist);
 
@@ -835,7 +982,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_ClearAll(const DbChar *imei);
  * Lists the playlists of a phone, by name (in the byte order of UTF-8).
  *
  * @param list  emptied, then filled; without playlists it holds an array of no elements
- * @return 0; 1 unknown phone, or a query failed; an SQLite code when reading the rows ended with it
+ * @return 0; 1 unknown phone, or a query failed; an SQLite code when reading the rows ended with it: also when they
+ *         could not be counted, for then the rows are read without room for one
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_GetPlaylists(const DbChar *imei, PlaylistList *list);
 
@@ -881,7 +1029,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetAddedPlaylist(const DbChar 
  * Notes that a playlist has been removed from the phone: an unconfirmed one is forgotten with its files, a current one
  * becomes kPlaylistDeleted.
  *
- * @param playlist  only Name is read
+ * @param playlist  only Name is read. On Windows one outside ASCII is taken for a current one, whatever its state
  * @return 0 done, also when the playlist is unknown; 1 the playlist is in another state, unknown phone, or a statement
  *         failed. Whether an unconfirmed playlist's own row went with its files does not show
  */
@@ -902,7 +1050,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetUpdatedPlaylist(const DbCha
  * not kept.
  *
  * @param names  the caller's array: the names are appended to what it holds, and the caller frees all of it
- * @return 0; 1 the query failed
+ * @return 0, also when reading the names broke off early; 1 the query failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_GetListFilesname(const DbChar *imei, const DbChar *list,
                                                                   FileNameArray *names);
@@ -910,8 +1058,9 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_GetListFilesname(const DbChar 
 /**
  * Replaces the file names of a playlist. A name that occurs twice is stored once. The phone need not be known.
  *
- * @param names  read only; null elements are stored as empty names
- * @return 0, whether the statements succeeded or not; 1 closed database
+ * @param names  read only; null elements are stored as empty names. Null Items with a Count above 0 is a mistake that
+ *               removes the names stored before all the same
+ * @return 0, whether the statements succeeded or not; 1 closed database, or null Items with a Count above 0
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetListFilesname(const DbChar *imei, const DbChar *list,
                                                                   const FileNameArray *names);
@@ -920,16 +1069,17 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_SetListFilesname(const DbChar 
  * Reacts to a playlist deleted on the PC: one that never was on the phone, or is no more, is forgotten with its files;
  * one that is becomes kPlaylistUnconfirmed and waits for its removal.
  *
+ * @param name  on Windows one outside ASCII is taken for a current one, whatever its state
  * @return 0 done, also when the playlist is unknown; 1 unknown phone, unknown state, or a statement failed. Whether the
  *         playlist's own row went with its files does not show
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PLAYERMUSIC_DeleteList(const DbChar *imei, const DbChar *name);
 
-/* ---- DB_BACKUP_*: backups --------------------------------------------------------------------------------------- */
+/** @} */
 
-/* A database made by this library has no table for backups: there every function of this family fails as its comment
- * says for a failed statement. They work where another program has created the table tBackups with the columns bcID
- * (INTEGER PRIMARY KEY), phoneID, Path, PhonePath, Size and ModifiedTime. */
+/* ---- DB_BACKUP_*: backups --------------------------------------------------------------------------------------- */
+/** @addtogroup backups
+ * @{ */
 
 /**
  * Records a backup. A path recorded already, for whichever phone, gets the new PhonePath, Size and ModifiedTime.
@@ -972,17 +1122,18 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_FileExist(const DbChar *path);
  * Lists the backups of all phones.
  *
  * @param list  emptied, then filled
- * @return 0; 1 a query failed; an SQLite code when reading the rows ended with it
+ * @return 0; 1 a query failed; an SQLite code when reading the rows ended with it. Counted silently
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_GetAllBackups(BackupList *list);
 
 /** As DB_BACKUP_GetAllBackups, for one phone; 1 also when it is unknown. */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_BACKUP_GetPhoneBackups(const DbChar *imei, BackupList *list);
 
-/* ---- DB_BOOKMARK_*: web bookmarks ------------------------------------------------------------------------------- */
+/** @} */
 
-/* Every function but DB_BOOKMARK_ClearAll sees and writes only the bookmarks of the phone's present BookMarkType. When
- * that cannot be read, type 0 is taken, and the result does not show it. */
+/* ---- DB_BOOKMARK_*: web bookmarks ------------------------------------------------------------------------------- */
+/** @addtogroup bookmarks
+ * @{ */
 
 /**
  * Forgets all bookmarks of a phone, of every type.
@@ -1003,13 +1154,14 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_IsSyncedMark(const DbChar *imei, 
  *
  * @param list  emptied, then filled
  * @return 0, also for an unknown phone (no bookmarks); 1 a query failed; an SQLite code when reading the rows ended
- *         with it
+ *         with it. Counted silently
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_GetSyncedMarks(const DbChar *imei, BookmarkList *list);
 
 /**
  * Reads one bookmark.
  *
+ * @param url   ASCII on Windows: another one is not found. DB_BOOKMARK_GetSyncedMarks has them all
  * @param mark  its texts are freed first, whatever the result, so it must start zeroed; Id, Flag and Type stay as they
  *              are when nothing is found. To free the texts, pass it again with an unknown URL; none of them may be
  *              passed as imei or url
@@ -1042,7 +1194,11 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetDeletedMark(const DbChar *imei
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetUpdatedMark(const DbChar *imei, const BookmarkRecord *mark);
 
+/** @} */
+
 /* ---- DB_PIMLOG_*: the log of contact and calendar syncs, per phone ---------------------------------------------- */
+/** @addtogroup pim
+ * @{ */
 
 /**
  * Reads the profile that a phone's contacts or calendar were last synced with.
@@ -1072,8 +1228,9 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_ClearAll(const DbChar *imei, int32_
  * Reads the items of a log.
  *
  * @param log  Type chooses. Items that an earlier call put there are freed and replaced when the log has any; otherwise
- *             the record stays as it is. It must start with Count 0 and Items null
- * @return 0; 1 unknown phone, or a query failed; an SQLite code when reading the rows ended with it
+ *             the record stays as it is, and keeps its memory. It must start with Count 0 and Items null; set Count,
+ *             and Count alone, to 0 before each further call to see whether the log has items
+ * @return 0; 1 unknown phone, or a query failed; an SQLite code when reading the rows ended with it. Counted silently
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_ReadLog(const DbChar *imei, PimLog *log);
 
@@ -1087,7 +1244,11 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_ReadLog(const DbChar *imei, PimLog 
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_SaveLog(const DbChar *imei, const PimLog *log);
 
+/** @} */
+
 /* ---- DB_PIM_*: the store of contacts and calendar entries ------------------------------------------------------- */
+/** @addtogroup pim
+ * @{ */
 
 /**
  * Lists the folders of one type below a folder: level by level when recursive, at most 1,023.
@@ -1095,7 +1256,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIMLOG_SaveLog(const DbChar *imei, const P
  * @param list         emptied, then filled
  * @param parentPimID  the folder; null or empty: the root level
  * @param recursive    0: only the next level. A folder of another type hides what is below it
- * @return 0; 1 unknown folder, or its look-up failed
+ * @return 0, also when reading broke off early: what was found by then is listed, and a folder that could not be read
+ *         is an element whose PimID is null; 1 unknown folder, or its look-up failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetFolders(PimFolderList *list, const DbChar *parentPimID, int32_t type,
                                                     int32_t recursive);
@@ -1141,7 +1303,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_DeleteFolder(const DbChar *pimID);
  * @param folderPimID  the folder; null or empty: the root level
  * @param type         the type of the folders below that count when recursive; the items' own types do not matter
  * @param recursive    0: only this folder
- * @return 0; 1 unknown folder, or its look-up failed
+ * @return 0, also when reading broke off early: what was found by then is listed, and an item that could not be read is
+ *         an element whose PimID is null; 1 unknown folder, or its look-up failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetItems(PimItemList *list, const DbChar *folderPimID, int32_t type,
                                                   int32_t recursive);
@@ -1174,7 +1337,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_DeleteItem(const DbChar *pimID);
  * Reads the profile of the store.
  *
  * @param slot  holds null or what an earlier call put there, which is freed; receives a text of the library's, or null
- *              when there is none
+ *              when there is none. Nothing but a further call frees it: keep one slot for the whole program
  * @return 0 read, or none stored; 1 the query failed; else an SQLite code
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_GetProfile(DbChar **slot);
@@ -1195,6 +1358,8 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_SetProfile(DbChar *const *slot);
  * @return 0 removed; 1 a statement failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_PIM_ClearAll(int32_t type, int32_t keepFolders);
+
+/** @} */
 
 #if defined(__cplusplus)
 } /* extern "C" */

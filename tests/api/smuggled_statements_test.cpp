@@ -1,6 +1,6 @@
 // A text that goes into a statement unescaped can end it and begin another. What can be smuggled in that way is
 // bounded: rows can be read and changed, and nothing else.
-#include "api/given.h"
+#include "api/records.h"
 
 namespace kesta::test {
 namespace {
@@ -76,6 +76,100 @@ TEST_F(SmuggledRows, ChangesOfRows_AreNotRefused)
     givenPhone();
     EXPECT_EQ(lib.DB_LIB_SetSDType(W("x'; UPDATE tPhone SET [Name] = 'changed'; --"), 1, 2), 0);
     EXPECT_EQ(sql.text("SELECT [Name] FROM tPhone"), "changed");
+}
+
+/// The seven places where a text can bring a second statement along: one of a list of statements that is run whole.
+class SecondStatement : public FamilyExports {
+protected:
+    /// In the place of the text, which stands between quotes; `rest` makes a whole statement of what follows it.
+    static std::string Smuggled(const std::string& rest = "--")
+    {
+        return "x'; UPDATE tPhone SET [Name] = 'changed'; " + rest;
+    }
+
+    void expectRun() { EXPECT_EQ(sql.text("SELECT DISTINCT [Name] FROM tPhone"), "changed"); }
+    void expectNotRun() { EXPECT_EQ(sql.text("SELECT DISTINCT [Name] FROM tPhone"), kName); }
+};
+
+TEST_F(SecondStatement, ImeiOfLastSyncTime_IsRun)
+{
+    const DateValue time = Date(2024, 2, 29);
+    (void)lib.DB_LIB_SetLastSyncTime(W(Smuggled()), &time, 0, 0);
+    expectRun();
+}
+
+TEST_F(SecondStatement, ImeiOfSdType_IsRun)
+{
+    (void)lib.DB_LIB_SetSDType(W(Smuggled()), 1, 2);
+    expectRun();
+}
+
+TEST_F(SecondStatement, ImeiOfFileNames_IsRun)
+{
+    const FileNameArray none = {0, nullptr};
+    (void)lib.DB_PLAYERMUSIC_SetListFilesname(W(Smuggled()), W("list"), &none);
+    expectRun();
+}
+
+TEST_F(SecondStatement, DigestOfPlaylist_IsRun)
+{
+    const Playlist playlist("list", "x' WHERE 0; UPDATE tPhone SET [Name] = 'changed'; --");
+    (void)lib.DB_PLAYERMUSIC_AddPlaylist(W(kImei), &playlist);
+    expectRun();
+}
+
+TEST_F(SecondStatement, GuidOfLogItem_IsRun)
+{
+    Text guid = W("a', 'b', '', ''); UPDATE tPhone SET [Name] = 'changed'; --");
+    Text luid = W("l");
+    PimLogItem item = {guid.get(), luid.get(), NullDate(), NullDate()};
+    const PimLog log = {1, 1, &item};
+    (void)lib.DB_PIMLOG_SaveLog(W(kImei), &log);
+    expectRun();
+}
+
+TEST_F(SecondStatement, LuidOfLogItem_IsRun)
+{
+    Text guid = W("g");
+    Text luid = W("b', '', ''); UPDATE tPhone SET [Name] = 'changed'; --");
+    PimLogItem item = {guid.get(), luid.get(), NullDate(), NullDate()};
+    const PimLog log = {1, 1, &item};
+    (void)lib.DB_PIMLOG_SaveLog(W(kImei), &log);
+    expectRun();
+}
+
+TEST_F(SecondStatement, PimIdOfFolder_IsRun)
+{
+    const PimFolder folder("f', 'p', 1); UPDATE tPhone SET [Name] = 'changed'; --");
+    (void)lib.DB_PIM_AddFolder(&folder, nullptr);
+    expectRun();
+}
+
+/// Elsewhere the first statement is the only one, whatever stands behind it.
+TEST_F(SecondStatement, TextsOfOtherCalls_AreNotRun)
+{
+    const Text smuggled = W(Smuggled());
+    int32_t type = 0;
+    int32_t oldType = 0;
+    DateValue time = {};
+    PhoneSettingRecord phone = {};
+    FolderList folders = {};
+    SyncedFileList files = {};
+    SyncedFileRecord file = {};
+    const Folder folder("C:\\Music");
+    const PimItem item("i', ?, 1); UPDATE tPhone SET [Name] = 'changed'; --");
+    (void)lib.DB_LIB_GetSDType(smuggled, &type, &oldType);
+    (void)lib.DB_LIB_GetLastSyncTime(smuggled, &time);
+    (void)lib.DB_LIB_GetPhoneSetting(smuggled, &phone);
+    (void)lib.DB_LIB_SetFolderSelected(smuggled, kMainFolderMusic, 1);
+    (void)lib.DB_MUSIC_AddFolder(smuggled, &folder);
+    (void)lib.DB_MUSIC_GetFolders(smuggled, &folders);
+    (void)lib.DB_MUSIC_GetSyncedFiles(smuggled, nullptr, &files);
+    (void)lib.DB_MUSIC_IsSyncedFile(smuggled, W("p"), &file);
+    (void)lib.DB_BOOKMARK_IsSyncedMark(smuggled, W("u"));
+    (void)lib.DB_PIM_AddItem(&item, nullptr);
+    (void)lib.DB_PIM_DeleteFolder(smuggled);
+    expectNotRun();
 }
 
 TEST_F(SmuggledRows, TriggersAndViewsOfTheFile_Work)

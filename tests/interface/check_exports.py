@@ -52,7 +52,9 @@ def read_definition(path):
     return exports
 
 
-def check_header(path, names):
+def check_header(path, names, version):
+    whole = re.search(r'^#define KESTA_DB_VERSION "(.*)"', path.read_text(encoding="utf-8"), flags=re.M)
+    check(whole and whole[1] == version, f"{path.name}: the version as a text is {whole and whole[1]}, not {version}")
     text = re.sub(r"/\*.*?\*/", "", path.read_text(encoding="utf-8"), flags=re.S)
     declared = re.findall(r"^KESTA_DB_API int32_t KESTA_DB_CALL (DB_\w+)\(", text, flags=re.M)
     compare(path.name, declared, names)
@@ -121,7 +123,7 @@ def main():
     exports = read_definition(options.definition)
     names = [name for name, _ in exports]
     compare(options.definition.name, names, names)
-    check_header(options.header, names)
+    check_header(options.header, names, options.version)
     if options.objdump:
         check_windows(options.library, exports, options.objdump, options.version)
     else:

@@ -1,5 +1,7 @@
 // kesta: brings a phone up to date with the PC and shows what is recorded about it.
 
+#include <kesta_db/kesta_db.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
@@ -36,6 +38,7 @@ std::function<kesta::ExitCode()> Parse(std::vector<std::string> arguments, kesta
 {
     CLI::App app("Brings a phone up to date with the PC and records what is on it.", "kesta");
     app.require_subcommand(1);
+    app.set_version_flag("--version", "kesta " KESTA_DB_VERSION ", SQLite " KESTA_SQLITE_VERSION);
     app.footer(std::string("kesta COMMAND --help shows a command's options and examples.\n\n") + kesta::kExitCodeHelp);
     std::vector<std::pair<const CLI::App*, std::function<kesta::ExitCode()>>> commands;
     const auto add = [&](const kesta::Command& command) {
