@@ -3,7 +3,8 @@ include(CMakePackageConfigHelpers)
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/KESTA_DB)
 
 install(TARGETS KESTA_DB EXPORT KESTA_DB)
-install(FILES ${PROJECT_SOURCE_DIR}/include/kesta_db/kesta_db.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesta_db)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kesta_db DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 if(WIN32)
     install(FILES ${PROJECT_SOURCE_DIR}/exports/kesta_db.def DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()

@@ -1,0 +1,2 @@
+// The C++ interface alone, twice.
+#include "kesta_db/kesta_db.hpp"
