@@ -3,10 +3,13 @@
 # kesta_fetch_from_npm(RESULT PACKAGE name VERSION version SHA256 hash FOLDER folder-in-the-archive FILES pattern)
 #
 # RESULT receives the folder with the files of FOLDER that match. The archive is checked against its hash before anything
-# in it is used; one copy serves all presets.
+# in it is used. It lies in KESTA_DEPS_DIR, where one copy serves several builds; with all archives there nothing is
+# fetched, and no network is needed.
+set(KESTA_DEPS_DIR ${PROJECT_BINARY_DIR}/_deps CACHE PATH "Where fetched sources lie")
+
 function(kesta_fetch_from_npm result)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "PACKAGE;VERSION;SHA256;FOLDER;FILES" "")
-    set(deps ${PROJECT_SOURCE_DIR}/build/_deps)
+    set(deps ${KESTA_DEPS_DIR})
     set(name ${arg_PACKAGE}-${arg_VERSION})
     set(archive ${deps}/${name}.tgz)
     set(sources ${deps}/${name})

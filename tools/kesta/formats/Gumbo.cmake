@@ -1,6 +1,15 @@
 # Target kesta_gumbo: the HTML parser Gumbo 0.10.1, the same sources on both platforms.
 #
 # Debian has no Gumbo for mingw-w64. The npm package gumbo-parser carries Gumbo's own C sources unchanged.
+option(KESTA_SYSTEM_GUMBO "Link the system's Gumbo instead of the pinned one" OFF)
+if(KESTA_SYSTEM_GUMBO)
+    find_package(PkgConfig REQUIRED)
+    pkg_check_modules(KESTA_GUMBO REQUIRED IMPORTED_TARGET gumbo)
+    add_library(kesta_gumbo INTERFACE)
+    target_link_libraries(kesta_gumbo INTERFACE PkgConfig::KESTA_GUMBO)
+    return()
+endif()
+
 include(FetchFromNpm)
 kesta_fetch_from_npm(gumbo  # Gumbo 0.10.1
     PACKAGE gumbo-parser VERSION 0.3.0

@@ -2,6 +2,16 @@
 #
 # Debian has no minizip for mingw-w64. The npm package react-native-zip-archive carries minizip's own C sources.
 # zlib comes from Debian (zlib1g-dev, libz-mingw-w64-dev) and is linked statically.
+option(KESTA_SYSTEM_MINIZIP "Link the system's minizip 2 instead of the pinned one" OFF)
+if(KESTA_SYSTEM_MINIZIP)
+    find_package(PkgConfig REQUIRED)
+    # Debian 12 has minizip 1 alone, whose functions are others; so are those of minizip 3.
+    pkg_check_modules(KESTA_MINIZIP REQUIRED IMPORTED_TARGET minizip>=2.8 minizip<3)
+    add_library(kesta_minizip INTERFACE)
+    target_link_libraries(kesta_minizip INTERFACE PkgConfig::KESTA_MINIZIP)
+    return()
+endif()
+
 include(FetchFromNpm)
 kesta_fetch_from_npm(minizip  # minizip 2.8.7
     PACKAGE react-native-zip-archive VERSION 4.1.5
