@@ -167,6 +167,7 @@ TEST_F(SettingsTest, ChoiceOfAnotherProgram_IsHonouredByTheFirstSync)
     database().exec("UPDATE tPhone SET [LastTime] = NULL; UPDATE tSyncContents SET [Selected] = [lfID] = 1100");
     fs::remove_all(Path(phone()));
     fs::create_directories(Path(phone()));
+    fs::remove(note("seen of 351111.json"));
     const Ended run = sync({"--music", pc("Rock")});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_THAT(run.out, HasSubstr("Music skipped: the main folder music is not selected"));

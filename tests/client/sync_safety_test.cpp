@@ -7,7 +7,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 
 class SyncSafetyTest : public ClientTest {
 protected:
@@ -206,15 +205,6 @@ TEST_F(SyncSafetyTest, NameThatIsTooLong_IsRefusedBeforeThePhoneIsMarked)
 {
     EXPECT_EQ(sync({"--name", std::string(5000, 'n')}).exitCode, 2);
     EXPECT_FALSE(fs::exists(Path(phone(".kesta-phone"))));
-}
-
-TEST_F(SyncSafetyTest, KnownPhoneWithoutItsMarker_IsSaid)
-{
-    givenFile("Rock/a", "a");
-    EXPECT_THAT(sync({"--music", pc("Rock")}).out, Not(HasSubstr("the database knows this phone")));
-    fs::remove(Path(phone(".kesta-phone")));
-    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("the database knows this phone"));
-    EXPECT_THAT(sync({"--music", pc("Rock")}).out, Not(HasSubstr("the database knows this phone")));
 }
 
 TEST_F(SyncSafetyTest, Bookmarks_FolderInTheirPlace_IsSaid)

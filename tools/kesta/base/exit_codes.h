@@ -14,6 +14,7 @@ enum class ExitCode {
     kAnotherSync = 7,    // another run holds this phone
     kDatabase = 8,       // the database cannot be read or written
     kPhoneGone = 9,      // the phone went away
+    kNotThePhone = 10,   // the folder is not the phone that it should be
     kInterrupted = 130   // Ctrl-C or a request to end
 };
 

@@ -34,6 +34,7 @@ inline constexpr const char* kExitCodeHelp =
     "  7    another sync of this phone is running\n"
     "  8    the database cannot be read or written\n"
     "  9    stopped: the phone went away\n"
+    "  10   the folder is not the phone that it should be: not mounted, as a rule\n"
     "  130  interrupted\n";
 
 /// For paths. An empty one would stand for the current folder, which nobody means who writes "$UNSET".

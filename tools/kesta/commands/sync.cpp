@@ -249,6 +249,8 @@ std::function<ExitCode()> Prepare(CLI::App& app)
     for (CLI::Option* path : paths) {
         path->check([](const std::string& text) { return EmptyPathProblem(text); });
     }
+    app.add_flag("--accept-folder", options->acceptFolder,
+                 "sync to a folder that is not marked as a phone though one is expected there");
     app.add_flag("--dry-run", options->dryRun, "only say what would be done; change nothing");
     app.add_flag("--force", options->force,
                  "remove even if it is more than half of a category, or of the lists, bookmarks or entries");

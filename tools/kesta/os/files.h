@@ -58,6 +58,8 @@ Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entri
 Status CanonicalPath(const std::string& path, std::string& canonical);
 /// Absolute, whether or not there is anything at the path.
 std::string AbsolutePath(const std::string& path);
+/// Sets id to what tells the file system of the folder from another one in its place.
+Status ReadFileSystemId(const std::string& path, std::string& id);
 /// Whether something can be created in the folder, as far as permissions and the file system tell.
 Status CheckWritable(const std::string& directory);
 

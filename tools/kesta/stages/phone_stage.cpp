@@ -2,10 +2,24 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "os/system.h"
+#include "state/seen_phone.h"
 
 namespace kesta {
+namespace {
+
+// Empty when the system does not tell it.
+std::string FileSystemOf(const PhoneFolder& phone)
+{
+    std::string id;
+    (void)os::ReadFileSystemId(phone.root(), id);
+    return id;
+}
+
+}  // namespace
 
 PhoneStage::PhoneStage(const PhoneFolder& phone, const SyncOptions& options) : phone_(phone), options_(options)
 {
@@ -32,10 +46,8 @@ Plan PhoneStage::plan(Session& session)
 {
     Plan plan(session.report.summary.files);
     const auto known = marker_.imei.empty() ? std::nullopt : session.database.phone(marker_.imei);
-    if (known && !isMarked_) {
-        session.report.note(
-            "the database knows this phone, but the folder was not marked as it: if the phone was not mounted there, "
-            "remove the folder's contents and sync again.");
+    if (!isMarked_ && !options_.acceptFolder) {
+        refuseStrangeFolder(known, session.database);
     }
     // The user may have changed it in the database since the phone was marked.
     if (known && !options_.name && !known->name.empty()) {
@@ -48,6 +60,33 @@ Plan PhoneStage::plan(Session& session)
     };
     plan.add(std::move(change));
     return plan;
+}
+
+// An empty mount point would become a second phone, and take all files to the PC's own disk.
+void PhoneStage::refuseStrangeFolder(const std::optional<PhoneSettings>& known, Database& database) const
+{
+    const std::string path = Printable(phone_.root());
+    const std::vector<SeenPhone> seen = ReadSeenPhones();
+    const auto named =
+        std::find_if(seen.begin(), seen.end(), [&](const SeenPhone& phone) { return phone.imei == marker_.imei; });
+    const auto here =
+        std::find_if(seen.begin(), seen.end(), [&](const SeenPhone& phone) { return phone.path == path; });
+    // One that another program has announced, but nobody has synced yet, cannot be marked.
+    const bool isKnown = named != seen.end() || (known && database.lastSync(marker_.imei));
+    if (!isKnown && here == seen.end()) {
+        return;
+    }
+    const SeenPhone phone = named != seen.end() ? *named : known ? SeenPhone{known->imei, known->name, {}, {}} : *here;
+    const bool isFileSystemThere = phone.path == path && phone.fileSystem == FileSystemOf(phone_);
+    throw StopRun(
+        ExitCode::kNotThePhone,
+        fmt::format("the phone {} ({}) {}, but {}\nIf this folder is meant all the same, add --accept-folder: {}.",
+                    phone.name, phone.imei,
+                    phone.path.empty() ? "is known" : fmt::format("was last seen in {}", phone.path),
+                    isFileSystemThere ? fmt::format("its file {} is gone from there.", kMarkerName)
+                                      : fmt::format("{} is not marked as it. Is the phone mounted there?", path),
+                    isKnown ? "it is taken for that phone then"
+                            : fmt::format("it becomes a new phone then, or that one with --imei {}", phone.imei)));
 }
 
 void PhoneStage::announce(Session& session, bool isKnown)
@@ -65,8 +104,18 @@ void PhoneStage::announce(Session& session, bool isKnown)
         }
     }
     session.database.announce(marker_.imei, marker_.name);
+    rememberFolder(session.report);
     if (isKnown && options_.name) {
         session.database.rename(marker_.imei, *options_.name);
+    }
+}
+
+void PhoneStage::rememberFolder(Report& report) const
+{
+    const os::Status saved =
+        SaveSeenPhone({marker_.imei, marker_.name, Printable(phone_.root()), FileSystemOf(phone_)});
+    if (!saved.ok()) {
+        report.note("where the phone was seen cannot be noted for the next run: " + saved.text());
     }
 }
 

@@ -8,7 +8,8 @@ namespace kesta {
 
 class PhoneStage : public Stage {
 public:
-    /// Throws when that cannot be told.
+    /// Throws when that cannot be told. So does plan() for a folder where another phone is expected than it seems to
+    /// be.
     PhoneStage(const PhoneFolder& phone, const SyncOptions& options);
     [[nodiscard]] Plan plan(Session& session) override;
 
@@ -17,7 +18,9 @@ public:
     [[nodiscard]] bool isMarked() const { return isMarked_; }
 
 private:
+    void refuseStrangeFolder(const std::optional<PhoneSettings>& known, Database& database) const;
     void announce(Session& session, bool isKnown);
+    void rememberFolder(Report& report) const;
 
     const PhoneFolder& phone_;
     const SyncOptions& options_;

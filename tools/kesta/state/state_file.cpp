@@ -22,23 +22,48 @@ std::string PathOf(const std::string& name)
     return os::Join(StateFolder(), SafeName(name));
 }
 
-}  // namespace
-
-os::Status ReadStateFile(const std::string& name, const std::string& imei, nlohmann::json& state)
+// Null when there is no such file.
+os::Status ReadState(const std::string& path, nlohmann::json& state)
 {
     state = nullptr;
     std::string text;
-    if (os::Status status = os::ReadText(PathOf(name), text); !status.ok()) {
+    if (os::Status status = os::ReadText(path, text); !status.ok()) {
         return status.failure() == os::Failure::kMissing ? os::Status() : status;
     }
     nlohmann::json read = nlohmann::json::parse(text, nullptr, false);
     if (!read.is_object() || !read.contains("imei") || !read["imei"].is_string()) {
         return {os::Failure::kOther, "it is damaged"};
     }
-    if (read["imei"] == imei) {
-        state = std::move(read);
-    }
+    state = std::move(read);
     return {};
+}
+
+}  // namespace
+
+os::Status ReadStateFile(const std::string& name, const std::string& imei, nlohmann::json& state)
+{
+    os::Status status = ReadState(PathOf(name), state);
+    if (!state.is_null() && state["imei"] != imei) {
+        state = nullptr;
+    }
+    return status;
+}
+
+std::vector<nlohmann::json> ReadStateFiles(std::string_view prefix)
+{
+    std::vector<nlohmann::json> states;
+    std::vector<os::DirectoryEntry> entries;
+    (void)os::ListDirectory(StateFolder(), entries);  // There is none before the first sync.
+    for (const os::DirectoryEntry& entry : entries) {
+        nlohmann::json state;
+        if (!entry.name.starts_with(prefix) || !entry.name.ends_with(".json")) {
+            continue;
+        }
+        if (ReadState(PathOf(entry.name), state).ok() && !state.is_null()) {
+            states.push_back(std::move(state));
+        }
+    }
+    return states;
 }
 
 os::Status WriteStateFile(const std::string& name, const std::string& imei, nlohmann::ordered_json state)

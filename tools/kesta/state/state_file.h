@@ -6,6 +6,8 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "os/status.h"
 
@@ -16,6 +18,9 @@ namespace kesta {
 os::Status ReadStateFile(const std::string& name, const std::string& imei, nlohmann::json& state);
 /// Replaces the file. The phone is added to what it says.
 os::Status WriteStateFile(const std::string& name, const std::string& imei, nlohmann::ordered_json state);
+/// What all files hold whose names begin so, without those that cannot be read or are damaged. Each says by "imei"
+/// which phone it is about.
+[[nodiscard]] std::vector<nlohmann::json> ReadStateFiles(std::string_view prefix);
 /// It is no failure when there is none.
 os::Status RemoveStateFile(const std::string& name);
 

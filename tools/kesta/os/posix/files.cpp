@@ -3,8 +3,10 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -95,6 +97,18 @@ std::string AbsolutePath(const std::string& path)
     }
     const std::unique_ptr<char, void (*)(void*)> here(getcwd(nullptr, 0), std::free);
     return here ? Join(here.get(), path) : path;
+}
+
+Status ReadFileSystemId(const std::string& path, std::string& id)
+{
+    struct statvfs raw {};
+    if (statvfs(path.c_str(), &raw) != 0) {
+        return LastError();
+    }
+    std::array<char, 2 * sizeof raw.f_fsid + 1> digits{};
+    (void)std::snprintf(digits.data(), digits.size(), "%lx", raw.f_fsid);
+    id = digits.data();
+    return {};
 }
 
 Status CheckWritable(const std::string& directory)

@@ -108,6 +108,16 @@ std::string AbsolutePath(const std::string& path)
     return FromNative(ToNative(path));
 }
 
+Status ReadFileSystemId(const std::string& path, std::string& id)
+{
+    FileInfo info;
+    if (Status status = ReadInfo(path, info); !status.ok()) {
+        return status;
+    }
+    id = std::to_string(info.id.volume);
+    return {};
+}
+
 Status CheckWritable(const std::string& directory)
 {
     // Only an attempt tells: permissions, the drive's write protection and its owner all have a say.
