@@ -50,6 +50,60 @@ TEST_F(SyncSafetyTest, Files_StayHeldBackWhenNewOnesCome)
     expectInOrder();
 }
 
+// A disk that is not mounted leaves an empty folder behind.
+TEST_F(SyncSafetyTest, EmptiedFolder_BesideALargerOne_IsDeferredUntilForced)
+{
+    for (const char* name : {"a", "b", "c", "d"}) {
+        givenFile(std::string("Rock/") + name, name);
+    }
+    givenFile("Disk/e", "e");
+    const std::vector<std::string> both{"--music", pc("Rock"), "--music", pc("Disk")};
+    ASSERT_EQ(sync(both).exitCode, 0);
+    removeFile("Disk/e");
+    removeFile("Rock/a");
+    for (int run = 0; run < 2; ++run) {
+        const Ended deferred = sync(both);
+        EXPECT_EQ(deferred.exitCode, 4) << deferred.out;
+        EXPECT_THAT(deferred.out, HasSubstr("Deferred: 1 file"));
+        EXPECT_THAT(deferred.out, HasSubstr(pc("Disk") + ": 1 of 1 recorded files are gone from it"));
+        EXPECT_THAT(phonePaths(), ElementsAre("Music/Disk/e", "Music/Rock/b", "Music/Rock/c", "Music/Rock/d"));
+    }
+    std::vector<std::string> forced = both;
+    forced.emplace_back("--force");
+    EXPECT_EQ(sync(forced).exitCode, 0);
+    EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/b", "Music/Rock/c", "Music/Rock/d"));
+}
+
+TEST_F(SyncSafetyTest, FolderOfWhichMostIsGone_StaysDeferredWhenNewFilesCome)
+{
+    for (const char* name : {"Rock/a", "Rock/b", "Rock/c", "Jazz/d", "Jazz/e"}) {
+        givenFile(name, name);
+    }
+    const std::vector<std::string> both{"--music", pc("Rock"), "--music", pc("Jazz")};
+    ASSERT_EQ(sync(both).exitCode, 0);
+    removeFile("Jazz/d");
+    removeFile("Jazz/e");
+    for (const char* name : {"Jazz/f", "Jazz/g", "Jazz/h"}) {
+        givenFile(name, name);
+    }
+    EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0) << "a folder that is not given is not judged";
+    expectHeldBackUntilForced(both, "2 files");
+    expectInOrder();
+}
+
+// The files were recorded under the folder around the one that is empty now.
+TEST_F(SyncSafetyTest, EmptiedFolder_ChosenAroundItBefore_IsDeferred)
+{
+    for (const char* name : {"Music/a", "Music/b", "Music/c", "Music/Disk/d"}) {
+        givenFile(name, name);
+    }
+    ASSERT_EQ(sync({"--music", pc("Music")}).exitCode, 0);
+    removeFile("Music/Disk/d");
+    const Ended run = sync({"--music", pc("Music/Disk")});
+    EXPECT_EQ(run.exitCode, 4) << run.out;
+    EXPECT_THAT(phonePaths(), testing::Contains("Music/Music/Disk/d"));
+}
+
 TEST_F(SyncSafetyTest, Files_ThatComeBack_EndTheHoldingBack)
 {
     for (const char* name : {"a", "b", "c"}) {

@@ -253,7 +253,7 @@ std::function<ExitCode()> Prepare(CLI::App& app)
                  "sync to a folder that is not marked as a phone though one is expected there");
     app.add_flag("--dry-run", options->dryRun, "only say what would be done; change nothing");
     app.add_flag("--force", options->force,
-                 "remove even if it is more than half of a category, or of the lists, bookmarks or entries");
+                 "remove even if it is more than half of a category or folder, or of the lists, bookmarks or entries");
     app.add_flag("--quiet,-q", options->quiet, "no line for each file");
     app.footer(std::string(kSyncExamples) + kExitCodeHelp);
     return [options] { return Run(*options); };

@@ -99,7 +99,7 @@ std::string Describe(const Summary& summary, bool isPreview, double seconds)
     }
     if (summary.files.deferred > 0) {
         fmt::format_to(out,
-                       "Deferred: {} to be removed from the phone, more than half of a category. "
+                       "Deferred: {} to be removed from the phone, more than half of a category or folder. "
                        "Add --force if that is what you want.\n",
                        Counted(summary.files.deferred, "file"));
     }

@@ -155,6 +155,10 @@ Plan MediaStage::plan(Session& session)
     for (const FilePlan& files : ofCategories) {
         plan.found.unchanged += files.unchanged;
         plan.found.deferred += files.deferred;
+        for (const DeferredFolder& folder : files.deferredFolders) {
+            session.report.note(fmt::format("{}: {} of {} recorded files are gone from it; they stay on the phone.",
+                                            Printable(folder.path), folder.gone, folder.recorded));
+        }
         for (const FileChange& removal : files.removals) {
             state_.phonePaths.erase(removal.file.path);
             plan.add(ToChange(removal, records_));

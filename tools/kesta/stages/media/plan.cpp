@@ -59,6 +59,66 @@ private:
     std::vector<const FolderScan*> completeFolders_;
 };
 
+// Sorts out the removals that wait: all of them where they are most of the category's files, else those of a chosen
+// folder that would lose most of its own. One that is there but empty may be a disk that is not mounted.
+class Deferral {
+public:
+    explicit Deferral(const PlanInput& input) : input_(input)
+    {
+        for (const FolderScan* folder : input.folders) {
+            if (folder->complete && folder->files.empty()) {
+                emptyFolders_.push_back(folder->path);
+            }
+        }
+    }
+
+    void countStaying(const RecordedFile& file) { ++folders_[folderOf(file)].recorded; }
+    void countLeaving(const RecordedFile& file)
+    {
+        Folder& folder = folders_[folderOf(file)];
+        ++folder.recorded;
+        ++folder.leaving;
+        ++leaving_;
+    }
+
+    // Once all are counted.
+    void decide(FilePlan& plan)
+    {
+        const std::string category(KeyOf(input_.category));
+        areAllDeferred_ = input_.guard.defers(category, leaving_, plan.recorded);
+        for (auto& [path, folder] : folders_) {
+            folder.isDeferred = input_.guard.defers(category + ' ' + path, folder.leaving, folder.recorded);
+            if (folder.isDeferred) {
+                plan.deferredFolders.push_back({path, folder.leaving, folder.recorded});
+            }
+        }
+    }
+
+    [[nodiscard]] bool isDeferred(const RecordedFile& file) const
+    {
+        return areAllDeferred_ || folders_.at(folderOf(file)).isDeferred;
+    }
+
+private:
+    struct Folder {
+        size_t leaving = 0, recorded = 0;
+        bool isDeferred = false;
+    };
+
+    [[nodiscard]] const std::string& folderOf(const RecordedFile& file) const
+    {
+        const auto empty = std::find_if(emptyFolders_.begin(), emptyFolders_.end(),
+                                        [&](const std::string& folder) { return os::LiesIn(file.path, folder); });
+        return empty == emptyFolders_.end() ? file.basePath : *empty;
+    }
+
+    const PlanInput& input_;
+    std::vector<std::string> emptyFolders_;
+    std::map<std::string, Folder> folders_;  // of which this run can tell what is gone
+    size_t leaving_ = 0;
+    bool areAllDeferred_ = false;
+};
+
 }  // namespace
 
 std::optional<FileChange> CompareFile(const ComparedFile& file, Category category, const std::string& basePath,
@@ -94,14 +154,27 @@ FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
 
     const GoneFiles gone(input);
     std::vector<const RecordedFile*> staying, leaving;
+    Deferral deferral(input);
     for (const RecordedFile& file : input.recorded) {
-        (!wanted.contains(file.path) && gone.isGone(file) ? leaving : staying).push_back(&file);
+        if (wanted.contains(file.path)) {
+            deferral.countStaying(file);
+            staying.push_back(&file);
+        } else if (gone.isGone(file)) {
+            deferral.countLeaving(file);
+            leaving.push_back(&file);
+        } else {
+            staying.push_back(&file);
+        }
     }
-    if (input.guard.defers(std::string(KeyOf(input.category)), leaving.size(), plan.recorded)) {
-        plan.deferred = leaving.size();
-        staying.insert(staying.end(), leaving.begin(), leaving.end());
-        leaving.clear();
-    }
+    deferral.decide(plan);
+    std::erase_if(leaving, [&](const RecordedFile* file) {
+        const bool waits = deferral.isDeferred(*file);
+        if (waits) {
+            ++plan.deferred;
+            staying.push_back(file);
+        }
+        return waits;
+    });
 
     PhoneNames names(input.category, phone);
     std::unordered_map<std::string, const RecordedFile*> recorded;

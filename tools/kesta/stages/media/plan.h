@@ -32,12 +32,19 @@ struct PlanInput {
     DeletionGuard& guard;
 };
 
+/// A chosen folder of which too much is gone at once.
+struct DeferredFolder {
+    std::string path;
+    size_t gone = 0, recorded = 0;
+};
+
 struct FilePlan {
     std::vector<FileChange> removals;
     std::vector<FileChange> copies;
     size_t unchanged = 0;
     size_t recorded = 0;
     size_t deferred = 0;  // removals left out, since they are more than half of what is recorded
+    std::vector<DeferredFolder> deferredFolders;
 };
 
 /// A file of the PC, where its record says that it lies on the phone, and how it is there.
