@@ -145,6 +145,19 @@ ssize_t read(int descriptor, void* data, size_t size)
     return isAskedFor && Fails("read", PathOf(descriptor).c_str()) ? -1 : next(descriptor, data, size);
 }
 
+ssize_t pread64(int descriptor, void* data, size_t size, off64_t offset)
+{
+    static const auto next = Next<ssize_t (*)(int, void*, size_t, off64_t)>("pread64");
+    static const char* only = std::getenv("KESTA_FAULT_CALL");
+    const bool isAskedFor = only != nullptr && std::strcmp(only, "pread") == 0;
+    return isAskedFor && Fails("pread", PathOf(descriptor).c_str()) ? -1 : next(descriptor, data, size, offset);
+}
+
+ssize_t pread(int descriptor, void* data, size_t size, off_t offset)
+{
+    return pread64(descriptor, data, size, offset);
+}
+
 ssize_t write(int descriptor, const void* data, size_t size)
 {
     static const auto next = Next<ssize_t (*)(int, const void*, size_t)>("write");

@@ -182,6 +182,36 @@ TEST_F(FaultsTest, PhoneWithoutTimes_IsSyncedAllTheSame)
     EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("1 unchanged"));
 }
 
+// The library answers with empty lists then.
+TEST_F(FaultsTest, DatabaseThatCannotBeRead_IsNotTakenForAnEmptyOne)
+{
+    givenFile("Rock/a", "a");
+    givenFile("Rock/b", "b");
+    ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    const auto onPhone = phoneFiles();
+    int refused = 0;
+    for (int skip = 0; skip < 120; ++skip) {
+        SCOPED_TRACE("all reads but the first " + std::to_string(skip) + " fail");
+        Environment unreadable = failing(EIO, "KESTA_DB.s3db", skip);
+        unreadable["KESTA_FAULT_CALL"] = "pread";
+        std::vector<std::string> arguments{"--music", pc("Rock")};
+        if (skip % 3 > 0) {
+            arguments.emplace_back("--dry-run");
+        }
+        const Ended run = sync(arguments, unreadable);
+        if (run.exitCode == 8) {
+            ++refused;
+        } else {
+            ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
+            ASSERT_THAT(run.out, HasSubstr("0 copied, 0 updated, 0 removed, 2 unchanged"));
+        }
+        ASSERT_EQ(phoneFiles(), onPhone);
+    }
+    EXPECT_GT(refused, 5);
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("2 unchanged"));
+    expectInOrder();
+}
+
 TEST_F(FaultsTest, DatabaseThatCannotBeWritten_StopsTheRun)
 {
     givenFile("Rock/a", "a");

@@ -14,10 +14,14 @@ std::optional<std::vector<RecordedBackup>> Read(const std::function<int32_t(Back
 {
     calls::OwnedList<BackupList> list(
         [](BackupList* record) { (void)DB_BACKUP_GetPhoneBackups(calls::kNoPhone, record); });
-    Result result = read(list.get());
-    for (int again = 0; result.isOneRowTooMany() && again < 10; ++again) {
+    Result result;
+    calls::AskUntilBelieved("DB_BACKUP_GetPhoneBackups", [&] {
         result = read(list.get());
-    }
+        for (int again = 0; result.isOneRowTooMany() && again < 10; ++again) {
+            result = read(list.get());
+        }
+        return !result.ok() || list.size() > 0;
+    });
     if (!result.ok()) {
         return std::nullopt;
     }

@@ -31,8 +31,9 @@ std::vector<RecordedBookmark> BookmarkRecords::bookmarks()
     calls::OwnedList<BookmarkList> list(
         [](BookmarkList* record) { (void)DB_BOOKMARK_GetSyncedMarks(calls::kNoPhone, record); });
     const DbText phone = Text(imei_);
-    calls::ReadList("DB_BOOKMARK_GetSyncedMarks",
-                    [&] { return DB_BOOKMARK_GetSyncedMarks(phone.c_str(), list.get()); });
+    calls::ReadList(
+        "DB_BOOKMARK_GetSyncedMarks", [&] { return DB_BOOKMARK_GetSyncedMarks(phone.c_str(), list.get()); },
+        list.get()->Count);
     std::vector<RecordedBookmark> bookmarks;
     bookmarks.reserve(list.size());
     for (const BookmarkRecord& record : list) {

@@ -16,6 +16,7 @@
 
 #include "base/text.h"
 #include "database/database.h"
+#include "database/empty_answer.h"
 
 namespace kesta::calls {
 
@@ -81,16 +82,20 @@ private:
     std::function<void(List*)> release_;
 };
 
-/// Reads a list by a call that answers with a result code. Another process may add a row between the library's count
-/// and its query; the list is then asked for again.
+/// Reads a list by a call that answers with a result code; count is the list's own. Another process may add a row
+/// between the library's count and its query; the list is then asked for again. Throws when the list stays empty, but
+/// not for want of rows.
 template <class Call>
-void ReadList(std::string_view call, const Call& read)
+void ReadList(std::string_view call, const Call& read, const int32_t& count)
 {
-    Result result = read();
-    for (int again = 0; result.isOneRowTooMany() && again < 10; ++again) {
-        result = read();
-    }
-    Require(call, result);
+    AskUntilBelieved(call, [&] {
+        Result result = read();
+        for (int again = 0; result.isOneRowTooMany() && again < 10; ++again) {
+            result = read();
+        }
+        Require(call, result);
+        return count > 0;
+    });
 }
 
 [[nodiscard]] inline std::vector<RecordedFolder> ToFolders(const OwnedList<FolderList>& list)

@@ -104,7 +104,8 @@ std::vector<PhoneSettings> Database::phones()
 {
     // No argument makes the library empty this list without filling it again, so one record serves all calls.
     static PhoneList list{0, nullptr};
-    ReadList("DB_LIB_GetAllPhones", [&] { return DB_LIB_GetAllPhones(&list); });
+    ReadList(
+        "DB_LIB_GetAllPhones", [&] { return DB_LIB_GetAllPhones(&list); }, list.Count);
     std::vector<PhoneSettings> phones;
     for (int32_t i = 0; i < list.Count; ++i) {
         auto phone = this->phone(FromDbText(list.Items[i].IMEI));  // The list leaves NeedMount out.
@@ -115,11 +116,15 @@ std::vector<PhoneSettings> Database::phones()
 
 std::optional<PhoneSettings> Database::phone(const std::string& imei)
 {
-    OwnedSettings settings;
-    if (!settings.read(imei)) {
-        return std::nullopt;
-    }
-    return ToSettings(settings.record());
+    std::optional<PhoneSettings> phone;
+    calls::AskUntilBelieved("DB_LIB_GetPhoneSetting", [&] {
+        OwnedSettings settings;
+        if (settings.read(imei)) {
+            phone = ToSettings(settings.record());
+        }
+        return phone.has_value();
+    });
+    return phone;
 }
 
 void Database::announce(const std::string& imei, const std::string& name)
@@ -160,7 +165,9 @@ std::vector<RecordedFolder> Database::folders(const std::string& imei, Category 
     const Family& family = FamilyOf(category);
     OwnedList<FolderList> list([&](FolderList* record) { (void)family.getFolders(kNoPhone, record); });
     const DbText phone = Text(imei);
-    ReadList(fmt::format("{}_GetFolders", family.name), [&] { return family.getFolders(phone.c_str(), list.get()); });
+    ReadList(
+        fmt::format("{}_GetFolders", family.name), [&] { return family.getFolders(phone.c_str(), list.get()); },
+        list.get()->Count);
     return calls::ToFolders(list);
 }
 
@@ -170,8 +177,9 @@ std::vector<RecordedFile> Database::files(const std::string& imei, Category cate
     OwnedList<SyncedFileList> list(
         [&](SyncedFileList* record) { (void)family.getSyncedFiles(kNoPhone, nullptr, record); });
     const DbText phone = Text(imei);
-    ReadList(fmt::format("{}_GetSyncedFiles", family.name),
-             [&] { return family.getSyncedFiles(phone.c_str(), nullptr, list.get()); });
+    ReadList(
+        fmt::format("{}_GetSyncedFiles", family.name),
+        [&] { return family.getSyncedFiles(phone.c_str(), nullptr, list.get()); }, list.get()->Count);
     return calls::ToFiles(list);
 }
 

@@ -24,7 +24,8 @@ std::vector<MainFolderFigures> MainFolderRecords::all()
 {
     // No argument makes the library empty this list without filling it again, so one record serves all calls.
     static MainFolderList list{0, nullptr};
-    calls::ReadList("DB_LIB_GetAllMainFolders", [] { return DB_LIB_GetAllMainFolders(&list); });
+    calls::ReadList(
+        "DB_LIB_GetAllMainFolders", [] { return DB_LIB_GetAllMainFolders(&list); }, list.Count);
     std::vector<MainFolderFigures> folders;
     for (int32_t i = 0; i < list.Count; ++i) {
         const MainFolderRecord& record = list.Items[i];

@@ -36,8 +36,10 @@ std::vector<PimFolder> PimRecords::folders(PimKind kind, const std::string& pare
     const DbText parent = Text(parentId);
     calls::OwnedList<PimFolderList> list(
         [](PimFolderList* record) { (void)DB_PIM_GetFolders(record, kNoFolder, 0, 0); });
-    calls::ReadList("DB_PIM_GetFolders",
-                    [&] { return DB_PIM_GetFolders(list.get(), parent.c_str(), TypeOf(kind), recursive ? 1 : 0); });
+    calls::ReadList(
+        "DB_PIM_GetFolders",
+        [&] { return DB_PIM_GetFolders(list.get(), parent.c_str(), TypeOf(kind), recursive ? 1 : 0); },
+        list.get()->Count);
     std::vector<PimFolder> folders;
     folders.reserve(list.size());
     for (const PimFolderRecord& record : list) {
@@ -54,7 +56,9 @@ std::vector<PimItem> PimRecords::items(PimKind kind, const std::string& folderId
 {
     const DbText folder = Text(folderId);
     calls::OwnedList<PimItemList> list([](PimItemList* record) { (void)DB_PIM_GetItems(record, kNoFolder, 0, 0); });
-    calls::ReadList("DB_PIM_GetItems", [&] { return DB_PIM_GetItems(list.get(), folder.c_str(), TypeOf(kind), 0); });
+    calls::ReadList(
+        "DB_PIM_GetItems", [&] { return DB_PIM_GetItems(list.get(), folder.c_str(), TypeOf(kind), 0); },
+        list.get()->Count);
     std::vector<PimItem> items;
     items.reserve(list.size());
     for (const PimItemRecord& record : list) {
@@ -105,10 +109,11 @@ std::vector<PimLogRow> PimRecords::log(const std::string& imei, PimKind kind)
     static PimLog log{0, 0, nullptr};
     log.Type = TypeOf(kind);
     const DbText phone = Text(imei);
-    calls::ReadList("DB_PIMLOG_ReadLog", [&] {
+    const auto read = [&] {
         log.Count = 0;
         return DB_PIMLOG_ReadLog(phone.c_str(), &log);
-    });
+    };
+    calls::ReadList("DB_PIMLOG_ReadLog", read, log.Count);
     std::vector<PimLogRow> rows;
     rows.reserve(static_cast<size_t>(log.Count));
     for (int32_t i = 0; i < log.Count; ++i) {

@@ -65,8 +65,9 @@ std::vector<RecordedPlaylist> PlaylistRecords::lists()
     calls::OwnedList<PlaylistList> list(
         [](PlaylistList* record) { (void)DB_PLAYERMUSIC_GetPlaylists(calls::kNoPhone, record); });
     const DbText phone = Text(imei_);
-    calls::ReadList("DB_PLAYERMUSIC_GetPlaylists",
-                    [&] { return DB_PLAYERMUSIC_GetPlaylists(phone.c_str(), list.get()); });
+    calls::ReadList(
+        "DB_PLAYERMUSIC_GetPlaylists", [&] { return DB_PLAYERMUSIC_GetPlaylists(phone.c_str(), list.get()); },
+        list.get()->Count);
     std::vector<RecordedPlaylist> lists;
     lists.reserve(list.size());
     for (const PlaylistRecord& record : list) {
@@ -131,8 +132,9 @@ std::vector<RecordedFile> PlaylistRecords::files()
         [](SyncedFileList* record) { (void)DB_PLAYERMUSIC_GetSyncedFiles(calls::kNoPhone, nullptr, record); });
     const DbText phone = Text(imei_);
     // The library lists the files of all playlists, whichever is named.
-    calls::ReadList("DB_PLAYERMUSIC_GetSyncedFiles",
-                    [&] { return DB_PLAYERMUSIC_GetSyncedFiles(phone.c_str(), nullptr, list.get()); });
+    calls::ReadList(
+        "DB_PLAYERMUSIC_GetSyncedFiles",
+        [&] { return DB_PLAYERMUSIC_GetSyncedFiles(phone.c_str(), nullptr, list.get()); }, list.get()->Count);
     return calls::ToFiles(list);
 }
 
@@ -157,8 +159,9 @@ Result PlaylistRecords::removeFile(const std::string& path)
 std::vector<std::string> PlaylistRecords::members(const std::string& list)
 {
     OwnedNames names;
-    Require("DB_PLAYERMUSIC_GetListFilesname",
-            DB_PLAYERMUSIC_GetListFilesname(Text(imei_).c_str(), Text(list).c_str(), names.get()));
+    const DbText phone = Text(imei_), name = Text(list);
+    const auto read = [&] { return DB_PLAYERMUSIC_GetListFilesname(phone.c_str(), name.c_str(), names.get()); };
+    calls::ReadList("DB_PLAYERMUSIC_GetListFilesname", read, names.get()->Count);
     std::vector<std::string> members;
     members.reserve(static_cast<size_t>(names.get()->Count));
     for (int32_t i = 0; i < names.get()->Count; ++i) {
