@@ -131,6 +131,9 @@ TEST(Dates, DateFromTime_Seconds_AreLocalTime)
     for (const int64_t seconds :
          {int64_t{0}, int64_t{86399}, int64_t{951'782'400}, int64_t{1'709'210'096}, int64_t{4'102'444'799}}) {
         const auto moment = static_cast<time_t>(seconds);
+        if (static_cast<int64_t>(moment) != seconds) {
+            continue;  // a time_t of 32 bits ends in 2038
+        }
         const std::tm* local = std::localtime(&moment);
         ASSERT_NE(local, nullptr);
         char expected[32];
