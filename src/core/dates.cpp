@@ -1,6 +1,8 @@
 #include "core/dates.h"
 
-#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <cstring>
 
 #include "platform/calendar.h"
 #include "platform/services.h"
@@ -17,23 +19,51 @@ void WriteTwo(char* out, int value)
     out[1] = static_cast<char>('0' + number % 10);
 }
 
-/// Reads digits at fixed places and remembers whether anything else was among them.
-class DigitReader {
+/// Eight characters of a date in its stored form, from kPlace on, read at once: a list has two dates in a row.
+template <size_t kPlace>
+class DateBlock {
 public:
-    explicit DigitReader(const char* text) : text_(text) {}
-    int two(size_t place)
+    explicit DateBlock(std::string_view text)
     {
-        const int tens = text_[place] - '0';
-        const int ones = text_[place + 1] - '0';
-        others_ |= tens | (9 - tens) | ones | (9 - ones);  // negative if one of them is
-        return tens * 10 + ones;
+        std::memcpy(&digits_, text.data() + kPlace, sizeof digits_);
+        digits_ ^= Form();
     }
-    void skip(size_t place, char expected) { others_ |= text_[place] == expected ? 0 : -1; }
-    [[nodiscard]] bool sound() const { return others_ >= 0; }
+
+    /// Whether there are digits, and between them what the form has there.
+    [[nodiscard]] bool isWellFormed() const
+    {
+        constexpr uint64_t kBeyondNine = kEach * (0x80 - 10);  // sets the high bit of what is 10 or more
+        return ((digits_ | (digits_ + kBeyondNine)) & kEach * 0x80) == 0 && (digits_ & Separators()) == 0;
+    }
+
+    /// The number that two digits of the text make.
+    [[nodiscard]] int two(size_t place) const
+    {
+        static_assert(std::endian::native == std::endian::little);
+        return static_cast<int>((digits_ * 10 + (digits_ >> 8)) >> 8 * (place - kPlace) & 0xFF);
+    }
 
 private:
-    const char* text_;
-    int others_ = 0;
+    static constexpr uint64_t kEach = 0x0101010101010101;
+
+    static consteval uint64_t Form()
+    {
+        uint64_t form = 0;
+        for (size_t i = 0; i < sizeof form; ++i) {
+            form |= static_cast<uint64_t>(kStoredForm[kPlace + i]) << 8 * i;
+        }
+        return form;
+    }
+    static consteval uint64_t Separators()
+    {
+        uint64_t separators = 0;
+        for (size_t i = 0; i < sizeof separators; ++i) {
+            separators |= (kStoredForm[kPlace + i] == '0' ? uint64_t{0} : uint64_t{0xFF}) << 8 * i;
+        }
+        return separators;
+    }
+
+    uint64_t digits_;  // 0 to 9 where there are digits, 0 in between
 };
 
 }  // namespace
@@ -80,21 +110,14 @@ bool ParseStoredDate(std::string_view text, DateValue& date) noexcept
     if (text.size() != kStoredForm.size()) {
         return false;
     }
-    DigitReader digits(text.data());
-    const platform::CalendarTime time = {digits.two(0) * 100 + digits.two(2),
-                                         digits.two(5),
-                                         digits.two(8),
-                                         digits.two(11),
-                                         digits.two(14),
-                                         digits.two(17)};
-    digits.skip(4, '-');
-    digits.skip(7, '-');
-    digits.skip(10, ' ');
-    digits.skip(13, ':');
-    digits.skip(16, ':');
-    if (!digits.sound()) {
+    const DateBlock<0> day(text);      // YYYY-MM-
+    const DateBlock<8> hour(text);     // DD HH:MM
+    const DateBlock<11> second(text);  // HH:MM:SS
+    if (!day.isWellFormed() || !hour.isWellFormed() || !second.isWellFormed()) {
         return false;
     }
+    const platform::CalendarTime time = {
+        day.two(0) * 100 + day.two(2), day.two(5), hour.two(8), hour.two(11), hour.two(14), second.two(17)};
     double days = 0.0;
     if (time.year < 100 || !platform::JoinDate(time, days)) {
         return false;
