@@ -8,7 +8,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <string_view>
 #include <utility>
 
 #include "core/results.h"
@@ -55,6 +57,8 @@ public:
     /// The text itself, until the next step; null for NULL.
     [[nodiscard]] const DbChar* wideText(int column) const noexcept;
     [[nodiscard]] std::span<const uint8_t> blob(int column) const noexcept;
+    /// The whole of a text as the file stores it, until the next step; none for what is no text.
+    [[nodiscard]] std::optional<std::string_view> utf8(int column) const noexcept;
 
     // The parameters that the text itself has, counted from 1; where a cached statement is run, it has one at most.
     // What is bound must live until the statement has been stepped. A value that cannot be bound has the next step fail
@@ -113,12 +117,19 @@ public:
     /// Where a text is put together piece by piece. Throws std::bad_alloc.
     [[nodiscard]] char* textBuffer() const { return buffer_->get(); }
 
+    /// Called when the connection goes, for what is remembered of its file elsewhere.
+    void whenClosed(void (*forget)() noexcept) noexcept { whenClosed_ = forget; }
+
     /// Runs a statement, or several, whose rows nobody wants. Throws std::bad_alloc when it has nowhere to be made.
     SqliteCode exec(const Sql& sql);
     SqliteCode exec(const SqlText& text) noexcept;
     SqliteCode exec(const char* text) noexcept;
     Statement prepare(const Sql& sql);
     Statement prepare(const char* text) noexcept;
+
+    /// A number that changes when this connection has changed the file, or notices that another one has, which it does
+    /// when a statement takes the file's lock; none when SQLite does not say.
+    [[nodiscard]] std::optional<uint64_t> dataVersion() const noexcept;
 
     [[nodiscard]] int64_t lastInsertRowId() const noexcept;
     [[nodiscard]] int32_t totalChanges() const noexcept;
@@ -135,9 +146,11 @@ private:
     Statement prepareText(const SqlText& text) noexcept;
 
     sqlite3* handle_ = nullptr;
+    uint32_t timesOpened_ = 0;
     Steps steps_;
     StatementBuffer* buffer_ = nullptr;
     StatementCache cache_;
+    void (*whenClosed_)() noexcept = nullptr;
 };
 
 }  // namespace kesta

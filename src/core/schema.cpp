@@ -163,4 +163,11 @@ ResultCode DB_INTERNAL_Create(const char* utf8Path, bool& complete)
     return PassThrough(Seed(db, complete));
 }
 
+bool IsOwnSchema(std::string_view sql) noexcept
+{
+    constexpr std::string_view kAll = kSchema;
+    const size_t place = kAll.find(sql);
+    return !sql.empty() && place != std::string_view::npos && kAll.substr(place + sql.size()).starts_with(';');
+}
+
 }  // namespace kesta

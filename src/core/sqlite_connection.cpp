@@ -33,6 +33,7 @@ SqliteCode Connection::open(const char* utf8Path, const char* vfsName) noexcept
     }
     const auto code = static_cast<SqliteCode>(
         sqlite3_open_v2(utf8Path, &handle_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, vfsName));
+    ++timesOpened_;
     if (code == SqliteCode::kOk) {
         // Caller's texts stand in the statements: none of them may reach another file or write to the schema directly.
         // Nor is the schema trusted, which whoever can write the file can change.
@@ -47,6 +48,9 @@ SqliteCode Connection::open(const char* utf8Path, const char* vfsName) noexcept
 void Connection::close() noexcept
 {
     cache_.drop();
+    if (whenClosed_ != nullptr) {
+        whenClosed_();
+    }
     sqlite3_close(handle_);
     handle_ = nullptr;
 }
@@ -54,6 +58,9 @@ void Connection::close() noexcept
 void Connection::abandon() noexcept
 {
     cache_.abandon();
+    if (whenClosed_ != nullptr) {
+        whenClosed_();
+    }
     handle_ = nullptr;
 }
 
@@ -149,6 +156,15 @@ Statement Connection::prepare(const char* text) noexcept
     sqlite3_stmt* statement = nullptr;
     const int code = sqlite3_prepare_v2(handle_, text, -1, &statement, nullptr);
     return {statement, static_cast<SqliteCode>(code)};
+}
+
+std::optional<uint64_t> Connection::dataVersion() const noexcept
+{
+    unsigned version = 0;
+    if (sqlite3_file_control(handle_, "main", SQLITE_FCNTL_DATA_VERSION, &version) != SQLITE_OK) {
+        return std::nullopt;
+    }
+    return static_cast<uint64_t>(timesOpened_) << 32 | version;
 }
 
 int64_t Connection::lastInsertRowId() const noexcept

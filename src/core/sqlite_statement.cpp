@@ -116,6 +116,16 @@ std::span<const uint8_t> Statement::blob(int column) const noexcept
     return {data, static_cast<size_t>(sqlite3_column_bytes(statement_, column))};
 }
 
+std::optional<std::string_view> Statement::utf8(int column) const noexcept
+{
+    if (sqlite3_column_type(statement_, column) != SQLITE_TEXT) {
+        return std::nullopt;
+    }
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+    const int bytes = sqlite3_column_bytes(statement_, column);
+    return text != nullptr ? std::optional(std::string_view(text, static_cast<size_t>(bytes))) : std::nullopt;
+}
+
 void Statement::bindBlob(int parameter, const void* data, int32_t length) noexcept
 {
     // SQLite takes no data for NULL; data of no length is an empty blob.

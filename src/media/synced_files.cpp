@@ -4,6 +4,7 @@
 #include "core/list.h"
 #include "core/text.h"
 #include "library/phone_lookup.h"
+#include "media/folder_index.h"
 #include "media/folder_state.h"
 
 namespace kesta::media {
@@ -34,6 +35,71 @@ int32_t IsSyncedFile(const DbChar* imei, const MediaTables& tables, const DbChar
     });
 }
 
+namespace {
+
+/// Of the module's connection, with which its contents go. Never destroyed: another thread may still be inside a call
+/// when the process ends.
+union Eternal {
+    Eternal() : index() {}
+    ~Eternal() {}
+    FolderIndex index;
+};
+
+Eternal eternal;
+FolderIndex& folderIndex = eternal.index;
+
+/// The files of a folder whose rows are known; none when the statements have to be asked.
+std::optional<ResultCode> ReadKnownRows(Routine self, const DbChar* imei, const MediaTables& tables,
+                                        const DbChar* folder, SyncedFileList& list)
+{
+    if (!folderIndex.follows(self.db, tables, imei)) {
+        return std::nullopt;
+    }
+    // Takes the file's lock, and keeps it until the last row has been read. Where it fails, counting the files would.
+    Statement lock =
+        self.prepare(1, WideSql("SELECT 1 FROM %s WHERE [IMEI] = '%s' LIMIT 1;", tables.fileView, Plain{imei}));
+    if (!lock.prepared()) {
+        return ResultCode::kFailure;
+    }
+    if (!lock.step()) {
+        return ResultCode::kSuccess;
+    }
+    const FolderIndex::Rows* known = folderIndex.find(self.db, tables, imei, folder);
+    if (known == nullptr) {
+        return std::nullopt;
+    }
+    if (known->empty()) {
+        return ResultCode::kSuccess;
+    }
+    AllocateList(list, static_cast<int32_t>(known->size()));
+    for (const int64_t rowId : *known) {
+        const ResultCode read = self.first(
+            3,
+            WideSql("SELECT [Path], [BasePath], [PhonePath], DATETIME([ModifiedTime]) FROM %s WHERE ROWID = %I64d;",
+                    tables.files, rowId),
+            PassThrough, [&](const Statement& row) { ReadSyncedFile(row, list.Items[list.Count++]); });
+        if (read != ResultCode::kSuccess) {
+            return read;
+        }
+    }
+    return ResultCode::kSuccess;
+}
+
+ResultCode ReadFilesOf(Routine self, const DbChar* imei, const MediaTables& tables, const DbChar* folder,
+                       SyncedFileList& list)
+{
+    // Deliberate: no blank before AND.
+    return ReadList(self, list,
+                    WideSql("SELECT COUNT(*) FROM %s WHERE [IMEI] = '%s'AND [BasePath] = '%s';", tables.fileView,
+                            Plain{imei}, Escaped{folder}),
+                    WideSql("SELECT [Path], [BasePath], [PhonePath], DATETIME([ModifiedTime]) FROM %s "
+                            "WHERE [IMEI] = '%s'AND [BasePath] = '%s';",
+                            tables.fileView, Plain{imei}, Escaped{folder}),
+                    ReadSyncedFile);
+}
+
+}  // namespace
+
 ResultCode GetSyncedFiles(const DbChar* imei, const MediaTables& tables, const DbChar* folder,
                           SyncedFileList& list) noexcept
 {
@@ -45,14 +111,13 @@ ResultCode GetSyncedFiles(const DbChar* imei, const MediaTables& tables, const D
                         tables.fileView, Plain{imei}),
                 ReadSyncedFile);
         }
-        // Deliberate: no blank before AND.
-        return ReadList(self, list,
-                        WideSql("SELECT COUNT(*) FROM %s WHERE [IMEI] = '%s'AND [BasePath] = '%s';", tables.fileView,
-                                Plain{imei}, Escaped{folder}),
-                        WideSql("SELECT [Path], [BasePath], [PhonePath], DATETIME([ModifiedTime]) FROM %s "
-                                "WHERE [IMEI] = '%s'AND [BasePath] = '%s';",
-                                tables.fileView, Plain{imei}, Escaped{folder}),
-                        ReadSyncedFile);
+        if (const std::optional<ResultCode> read = ReadKnownRows(self, imei, tables, folder, list)) {
+            return *read;
+        }
+        const ResultCode result = ReadFilesOf(self, imei, tables, folder, list);
+        folderIndex.noteListing(self.db, tables, imei);
+        self.db.whenClosed([]() noexcept { folderIndex.forget(); });
+        return result;
     });
 }
 
