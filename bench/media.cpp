@@ -197,6 +197,24 @@ private:
     SyncedFileList list_ = {0, nullptr};
 };
 
+/// Lists every folder once, each time.
+class LibraryListFolders : public LibraryList {
+public:
+    explicit LibraryListFolders(const Scene& scene)
+        : LibraryList(scene, SomeFolders(scene, FoldersOf(scene))), count_(FoldersOf(scene))
+    {
+    }
+    void run(size_t /*i*/) override
+    {
+        for (size_t folder = 0; folder < count_; ++folder) {
+            LibraryList::run(folder);
+        }
+    }
+
+private:
+    size_t count_;
+};
+
 class BareList : public BareWork {
 public:
     BareList(const Scene& scene, Side side, const std::vector<std::u16string>& folders)
@@ -249,6 +267,11 @@ std::unique_ptr<Work> MakeMediaWork(const Scene& scene, const OperationTraits& t
             return Make<LibraryLookUp, BareLookUp>(side, scene, traits.perRun);
         case Operation::kListAll:
             return Make<LibraryList, BareList>(side, scene, std::vector<std::u16string>());
+        case Operation::kListFolders:
+            if (side == Side::kLibrary) {
+                return std::make_unique<LibraryListFolders>(scene);
+            }
+            return std::make_unique<BareList>(scene, side, std::vector<std::u16string>());
         default:
             return Make<LibraryList, BareList>(side, scene, SomeFolders(scene, traits.perRun));
     }

@@ -11,6 +11,7 @@ std::unique_ptr<Work> MakeWork(const Scene& scene, const OperationTraits& traits
         case Operation::kLookUp:
         case Operation::kListAll:
         case Operation::kListFolder:
+        case Operation::kListFolders:
             return MakeMediaWork(scene, traits, side);
         case Operation::kAnnounceKnown:
         case Operation::kAnnounceNew:

@@ -13,6 +13,7 @@ enum class Operation {
     kLookUp,
     kListAll,
     kListFolder,
+    kListFolders,
     kAnnounceKnown,
     kAnnounceNew,
     kAddNewPlaylist,
@@ -43,7 +44,7 @@ struct OperationTraits {
     Operation operation;
     Family family;
     const char* name;
-    double goal;  // instructions, as a ratio to the floor
+    double goal;  // instructions, as a ratio to the floor; 0.05 more where letters are not ASCII
     Kind kind;
     size_t perRun;       // how often it is done in a row; for a writer no more than that
     size_t allocations;  // how many are allowed beyond the floor's and those of a list
@@ -52,26 +53,28 @@ struct OperationTraits {
 };
 
 inline constexpr OperationTraits kOperations[] = {
-    {Operation::kRecord, Family::kMedia, "record", 1.05, Kind::kWriter, 500, 0},
-    {Operation::kLookUp, Family::kMedia, "look-up", 1.15, Kind::kReader, 500, 3},
-    {Operation::kListAll, Family::kMedia, "list-all", 1.10, Kind::kList, 1, 0},
-    {Operation::kListFolder, Family::kMedia, "list-folder", 1.02, Kind::kListPart, 4, 0},
-    {Operation::kAnnounceKnown, Family::kMedia, "announce-known", 1.05, Kind::kReader, 500, 0},
+    {Operation::kRecord, Family::kMedia, "record", 0.45, Kind::kWriter, 500, 0},
+    {Operation::kLookUp, Family::kMedia, "look-up", 0.25, Kind::kReader, 500, 3},
+    {Operation::kListAll, Family::kMedia, "list-all", 0.90, Kind::kList, 1, 0},
+    {Operation::kListFolder, Family::kMedia, "list-folder", 1.00, Kind::kListPart, 4, 0},
+    // Every folder, one after the other, beside one listing of everything.
+    {Operation::kListFolders, Family::kMedia, "list-folders", 5.00, Kind::kListPart, 1, 0},
+    {Operation::kAnnounceKnown, Family::kMedia, "announce-known", 0.30, Kind::kReader, 500, 0},
     // The array of main folders.
-    {Operation::kAnnounceNew, Family::kMedia, "announce-new", 1.05, Kind::kWriter, 50, 1},
-    {Operation::kAddNewPlaylist, Family::kPlaylists, "add-playlist:new", 1.05, Kind::kWriter, 100, 0},
-    {Operation::kAddUnchangedPlaylist, Family::kPlaylists, "add-playlist:unchanged", 1.05, Kind::kWriter, 100, 0},
-    {Operation::kAddChangedPlaylist, Family::kPlaylists, "add-playlist:changed", 1.05, Kind::kWriter, 100, 0},
-    {Operation::kListPlaylists, Family::kPlaylists, "list-playlists", 1.10, Kind::kList, 1, 0},
-    {Operation::kAddMark, Family::kBookmarks, "add-mark", 1.05, Kind::kWriter, 500, 0},
-    {Operation::kLookUpMark, Family::kBookmarks, "look-up-mark", 1.15, Kind::kReader, 500, 0},
-    {Operation::kReadMark, Family::kBookmarks, "read-mark", 1.15, Kind::kReader, 500, 3},
-    {Operation::kListMarks, Family::kBookmarks, "list-marks", 1.10, Kind::kList, 1, 0},
-    {Operation::kAddPimItem, Family::kPim, "add-pim-item", 1.05, Kind::kWriter, 500, 0},
+    {Operation::kAnnounceNew, Family::kMedia, "announce-new", 0.75, Kind::kWriter, 50, 1},
+    {Operation::kAddNewPlaylist, Family::kPlaylists, "add-playlist:new", 0.60, Kind::kWriter, 100, 0},
+    {Operation::kAddUnchangedPlaylist, Family::kPlaylists, "add-playlist:unchanged", 0.60, Kind::kWriter, 100, 0},
+    {Operation::kAddChangedPlaylist, Family::kPlaylists, "add-playlist:changed", 0.60, Kind::kWriter, 100, 0},
+    {Operation::kListPlaylists, Family::kPlaylists, "list-playlists", 0.96, Kind::kList, 1, 0},
+    {Operation::kAddMark, Family::kBookmarks, "add-mark", 0.45, Kind::kWriter, 500, 0},
+    {Operation::kLookUpMark, Family::kBookmarks, "look-up-mark", 0.25, Kind::kReader, 500, 0},
+    {Operation::kReadMark, Family::kBookmarks, "read-mark", 0.25, Kind::kReader, 500, 3},
+    {Operation::kListMarks, Family::kBookmarks, "list-marks", 0.98, Kind::kList, 1, 0},
+    {Operation::kAddPimItem, Family::kPim, "add-pim-item", 0.60, Kind::kWriter, 500, 0},
     // The work area for the items' ids.
-    {Operation::kListPimItems, Family::kPim, "list-pim-items", 1.10, Kind::kList, 1, 1},
-    {Operation::kSavePimLog, Family::kPim, "save-pim-log", 1.05, Kind::kWriter, 1, 0},
-    {Operation::kReadPimLog, Family::kPim, "read-pim-log", 1.10, Kind::kList, 1, 0},
+    {Operation::kListPimItems, Family::kPim, "list-pim-items", 0.55, Kind::kList, 1, 1},
+    {Operation::kSavePimLog, Family::kPim, "save-pim-log", 0.60, Kind::kWriter, 1, 0},
+    {Operation::kReadPimLog, Family::kPim, "read-pim-log", 0.97, Kind::kList, 1, 0},
 };
 
 /// What a list that the library has handed out consists of.

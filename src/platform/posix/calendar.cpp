@@ -138,7 +138,7 @@ bool JoinDate(const CalendarTime& time, double& days) noexcept
     }
     const year_month_day date(std::chrono::year(time.year), std::chrono::month(static_cast<unsigned>(time.month)),
                               std::chrono::day(static_cast<unsigned>(time.day)));
-    if (!date.ok()) {
+    if (time.day > 28 && !date.ok()) {
         return false;
     }
     if (time.hour < 0 || time.hour > 23 || time.minute < 0 || time.minute > 59 || time.second < 0 || time.second > 59) {
