@@ -9,11 +9,16 @@
 
 namespace kesta::bench {
 
-Library::Library(const Scene& scene)
+Library::Library(const Scene& scene) : Library(scene.dataHome())
+{
+    Require(std::filesystem::exists(scene.database()), "books in the private folder");
+}
+
+Library::Library(const std::filesystem::path& dataHome)
 {
     // Neither the user's books nor the user's viewer of the trace.
-    setenv("XDG_DATA_HOME", scene.dataHome().c_str(), 1);
-    setenv("XDG_RUNTIME_DIR", scene.dataHome().c_str(), 1);
+    setenv("XDG_DATA_HOME", dataHome.c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", dataHome.c_str(), 1);
     handle_ = dlopen(KESTA_LIBRARY, RTLD_NOW | RTLD_LOCAL);
     Require(handle_ != nullptr, "loading " KESTA_LIBRARY);
     decltype(&DB_Open) open = nullptr;
@@ -33,7 +38,6 @@ Library::Library(const Scene& scene)
     find(SaveLog, "DB_PIMLOG_SaveLog");
     find(ReadLog, "DB_PIMLOG_ReadLog");
     Require(open() == 0, "opening the books");
-    Require(std::filesystem::exists(scene.database()), "books in the private folder");
 }
 
 Library::~Library()

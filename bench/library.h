@@ -2,6 +2,8 @@
 // being loaded, and so never those of the user.
 #pragma once
 
+#include <filesystem>
+
 #include "kesta_db/kesta_db.h"
 
 namespace kesta::bench {
@@ -11,6 +13,8 @@ class Scene;
 class Library {
 public:
     explicit Library(const Scene& scene);
+    /// Over any data folder.
+    explicit Library(const std::filesystem::path& dataHome);
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
     ~Library();

@@ -4,6 +4,7 @@
 #   bench/run.sh BUILD-FOLDER [OPTIONS]            times beside the floor; OPTIONS are those of Google Benchmark
 #   bench/run.sh BUILD-FOLDER --instructions [ENTRIES...]   instructions instead of times
 #   bench/run.sh BUILD-FOLDER --allocations        what the library allocates beyond SQLite
+#   bench/run.sh BUILD-FOLDER --callers [ENTRIES]  load, callers beside each other, a million files, peers
 set -eu
 
 here=$(dirname "$0")
@@ -15,5 +16,15 @@ case ${1-} in
         exec "$here/instructions.sh" "$build" "$@"
         ;;
     --allocations) exec "$build/kesta_allocations" ;;
+    --callers)
+        shift
+        "$build/kesta_callers" "$@"
+        folder=$(mktemp -d)
+        trap 'rm -rf "$folder"' EXIT INT TERM
+        "$build/kesta_callers" --load "$folder"  # makes the database
+        strace -f -c -o "$folder/calls" "$build/kesta_callers" --load "$folder"
+        awk '/total$/ { print "system calls of a process that loads it: " $(NF - (NF > 4 ? 2 : 1)) }' "$folder/calls"
+        python3 "$here/peer.py" "$folder"
+        ;;
     *) exec "$build/kesta_bench" "$@" ;;
 esac
