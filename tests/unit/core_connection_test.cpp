@@ -224,22 +224,5 @@ TEST_F(ConnectionParts, EndlessStatement_IsInterrupted)
     }
 }
 
-/// Each statement has all of its steps, however often it runs.
-TEST_F(ConnectionParts, ManyStatements_AreNotInterrupted)
-{
-    constexpr int kTimes = 12;
-    db().limitRounds(6);
-    const auto count = [] {
-        return NarrowSql(
-            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000) SELECT COUNT(*) FROM n");
-    };
-    for (int i = 0; i < kTimes; ++i) {
-        EXPECT_EQ(db().exec(count()), SqliteCode::kOk);
-        Statement rows = db().prepare(count());
-        ASSERT_TRUE(rows.step());
-        EXPECT_EQ(rows.int32(0), 10000);
-    }
-}
-
 }  // namespace
 }  // namespace kesta

@@ -26,7 +26,7 @@ protected:
     ~Cache() override
     {
         cache.drop();
-        sqlite3_close(handle);
+        EXPECT_EQ(sqlite3_close(handle), SQLITE_OK);  // nothing compiled is left
     }
 
     StatementCache::Found find(const Sql& sql) { return cache.find(handle, sql, buffer, Lifetime::kUntilFinished); }
@@ -87,6 +87,15 @@ TEST_F(Cache, Find_SameFormatAndNames_IsTheSameStatement)
     EXPECT_EQ(other.text("SELECT GROUP_CONCAT(n) FROM a"), "1,2,5");
 }
 
+TEST_F(Cache, Find_NamesThatReadAlikeTogether_AreTwoStatements)
+{
+    const auto named = [&](const char* column, const char* table) {
+        return bound(NarrowSql("SELECT n AS %s FROM a AS %s", Name{column}, Name{table}));
+    };
+    EXPECT_EQ(named("cc", "t"), "SELECT n AS cc FROM a AS t");
+    EXPECT_EQ(named("c", "ct"), "SELECT n AS c FROM a AS ct");
+}
+
 TEST_F(Cache, Find_FailedInsertsAndQueriesInBetween_KeepIt)
 {
     EXPECT_EQ(runsOfInsert("b", 1), 0);
@@ -123,6 +132,19 @@ TEST_F(Cache, Find_MoreThanAreKept_LetsTheOldestGo)
     EXPECT_EQ(run(0), 2);
     EXPECT_EQ(run(2), 1);
     EXPECT_EQ(run(1), 0);
+}
+
+TEST_F(Cache, Find_MoreThanAreKept_LeavesTheOneInUse)
+{
+    const StatementCache::Found first = find(NarrowSql("SELECT 7"));
+    ASSERT_EQ(first.verdict, Verdict::kCached);
+    for (size_t i = 0; i < StatementCache::kMost; ++i) {
+        const std::string name = "c" + std::to_string(i);
+        EXPECT_EQ(runsBefore(NarrowSql("SELECT 7 AS %s", Name{name.c_str()})), 0);
+    }
+    EXPECT_EQ(sqlite3_step(first.entry->statement), SQLITE_ROW);
+    EXPECT_EQ(std::string(sqlite3_sql(first.entry->statement)), "SELECT 7");
+    cache.giveBack(handle, *first.entry, false);
 }
 
 TEST_F(Cache, Find_StillInUse_IsNotGivenTwice)
@@ -171,6 +193,18 @@ TEST_F(Cache, Find_NoSuchTable_IsRefusedWithSqlitesCode)
     const StatementCache::Found found = find(WideSql("SELECT * FROM nowhere"));
     EXPECT_EQ(found.verdict, Verdict::kRefused);
     EXPECT_EQ(found.code, SQLITE_ERROR);
+}
+
+/// After a fork they are the parent's: they are neither used nor finalised.
+TEST_F(Cache, Abandon_CompiledStatements_AreLeftAsTheyAre)
+{
+    EXPECT_EQ(runsOfCount(), 0);
+    sqlite3_stmt* parents = sqlite3_next_stmt(handle, nullptr);
+    cache.abandon();
+    EXPECT_EQ(runsOfCount(), 0);
+    cache.drop();
+    ASSERT_EQ(sqlite3_next_stmt(handle, nullptr), parents);
+    sqlite3_finalize(parents);
 }
 
 /// Both ways beside each other through the module's connection.
@@ -308,6 +342,37 @@ TEST_P(BothWays, Exec_TextsAroundTheLimit_AreRunOrTooBig)
     EXPECT_EQ(insert((kStatementBytes - kAround) / 2), SqliteCode::kOk);
     EXPECT_EQ(insert((kStatementBytes - kAround) / 2 + 1), SqliteCode::kTooBig);
     EXPECT_EQ(sql.text("SELECT MAX(LENGTH([Profile])) FROM tPimInfo"), std::to_string((kStatementBytes - kAround) / 2));
+}
+
+/// Each of the texts is short enough alone; as text they come to more than a statement may have.
+TEST_P(BothWays, Exec_TextsTooLongTogether_AreTooBig)
+{
+    const std::string letters(15'000, 'x');
+    const auto insert = [&] {
+        return db().exec(WideSql("INSERT INTO tPFilename VALUES ('%s', '%s', '%s')", Escaped{W(letters)},
+                                 Escaped{W(letters)}, Escaped{W(letters)}));
+    };
+    EXPECT_EQ(insert(), SqliteCode::kTooBig);
+    EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tPFilename"), "0");
+}
+
+/// Each statement has all of its steps, however often it runs.
+TEST_P(BothWays, ManyStatements_AreNotInterrupted)
+{
+    constexpr int kTimes = 12;
+    db().limitRounds(6);
+    const auto count = [] {
+        return NarrowSql(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000) SELECT COUNT(*) FROM n");
+    };
+    for (int i = 0; i < kTimes; ++i) {
+        EXPECT_EQ(db().exec(count()), SqliteCode::kOk);
+    }
+    for (int i = 0; i < kTimes; ++i) {
+        Statement rows = db().prepare(count());
+        ASSERT_TRUE(rows.step());
+        EXPECT_EQ(rows.int32(0), 10000);
+    }
 }
 
 }  // namespace
