@@ -1,5 +1,5 @@
 // Names on the phone.
-#include "base/names.h"
+#include "phone/names.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -4,6 +4,7 @@
 
 #include "formats/icalendar.h"
 #include "formats/vcard.h"
+#include "os/local_time.h"
 #include "pim_samples.h"
 #include "pim_sources.h"
 #include "stages/pim/pim_source.h"
@@ -79,7 +80,7 @@ TEST(PimSources, EntriesWithoutATime_GetTheFiles)
 {
     const PimSource source = Contacts("BEGIN:VCARD\nUID:1\nREV:20260101T120000Z\nEND:VCARD\n" + CardText("2", "Bob"));
     const auto& entries = source.folders.at(0).entries;
-    EXPECT_EQ(entries.at(0).modified, ToLocalTime(1'767'268'800));
+    EXPECT_EQ(entries.at(0).modified, os::ToLocalTime(1'767'268'800));
     EXPECT_EQ(entries.at(1).modified, 3'900'000'000);
 }
 

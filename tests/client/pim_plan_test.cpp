@@ -5,6 +5,7 @@
 #include <map>
 
 #include "formats/vcard.h"
+#include "os/local_time.h"
 #include "pim_samples.h"
 #include "pim_sources.h"
 #include "stages/pim/pim_phone_plan.h"
@@ -83,7 +84,7 @@ public:
             }
             for (PimLogRow& row : plan.rows) {
                 if (!row.phoneTime) {
-                    row.phoneTime = ToLocalTime(times.at(plan.phonePath));
+                    row.phoneTime = os::ToLocalTime(times.at(plan.phonePath));
                 }
                 log.push_back(row);
             }
@@ -226,7 +227,7 @@ TEST(PimPlan, CalendarsOfOneFile_AreFoldersOfTheirOwn)
     EXPECT_THAT(world.stored, SizeIs(2));
 }
 
-TEST(PimPlan, EqualNames_GetMarks)
+TEST(PimPlan, EqualNames_GetSuffixes)
 {
     World world(PimKind::kContacts);
     const std::vector<PimSource> sources{Contacts(CardText("1", "Ann"), "/a/Friends.vcf"),

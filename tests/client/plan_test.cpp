@@ -8,8 +8,9 @@
 #include <map>
 #include <set>
 
-#include "base/names.h"
+#include "os/local_time.h"
 #include "os/system.h"
+#include "phone/names.h"
 
 namespace kesta {
 namespace {
@@ -54,7 +55,7 @@ protected:
     }
     void givenFile(const std::string& folder, const std::string& relative, uint64_t size = 10, int64_t time = kTime)
     {
-        given(folder).files.push_back({path(folder, relative), relative, size, {time, 0}, ToLocalTime(time)});
+        given(folder).files.push_back({path(folder, relative), relative, size, {time, 0}, os::ToLocalTime(time)});
     }
     static std::string path(const std::string& folder, const std::string& relative)
     {
@@ -64,7 +65,7 @@ protected:
     void recorded(const std::string& folder, const std::string& relative, const std::string& place, uint64_t size = 10,
                   int64_t time = kTime)
     {
-        input_.recorded.push_back({path(folder, relative), Folder(folder), place, ToLocalTime(time)});
+        input_.recorded.push_back({path(folder, relative), Folder(folder), place, os::ToLocalTime(time)});
         phone_.put(place, size, time);
     }
     FilePlan plan()
@@ -111,7 +112,7 @@ TEST_F(PlanTest, NewFile_IsCopied)
     EXPECT_EQ(copy.file.path, path("Rock", "sub/a.mp3"));
     EXPECT_EQ(copy.file.basePath, Folder("Rock"));
     EXPECT_EQ(copy.file.phonePath, "Music/Rock/sub/a.mp3");
-    EXPECT_EQ(copy.file.modified, ToLocalTime(kTime));
+    EXPECT_EQ(copy.file.modified, os::ToLocalTime(kTime));
     EXPECT_EQ(copy.size, 10u);
 }
 
@@ -124,7 +125,7 @@ TEST_F(PlanTest, RecordedFile_IsUnchangedOnlyWithTimeAndSize)
     for (const char* name : {"same", "newer", "larger"}) {
         recorded("Rock", name, std::string("Music/Rock/") + name);
     }
-    input_.recorded.push_back({path("Rock", "missing"), Folder("Rock"), "Music/Rock/missing", ToLocalTime(kTime)});
+    input_.recorded.push_back({path("Rock", "missing"), Folder("Rock"), "Music/Rock/missing", os::ToLocalTime(kTime)});
     const FilePlan found = plan();
     EXPECT_EQ(found.unchanged, 1u);
     EXPECT_THAT(places(found.copies), ElementsAre("Music/Rock/larger", "Music/Rock/missing", "Music/Rock/newer"));
@@ -167,7 +168,7 @@ TEST_F(PlanTest, FileBelowAProblem_IsNotGone)
     EXPECT_THAT(places(plan().removals), ElementsAre("Music/Rock/linked"));
 }
 
-TEST_F(PlanTest, MoreThanHalf_IsHeldBackUnlessForced)
+TEST_F(PlanTest, MoreThanHalf_IsDeferredUnlessForced)
 {
     givenFile("Rock", "a");
     recorded("Rock", "a", "Music/Rock/a");
@@ -181,7 +182,7 @@ TEST_F(PlanTest, MoreThanHalf_IsHeldBackUnlessForced)
     EXPECT_EQ(plan().deferred, 0u);
 }
 
-TEST_F(PlanTest, HeldBack_WhatIsAddedMeanwhileDoesNotCount)
+TEST_F(PlanTest, Deferred_WhatIsAddedMeanwhileDoesNotCount)
 {
     for (const char* name : {"a", "b", "c"}) {
         recorded("Rock", name, std::string("Music/Rock/") + name);
@@ -326,7 +327,7 @@ TEST_F(PlanTest, InnerFolder_IsInChargeOfItsFiles)
     givenFile("Rock", "Live/a");
     FolderScan& inner = given("inner");
     inner.path = os::Join(Folder("Rock"), "Live");
-    inner.files.push_back({path("Rock", "Live/a"), "a", 10, {kTime, 0}, ToLocalTime(kTime)});
+    inner.files.push_back({path("Rock", "Live/a"), "a", 10, {kTime, 0}, os::ToLocalTime(kTime)});
     const FilePlan found = plan();
     EXPECT_THAT(places(found.copies), ElementsAre("Music/Live/a"));
     EXPECT_EQ(found.copies[0].file.basePath, inner.path);
@@ -336,7 +337,7 @@ TEST_F(PlanTest, FileRecordedForAnotherFolder_KeepsItsRecord)
 {
     givenFile("Rock", "Live/a");
     input_.recorded.push_back(
-        {path("Rock", "Live/a"), os::Join(Folder("Rock"), "Live"), "Music/Live/a", ToLocalTime(kTime - 5)});
+        {path("Rock", "Live/a"), os::Join(Folder("Rock"), "Live"), "Music/Live/a", os::ToLocalTime(kTime - 5)});
     const FilePlan found = plan();
     ASSERT_THAT(found.copies, SizeIs(1));
     EXPECT_EQ(found.copies[0].file.phonePath, "Music/Live/a");
@@ -347,7 +348,7 @@ TEST_F(PlanTest, RootOfADrive_HasAName)
 {
     FolderScan& root = given("root");
     root.path = os::kSeparator == '/' ? "/" : "D:\\";
-    root.files.push_back({os::Join(root.path, "a"), "a", 1, {kTime, 0}, ToLocalTime(kTime)});
+    root.files.push_back({os::Join(root.path, "a"), "a", 1, {kTime, 0}, os::ToLocalTime(kTime)});
     EXPECT_THAT(places(plan().copies), ElementsAre(os::kSeparator == '/' ? "Music/root/a" : "Music/D/a"));
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/dates.h"
+#include "os/local_time.h"
 
 namespace kesta {
 namespace {
@@ -89,11 +90,11 @@ TEST(DatesTest, FormatLocalTime_WritesTheCalendar)
 
 TEST(DatesTest, ToLocalTime_KnowsItsYears)
 {
-    const auto time = ToLocalTime(1'000'000'000);  // 9 September 2001, 01:46:40 UTC
+    const auto time = os::ToLocalTime(1'000'000'000);  // 9 September 2001, 01:46:40 UTC
     ASSERT_TRUE(time);
     EXPECT_LE(std::abs(*time - (37143LL * 86400 + 6400)), 15 * 3600) << "no time zone is further away";
-    EXPECT_FALSE(ToLocalTime(400'000'000'000));
-    EXPECT_FALSE(ToLocalTime(-70'000'000'000));
+    EXPECT_FALSE(os::ToLocalTime(400'000'000'000));
+    EXPECT_FALSE(os::ToLocalTime(-70'000'000'000));
 }
 
 }  // namespace

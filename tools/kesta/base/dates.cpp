@@ -6,8 +6,6 @@
 #include <chrono>
 #include <cmath>
 
-#include "os/system.h"
-
 namespace kesta {
 namespace {
 
@@ -134,14 +132,10 @@ std::optional<LocalTime> ParseLocalTime(std::string_view text)
     return days * kSecondsPerDay + *seconds;
 }
 
-std::optional<LocalTime> ToLocalTime(int64_t utcSeconds)
+bool IsStorable(LocalTime time)
 {
-    const auto time = os::LocalSeconds(utcSeconds);
-    if (!time) {
-        return std::nullopt;
-    }
-    const int64_t day = Split(*time).day;
-    return day >= kFirstDay && day <= kLastDay ? time : std::nullopt;
+    const int64_t day = Split(time).day;
+    return day >= kFirstDay && day <= kLastDay;
 }
 
 }  // namespace kesta

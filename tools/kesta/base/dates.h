@@ -21,7 +21,7 @@ using LocalTime = int64_t;
 /// "2026-01-31", or with the time of day after a blank or T: "2026-01-31 23:59", "2026-01-31 23:59:58". std::nullopt
 /// for any other text and for a day that there is not, or that the database cannot hold.
 [[nodiscard]] std::optional<LocalTime> ParseLocalTime(std::string_view text);
-/// A moment given in UTC as the database would keep it; std::nullopt when it lies outside the years that they can hold.
-[[nodiscard]] std::optional<LocalTime> ToLocalTime(int64_t utcSeconds);
+/// Whether it lies in the years 100 to 9999, which the database can hold.
+[[nodiscard]] bool IsStorable(LocalTime time);
 
 }  // namespace kesta

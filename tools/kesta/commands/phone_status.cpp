@@ -71,17 +71,6 @@ std::string LogText(const LogStatus& log)
     return fmt::format("{} {} on the phone", log.entries, log.entries == 1 ? "entry" : "entries");
 }
 
-std::string BackupsText(const PhoneStatus& status)
-{
-    if (!status.backups) {
-        return "the database has no table for backups";
-    }
-    if (status.backups->empty()) {
-        return "none";
-    }
-    return Counted(status.backups->size(), "archive");
-}
-
 std::string FolderTables(const PhoneStatus& status)
 {
     std::string text;
@@ -270,7 +259,9 @@ std::string ToText(const PhoneStatus& status)
     for (const auto& [kind, log] : status.logs) {
         line(std::string(TitleOf(kind)).c_str(), LogText(log));
     }
-    line("Backups", BackupsText(status));
+    if (status.backups) {
+        line("Backups", status.backups->empty() ? "none" : Counted(status.backups->size(), "archive"));
+    }
     return text + FolderTables(status) + PlaylistTable(status) + BackupTable(status);
 }
 

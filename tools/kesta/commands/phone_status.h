@@ -38,7 +38,7 @@ struct PhoneStatus {
     std::vector<RecordedPlaylist> playlists;
     size_t playlistFiles = 0;
     size_t bookmarks = 0;                                // of the present bookmark type
-    std::optional<std::vector<RecordedBackup>> backups;  // nothing: the database has no table for them
+    std::optional<std::vector<RecordedBackup>> backups;  // std::nullopt: no table for them
     std::map<PimKind, LogStatus> logs;
 };
 

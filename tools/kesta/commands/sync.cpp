@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "commands/command.h"
+#include "os/local_time.h"
 #include "os/system.h"
 #include "phone/marker.h"
 #include "stages/backup/backup_stage.h"
@@ -141,7 +142,7 @@ private:
 
     void recordEnd(Database& database, const std::string& imei)
     {
-        const auto now = ToLocalTime(os::Now());
+        const auto now = os::ToLocalTime(os::Now());
         const int code = static_cast<int>(report_.summary.exitCode());
         const Result result = now ? database.setLastSync(imei, *now, code) : Result(1);
         if (!result.ok()) {

@@ -12,6 +12,7 @@
 #include "database/main_folders.h"
 #include "database/pim.h"
 #include "database/playlists.h"
+#include "os/local_time.h"
 #include "report/summary.h"
 #include "stages/pim/pim_entry.h"
 
@@ -328,7 +329,7 @@ PcEntry ReadPcEntry(const std::string& given)
                  : info.kind == os::FileKind::kDirectory ? PcEntry::Kind::kFolder
                                                          : PcEntry::Kind::kOther;
     entry.size = info.size;
-    entry.modified = ToLocalTime(info.modified.seconds);
+    entry.modified = os::ToLocalTime(info.modified.seconds);
     return entry;
 }
 

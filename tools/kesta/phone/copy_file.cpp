@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "base/names.h"
+#include "phone/names.h"
 
 namespace kesta {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "base/names.h"
+#include "phone/names.h"
 
 namespace kesta {
 namespace {

@@ -1,8 +1,8 @@
 #include "state/state_file.h"
 
-#include "base/names.h"
 #include "os/files.h"
 #include "os/system.h"
+#include "phone/names.h"
 
 namespace kesta {
 namespace {

@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <exception>
 
-#include "base/names.h"
+#include "os/local_time.h"
 #include "os/system.h"
+#include "phone/names.h"
 
 namespace kesta {
 
@@ -151,7 +152,7 @@ bool Executor::writeText(const Change& change, Written& written)
     os::FileInfo info;
     written.size = change.text.size();
     if (os::ReadInfo(path, info).ok()) {
-        written.modified = ToLocalTime(info.modified.seconds);
+        written.modified = os::ToLocalTime(info.modified.seconds);
     }
     return true;
 }
@@ -171,7 +172,7 @@ bool Executor::copy(const Change& change, Written& written)
     if (result.outcome == CopyOutcome::kDone) {
         timesLost_ += result.timeKept ? 0u : 1u;
         written.size = result.source.size;
-        written.modified = ToLocalTime(result.source.modified.seconds);
+        written.modified = os::ToLocalTime(result.source.modified.seconds);
         return true;
     }
     if (!request.mayReplace) {

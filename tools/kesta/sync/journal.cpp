@@ -6,7 +6,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "base/names.h"
+#include "phone/names.h"
 #include "phone/phone_layout.h"
 
 namespace kesta {

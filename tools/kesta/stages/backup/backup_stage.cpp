@@ -4,10 +4,11 @@
 
 #include <algorithm>
 
-#include "base/names.h"
 #include "base/text.h"
 #include "database/backups.h"
+#include "os/local_time.h"
 #include "os/system.h"
+#include "phone/names.h"
 #include "stages/backup/archive_writer.h"
 
 namespace kesta {
@@ -92,7 +93,7 @@ bool BackupStage::chooseArchive(Session& session)
         session.report.fail(given, "the folder for backups cannot be used: " + status.text());
         return false;
     }
-    const auto now = ToLocalTime(os::Now());
+    const auto now = os::ToLocalTime(os::Now());
     if (!now) {
         session.report.fail(given, "the PC's clock is out of order, so the backup has no date");
         return false;
@@ -163,7 +164,7 @@ void BackupStage::record(Session& session) const
     }
     constexpr const char* kWholePhone = "/";
     const RecordedBackup backup{-1, archive_, kWholePhone, static_cast<int64_t>(info.size),
-                                ToLocalTime(info.modified.seconds)};
+                                os::ToLocalTime(info.modified.seconds)};
     if (!backups.add(session.imei, backup)) {
         session.report.fail(archive_, "it is complete, but cannot be recorded in the database");
     }

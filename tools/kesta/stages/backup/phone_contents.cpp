@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/names.h"
+#include "phone/names.h"
 
 namespace kesta {
 namespace {

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "base/names.h"
+#include "phone/names.h"
 #include "phone/phone_layout.h"
 
 namespace kesta {

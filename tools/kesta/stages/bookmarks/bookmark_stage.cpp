@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include "base/text.h"
-#include "base/unique_name.h"
 #include "phone/phone_layout.h"
+#include "phone/unique_name.h"
 
 namespace kesta {
 namespace {

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <limits>
 
-#include "base/names.h"
 #include "base/text.h"
 #include "os/system.h"
+#include "phone/names.h"
 
 namespace kesta {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "base/unique_name.h"
+#include "phone/unique_name.h"
 
 namespace kesta {
 namespace {

@@ -5,7 +5,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "base/names.h"
+#include "phone/names.h"
 #include "stages/media/phone_names.h"
 
 namespace kesta {

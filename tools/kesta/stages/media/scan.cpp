@@ -4,6 +4,8 @@
 #include <deque>
 #include <set>
 
+#include "os/local_time.h"
+
 namespace kesta {
 namespace {
 
@@ -90,7 +92,7 @@ private:
         }
         const std::string relative = folder.relative.empty() ? entry.name : folder.relative + '/' + entry.name;
         if (info.kind == os::FileKind::kFile) {
-            scan_.files.push_back({path, relative, info.size, info.modified, ToLocalTime(info.modified.seconds)});
+            scan_.files.push_back({path, relative, info.size, info.modified, os::ToLocalTime(info.modified.seconds)});
             scan_.totalSize += info.size;
         } else if (info.kind == os::FileKind::kDirectory && !entry.isLink) {
             folders_.push_back({path, relative, info.id});

@@ -8,6 +8,7 @@
 #include "formats/digest.h"
 #include "formats/icalendar.h"
 #include "formats/vcard.h"
+#include "os/local_time.h"
 
 namespace kesta {
 namespace {
@@ -29,7 +30,7 @@ bool IsDigest(std::string_view text, size_t length)
 
 std::optional<LocalTime> TimeOf(const std::optional<int64_t>& utcSeconds)
 {
-    return utcSeconds ? ToLocalTime(*utcSeconds) : std::nullopt;
+    return utcSeconds ? os::ToLocalTime(*utcSeconds) : std::nullopt;
 }
 
 }  // namespace

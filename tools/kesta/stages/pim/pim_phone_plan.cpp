@@ -7,7 +7,8 @@
 #include <map>
 #include <optional>
 
-#include "base/unique_name.h"
+#include "os/local_time.h"
+#include "phone/unique_name.h"
 #include "stages/pim/pim_text.h"
 
 namespace kesta {
@@ -210,7 +211,7 @@ private:
         for (const PimLogRow& row : rows) {
             recorded = std::max(recorded, row.phoneTime);
         }
-        const auto time = ToLocalTime(there.modifiedSeconds);
+        const auto time = os::ToLocalTime(there.modifiedSeconds);
         return recorded && time && std::abs(*recorded - *time) <= kTimeTolerance;
     }
 

@@ -11,6 +11,7 @@
 #include "formats/icalendar.h"
 #include "formats/vcard.h"
 #include "os/files.h"
+#include "os/local_time.h"
 
 namespace kesta {
 namespace {
@@ -40,7 +41,7 @@ public:
     void add(std::string_view uid, std::string bytes, std::string digest, const std::optional<int64_t>& modifiedUtc)
     {
         const size_t copy = ++copies_[std::string(uid)];
-        std::optional<LocalTime> modified = modifiedUtc ? ToLocalTime(*modifiedUtc) : std::nullopt;
+        std::optional<LocalTime> modified = modifiedUtc ? os::ToLocalTime(*modifiedUtc) : std::nullopt;
         if (!modified) {
             modified = fileTime_;
         }
@@ -129,7 +130,7 @@ PimSource ReadPimSource(PimKind kind, const std::string& canonicalPath)
         }
         isSteady = before.size == after.size && before.modified == after.modified && contents.size() == after.size;
     }
-    PimSource source = MakePimSource(kind, canonicalPath, contents, ToLocalTime(after.modified.seconds));
+    PimSource source = MakePimSource(kind, canonicalPath, contents, os::ToLocalTime(after.modified.seconds));
     if (isSteady) {
         return source;
     }

@@ -7,9 +7,10 @@
 #include <set>
 #include <unordered_map>
 
-#include "base/names.h"
 #include "base/text.h"
+#include "os/local_time.h"
 #include "os/system.h"
+#include "phone/names.h"
 
 namespace kesta {
 namespace {
@@ -374,7 +375,7 @@ void PimStage::addFileChanges(PimWork& work, Tally& tally, Plan& plan)
             std::optional<LocalTime> modified = written.modified;
             os::FileInfo info;
             if (file.action == PimFileAction::kRecord && os::ReadInfo(phone_.native(file.phonePath), info).ok()) {
-                modified = ToLocalTime(info.modified.seconds);
+                modified = os::ToLocalTime(info.modified.seconds);
             }
             for (PimLogRow& row : file.rows) {
                 if (!row.phoneTime) {

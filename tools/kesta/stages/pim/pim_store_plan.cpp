@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "base/unique_name.h"
+#include "phone/unique_name.h"
 
 namespace kesta {
 namespace {

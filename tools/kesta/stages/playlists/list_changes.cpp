@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/names.h"
+#include "phone/names.h"
 #include "phone/phone_layout.h"
 
 namespace kesta {

@@ -7,6 +7,7 @@
 
 #include "base/text.h"
 #include "formats/ascii.h"
+#include "os/local_time.h"
 
 namespace kesta {
 namespace {
@@ -136,7 +137,7 @@ private:
         member.found = true;
         member.size = info.size;
         member.modified = info.modified;
-        member.localTime = ToLocalTime(info.modified.seconds);
+        member.localTime = os::ToLocalTime(info.modified.seconds);
         return member;
     }
 

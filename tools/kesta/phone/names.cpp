@@ -1,4 +1,4 @@
-#include "base/names.h"
+#include "phone/names.h"
 
 #include <fmt/format.h>
 

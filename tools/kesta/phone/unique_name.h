@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "base/names.h"
+#include "phone/names.h"
 
 namespace kesta {
 
