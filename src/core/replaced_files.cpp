@@ -23,8 +23,9 @@ constexpr std::array<std::string_view, 3> kParts = {"", "-journal", "-wal"};
 /// "YYYYMMDD-HHMMSS", local time.
 std::string Stamp(int64_t seconds)
 {
+    const DateText date = FormatDateTime(DateFromTime(seconds));
     std::string stamp;
-    for (const char c : FormatDateTime(DateFromTime(seconds)).view()) {
+    for (const char c : date.view()) {
         if (c == ' ') {
             stamp += '-';
         } else if (c >= '0' && c <= '9') {
