@@ -26,14 +26,16 @@ public:
     explicit DateBlock(std::string_view text)
     {
         std::memcpy(&digits_, text.data() + kPlace, sizeof digits_);
-        digits_ ^= Form();
+        constexpr uint64_t kForm = Form();  // Clang 14 takes no consteval function of a template
+        digits_ ^= kForm;
     }
 
     /// Whether there are digits, and between them what the form has there.
     [[nodiscard]] bool isWellFormed() const
     {
         constexpr uint64_t kBeyondNine = kEach * (0x80 - 10);  // sets the high bit of what is 10 or more
-        return ((digits_ | (digits_ + kBeyondNine)) & kEach * 0x80) == 0 && (digits_ & Separators()) == 0;
+        constexpr uint64_t kSeparators = Separators();
+        return ((digits_ | (digits_ + kBeyondNine)) & kEach * 0x80) == 0 && (digits_ & kSeparators) == 0;
     }
 
     /// The number that two digits of the text make.
@@ -46,7 +48,7 @@ public:
 private:
     static constexpr uint64_t kEach = 0x0101010101010101;
 
-    static consteval uint64_t Form()
+    static constexpr uint64_t Form()
     {
         uint64_t form = 0;
         for (size_t i = 0; i < sizeof form; ++i) {
@@ -54,7 +56,7 @@ private:
         }
         return form;
     }
-    static consteval uint64_t Separators()
+    static constexpr uint64_t Separators()
     {
         uint64_t separators = 0;
         for (size_t i = 0; i < sizeof separators; ++i) {
