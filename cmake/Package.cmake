@@ -45,24 +45,21 @@ endif()
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libkesta-db${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "records of a phone-sync suite - library
- Which phones a PC has met and how each is set up, which folders, files,
- playlists, bookmarks, contacts and calendars have been synced to them, in
- one SQLite file. This package has the shared library.")
+set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "Which phones a PC has met and how each is set up, which folders, files,
+playlists, bookmarks, contacts and calendars have been synced to them, in
+one SQLite file. This package has the shared library.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkesta-db-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${PROJECT_VERSION})")
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "records of a phone-sync suite - development files
- What programs in C and C++ need to use the library: the headers, and what
- CMake and pkg-config read.")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "What programs in C and C++ need to use the library: the headers, and what
+CMake and pkg-config read.")
 
 set(CPACK_DEBIAN_CLIENT_PACKAGE_NAME kesta)
 set(CPACK_DEBIAN_CLIENT_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_CLIENT_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (>= ${PROJECT_VERSION})")
-set(CPACK_COMPONENT_CLIENT_DESCRIPTION "brings a phone up to date with the PC
- Copies folders, playlists, bookmarks, contacts and calendars to a mounted
- phone and shows what is recorded about it.")
+set(CPACK_COMPONENT_CLIENT_DESCRIPTION "Copies folders, playlists, bookmarks, contacts and calendars to a mounted
+phone and shows what is recorded about it.")
 
 # Each package has its own folder of documents.
 find_program(KESTA_GZIP gzip REQUIRED)
@@ -73,7 +70,7 @@ foreach(component RUNTIME DEVELOPMENT CLIENT)
     install(FILES ${documents}/copyright ${documents}/changelog.gz
         DESTINATION share/doc/${CPACK_DEBIAN_${component}_PACKAGE_NAME} COMPONENT ${name})
 endforeach()
-# The linker's cache is brought up to date by what dpkg itself does for libraries.
+# Debian brings the linker's cache up to date by this.
 file(WRITE ${documents}/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${documents}/triggers)
 if(KESTA_BUILD_TOOLS)
