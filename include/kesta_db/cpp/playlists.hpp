@@ -11,6 +11,9 @@
 #if defined(_WIN32)
 // The allocator that the library and its callers share; declared here so that <windows.h> stays out.
 extern "C" __declspec(dllimport) void __stdcall CoTaskMemFree(void* memory);
+#if defined(_MSC_VER)
+#pragma comment(lib, "ole32")
+#endif
 #endif
 
 namespace kesta_db {
