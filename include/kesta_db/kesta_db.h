@@ -544,7 +544,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_LIB_GetAllMainFolders(MainFolderList *list
 
 /**
  * Tells which of the music, gallery, document and web bookmark folders changed since the last call, and resets that.
- * Only ID and Changed of the four elements are filled. Adding a media folder of any category marks music as changed.
+ * Only ID and Changed of the four elements are filled. Adding a media folder of any category changes music.
  * Takes no lock and writes no entry or exit line: a change made by another thread at this very moment may be missed.
  *
  * @param list  emptied, then filled with four elements; untouched when the database is not open
@@ -772,7 +772,7 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_MUSIC_GetSyncedFiles(const DbChar *imei, c
                                                           SyncedFileList *list);
 
 /**
- * Records that a file of a music folder has been copied to the phone, and clears the folder's mark "nothing synced
+ * Records that a file of a music folder has been copied to the phone, and clears the folder's flag "nothing synced
  * yet". A file already recorded is left as it was.
  *
  * @param file  Path, BasePath, PhonePath and ModifiedTime are read; the texts stay the caller's
@@ -1162,22 +1162,22 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_GetSyncedMarks(const DbChar *imei
  * Reads one bookmark.
  *
  * @param url   ASCII on Windows: another one is not found. DB_BOOKMARK_GetSyncedMarks has them all
- * @param mark  its texts are freed first, whatever the result, so it must start zeroed; Id, Flag and Type stay as they
+ * @param bookmark  its texts are freed first, whatever the result, so it must start zeroed; Id, Flag and Type stay as they
  *              are when nothing is found. To free the texts, pass it again with an unknown URL; none of them may be
  *              passed as imei or url
  * @return 0 filled; 1 not recorded, or the query failed
  */
 KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_GetSyncedMark(const DbChar *imei, const DbChar *url,
-                                                             BookmarkRecord *mark);
+                                                             BookmarkRecord *bookmark);
 
 /**
  * Records that a bookmark has been synced.
  *
- * @param mark  Title, Path, PhoneMID, Id and Flag are read; the texts stay the caller's
+ * @param bookmark  Title, Path, PhoneMID, Id and Flag are read; the texts stay the caller's
  * @return 0 recorded; 1 unknown phone or closed database; 19 already recorded; any other SQLite code as the insert gave
  *         it
  */
-KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetAddedMark(const DbChar *imei, const BookmarkRecord *mark);
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetAddedMark(const DbChar *imei, const BookmarkRecord *bookmark);
 
 /**
  * Records that a bookmark has been removed.
@@ -1189,10 +1189,10 @@ KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetDeletedMark(const DbChar *imei
 /**
  * Records that a bookmark has been changed.
  *
- * @param mark  Path selects; Title, PhoneMID and Flag are written
+ * @param bookmark  Path selects; Title, PhoneMID and Flag are written
  * @return 0 done, also when it was not recorded; 1 unknown phone, or the statement failed
  */
-KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetUpdatedMark(const DbChar *imei, const BookmarkRecord *mark);
+KESTA_DB_API int32_t KESTA_DB_CALL DB_BOOKMARK_SetUpdatedMark(const DbChar *imei, const BookmarkRecord *bookmark);
 
 /** @} */
 

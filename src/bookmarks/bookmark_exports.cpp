@@ -1,5 +1,5 @@
 // DB_BOOKMARK_*: the web bookmarks synced to a phone.
-#include "bookmarks/marks.h"
+#include "bookmarks/bookmarks.h"
 #include "core/call_frame.h"
 #include "core/list.h"
 #include "kesta_db/kesta_db.h"
@@ -38,22 +38,22 @@ extern "C" int32_t DB_BOOKMARK_GetSyncedMarks(const DbChar* imei, BookmarkList* 
         [&](Routine self) { return bookmarks::GetSyncedMarks(self, imei, *list); });
 }
 
-extern "C" int32_t DB_BOOKMARK_GetSyncedMark(const DbChar* imei, const DbChar* url, BookmarkRecord* mark)
+extern "C" int32_t DB_BOOKMARK_GetSyncedMark(const DbChar* imei, const DbChar* url, BookmarkRecord* bookmark)
 {
     static constexpr Export kSelf = {__func__};
     return RunExport(
         kSelf, [&] { DbTrace(kEnterLower, Name{kSelf.name}, Plain{imei}, Plain{url}); },
         // Deliberate: the numbers keep what the caller gave.
-        [&] { Element<BookmarkRecord>::destroy(Required(mark)); },
-        [&](Routine self) { return bookmarks::GetSyncedMark(self, imei, url, *mark); });
+        [&] { Element<BookmarkRecord>::destroy(Required(bookmark)); },
+        [&](Routine self) { return bookmarks::GetSyncedMark(self, imei, url, *bookmark); });
 }
 
-extern "C" int32_t DB_BOOKMARK_SetAddedMark(const DbChar* imei, const BookmarkRecord* mark)
+extern "C" int32_t DB_BOOKMARK_SetAddedMark(const DbChar* imei, const BookmarkRecord* bookmark)
 {
     static constexpr Export kSelf = {__func__};
     return RunExport(
-        kSelf, [&] { DbTrace(kEnterUpper, Name{kSelf.name}, Plain{imei}, Plain{Required(mark).Path}); },
-        [&](Routine self) { return bookmarks::SetAddedMark(self, imei, *mark); });
+        kSelf, [&] { DbTrace(kEnterUpper, Name{kSelf.name}, Plain{imei}, Plain{Required(bookmark).Path}); },
+        [&](Routine self) { return bookmarks::SetAddedMark(self, imei, *bookmark); });
 }
 
 extern "C" int32_t DB_BOOKMARK_SetDeletedMark(const DbChar* imei, const DbChar* url)
@@ -64,10 +64,10 @@ extern "C" int32_t DB_BOOKMARK_SetDeletedMark(const DbChar* imei, const DbChar* 
         [&](Routine self) { return bookmarks::SetDeletedMark(self, imei, url); });
 }
 
-extern "C" int32_t DB_BOOKMARK_SetUpdatedMark(const DbChar* imei, const BookmarkRecord* mark)
+extern "C" int32_t DB_BOOKMARK_SetUpdatedMark(const DbChar* imei, const BookmarkRecord* bookmark)
 {
     static constexpr Export kSelf = {__func__};
     return RunExport(
-        kSelf, [&] { DbTrace(kEnterLower, Name{kSelf.name}, Plain{imei}, Plain{Required(mark).Path}); },
-        [&](Routine self) { return bookmarks::SetUpdatedMark(self, imei, *mark); });
+        kSelf, [&] { DbTrace(kEnterLower, Name{kSelf.name}, Plain{imei}, Plain{Required(bookmark).Path}); },
+        [&](Routine self) { return bookmarks::SetUpdatedMark(self, imei, *bookmark); });
 }

@@ -128,7 +128,7 @@ public:
     Statement prepare(const char* text) noexcept;
 
     /// A number that changes when this connection has changed the file, or notices that another one has, which it does
-    /// when a statement takes the file's lock; none when SQLite does not say.
+    /// when a statement takes the file's lock; none if SQLite does not say.
     [[nodiscard]] std::optional<uint64_t> dataVersion() const noexcept;
 
     [[nodiscard]] int64_t lastInsertRowId() const noexcept;

@@ -30,7 +30,7 @@ private:
 };
 
 /// The version of the file; -1 when it holds none or is no valid database, which is said only after every byte of it
-/// could be read. None when it cannot be told for now, because the file is locked or the system failed to read it.
+/// could be read. None if it cannot be told for now, because the file is locked or the system failed to read it.
 std::optional<int32_t> ReadDatabaseVersion(const DatabasePath& path);
 
 /// Lets go of what an earlier creation has left half made, before the file is used: whoever records something in it

@@ -25,7 +25,7 @@ private:
 DateText FormatDateTime(const DateValue& date) noexcept;
 
 /// Parses a zero-terminated text as the user writes dates; null is taken as empty.
-/// What is no date gives 0.0 and invalid, any other failure -1.0 and invalid.
+/// What is not a date gives 0.0 and invalid, any other failure -1.0 and invalid.
 DateValue ParseDateTime(const DbChar* text) noexcept;
 
 /// Reads "YYYY-MM-DD HH:MM:SS", the form in which dates are stored; false for any other text.

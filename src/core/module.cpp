@@ -44,7 +44,7 @@ void Module::start() noexcept
 void Module::end() noexcept
 {
     // A process may end while one of its threads is in the middle of a call. What that call uses is then left to it and
-    // to the system; the journal keeps the file sound.
+    // to the system; the journal keeps the file valid.
     if (callsInside_.load(std::memory_order_acquire) != 0) {
         return;
     }

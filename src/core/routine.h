@@ -76,7 +76,7 @@ public:
         return rows.prepared() && rows.step() ? rows.int32(0) : otherwise;
     }
 
-    /// What a query counts, 0 without a row; none when it cannot be prepared.
+    /// What a query counts, 0 without a row; none if it cannot be prepared.
     std::optional<int32_t> count(int position, const Sql& sql)
     {
         Statement rows = prepare(position, sql);

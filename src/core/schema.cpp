@@ -148,14 +148,14 @@ SqliteCode Seed(Connection& db, bool& complete)
 
 ResultCode DB_INTERNAL_Create(const char* utf8Path, bool& complete)
 {
-    constexpr Trail trail("DB_INTERNAL_Create");
+    const Trail trail("DB_INTERNAL_Create");
     complete = false;
     Connection db;
     if (db.open(utf8Path) != SqliteCode::kOk) {
         trail.error(1);
         return ResultCode::kFailure;
     }
-    // No transaction: what a failing statement leaves behind has no sound version and is thrown away at the next start.
+    // No transaction: what a failing statement leaves behind has no valid version and is thrown away at the next start.
     if (db.exec(kSchema) != SqliteCode::kOk) {
         trail.error(2);
         return ResultCode::kFailure;

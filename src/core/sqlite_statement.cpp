@@ -145,8 +145,8 @@ void Statement::bindText(int parameter, const DbChar* text)
     }
     // SQLite copies here, for the repaired text does not outlive the call. Otherwise it would mistake a lone surrogate
     // and its neighbour for a pair.
-    const std::basic_string<DbChar> sound = ReplaceLoneSurrogates({text, length});
-    noteBinding(sqlite3_bind_text16(statement_, parameterOf(parameter), sound.data(),
+    const std::basic_string<DbChar> valid = ReplaceLoneSurrogates({text, length});
+    noteBinding(sqlite3_bind_text16(statement_, parameterOf(parameter), valid.data(),
                                     static_cast<int>(length * sizeof(DbChar)), SQLITE_TRANSIENT));
 }
 

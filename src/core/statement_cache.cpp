@@ -54,7 +54,7 @@ struct Values {
 /// Whether an apostrophe in a text would mean something other than itself in the statement.
 bool EndsQuote(const SqlArgument& text, std::string_view narrow)
 {
-    // In an ANSI code page a character may become an apostrophe that was none when the text was escaped.
+    // In an ANSI code page escaping has not seen the apostrophe that another character may become.
     return text.kind != Kind::kEscaped && std::memchr(narrow.data(), '\'', narrow.size()) != nullptr;
 }
 

@@ -2,7 +2,7 @@
 // of written in, whenever that comes to the same. A sync runs the same few statements thousands of times, and compiling
 // one costs several times what running it does.
 //
-// What a caller can tell stays as if every statement came as text. So a kept statement is used only while no other
+// What a caller can tell stays as if every statement came as text. So a cached statement is used only while no other
 // connection has changed the file since it was compiled: as text it would compile against that same schema. After a
 // change all are dropped, and a table that has gone is noticed where it is for a text, when the statement is prepared.
 #pragma once

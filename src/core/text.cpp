@@ -27,15 +27,15 @@ std::basic_string<DbChar> ReplaceLoneSurrogates(std::basic_string_view<DbChar> t
     constexpr auto kReplacement = static_cast<DbChar>(0xFFFD);
     const auto isLead = [](DbChar unit) { return unit >= 0xD800 && unit < 0xDC00; };
     const auto isTrail = [](DbChar unit) { return unit >= 0xDC00 && unit < 0xE000; };
-    std::basic_string<DbChar> sound(text);
-    for (size_t i = 0; i < sound.size(); ++i) {
-        if (isLead(sound[i]) && i + 1 < sound.size() && isTrail(sound[i + 1])) {
+    std::basic_string<DbChar> valid(text);
+    for (size_t i = 0; i < valid.size(); ++i) {
+        if (isLead(valid[i]) && i + 1 < valid.size() && isTrail(valid[i + 1])) {
             ++i;
-        } else if (isLead(sound[i]) || isTrail(sound[i])) {
-            sound[i] = kReplacement;
+        } else if (isLead(valid[i]) || isTrail(valid[i])) {
+            valid[i] = kReplacement;
         }
     }
-    return sound;
+    return valid;
 }
 
 }  // namespace kesta

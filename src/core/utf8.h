@@ -29,7 +29,7 @@ inline ptrdiff_t WidenMixedBlock(const unsigned char* __restrict text, DbChar* _
 }
 
 /// Converts the text into `out`, which has room for as many code units as the text has bytes. Returns how many they
-/// are; nothing when the text is not sound UTF-8, or holds one of the two that SQLite's versions read differently.
+/// are; nothing if the text is not valid UTF-8, or holds one of the two that SQLite's versions read differently.
 inline std::optional<size_t> WidenUtf8(std::string_view text, DbChar* out) noexcept
 {
     const auto* byte = reinterpret_cast<const unsigned char*>(text.data());

@@ -28,7 +28,7 @@ namespace library {
 
 ResultCode UpdateMainFolderInfo(Connection& db, const MainFolderRecord& folder)
 {
-    constexpr Trail trail("DB_INTERNAL_LIB_UpdateMainFolderInfo");
+    const Trail trail("DB_INTERNAL_LIB_UpdateMainFolderInfo");
     SqlText sql(db.textBuffer());
     sql.append(WideSql("UPDATE tLibMainFolder SET"));
     const char* separator = " ";

@@ -1,4 +1,4 @@
-// The main library folders: their rows and the marks of what changed. The routines run under the lock of their callers.
+// The main library folders: their rows and the flags of what changed. The routines run under the lock of their callers.
 #pragma once
 
 #include <atomic>

@@ -41,7 +41,7 @@ ResultCode SetFolderSelected(Routine self, const DbChar* imei, int32_t folderId,
 ResultCode SetLastSyncTime(Routine self, const DbChar* imei, const DateValue& lastTime, int32_t errCode,
                            int32_t needMount)
 {
-    // Deliberate: day zero is the mark for "no time", whatever its status.
+    // Deliberate: day zero is the sentinel for "no time", whatever its status.
     if (lastTime.Days == 0.0) {
         return self.run(1, NarrowSql("UPDATE tPhone SET [ErrCode] = %d, [NeedMount] = %d WHERE [IMEI] = '%s';", errCode,
                                      needMount, Ansi{imei}));

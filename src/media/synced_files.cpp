@@ -48,7 +48,7 @@ union Eternal {
 Eternal eternal;
 FolderIndex& folderIndex = eternal.index;
 
-/// The files of a folder whose rows are known; none when the statements have to be asked.
+/// The files of a folder whose rows are known; none if the statements have to be asked.
 std::optional<ResultCode> ReadKnownRows(Routine self, const DbChar* imei, const MediaTables& tables,
                                         const DbChar* folder, SyncedFileList& list)
 {

@@ -15,7 +15,7 @@ namespace kesta {
 
 class IdArea {
 public:
-    /// `slots` has room for the end mark too.
+    /// `slots` has room for the sentinel too.
     explicit constexpr IdArea(std::span<int32_t> slots) : slots_(slots) {}
 
     /// False when the area is full.

@@ -130,7 +130,7 @@ TEST_F(BackupRecords, AddBackup_InsertFails_TracesPositionThree)
                                           "Exit DB_BACKUP_AddBackup() with 1."));
 }
 
-/// A number of -1 is the mark for "none": such a row is refreshed, and then a second one is inserted.
+/// A number of -1 is the sentinel for "none": such a row is refreshed, and then a second one is inserted.
 TEST_F(BackupRecords, AddBackup_KnownPathUnderMinusOne_IsInsertedAgain)
 {
     sql.exec("INSERT INTO tBackups VALUES (-1, 1, 'C:\\1', 'old', 1, '')");

@@ -12,7 +12,7 @@ constexpr char kExit[] = "Exit DB_BOOKMARK_GetSyncedMarks() with 0.";
 
 class BookmarkLists : public FamilyExports {
 protected:
-    void givenMarks() const
+    void givenBookmarks() const
     {
         sql.exec(
             "INSERT INTO tBFile VALUES (1, 'A', 'http://a/', 'm1', 3, 4, 1), (1, NULL, 'http://b/', '', 5, NULL, "
@@ -24,7 +24,7 @@ protected:
 
 TEST_F(BookmarkLists, GetSyncedMarks_PresentType_IsListedWithoutIdAndType)
 {
-    givenMarks();
+    givenBookmarks();
     BookmarkList list = {};
     EXPECT_EQ(get(list), 0);
     EXPECT_THAT(Records(list), ElementsAre("A|http://a/|m1|0|4|0", "<null>|http://b/|<null>|0|0|0"));
@@ -35,7 +35,7 @@ TEST_F(BookmarkLists, GetSyncedMarks_PresentType_IsListedWithoutIdAndType)
     EXPECT_THAT(Records(list), ElementsAre("C|http://c/|m3|0|8|0"));
 }
 
-TEST_F(BookmarkLists, GetSyncedMarks_NoMarks_IsEmpty)
+TEST_F(BookmarkLists, GetSyncedMarks_NoBookmarks_IsEmpty)
 {
     BookmarkList list = {};
     EXPECT_EQ(get(list), 0);
@@ -46,7 +46,7 @@ TEST_F(BookmarkLists, GetSyncedMarks_NoMarks_IsEmpty)
 
 TEST_F(BookmarkLists, GetSyncedMarks_UnknownPhone_EmptiesTheListAndSucceeds)
 {
-    givenMarks();
+    givenBookmarks();
     BookmarkList list = {};
     AliveMemory memory;
     ASSERT_EQ(get(list), 0);
@@ -71,7 +71,7 @@ TEST_F(BookmarkLists, GetSyncedMarks_CountFails_TracesPositionOne)
 
 TEST_F(BookmarkLists, GetSyncedMarks_CountYieldsNoRow_IsEmptyAndSucceeds)
 {
-    givenMarks();
+    givenBookmarks();
     givenView("SELECT IMEI, [Type] FROM tPhone, tBFile WHERE abs(-9223372036854775807 - [tPhone].[ID]) > 0");
     BookmarkList list = {};
     EXPECT_EQ(get(list), 0);
@@ -81,7 +81,7 @@ TEST_F(BookmarkLists, GetSyncedMarks_CountYieldsNoRow_IsEmptyAndSucceeds)
 
 TEST_F(BookmarkLists, GetSyncedMarks_RowQueryFails_TracesPositionThreeAndKeepsTheArray)
 {
-    givenMarks();
+    givenBookmarks();
     givenView("SELECT IMEI, [Type], [Path] FROM tPhone, tBFile WHERE tPhone.[ID] = [PhoneID]");
     BookmarkList list = {};
     EXPECT_EQ(get(list), 1);
@@ -93,7 +93,7 @@ TEST_F(BookmarkLists, GetSyncedMarks_RowQueryFails_TracesPositionThreeAndKeepsTh
 
 TEST_F(BookmarkLists, GetSyncedMarks_ReadingARowFails_GivesTheStepsCodeAndTheRowsBefore)
 {
-    givenMarks();
+    givenBookmarks();
     givenView(
         "SELECT IMEI, [Path], [Title], [Flag], [Type], CASE WHEN [Path] = 'http://b/' THEN zeroblob(2000000000) "
         "ELSE [PhoneMID] END AS [PhoneMID] FROM tPhone, tBFile WHERE tPhone.[ID] = [PhoneID]");
@@ -132,7 +132,7 @@ TEST_F(BookmarkLists, GetSyncedMarks_NullList_TakesTheExceptionWay)
 
 TEST_F(BookmarkLists, ClearAll_SeveralTypes_AllOfThePhoneGo)
 {
-    givenMarks();
+    givenBookmarks();
     EXPECT_EQ(lib.DB_BOOKMARK_ClearAll(W(kImei)), 0);
     EXPECT_EQ(sql.text("SELECT [PhoneID], [Path] FROM tBFile"), "2|http://d/");
     EXPECT_EQ(lib.DB_BOOKMARK_ClearAll(W(kImei)), 0);
@@ -143,7 +143,7 @@ TEST_F(BookmarkLists, ClearAll_SeveralTypes_AllOfThePhoneGo)
 
 TEST_F(BookmarkLists, ClearAll_UnknownPhone_Fails)
 {
-    givenMarks();
+    givenBookmarks();
     EXPECT_EQ(lib.DB_BOOKMARK_ClearAll(W("999")), 1);
     EXPECT_EQ(sql.text("SELECT count(*) FROM tBFile"), "4");
     EXPECT_THAT(trace.take(),

@@ -38,7 +38,7 @@ TEST_P(CategoryFiles, SetAddedFile_OtherPhonesFolder_KeepsItsFlag)
     EXPECT_EQ(files(), "2|C:\\A\\1|C:\\A|P:/1|2024-02-29 12:34:56");
 }
 
-TEST_P(CategoryFiles, SetAddedFile_FolderNotInTheBooks_RecordsTheFile)
+TEST_P(CategoryFiles, SetAddedFile_FolderNotRecorded_RecordsTheFile)
 {
     const SyncedFile file("C:\\A\\1", "C:\\A", "P:/1");
     EXPECT_EQ(call.SetAddedFile(W(kImei), &file), 0);

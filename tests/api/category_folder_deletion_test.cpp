@@ -48,7 +48,7 @@ TEST_P(CategoryFolderDeletion, SetFolderDeleted_FlagThreeOrFour_IsOnlyMarked)
     }
 }
 
-TEST_P(CategoryFolderDeletion, SetFolderDeleted_BackAgain_ClearsTheMarkWithoutAskingForTheFlag)
+TEST_P(CategoryFolderDeletion, SetFolderDeleted_BackAgain_ClearsTheFlagWithoutAskingForTheFlag)
 {
     givenFolder("C:\\A", /*flag=*/1, /*deleted=*/1);
     EXPECT_EQ(call.SetFolderDeleted(W(kImei), W("C:\\A"), 0), 0);
@@ -123,7 +123,7 @@ TEST_P(CategoryFolderDeletion, AddFolder_AfterItWasMarked_IsLiveAgain)
     EXPECT_EQ(folders("[Path], [Deleted], [Flag]"), "C:\\A|0|0");
 }
 
-TEST_P(CategoryFolderDeletion, SetFolderDeleted_AfterAFileWasAdded_OnlyMarks)
+TEST_P(CategoryFolderDeletion, SetFolderDeleted_AfterAFileWasAdded_OnlySetsTheFlag)
 {
     const Folder folder("C:\\A", 1);
     const SyncedFile file("C:\\A\\1", "C:\\A", "P:/1");

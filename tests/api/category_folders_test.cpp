@@ -56,7 +56,7 @@ TEST_P(CategoryFolders, AddFolder_OtherPhonesFolder_IsLeftAlone)
     EXPECT_EQ(folders("[PhoneID], [Count]"), "1|3\n2|9");
 }
 
-TEST_P(CategoryFolders, AddFolder_AnyCategory_RaisesTheMusicMark)
+TEST_P(CategoryFolders, AddFolder_AnyCategory_RaisesTheMusicFlag)
 {
     MainFolderList changes = {};
     const Folder folder("C:\\Music");
@@ -65,7 +65,7 @@ TEST_P(CategoryFolders, AddFolder_AnyCategory_RaisesTheMusicMark)
     EXPECT_EQ(ToString(changes), "1000|0|0|<null>|1\n1100|0|0|<null>|0\n1400|0|0|<null>|0\n1900|0|0|<null>|0");
 }
 
-TEST_P(CategoryFolders, AddFolder_UnknownPhone_FailsWithoutMark)
+TEST_P(CategoryFolders, AddFolder_UnknownPhone_FailsWithoutFlag)
 {
     MainFolderList changes = {};
     const Folder folder("C:\\Music");
@@ -76,7 +76,7 @@ TEST_P(CategoryFolders, AddFolder_UnknownPhone_FailsWithoutMark)
     EXPECT_EQ(changes.Items[0].Changed, 0);
 }
 
-TEST_P(CategoryFolders, AddFolder_BothStatementsFail_StillSucceedsSilentlyAndRaisesTheMark)
+TEST_P(CategoryFolders, AddFolder_BothStatementsFail_StillSucceedsSilentlyAndRaisesTheFlag)
 {
     MainFolderList changes = {};
     const Folder folder("C:\\Music");

@@ -126,7 +126,7 @@ TEST_F(ClosedDatabase, Categories_AllExports_GiveTheirPresetsWithTheEntryLineOnl
     }
 }
 
-TEST_F(ClosedDatabase, MainFoldersChanged_FolderAddedWhileClosed_RaisesNoMark)
+TEST_F(ClosedDatabase, MainFoldersChanged_FolderAddedWhileClosed_RaisesNoBookmark)
 {
     const Folder folder("p");
     EXPECT_EQ(lib.DB_MUSIC_AddFolder(W("1"), &folder), 1);

@@ -210,7 +210,7 @@ TEST_F(PosixConnection, Load_NoApplicationDataFolder_GivesAConnectionWithoutTabl
     EXPECT_TRUE(fs::is_empty(data.applicationData()));
 }
 
-TEST_F(PosixConnection, Load_RelativeDataHome_IsPassedOverForTheHomeFolder)
+TEST_F(PosixConnection, Load_RelativeDataHome_IsIgnoredForTheHomeFolder)
 {
     const std::string home = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "";
     setenv("XDG_DATA_HOME", "here", 1);

@@ -188,7 +188,7 @@ TEST_F(Connection, Load_FileInAFoldersPlace_FailsToCreate)
 
 TEST_F(Connection, Load_FileLockedByAnother_IsLeftAloneWith8398)
 {
-    for (const char* version : {"5005", "1"}) {  // it may be sound: that cannot be told
+    for (const char* version : {"5005", "1"}) {  // it may be valid: that cannot be told
         givenDatabase(std::string("DELETE FROM tPhone; INSERT INTO tPhone ([IMEI]) VALUES ('351111'); "
                                   "UPDATE tVersion SET [Version] = ") +
                       version);

@@ -1,4 +1,4 @@
-// DB_LIB_*: main folders, their statistics and their change marks.
+// DB_LIB_*: main folders, their statistics and their change flags.
 #include "api/given.h"
 
 namespace kesta::test {
@@ -135,7 +135,7 @@ TEST_F(MainFolders, RefreshStatistics_UpdateRefused_FailsUnderTheUpdatesName)
                                           "Exit DB_LIB_RefreshStatistics() with 1."));
 }
 
-TEST_F(MainFolders, RefreshStatistics_CountingFails_PassesOverThatFolder)
+TEST_F(MainFolders, RefreshStatistics_CountingFails_SkipsThatFolder)
 {
     // SUM over two numbers overflows: the query ends with an error instead of a row, which has no line of its own.
     sql.exec(
@@ -251,7 +251,7 @@ TEST_F(MainFolders, MainFoldersChanged_AfterAMusicFolderWasAdded_TellsItOnce)
     ASSERT_EQ(lib.DB_MUSIC_AddFolder(W(kImei), &folder), 0);
     MainFolderList all = {};
     MainFolderList changes = {};
-    for (int i = 0; i < 2; ++i) {  // reading all of them does not reset the mark
+    for (int i = 0; i < 2; ++i) {  // reading all of them does not reset the flag
         EXPECT_EQ(lib.DB_LIB_GetAllMainFolders(&all), 0);
         EXPECT_EQ(all.Items[0].Changed, 1);
         EXPECT_EQ(all.Items[1].Changed, 0);

@@ -259,7 +259,7 @@ TEST_F(PlaylistAdd, AddPlaylist_NegativeFigures_AreStored)
               "-1|-2147483648|-9223372036854775808|-2|-3");
 }
 
-TEST_F(PlaylistAdd, AddPlaylist_KnownPhone_RaisesTheMusicMark)
+TEST_F(PlaylistAdd, AddPlaylist_KnownPhone_RaisesTheMusicFlag)
 {
     MainFolderList changes = {};
     EXPECT_EQ(lib.DB_LIB_MainFoldersChanged(&changes), 0);
@@ -269,7 +269,7 @@ TEST_F(PlaylistAdd, AddPlaylist_KnownPhone_RaisesTheMusicMark)
     EXPECT_EQ(ToString(changes), "1000|0|0|<null>|1\n1100|0|0|<null>|0\n1400|0|0|<null>|0\n1900|0|0|<null>|0");
 }
 
-TEST_F(PlaylistAdd, AddPlaylist_UnknownPhone_FailsWithoutStatementOrMark)
+TEST_F(PlaylistAdd, AddPlaylist_UnknownPhone_FailsWithoutStatementOrFlag)
 {
     EXPECT_EQ(lib.DB_PLAYERMUSIC_AddPlaylist(W("999"), &rock), 1);
     EXPECT_THAT(trace.take(), ElementsAre("Enter DB_PLAYERMUSIC_AddPlaylist(IMEI: 999, Name: Rock, Type: 5).",

@@ -48,9 +48,9 @@ private:
     Text idInPhone_;
 };
 
-class Mark : public BookmarkRecord {
+class Bookmark : public BookmarkRecord {
 public:
-    explicit Mark(std::string_view url, std::string_view title = "A title", std::string_view phoneMid = "m1")
+    explicit Bookmark(std::string_view url, std::string_view title = "A title", std::string_view phoneMid = "m1")
         : BookmarkRecord{}, title_(title), url_(url), phoneMid_(phoneMid)
     {
         Title = title_.get();
@@ -59,8 +59,8 @@ public:
         Id = 11;
         Flag = 22;
     }
-    Mark(const Mark&) = delete;
-    Mark& operator=(const Mark&) = delete;
+    Bookmark(const Bookmark&) = delete;
+    Bookmark& operator=(const Bookmark&) = delete;
 
 private:
     Text title_;
@@ -131,10 +131,10 @@ inline std::string ToString(const PlaylistRecord& playlist)
            std::to_string(playlist.Selected) + "|" + std::to_string(playlist.Sized);
 }
 
-inline std::string ToString(const BookmarkRecord& mark)
+inline std::string ToString(const BookmarkRecord& bookmark)
 {
-    return Utf8(mark.Title) + "|" + Utf8(mark.Path) + "|" + Utf8(mark.PhoneMID) + "|" + std::to_string(mark.Id) + "|" +
-           std::to_string(mark.Flag) + "|" + std::to_string(mark.Type);
+    return Utf8(bookmark.Title) + "|" + Utf8(bookmark.Path) + "|" + Utf8(bookmark.PhoneMID) + "|" +
+           std::to_string(bookmark.Id) + "|" + std::to_string(bookmark.Flag) + "|" + std::to_string(bookmark.Type);
 }
 
 inline std::string ToString(const BackupRecord& backup)

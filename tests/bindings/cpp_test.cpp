@@ -24,7 +24,7 @@ protected:
         db.phones().forgetSyncedFiles(imei);
     }
 
-    /// The code of the error that the call throws; nothing when it throws none.
+    /// The code of the error that the call throws; std::nullopt if it throws none.
     template <class Call>
     static std::optional<Code> codeOf(Call&& call)
     {

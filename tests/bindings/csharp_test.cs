@@ -102,13 +102,13 @@ internal static class Program
     {
         Bookmarks bookmarks = db.Bookmarks(Imei);
         bookmarks.RemoveAll();
-        var mark = new Bookmark { Url = "https://example.org/\u00E9", Title = "A 'title'", IdOnPhone = "m1", Flag = 2 };
-        Check(bookmarks.Add(mark) && !bookmarks.Add(mark), "added once");
-        mark.Title = "Another";
-        bookmarks.Update(mark);
+        var bookmark = new Bookmark { Url = "https://example.org/\u00E9", Title = "A 'title'", IdOnPhone = "m1", Flag = 2 };
+        Check(bookmarks.Add(bookmark) && !bookmarks.Add(bookmark), "added once");
+        bookmark.Title = "Another";
+        bookmarks.Update(bookmark);
         Bookmark read = bookmarks.All().Single();
-        Check(read.Url == mark.Url && read.Title == "Another" && read.IdOnPhone == "m1" && read.Flag == 2, "bookmark");
-        bookmarks.Remove(mark.Url);
+        Check(read.Url == bookmark.Url && read.Title == "Another" && read.IdOnPhone == "m1" && read.Flag == 2, "bookmark");
+        bookmarks.Remove(bookmark.Url);
         Check(bookmarks.All().Count == 0, "removed");
     }
 

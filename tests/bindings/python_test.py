@@ -22,7 +22,7 @@ IMEI = "490154203237518"
 
 
 def code_of(call, *arguments):
-    """The code of the error that the call raises; None when it raises none."""
+    """The code of the error that the call raises; None if it raises none."""
     try:
         call(*arguments)
     except kesta_db.Error as error:
@@ -124,11 +124,11 @@ class Families(unittest.TestCase):
     def test_bookmarks(self):
         bookmarks = self.db.bookmarks(IMEI)
         bookmarks.remove_all()
-        mark = kesta_db.Bookmark("https://example.org/é", "A 'title'", "m1", 0, 2)
-        self.assertTrue(bookmarks.add(mark))
-        self.assertFalse(bookmarks.add(mark))
-        self.assertEqual(list(bookmarks), [mark])
-        bookmarks.remove(mark.url)
+        bookmark = kesta_db.Bookmark("https://example.org/é", "A 'title'", "m1", 0, 2)
+        self.assertTrue(bookmarks.add(bookmark))
+        self.assertFalse(bookmarks.add(bookmark))
+        self.assertEqual(list(bookmarks), [bookmark])
+        bookmarks.remove(bookmark.url)
         self.assertEqual(bookmarks.all(), [])
 
     def test_backups_have_no_table(self):

@@ -77,13 +77,13 @@ protected:
         }
     }
 
-    void givenMarks(const std::string& names)
+    void givenBookmarks(const std::string& names)
     {
         std::string text = "<!DOCTYPE NETSCAPE-Bookmark-file-1>\n<DL><p>\n";
         for (const char name : names) {
             text += std::string("<DT><A HREF=\"https://") + name + ".example/\">" + name + "</A>\n";
         }
-        givenFile("marks.html", text + "</DL><p>\n");
+        givenFile("bookmarks.html", text + "</DL><p>\n");
     }
 };
 
@@ -110,17 +110,17 @@ TEST_F(FamiliesFaultsTest, ChangedPlaylists_KilledAtEachCall_EndTheSame)
 
 TEST_F(FamiliesFaultsTest, FirstBookmarks_KilledAtEachCall_EndTheSame)
 {
-    givenMarks("abc");
+    givenBookmarks("abc");
     ASSERT_EQ(sync({}).exitCode, 0);
-    expectSameAfterAnyKill({"--bookmarks", pc("marks.html")});
+    expectSameAfterAnyKill({"--bookmarks", pc("bookmarks.html")});
 }
 
 TEST_F(FamiliesFaultsTest, ChangedBookmarks_KilledAtEachCall_EndTheSame)
 {
-    givenMarks("abc");
-    ASSERT_EQ(sync({"--bookmarks", pc("marks.html")}).exitCode, 0);
-    givenMarks("bcd");
-    expectSameAfterAnyKill({"--bookmarks", pc("marks.html")});
+    givenBookmarks("abc");
+    ASSERT_EQ(sync({"--bookmarks", pc("bookmarks.html")}).exitCode, 0);
+    givenBookmarks("bcd");
+    expectSameAfterAnyKill({"--bookmarks", pc("bookmarks.html")});
 }
 
 TEST_F(FamiliesFaultsTest, Backup_KilledAtEachCall_LeavesWholeArchivesOnly)
@@ -233,15 +233,16 @@ TEST_F(FamiliesFaultsTest, ListOrMusicThatCannotBeWritten_IsReported_TheRestGoes
 TEST_F(FamiliesFaultsTest, FullPhone_StopsTheRunAndLeavesNoParts)
 {
     givenFile("lists/One.m3u8", "http://radio.example/\n");
-    givenMarks("ab");
+    givenBookmarks("ab");
     ASSERT_EQ(sync({}).exitCode, 0);
     const Ended list = sync({"--playlists", pc("lists")}, failing("write", ENOSPC, "Playlists/.kesta-part"));
     EXPECT_EQ(list.exitCode, 5) << list.out;
-    const Ended marks = sync({"--bookmarks", pc("marks.html")}, failing("write", ENOSPC, "Bookmarks/.kesta-part"));
-    EXPECT_EQ(marks.exitCode, 5) << marks.out;
+    const Ended bookmarks =
+        sync({"--bookmarks", pc("bookmarks.html")}, failing("write", ENOSPC, "Bookmarks/.kesta-part"));
+    EXPECT_EQ(bookmarks.exitCode, 5) << bookmarks.out;
     EXPECT_THAT(phonePaths(), IsEmpty());
     EXPECT_THAT(ownFiles(), IsEmpty());
-    EXPECT_EQ(sync({"--playlists", pc("lists"), "--bookmarks", pc("marks.html")}).exitCode, 0);
+    EXPECT_EQ(sync({"--playlists", pc("lists"), "--bookmarks", pc("bookmarks.html")}).exitCode, 0);
     EXPECT_THAT(phonePaths(), SizeIs(2));
 }
 
@@ -249,21 +250,21 @@ TEST_F(FamiliesFaultsTest, DatabaseThatCannotBeWritten_StopsTheRun)
 {
     givenFile("Extra/a", "a");
     givenFile("lists/One.m3u8", "../Extra/a\n");
-    givenMarks("ab");
+    givenBookmarks("ab");
     ASSERT_EQ(sync({}).exitCode, 0);
     for (int skip = 0; skip < 40; skip += 3) {
-        const Ended run = sync({"--playlists", pc("lists"), "--bookmarks", pc("marks.html")},
+        const Ended run = sync({"--playlists", pc("lists"), "--bookmarks", pc("bookmarks.html")},
                                failing("pwrite", ENOSPC, "KESTA_DB.s3db-journal", skip));
         EXPECT_TRUE(run.exitCode == 8 || run.exitCode == 0) << run.exitCode << run.out << run.err;
-        ASSERT_EQ(sync({"--playlists", pc("lists"), "--bookmarks", pc("marks.html")}).exitCode, 0);
+        ASSERT_EQ(sync({"--playlists", pc("lists"), "--bookmarks", pc("bookmarks.html")}).exitCode, 0);
         EXPECT_THAT(phonePaths(), SizeIs(3)) << "after " << skip << ": " << run.out;
         EXPECT_THAT(ownFiles(), IsEmpty());
         removeFile("lists/One.m3u8");
-        givenMarks("");
-        ASSERT_EQ(sync({"--playlists", pc("lists"), "--bookmarks", pc("marks.html"), "--force"}).exitCode, 0);
+        givenBookmarks("");
+        ASSERT_EQ(sync({"--playlists", pc("lists"), "--bookmarks", pc("bookmarks.html"), "--force"}).exitCode, 0);
         EXPECT_THAT(phonePaths(), IsEmpty());
         givenFile("lists/One.m3u8", "../Extra/a\n");
-        givenMarks("ab");
+        givenBookmarks("ab");
     }
 }
 

@@ -1,6 +1,6 @@
 // Preloaded into the client by the tests: makes system calls that change something fail, or ends the process at one.
 //
-//   KESTA_FAULT_KILL_AT=N       dies by SIGKILL at the Nth call that changes a file or folder, before it is carried
+//   KESTA_FAULT_KILL_AT=N       dies by SIGKILL at the Nth call that changes a file or folder, before it is made
 //   out;
 //                               of a write half of the data still gets through
 //   KESTA_FAULT_COUNT_FILE=F    writes the number of such calls to the file when the process ends

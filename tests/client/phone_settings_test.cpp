@@ -28,7 +28,7 @@ TEST(PhoneSettingsTest, ParseLocalTime_TakesDaysAndTimes)
     }
 }
 
-TEST(PhoneSettingsTest, ParseLocalTime_RefusesWhatIsNoDate)
+TEST(PhoneSettingsTest, ParseLocalTime_RefusesWhatIsNotADate)
 {
     for (const char* text : {"", "2026", "2026-1-31", "2026-02-29", "2026-13-01", "2026-00-10", "0099-12-31",
                              "31.1.2026", "2026-01-31 ", "2026-01-31 24:00", "2026-01-31 12:60", "2026-01-31 12:00:60",

@@ -81,7 +81,7 @@ TEST_F(ScanTest, StoppedScan_IsNotComplete)
     EXPECT_FALSE(scan(options).complete);
 }
 
-TEST_F(ScanTest, PhonesFolder_IsPassedOver)
+TEST_F(ScanTest, PhonesFolder_IsSkipped)
 {
     os::FileInfo info;
     ASSERT_TRUE(os::ReadInfo((folder_ / "b").string(), info).ok());

@@ -187,7 +187,7 @@ TEST_F(SettingsTest, EverythingDeselected_StaysSo)
     EXPECT_EQ(database().text("SELECT SUM([Selected]) FROM tSyncContents"), "0");
 }
 
-TEST_F(SettingsTest, DeselectedMainFolder_IsPassedOverAndKept)
+TEST_F(SettingsTest, DeselectedMainFolder_IsSkippedAndKept)
 {
     givenFile("Rock/a.mp3", "first");
     givenFile("Pics/p.png", "second");
@@ -217,18 +217,18 @@ TEST_F(SettingsTest, DeselectedMainFolder_IsPassedOverAndKept)
     EXPECT_THAT(sync({"--force", "--images", pc("Pics")}).out, HasSubstr("1 removed"));
 }
 
-TEST_F(SettingsTest, DeselectedFamilies_ArePassedOver)
+TEST_F(SettingsTest, DeselectedFamilies_AreSkipped)
 {
     givenSyncedMusic();
     givenFile("Lists/l.m3u8", pc("Rock/a.mp3") + "\n");
-    givenFile("marks.html",
+    givenFile("bookmarks.html",
               "<!DOCTYPE NETSCAPE-Bookmark-file-1>\n<DL><p><DT><A HREF=\"http://a.example/\">A</A></DL><p>\n");
     givenFile("c.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:1\r\nFN:Ann\r\nN:;Ann;;;\r\nEND:VCARD\r\n");
     givenFile("k.ics",
               "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:x\r\nBEGIN:VEVENT\r\nUID:1\r\nDTSTAMP:20260101T000000Z\r\n"
               "DTSTART:20260101T000000Z\r\nSUMMARY:S\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
     (void)settings({"select.music=no", "select.bookmarks=no", "select.contacts=no", "select.calendar=no"});
-    const Ended run = sync({"--playlists", pc("Lists"), "--bookmarks", pc("marks.html"), "--contacts", pc("c.vcf"),
+    const Ended run = sync({"--playlists", pc("Lists"), "--bookmarks", pc("bookmarks.html"), "--contacts", pc("c.vcf"),
                             "--calendar", pc("k.ics")});
     EXPECT_EQ(run.exitCode, 0) << run.err;
     for (const char* family : {"Playlists", "Bookmarks", "Contacts", "Calendar"}) {

@@ -93,8 +93,8 @@ TEST_F(SyncBackupTest, ComesAfterTheOtherSteps)
 {
     givenFile("Extra/a.mp3", "music");
     givenFile("lists/One.m3u8", "../Extra/a.mp3\n");
-    givenFile("marks.html", "<DL><DT><A HREF=\"https://a.example/\">A</A></DL>");
-    EXPECT_EQ(backUp({"--playlists", pc("lists"), "--bookmarks", pc("marks.html")}).exitCode, 0);
+    givenFile("bookmarks.html", "<DL><DT><A HREF=\"https://a.example/\">A</A></DL>");
+    EXPECT_EQ(backUp({"--playlists", pc("lists"), "--bookmarks", pc("bookmarks.html")}).exitCode, 0);
     EXPECT_THAT(phonePaths(), SizeIs(3));
     ASSERT_THAT(archives(), SizeIs(1));
     expectWhole(archives()[0]);

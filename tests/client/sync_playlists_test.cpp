@@ -155,7 +155,7 @@ TEST_F(SyncPlaylistsTest, ListGone_LeavesWithItsOwnMusicOnly)
     EXPECT_THAT(syncLists().out, HasSubstr("0 copied, 0 updated, 0 removed, 3 unchanged"));
 }
 
-TEST_F(SyncPlaylistsTest, MoreThanHalfGone_IsHeldBackUntilForced)
+TEST_F(SyncPlaylistsTest, MoreThanHalfGone_IsDeferredUntilForced)
 {
     givenThreeLists();
     const auto before = phoneFiles();
@@ -238,7 +238,7 @@ TEST_F(SyncPlaylistsTest, MemberThatGoesMissing_StaysOnThePhoneWhileItsListNames
     EXPECT_THAT(list("One.m3u8"), HasSubstr("Media/Extra/a.mp3"));
 }
 
-TEST_F(SyncPlaylistsTest, ListThatIsNotSelected_IsPassedOver)
+TEST_F(SyncPlaylistsTest, ListThatIsNotSelected_IsSkipped)
 {
     givenThreeLists();
     const auto before = phoneFiles();

@@ -10,8 +10,8 @@ using testing::HasSubstr;
 
 class SyncSafetyTest : public ClientTest {
 protected:
-    /// Holds back what is gone in favour of as much that is new, now and in the next run, until it is forced.
-    void expectHeldBackUntilForced(const std::vector<std::string>& arguments, const std::string& what)
+    /// Defers what is gone in favour of as much that is new, now and in the next run, until it is forced.
+    void expectDeferredUntilForced(const std::vector<std::string>& arguments, const std::string& what)
     {
         for (int run = 0; run < 3; ++run) {
             const Ended held = sync(arguments);
@@ -34,7 +34,7 @@ protected:
     }
 };
 
-TEST_F(SyncSafetyTest, Files_StayHeldBackWhenNewOnesCome)
+TEST_F(SyncSafetyTest, Files_StayDeferredWhenNewOnesCome)
 {
     for (const char* name : {"a", "b", "c", "d"}) {
         givenFile(std::string("Rock/") + name, name);
@@ -46,7 +46,7 @@ TEST_F(SyncSafetyTest, Files_StayHeldBackWhenNewOnesCome)
     for (const char* name : {"e", "f", "g", "h", "i"}) {
         givenFile(std::string("Rock/") + name, name);
     }
-    expectHeldBackUntilForced({"--music", pc("Rock")}, "4 files");
+    expectDeferredUntilForced({"--music", pc("Rock")}, "4 files");
     expectInOrder();
 }
 
@@ -87,7 +87,7 @@ TEST_F(SyncSafetyTest, FolderOfWhichMostIsGone_StaysDeferredWhenNewFilesCome)
         givenFile(name, name);
     }
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0) << "a folder that is not given is not judged";
-    expectHeldBackUntilForced(both, "2 files");
+    expectDeferredUntilForced(both, "2 files");
     expectInOrder();
 }
 
@@ -104,7 +104,7 @@ TEST_F(SyncSafetyTest, EmptiedFolder_ChosenAroundItBefore_IsDeferred)
     EXPECT_THAT(phonePaths(), testing::Contains("Music/Music/Disk/d"));
 }
 
-TEST_F(SyncSafetyTest, Files_ThatComeBack_EndTheHoldingBack)
+TEST_F(SyncSafetyTest, Files_ThatComeBack_EndTheDeferring)
 {
     for (const char* name : {"a", "b", "c"}) {
         givenFile(std::string("Rock/") + name, name);
@@ -120,7 +120,7 @@ TEST_F(SyncSafetyTest, Files_ThatComeBack_EndTheHoldingBack)
     EXPECT_THAT(phonePaths(), ElementsAre("Music/Rock/a", "Music/Rock/c"));
 }
 
-TEST_F(SyncSafetyTest, DamagedNoteOfWhatIsHeldBack_IsReplaced)
+TEST_F(SyncSafetyTest, DamagedFileOfDeferred_IsReplaced)
 {
     for (const char* name : {"a", "b", "c"}) {
         givenFile(std::string("Rock/") + name, name);
@@ -139,7 +139,7 @@ TEST_F(SyncSafetyTest, DamagedNoteOfWhatIsHeldBack_IsReplaced)
     }
 }
 
-TEST_F(SyncSafetyTest, DryRun_NotesNothingOfWhatItHoldsBack)
+TEST_F(SyncSafetyTest, DryRun_NotesNothingOfWhatItDefers)
 {
     for (const char* name : {"a", "b"}) {
         givenFile(std::string("Rock/") + name, name);
@@ -155,7 +155,7 @@ TEST_F(SyncSafetyTest, DryRun_NotesNothingOfWhatItHoldsBack)
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
 }
 
-TEST_F(SyncSafetyTest, Playlists_StayHeldBackWhenNewOnesCome)
+TEST_F(SyncSafetyTest, Playlists_StayDeferredWhenNewOnesCome)
 {
     givenFile("Rock/a.mp3", "a");
     for (const char* name : {"A", "B"}) {
@@ -168,23 +168,23 @@ TEST_F(SyncSafetyTest, Playlists_StayHeldBackWhenNewOnesCome)
     for (const char* name : {"C", "D", "E"}) {
         givenFile(std::string("Lists/") + name + ".m3u8", "../Rock/a.mp3\n");
     }
-    expectHeldBackUntilForced({"--playlists", pc("Lists")}, "2 playlists");
+    expectDeferredUntilForced({"--playlists", pc("Lists")}, "2 playlists");
 }
 
-TEST_F(SyncSafetyTest, Bookmarks_StayHeldBackWhenNewOnesCome)
+TEST_F(SyncSafetyTest, Bookmarks_StayDeferredWhenNewOnesCome)
 {
     givenFile("b.html", html({"http://a/", "http://b/"}));
     ASSERT_EQ(sync({"--bookmarks", pc("b.html")}).exitCode, 0);
     givenFile("b.html", html({"http://c/", "http://d/", "http://e/"}));
-    expectHeldBackUntilForced({"--bookmarks", pc("b.html")}, "2 bookmarks");
+    expectDeferredUntilForced({"--bookmarks", pc("b.html")}, "2 bookmarks");
 }
 
-TEST_F(SyncSafetyTest, Contacts_StayHeldBackWhenNewOnesCome)
+TEST_F(SyncSafetyTest, Contacts_StayDeferredWhenNewOnesCome)
 {
     givenFile("c.vcf", CardText("1", "Ann") + CardText("2", "Bob"));
     ASSERT_EQ(sync({"--contacts", pc("c.vcf")}).exitCode, 0);
     givenFile("c.vcf", CardText("3", "Cid") + CardText("4", "Dan") + CardText("5", "Eve"));
-    expectHeldBackUntilForced({"--contacts", pc("c.vcf")}, "2 contacts");
+    expectDeferredUntilForced({"--contacts", pc("c.vcf")}, "2 contacts");
 }
 
 TEST_F(SyncSafetyTest, FileThatTheUserBrought_IsNoLeftoverOfARunKilledWhileCopying)

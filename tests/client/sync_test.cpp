@@ -12,7 +12,7 @@ using testing::SizeIs;
 
 using SyncTest = ClientTest;
 
-TEST_F(SyncTest, FirstRun_CopiesRecordsAndMarks)
+TEST_F(SyncTest, FirstRun_CopiesRecordsAndMarksThePhoneThePhone)
 {
     givenFile("Rock/a.mp3", "first");
     givenFile("Rock/sub/b.mp3", std::string(3'000'000, 'x'));
@@ -169,7 +169,7 @@ TEST_F(SyncTest, FolderMarkedDeleted_ComesBackToLife)
     EXPECT_EQ(database().text("SELECT [Deleted] FROM tMFolder"), "0");
 }
 
-TEST_F(SyncTest, FolderNotSelected_IsPassedOver)
+TEST_F(SyncTest, FolderNotSelected_IsSkipped)
 {
     givenFile("Rock/a.mp3", "first");
     (void)sync({"--music", pc("Rock")});

@@ -1,4 +1,4 @@
-// The disk fails in the middle of a call: the result is as documented, the file stays sound, the next call works.
+// The disk fails in the middle of a call: the result is as documented, the file stays valid, the next call works.
 #include <sqlite3.h>
 
 #include <functional>
@@ -199,7 +199,7 @@ TEST_F(FailingReads, GetSyncedFiles_AtEveryPlace_FailsOrEndsWithTheCode)
     EXPECT_EQ(DB_MUSIC_GetSyncedFiles(W("999"), nullptr, &list), 0);
 }
 
-TEST_F(FailingReads, Open_SoundFileThatCannotBeRead_IsNeverThrownAway)
+TEST_F(FailingReads, Open_ValidFileThatCannotBeRead_IsNeverThrownAway)
 {
     for (int nth = 0;; ++nth) {
         ASSERT_LT(nth, 100);

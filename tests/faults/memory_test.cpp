@@ -296,7 +296,7 @@ TEST_F(FailingMemory, PhoneDetected_AtEveryAllocation_IsMinusOneOrAPhone)
     EXPECT_EQ(held, 0);
 }
 
-TEST_F(FailingMemory, Open_AtEveryAllocation_FailsOrOpensASoundFile)
+TEST_F(FailingMemory, Open_AtEveryAllocation_FailsOrOpensAValidFile)
 {
     for (int nth = 0;; ++nth) {
         ASSERT_LT(nth, 20000);

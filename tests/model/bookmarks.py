@@ -75,7 +75,7 @@ class Bookmarks(Playlists):
             return 0
         return self.frame(name, f"IMEI: {plain(imei)}, Url: {plain(url)}", FAILURE, body)
 
-    def _mark(self, name, imei, label, record, work):
+    def _bookmark(self, name, imei, label, record, work):
         """A writer that needs the phone; work gets the phone and its bookmark type."""
         def enter():
             need(record)
@@ -96,17 +96,17 @@ class Bookmarks(Playlists):
             if code != sql.OK:
                 self.error(name, 3)
             return code
-        return self._mark(name, imei, "URL", record, work)
+        return self._bookmark(name, imei, "URL", record, work)
 
     def DB_BOOKMARK_SetDeletedMark(self, imei, url):
         name = "DB_BOOKMARK_SetDeletedMark"
-        return self._mark(name, imei, "Url", {"Path": url}, lambda phone, kind: self.run(
+        return self._bookmark(name, imei, "Url", {"Path": url}, lambda phone, kind: self.run(
             name, 1, "DELETE FROM tBFile WHERE [PhoneID] = %d AND [Path] = '%s' AND [Type] = %d;", phone, escaped(url),
             kind))
 
     def DB_BOOKMARK_SetUpdatedMark(self, imei, record):
         name = "DB_BOOKMARK_SetUpdatedMark"
-        return self._mark(name, imei, "Url", record, lambda phone, kind: self.run(
+        return self._bookmark(name, imei, "Url", record, lambda phone, kind: self.run(
             name, 1, "UPDATE tBFile SET [Title] = '%s', [PhoneMID] = '%s', [Flag] = %d WHERE [PhoneID] = %d "
             "AND [Path] = '%s' AND [Type] = %d;", escaped(record["Title"]), escaped(record["PhoneMID"]),
             record["Flag"], phone, escaped(record["Path"]), kind))

@@ -62,7 +62,7 @@ class Engine:
         return OK
 
     def query(self, text, *bound):
-        """The rows of the first statement in the text, or None when it cannot be prepared."""
+        """The rows of the first statement in the text, or None if it cannot be prepared."""
         if len(text.encode()) > STATEMENT_BYTES:
             return None
         text = _first_statement(text)

@@ -16,7 +16,7 @@ class Media(Library):
     # ---- engine: folders
 
     def known_phone(self, imei):
-        """The phone's id, or None when the connection is closed or the phone is unknown."""
+        """The phone's id, or None if the connection is closed or the phone is unknown."""
         phone = self.phone_id(imei)
         return None if not self.db or phone == -1 else phone
 
@@ -118,7 +118,7 @@ class Media(Library):
                         "AND [Path] = '%s';", table, column, value, phone, escaped(path))
 
     def _folder_flag(self, imei, table, path):
-        """The folder's flag, or None when it cannot be told."""
+        """The folder's flag, or None if it cannot be told."""
         if not self.db:
             return None
         rows = self.query("SELECT [Flag] FROM %s WHERE [IMEI] = '%s' AND [Path] = '%s';", "v" + table[1:],

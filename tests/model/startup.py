@@ -1,4 +1,4 @@
-"""What happens when the library is loaded on a file that is not a sound one of its own version, once each."""
+"""What happens when the library is loaded on a file that is not a valid one of its own version, once each."""
 
 import os
 import shutil

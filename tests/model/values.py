@@ -42,7 +42,7 @@ def plain(text):
 
 
 def split_date(date):
-    """(date, seconds of the day) of a DateValue, or None when it has no calendar fields."""
+    """(date, seconds of the day) of a DateValue, or None if it has no calendar fields."""
     days = date[0]
     if not math.isfinite(days) or days <= _FIRST - 1 or days >= _LAST + 1:
         return None

@@ -49,7 +49,7 @@ TEST_F(Loading, FiftyTimes_LeavesNothingBehind)
     EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tPhone"), "1");
 }
 
-TEST_F(Loading, InTwoProcesses_BothUseTheSameBooks)
+TEST_F(Loading, InTwoProcesses_BothUseTheSameDatabase)
 {
     HelperProcess other;
     EXPECT_EQ(other.ask({"load"}), "ok");

@@ -24,16 +24,16 @@ std::vector<CallCase> BookmarkCases()
          given},
         {"DB_BOOKMARK_GetSyncedMark",
          [](const Exports& lib) {
-             BookmarkRecord mark = {};
-             return lib.DB_BOOKMARK_GetSyncedMark(Imei(), W("U''§"), &mark);
+             BookmarkRecord bookmark = {};
+             return lib.DB_BOOKMARK_GetSyncedMark(Imei(), W("U''§"), &bookmark);
          },
          {kTypeLookUp,
           "SELECT [Title], [PhoneMID], [Flag], [Id] FROM vBFile WHERE [IMEI] = 'I''$' AND [Path] = 'U''''$' AND "
           "[Type] = 5;"}},
         {"DB_BOOKMARK_SetAddedMark",
          [](const Exports& lib) {
-             const Mark mark("U''§", "T''§", "M''§");
-             return lib.DB_BOOKMARK_SetAddedMark(Imei(), &mark);
+             const Bookmark bookmark("U''§", "T''§", "M''§");
+             return lib.DB_BOOKMARK_SetAddedMark(Imei(), &bookmark);
          },
          {kTypeLookUp, kPhoneLookUp,
           "INSERT INTO tBFile ([PhoneID], [Title], [Path], [PhoneMID], [Id], [Flag], [Type]) VALUES (1, 'T''''§', "
@@ -43,8 +43,8 @@ std::vector<CallCase> BookmarkCases()
          {kTypeLookUp, kPhoneLookUp, "DELETE FROM tBFile WHERE [PhoneID] = 1 AND [Path] = 'U''''§' AND [Type] = 5;"}},
         {"DB_BOOKMARK_SetUpdatedMark",
          [](const Exports& lib) {
-             const Mark mark("U''§", "T''§", "M''§");
-             return lib.DB_BOOKMARK_SetUpdatedMark(Imei(), &mark);
+             const Bookmark bookmark("U''§", "T''§", "M''§");
+             return lib.DB_BOOKMARK_SetUpdatedMark(Imei(), &bookmark);
          },
          {kTypeLookUp, kPhoneLookUp,
           "UPDATE tBFile SET [Title] = 'T''''§', [PhoneMID] = 'M''''§', [Flag] = 22 WHERE [PhoneID] = 1 AND [Path] = "

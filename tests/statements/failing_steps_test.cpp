@@ -1,4 +1,4 @@
-// Statements that SQLite refuses, and steps that end otherwise than a sound file lets them: what no change of the
+// Statements that SQLite refuses, and steps that end otherwise than a valid file lets them: what no change of the
 // tables brings about at just that place.
 #include <sqlite3.h>
 

@@ -21,12 +21,12 @@ public:
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     void writeLine(const std::string& line);
-    /// The next line of its output; nothing when none comes in time or the output has ended.
+    /// The next line of its output; std::nullopt if none comes in time or the output has ended.
     std::optional<std::string> readLine(milliseconds patience);
 
     /// Ends it at once, in the middle of whatever it does.
     void kill();
-    /// Its exit code; nothing when it still runs after that time. Minus the signal's number when a signal ended it.
+    /// Its exit code; std::nullopt if it still runs after that time. Minus the signal's number when a signal ended it.
     std::optional<int> wait(milliseconds patience);
 
 private:

@@ -1,4 +1,4 @@
-// A private application-data folder, so that no test meets the books of another one or of the developer. It has to
+// A private application-data folder, so that no test meets the database of another one or of the developer. It has to
 // exist before the library is loaded; programs started meanwhile inherit it.
 #pragma once
 

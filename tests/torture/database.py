@@ -44,7 +44,7 @@ def read_state(source, like=None):
 
 
 def read_columns(source):
-    """For each table its columns, and the places of those that make the key; none when the key is a bare number."""
+    """For each table its columns, and the places of those that make the key; none if the key is a bare number."""
     connection = _open(source)
     tables = [name.decode() for (name,) in
               connection.execute("SELECT name FROM sqlite_master WHERE type = 'table'").fetchall()]

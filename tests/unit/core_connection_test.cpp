@@ -163,8 +163,8 @@ TEST_F(ConnectionParts, NewText_OneLongCharacterAmongOtherLetters_IsReadAtEveryP
     }
 }
 
-/// What SQLite's own conversion makes of bytes that are not sound UTF-8, or are characters that are none.
-TEST_F(ConnectionParts, NewText_UnsoundBytes_AreReadAsSqliteReadsThem)
+/// What SQLite's own conversion makes of bytes that are not valid UTF-8, or are characters that are none.
+TEST_F(ConnectionParts, NewText_InvalidBytes_AreReadAsSqliteReadsThem)
 {
     for (const char* bytes :
          {"80",     "C3",         "C328",   "E697",         "E69741",     "F09F8E",   "F09F8E41", "C080", "C1BF",

@@ -89,13 +89,13 @@ TEST(Dates, ParseStoredDate_AnyOtherText_IsRefusedAndLeavesTheDate)
 
 TEST(Dates, ParseStoredDate_NeighboursOfTheDigits_AreNone)
 {
-    const std::string sound = "2011-11-11 11:11:11";
-    for (size_t place = 0; place < sound.size(); ++place) {
+    const std::string valid = "2011-11-11 11:11:11";
+    for (size_t place = 0; place < valid.size(); ++place) {
         for (const char other : {'/', ':', '\0', '\x7F', '\xB2'}) {
-            std::string text = sound;
+            std::string text = valid;
             text[place] = other;
             DateValue date = {};
-            EXPECT_EQ(ParseStoredDate(text, date), text == sound) << text;
+            EXPECT_EQ(ParseStoredDate(text, date), text == valid) << text;
         }
     }
     for (const char* text :

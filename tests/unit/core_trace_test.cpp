@@ -82,7 +82,7 @@ TEST_F(TraceLines, MemoryLines_Address_IsLowerCaseHexadecimal)
 
 TEST_F(TraceLines, Trail_Failures_NameRoutineAndPosition)
 {
-    constexpr Trail trail("SqlExec");
+    const Trail trail("SqlExec");
     trail.error(1);
     trail.error(2);
     trail.error(3);

@@ -112,7 +112,7 @@ TEST(CopyAscii, EveryLength_StopsBeforeTheFirstUnitThatIsNotToBeCopied)
     }
 }
 
-/// Nothing for a text that is not sound. The buffer has room for as many units as the text has bytes, and no more.
+/// None for a text that is not valid. The buffer has room for as many units as the text has bytes, and no more.
 std::optional<std::vector<DbChar>> Widened(std::string_view text)
 {
     // Copies of their own size, so that memory checkers see one byte too many.
@@ -169,7 +169,7 @@ TEST(WidenUtf8, EveryCharacter_IsConverted)
     EXPECT_FALSE(Widened("\xEF\xBF\xBF").has_value());
 }
 
-TEST(WidenUtf8, EveryCharacter_CutShort_IsUnsound)
+TEST(WidenUtf8, EveryCharacter_CutShort_IsInvalid)
 {
     for (const char32_t character :
          {U'\x80', U'\x7FF', U'\x800', U'\xD7FF', U'\xE000', U'\xFFFF', U'\x10000', U'\x3FFFF', U'\x10FFFF'}) {
@@ -189,7 +189,7 @@ TEST(WidenUtf8, EveryCharacter_CutShort_IsUnsound)
     }
 }
 
-TEST(WidenUtf8, EveryKindOfUnsoundBytes_IsRefusedWhereverItStands)
+TEST(WidenUtf8, EveryKindOfInvalidBytes_IsRefusedWhereverItStands)
 {
     struct Kind {
         const char* name;
@@ -265,7 +265,7 @@ bool IsWellFormed(const std::string& character)
 }
 
 /// Every first and every second byte, with third and fourth ones on either side of each border.
-TEST(WidenUtf8, EveryBeginning_IsSoundWhenTheStandardSaysSo)
+TEST(WidenUtf8, EveryBeginning_IsValidWhenTheStandardSaysSo)
 {
     constexpr std::string_view kBorders("\x00\x7F\x80\xBF\xC0\xFF", 6);
     for (int lead = 0x80; lead <= 0xFF; ++lead) {
@@ -315,7 +315,7 @@ private:
     std::mt19937 random_{20260321};  // NOLINT: the same texts in every run
 };
 
-TEST_F(TextColumn, SoundTexts_AreConvertedAsSqliteConvertsThem)
+TEST_F(TextColumn, ValidTexts_AreConvertedAsSqliteConvertsThem)
 {
     constexpr char kHex[] = "0123456789ABCDEF";
     for (size_t i = 0; i < 2000; ++i) {

@@ -120,7 +120,7 @@ TEST_F(Files, Exists_FilesAndFolders)
     EXPECT_TRUE(Exists(file));
 }
 
-TEST_F(Files, IsWritable_FollowsTheReadOnlyMark_ForEveryUser)
+TEST_F(Files, IsWritable_FollowsTheReadOnlyAttribute_ForEveryUser)
 {
     makeFile();
     EXPECT_TRUE(IsWritable(file));

@@ -334,16 +334,16 @@ namespace KestaDb.Interop
         public static extern int DB_BOOKMARK_GetSyncedMark(
             [MarshalAs(UnmanagedType.LPWStr)] string imei,
             [MarshalAs(UnmanagedType.LPWStr)] string url,
-            ref BookmarkRecord mark);
+            ref BookmarkRecord bookmark);
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int DB_BOOKMARK_SetAddedMark(
-            [MarshalAs(UnmanagedType.LPWStr)] string imei, ref BookmarkRecord mark);
+            [MarshalAs(UnmanagedType.LPWStr)] string imei, ref BookmarkRecord bookmark);
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int DB_BOOKMARK_SetDeletedMark(
             [MarshalAs(UnmanagedType.LPWStr)] string imei, [MarshalAs(UnmanagedType.LPWStr)] string url);
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int DB_BOOKMARK_SetUpdatedMark(
-            [MarshalAs(UnmanagedType.LPWStr)] string imei, ref BookmarkRecord mark);
+            [MarshalAs(UnmanagedType.LPWStr)] string imei, ref BookmarkRecord bookmark);
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int DB_PIMLOG_GetPimProfile(
             [MarshalAs(UnmanagedType.LPWStr)] string imei, IntPtr buffer, int type);

@@ -75,7 +75,7 @@ bool ParseCalendarTime(const DbChar* text, CalendarTime& time) noexcept
     return ParseTimeOfDay(rest, time) && *rest == 0;
 }
 
-/// Converts text in the character set of `users` for as long as it fits and is sound; terminates it.
+/// Converts text in the character set of `users` for as long as it fits and is valid; terminates it.
 size_t WideFromLocale(locale_t users, const char* text, size_t length, DbChar* out, size_t room) noexcept
 {
     if (room == 0) {

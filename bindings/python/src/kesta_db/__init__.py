@@ -574,8 +574,8 @@ class Bookmarks:
         return _list("DB_BOOKMARK_GetSyncedMarks", records,
                      lambda: library().DB_BOOKMARK_GetSyncedMarks(self._imei, byref(records)),
                      lambda: library().DB_BOOKMARK_GetSyncedMarks(UNKNOWN, byref(records)),
-                     lambda mark: Bookmark(text_at(mark.Path), text_at(mark.Title), text_at(mark.PhoneMID), mark.Id,
-                                           mark.Flag))
+                     lambda record: Bookmark(text_at(record.Path), text_at(record.Title), text_at(record.PhoneMID),
+                                             record.Id, record.Flag))
 
     def __iter__(self) -> Iterator[Bookmark]:
         return iter(self.all())
@@ -595,9 +595,9 @@ class Bookmarks:
         """Those of every bookmark type."""
         require("DB_BOOKMARK_ClearAll", library().DB_BOOKMARK_ClearAll(self._imei))
 
-    def _write(self, call: str, mark: Bookmark) -> int:
-        texts = [TextArgument(text) for text in (mark.title, mark.url, mark.id_on_phone)]
-        record = r.BookmarkRecord(*(text.address for text in texts), mark.id, mark.flag, 0)
+    def _write(self, call: str, bookmark: Bookmark) -> int:
+        texts = [TextArgument(text) for text in (bookmark.title, bookmark.url, bookmark.id_on_phone)]
+        record = r.BookmarkRecord(*(text.address for text in texts), bookmark.id, bookmark.flag, 0)
         return int(getattr(library(), call)(self._imei, byref(record)))
 
 

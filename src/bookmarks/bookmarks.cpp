@@ -1,4 +1,4 @@
-#include "bookmarks/marks.h"
+#include "bookmarks/bookmarks.h"
 
 #include "core/list.h"
 #include "library/phone_lookup.h"
@@ -7,12 +7,12 @@ namespace kesta::bookmarks {
 namespace {
 
 /// Deliberate: Id and Type are not read for a list.
-void ReadMark(const Statement& row, BookmarkRecord& mark)
+void ReadBookmark(const Statement& row, BookmarkRecord& bookmark)
 {
-    mark.Title = row.newText(0);
-    mark.Path = row.newText(1);
-    mark.PhoneMID = row.newText(2);
-    mark.Flag = row.int32(3);
+    bookmark.Title = row.newText(0);
+    bookmark.Path = row.newText(1);
+    bookmark.PhoneMID = row.newText(2);
+    bookmark.Flag = row.int32(3);
 }
 
 }  // namespace
@@ -40,10 +40,10 @@ ResultCode GetSyncedMarks(Routine self, const DbChar* imei, BookmarkList& list)
         self, list, NarrowSql("SELECT COUNT(*) FROM vBFile WHERE [IMEI] = '%s' AND [Type] = %d;", Ansi{imei}, type),
         NarrowSql("SELECT [Title], [Path], [PhoneMID], [Flag] FROM vBFile WHERE [IMEI] = '%s' AND [Type] = %d;",
                   Ansi{imei}, type),
-        ReadMark);
+        ReadBookmark);
 }
 
-ResultCode GetSyncedMark(Routine self, const DbChar* imei, const DbChar* url, BookmarkRecord& mark)
+ResultCode GetSyncedMark(Routine self, const DbChar* imei, const DbChar* url, BookmarkRecord& bookmark)
 {
     const int32_t type = GetBookMarkTypeByImei(self.db, imei);
     // Deliberate: position 3 for the first step.
@@ -52,12 +52,12 @@ ResultCode GetSyncedMark(Routine self, const DbChar* imei, const DbChar* url, Bo
                                 "WHERE [IMEI] = '%s' AND [Path] = '%s' AND [Type] = %d;",
                                 Ansi{imei}, EscapedAnsi{url}, type),
                       NoRowIsFailure, [&](const Statement& row) {
-                          mark.Title = row.newText(0);
-                          mark.PhoneMID = row.newText(1);
-                          mark.Flag = row.int32(2);
-                          mark.Id = row.int32(3);
-                          mark.Path = DuplicateText(url);
-                          mark.Type = type;
+                          bookmark.Title = row.newText(0);
+                          bookmark.PhoneMID = row.newText(1);
+                          bookmark.Flag = row.int32(2);
+                          bookmark.Id = row.int32(3);
+                          bookmark.Path = DuplicateText(url);
+                          bookmark.Type = type;
                       });
 }
 
@@ -73,14 +73,14 @@ ResultCode ForPhoneAndType(Routine self, const DbChar* imei, Body&& body)
 
 }  // namespace
 
-ResultCode SetAddedMark(Routine self, const DbChar* imei, const BookmarkRecord& mark)
+ResultCode SetAddedMark(Routine self, const DbChar* imei, const BookmarkRecord& bookmark)
 {
     return ForPhoneAndType(self, imei, [&](int32_t phoneId, int32_t type) {
         return PassThrough(
             self.exec(3, WideSql("INSERT INTO tBFile ([PhoneID], [Title], [Path], [PhoneMID], [Id], [Flag], [Type]) "
                                  "VALUES (%d, '%s', '%s', '%s', %d, %d, %d);",
-                                 phoneId, Escaped{mark.Title}, Escaped{mark.Path}, Escaped{mark.PhoneMID}, mark.Id,
-                                 mark.Flag, type)));
+                                 phoneId, Escaped{bookmark.Title}, Escaped{bookmark.Path}, Escaped{bookmark.PhoneMID},
+                                 bookmark.Id, bookmark.Flag, type)));
     });
 }
 
@@ -92,13 +92,13 @@ ResultCode SetDeletedMark(Routine self, const DbChar* imei, const DbChar* url)
     });
 }
 
-ResultCode SetUpdatedMark(Routine self, const DbChar* imei, const BookmarkRecord& mark)
+ResultCode SetUpdatedMark(Routine self, const DbChar* imei, const BookmarkRecord& bookmark)
 {
     return ForPhoneAndType(self, imei, [&](int32_t phoneId, int32_t type) {
-        return self.run(
-            1, WideSql("UPDATE tBFile SET [Title] = '%s', [PhoneMID] = '%s', [Flag] = %d "
-                       "WHERE [PhoneID] = %d AND [Path] = '%s' AND [Type] = %d;",
-                       Escaped{mark.Title}, Escaped{mark.PhoneMID}, mark.Flag, phoneId, Escaped{mark.Path}, type));
+        return self.run(1, WideSql("UPDATE tBFile SET [Title] = '%s', [PhoneMID] = '%s', [Flag] = %d "
+                                   "WHERE [PhoneID] = %d AND [Path] = '%s' AND [Type] = %d;",
+                                   Escaped{bookmark.Title}, Escaped{bookmark.PhoneMID}, bookmark.Flag, phoneId,
+                                   Escaped{bookmark.Path}, type));
     });
 }
 

@@ -21,9 +21,9 @@ std::string Error(const std::string& operation, int position)
     return "Error in DB_BOOKMARK_" + operation + "(), position " + std::to_string(position) + ".";
 }
 
-class BookmarkMarks : public FamilyExports {
+class BookmarkRecords : public FamilyExports {
 protected:
-    void givenMark(const std::string& url, int type = 1, int phoneId = 1) const
+    void givenBookmark(const std::string& url, int type = 1, int phoneId = 1) const
     {
         sql.exec("INSERT INTO tBFile VALUES (" + std::to_string(phoneId) + ", 'old', " + Quoted(url) +
                  ", 'm0', 3, 4, " + std::to_string(type) + ")");
@@ -35,12 +35,12 @@ protected:
             "SELECT [PhoneID], [Title], [Path], [PhoneMID], [Id], [Flag], [Type] FROM tBFile ORDER BY 1, "
             "3, 7");
     }
-    const Mark mark{kUrl};
+    const Bookmark bookmark{kUrl};
 };
 
-TEST_F(BookmarkMarks, SetAddedMark_NewMark_IsRecordedUnderThePhonesType)
+TEST_F(BookmarkRecords, SetAddedMark_NewBookmark_IsRecordedUnderThePhonesType)
 {
-    Mark given(kUrl);
+    Bookmark given(kUrl);
     given.Type = 99;
     givenType(6);
     EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &given), 0);
@@ -48,53 +48,53 @@ TEST_F(BookmarkMarks, SetAddedMark_NewMark_IsRecordedUnderThePhonesType)
     EXPECT_THAT(trace.take(), ElementsAre(Enter("SetAddedMark", "URL"), Exit("SetAddedMark", 0)));
 }
 
-TEST_F(BookmarkMarks, SetAddedMark_KnownMark_GivesTheConstraintCode)
+TEST_F(BookmarkRecords, SetAddedMark_KnownBookmark_GivesTheConstraintCode)
 {
-    givenMark(kUrl);
-    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &mark), 19);
+    givenBookmark(kUrl);
+    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &bookmark), 19);
     EXPECT_EQ(rows(), "1|old|http://a/|m0|3|4|1");
     EXPECT_THAT(trace.take(),
                 ElementsAre(Enter("SetAddedMark", "URL"), Error("SetAddedMark", 3), Exit("SetAddedMark", 19)));
 }
 
-TEST_F(BookmarkMarks, SetAddedMark_SameUrlOfAnotherType_IsAnotherMark)
+TEST_F(BookmarkRecords, SetAddedMark_SameUrlOfAnotherType_IsAnotherBookmark)
 {
-    givenMark(kUrl);
+    givenBookmark(kUrl);
     givenType(2);
-    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &mark), 0);
+    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &bookmark), 0);
     EXPECT_EQ(rows(), "1|old|http://a/|m0|3|4|1\n1|A title|http://a/|m1|11|22|2");
 }
 
-TEST_F(BookmarkMarks, SetAddedMark_OtherFailures_GiveTheirOwnCode)
+TEST_F(BookmarkRecords, SetAddedMark_OtherFailures_GiveTheirOwnCode)
 {
     givenSchema("DROP TABLE tBFile");
-    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &mark), 1);
+    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &bookmark), 1);
     EXPECT_THAT(trace.take(),
                 ElementsAre(Enter("SetAddedMark", "URL"), Error("SetAddedMark", 3), Exit("SetAddedMark", 1)));
 }
 
-TEST_F(BookmarkMarks, SetAddedMark_StatementTooLong_GivesItsCode)
+TEST_F(BookmarkRecords, SetAddedMark_StatementTooLong_GivesItsCode)
 {
-    const Mark longMark(kUrl, std::string(41000, 'x'));
-    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &longMark), 18);
+    const Bookmark longBookmark(kUrl, std::string(41000, 'x'));
+    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &longBookmark), 18);
     EXPECT_EQ(rows(), "");
     EXPECT_THAT(trace.take(),
                 ElementsAre(Enter("SetAddedMark", "URL"), Error("SetAddedMark", 3), Exit("SetAddedMark", 18)));
 }
 
-TEST_F(BookmarkMarks, SetAddedMark_NullTexts_AreStoredEmpty)
+TEST_F(BookmarkRecords, SetAddedMark_NullTexts_AreStoredEmpty)
 {
-    Mark given(kUrl);
+    Bookmark given(kUrl);
     given.Title = given.Path = given.PhoneMID = nullptr;
     EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &given), 0);
     EXPECT_EQ(rows(), "1||||11|22|1");
     EXPECT_EQ(trace.take().front(), Enter("SetAddedMark", "URL", "(null)"));
 }
 
-TEST_F(BookmarkMarks, SetAddedMark_ApostrophesAndEmoji_ReadBackIntact)
+TEST_F(BookmarkRecords, SetAddedMark_ApostrophesAndEmoji_ReadBackIntact)
 {
     const std::string odd = "it's \xF0\x9F\x98\x80 '' \xC3\xBC";
-    const Mark given(odd + "/url", odd + "/title", odd + "/mid");
+    const Bookmark given(odd + "/url", odd + "/title", odd + "/mid");
     EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &given), 0);
     BookmarkRecord read = {};
     EXPECT_EQ(lib.DB_BOOKMARK_GetSyncedMark(W(kImei), W(odd + "/url"), &read), 0);
@@ -102,19 +102,19 @@ TEST_F(BookmarkMarks, SetAddedMark_ApostrophesAndEmoji_ReadBackIntact)
     EXPECT_EQ(lib.DB_BOOKMARK_IsSyncedMark(W(kImei), W(odd + "/url")), 1);
 }
 
-TEST_F(BookmarkMarks, SetAddedMark_LoneSurrogate_BecomesTheReplacementCharacter)
+TEST_F(BookmarkRecords, SetAddedMark_LoneSurrogate_BecomesTheReplacementCharacter)
 {
     Text title = Text::ofUnits({0xDC00, 'x'});
-    Mark given(kUrl);
+    Bookmark given(kUrl);
     given.Title = title.get();
     EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &given), 0);
     EXPECT_EQ(sql.text("SELECT [Title] FROM tBFile"), "\xEF\xBF\xBDx");
 }
 
-TEST_F(BookmarkMarks, IsSyncedMark_MarkOfThePresentType_IsSeen)
+TEST_F(BookmarkRecords, IsSyncedMark_BookmarkOfThePresentType_IsSeen)
 {
-    givenMark(kUrl, 1);
-    givenMark("http://b/", 2);
+    givenBookmark(kUrl, 1);
+    givenBookmark("http://b/", 2);
     EXPECT_EQ(lib.DB_BOOKMARK_IsSyncedMark(W(kImei), W(kUrl)), 1);
     EXPECT_THAT(trace.take(), ElementsAre(Enter("IsSyncedMark", "URL"), Exit("IsSyncedMark", 1)));
     EXPECT_EQ(lib.DB_BOOKMARK_IsSyncedMark(W(kImei), W("http://b/")), 0);
@@ -126,7 +126,7 @@ TEST_F(BookmarkMarks, IsSyncedMark_MarkOfThePresentType_IsSeen)
     EXPECT_EQ(lib.DB_BOOKMARK_IsSyncedMark(W(kImei), W("http://b/")), 1);
 }
 
-TEST_F(BookmarkMarks, IsSyncedMark_QueryFails_AnswersZeroWithPositionOne)
+TEST_F(BookmarkRecords, IsSyncedMark_QueryFails_AnswersZeroWithPositionOne)
 {
     givenSchema("DROP VIEW vBFile");
     EXPECT_EQ(lib.DB_BOOKMARK_IsSyncedMark(W(kImei), W(kUrl)), 0);
@@ -134,16 +134,16 @@ TEST_F(BookmarkMarks, IsSyncedMark_QueryFails_AnswersZeroWithPositionOne)
                 ElementsAre(Enter("IsSyncedMark", "URL"), Error("IsSyncedMark", 1), Exit("IsSyncedMark", 0)));
 }
 
-TEST_F(BookmarkMarks, IsSyncedMark_ImeiWithApostrophe_BreaksTheQuery)
+TEST_F(BookmarkRecords, IsSyncedMark_ImeiWithApostrophe_BreaksTheQuery)
 {
     EXPECT_EQ(lib.DB_BOOKMARK_IsSyncedMark(W("35'1"), W(kUrl)), 0);
     EXPECT_THAT(trace.take(), ElementsAre("Enter DB_BOOKMARK_IsSyncedMark(IMEI: 35'1, URL: http://a/).",
                                           Error("IsSyncedMark", 1), Exit("IsSyncedMark", 0)));
 }
 
-TEST_F(BookmarkMarks, GetSyncedMark_KnownMark_FillsEveryField)
+TEST_F(BookmarkRecords, GetSyncedMark_KnownBookmark_FillsEveryField)
 {
-    givenMark(kUrl, 7);
+    givenBookmark(kUrl, 7);
     givenType(7);
     BookmarkRecord read = {};
     EXPECT_EQ(lib.DB_BOOKMARK_GetSyncedMark(W(kImei), W(kUrl), &read), 0);
@@ -152,7 +152,7 @@ TEST_F(BookmarkMarks, GetSyncedMark_KnownMark_FillsEveryField)
                                           Exit("GetSyncedMark", 0)));
 }
 
-TEST_F(BookmarkMarks, GetSyncedMark_EmptyTexts_ReadAsNull)
+TEST_F(BookmarkRecords, GetSyncedMark_EmptyTexts_ReadAsNull)
 {
     sql.exec("INSERT INTO tBFile VALUES (1, '', 'http://a/', NULL, NULL, NULL, 1)");
     BookmarkRecord read = {};
@@ -160,9 +160,9 @@ TEST_F(BookmarkMarks, GetSyncedMark_EmptyTexts_ReadAsNull)
     EXPECT_EQ(ToString(read), "<null>|http://a/|<null>|0|0|1");
 }
 
-TEST_F(BookmarkMarks, GetSyncedMark_UnknownMark_FreesTheTextsAndLeavesTheNumbers)
+TEST_F(BookmarkRecords, GetSyncedMark_UnknownBookmark_FreesTheTextsAndLeavesTheNumbers)
 {
-    givenMark(kUrl);
+    givenBookmark(kUrl);
     BookmarkRecord read = {};
     ASSERT_EQ(lib.DB_BOOKMARK_GetSyncedMark(W(kImei), W(kUrl), &read), 0);
     trace.take();
@@ -173,7 +173,7 @@ TEST_F(BookmarkMarks, GetSyncedMark_UnknownMark_FreesTheTextsAndLeavesTheNumbers
     EXPECT_EQ(lib.DB_BOOKMARK_GetSyncedMark(W("999"), W(kUrl), &read), 1);
 }
 
-TEST_F(BookmarkMarks, GetSyncedMark_QueryFails_TracesPositionThree)
+TEST_F(BookmarkRecords, GetSyncedMark_QueryFails_TracesPositionThree)
 {
     givenSchema("DROP VIEW vBFile");
     BookmarkRecord read = {};
@@ -182,61 +182,61 @@ TEST_F(BookmarkMarks, GetSyncedMark_QueryFails_TracesPositionThree)
                 ElementsAre(Enter("GetSyncedMark", "Url"), Error("GetSyncedMark", 3), Exit("GetSyncedMark", 1)));
 }
 
-TEST_F(BookmarkMarks, SetUpdatedMark_KnownMark_GetsTitleMidAndFlagOnly)
+TEST_F(BookmarkRecords, SetUpdatedMark_KnownBookmark_GetsTitleMidAndFlagOnly)
 {
-    givenMark(kUrl);
-    givenMark(kUrl, 2);
-    givenMark(kUrl, 1, 2);
-    EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W(kImei), &mark), 0);
+    givenBookmark(kUrl);
+    givenBookmark(kUrl, 2);
+    givenBookmark(kUrl, 1, 2);
+    EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W(kImei), &bookmark), 0);
     EXPECT_EQ(rows(), "1|A title|http://a/|m1|3|22|1\n1|old|http://a/|m0|3|4|2\n2|old|http://a/|m0|3|4|1");
     EXPECT_THAT(trace.take(), ElementsAre(Enter("SetUpdatedMark", "Url"), Exit("SetUpdatedMark", 0)));
 }
 
-TEST_F(BookmarkMarks, SetUpdatedMark_UnknownMark_SucceedsAndInsertsNothing)
+TEST_F(BookmarkRecords, SetUpdatedMark_UnknownBookmark_SucceedsAndInsertsNothing)
 {
-    EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W(kImei), &mark), 0);
+    EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W(kImei), &bookmark), 0);
     EXPECT_EQ(rows(), "");
 }
 
-TEST_F(BookmarkMarks, SetUpdatedMark_UpdateFails_TracesPositionOne)
+TEST_F(BookmarkRecords, SetUpdatedMark_UpdateFails_TracesPositionOne)
 {
-    givenMark(kUrl);
+    givenBookmark(kUrl);
     sql.exec("CREATE TRIGGER refuse BEFORE UPDATE ON tBFile BEGIN SELECT RAISE(ABORT, 'no'); END");
-    EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W(kImei), &mark), 1);
+    EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W(kImei), &bookmark), 1);
     EXPECT_THAT(trace.take(),
                 ElementsAre(Enter("SetUpdatedMark", "Url"), Error("SetUpdatedMark", 1), Exit("SetUpdatedMark", 1)));
 }
 
-TEST_F(BookmarkMarks, SetDeletedMark_PresentType_GoesAlone)
+TEST_F(BookmarkRecords, SetDeletedMark_PresentType_GoesAlone)
 {
-    givenMark("http://o'brien/");
-    givenMark("http://o'brien/", 2);
-    givenMark("http://o'brien/", 1, 2);
-    givenMark("http://other/");
+    givenBookmark("http://o'brien/");
+    givenBookmark("http://o'brien/", 2);
+    givenBookmark("http://o'brien/", 1, 2);
+    givenBookmark("http://other/");
     EXPECT_EQ(lib.DB_BOOKMARK_SetDeletedMark(W(kImei), W("http://o'brien/")), 0);
     EXPECT_EQ(rows(), "1|old|http://o'brien/|m0|3|4|2\n1|old|http://other/|m0|3|4|1\n2|old|http://o'brien/|m0|3|4|1");
     EXPECT_THAT(trace.take(),
                 ElementsAre(Enter("SetDeletedMark", "Url", "http://o'brien/"), Exit("SetDeletedMark", 0)));
 }
 
-TEST_F(BookmarkMarks, SetDeletedMark_UnknownUrl_Succeeds)
+TEST_F(BookmarkRecords, SetDeletedMark_UnknownUrl_Succeeds)
 {
     EXPECT_EQ(lib.DB_BOOKMARK_SetDeletedMark(W(kImei), W(kUrl)), 0);
 }
 
-TEST_F(BookmarkMarks, SetDeletedMark_DeleteFails_TracesPositionOne)
+TEST_F(BookmarkRecords, SetDeletedMark_DeleteFails_TracesPositionOne)
 {
-    givenMark(kUrl);
+    givenBookmark(kUrl);
     sql.exec("CREATE TRIGGER refuse BEFORE DELETE ON tBFile BEGIN SELECT RAISE(ABORT, 'no'); END");
     EXPECT_EQ(lib.DB_BOOKMARK_SetDeletedMark(W(kImei), W(kUrl)), 1);
     EXPECT_THAT(trace.take(),
                 ElementsAre(Enter("SetDeletedMark", "Url"), Error("SetDeletedMark", 1), Exit("SetDeletedMark", 1)));
 }
 
-TEST_F(BookmarkMarks, UnknownPhone_WritersFailWithoutErrorLine)
+TEST_F(BookmarkRecords, UnknownPhone_WritersFailWithoutErrorLine)
 {
-    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W("999"), &mark), 1);
-    EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W("999"), &mark), 1);
+    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W("999"), &bookmark), 1);
+    EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W("999"), &bookmark), 1);
     EXPECT_EQ(lib.DB_BOOKMARK_SetDeletedMark(W("999"), W(kUrl)), 1);
     EXPECT_EQ(rows(), "");
     EXPECT_THAT(trace.take(),
@@ -245,7 +245,7 @@ TEST_F(BookmarkMarks, UnknownPhone_WritersFailWithoutErrorLine)
                             "Enter DB_BOOKMARK_SetDeletedMark(IMEI: 999, Url: http://a/).", Exit("SetDeletedMark", 1)));
 }
 
-TEST_F(BookmarkMarks, NullRecords_TakeTheExceptionWay)
+TEST_F(BookmarkRecords, NullRecords_TakeTheExceptionWay)
 {
     EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), nullptr), 1);
     EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W(kImei), nullptr), 1);
@@ -257,15 +257,15 @@ TEST_F(BookmarkMarks, NullRecords_TakeTheExceptionWay)
                             Exit("GetSyncedMark", 1)));
 }
 
-TEST_F(ClosedDatabase, BookmarkMarks_EveryExport_AnswersItsPreset)
+TEST_F(ClosedDatabase, BookmarkRecords_EveryExport_AnswersItsPreset)
 {
-    const Mark mark(kUrl);
+    const Bookmark bookmark(kUrl);
     BookmarkRecord read = {};
     EXPECT_EQ(lib.DB_BOOKMARK_IsSyncedMark(W(kImei), W(kUrl)), 0);
     EXPECT_EQ(lib.DB_BOOKMARK_GetSyncedMark(W(kImei), W(kUrl), &read), 1);
-    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &mark), 1);
+    EXPECT_EQ(lib.DB_BOOKMARK_SetAddedMark(W(kImei), &bookmark), 1);
     EXPECT_EQ(lib.DB_BOOKMARK_SetDeletedMark(W(kImei), W(kUrl)), 1);
-    EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W(kImei), &mark), 1);
+    EXPECT_EQ(lib.DB_BOOKMARK_SetUpdatedMark(W(kImei), &bookmark), 1);
     EXPECT_THAT(trace.take(),
                 ElementsAre(Enter("IsSyncedMark", "URL"), Exit("IsSyncedMark", 0), Enter("GetSyncedMark", "Url"),
                             Exit("GetSyncedMark", 1), Enter("SetAddedMark", "URL"), Exit("SetAddedMark", 1),

@@ -10,28 +10,28 @@ namespace kesta {
 
 template <>
 struct Element<BookmarkRecord> {
-    static void construct(BookmarkRecord& mark, const DateValue& /*now*/) { mark = {}; }
-    static void destroy(BookmarkRecord& mark)
+    static void construct(BookmarkRecord& bookmark, const DateValue& /*now*/) { bookmark = {}; }
+    static void destroy(BookmarkRecord& bookmark)
     {
-        FreeText(mark.Title);
-        FreeText(mark.Path);
-        FreeText(mark.PhoneMID);
+        FreeText(bookmark.Title);
+        FreeText(bookmark.Path);
+        FreeText(bookmark.PhoneMID);
     }
 };
 
 namespace bookmarks {
 
-/// Removes the marks of every type.
+/// Removes the bookmarks of every type.
 ResultCode ClearAll(Routine self, const DbChar* imei);
 bool IsSyncedMark(Routine self, const DbChar* imei, const DbChar* url);
 /// Fills the empty list.
 ResultCode GetSyncedMarks(Routine self, const DbChar* imei, BookmarkList& list);
 /// Fills the record, whose texts are empty.
-ResultCode GetSyncedMark(Routine self, const DbChar* imei, const DbChar* url, BookmarkRecord& mark);
+ResultCode GetSyncedMark(Routine self, const DbChar* imei, const DbChar* url, BookmarkRecord& bookmark);
 /// The result of a failed insert is SQLite's own code.
-ResultCode SetAddedMark(Routine self, const DbChar* imei, const BookmarkRecord& mark);
+ResultCode SetAddedMark(Routine self, const DbChar* imei, const BookmarkRecord& bookmark);
 ResultCode SetDeletedMark(Routine self, const DbChar* imei, const DbChar* url);
-ResultCode SetUpdatedMark(Routine self, const DbChar* imei, const BookmarkRecord& mark);
+ResultCode SetUpdatedMark(Routine self, const DbChar* imei, const BookmarkRecord& bookmark);
 
 }  // namespace bookmarks
 }  // namespace kesta
