@@ -1,5 +1,6 @@
-// Counts the library's heap allocations and checks them against the floor's: the library adds none for statements and
-// for trace lines that nobody reads, and a list takes one for its array and one per text. Fails when it does not hold.
+// Counts the library's heap allocations and checks them against the baseline's: the library adds none for statements
+// and for trace lines that nobody reads, and a list takes one for its array and one per text. Fails when it does not
+// hold.
 #include <malloc.h>
 
 #include <cstdio>
@@ -70,31 +71,31 @@ void Check(const char* what, size_t library, size_t allowed)
 }
 
 /// Per operation, beyond what SQLite allocates for the statements themselves.
-void CheckOperation(const Scene& scene, const OperationTraits& traits)
+void CheckOperation(const DataSet& dataSet, const OperationTraits& traits)
 {
     const size_t times = traits.perRun < 20 ? traits.perRun : 20;
     size_t counts[2] = {};
-    for (const Side side : {Side::kLibrary, Side::kFloor}) {
-        const std::unique_ptr<Work> work = MakeWork(scene, traits, side);
-        work->run(0);
-        work->undo();
+    for (const Side side : {Side::kLibrary, Side::kBaseline}) {
+        const std::unique_ptr<BenchmarkCase> benchmarkCase = MakeCase(dataSet, traits, side);
+        benchmarkCase->run(0);
+        benchmarkCase->undo();
         counts[static_cast<size_t>(side)] = CountAllocations([&] {
             for (size_t i = 0; i < times; ++i) {
-                work->run(i);
+                benchmarkCase->run(i);
             }
         });
-        work->undo();
+        benchmarkCase->undo();
     }
     Check(traits.name, counts[0], counts[1] + times * traits.allocations);
 }
 
-void CheckList(const Scene& scene, const OperationTraits& traits)
+void CheckList(const DataSet& dataSet, const OperationTraits& traits)
 {
-    const std::unique_ptr<Work> bare = MakeWork(scene, traits, Side::kUtf8Floor);
+    const std::unique_ptr<BenchmarkCase> bare = MakeCase(dataSet, traits, Side::kUtf8Baseline);
     bare->run(0);
-    const size_t floor = CountAllocations([&] { bare->run(0); });
+    const size_t baseline = CountAllocations([&] { bare->run(0); });
 
-    const std::unique_ptr<Work> library = MakeWork(scene, traits, Side::kLibrary);
+    const std::unique_ptr<BenchmarkCase> library = MakeCase(dataSet, traits, Side::kLibrary);
     library->run(0);
     library->dropList();
     const size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
@@ -102,14 +103,14 @@ void CheckList(const Scene& scene, const OperationTraits& traits)
     const size_t held = mallinfo2().uordblks + mallinfo2().hblkhd - before;
     const ListSize needed = library->list();
     const std::string name = traits.name;
-    Check((name + ": allocations").c_str(), counted, floor + 1 + needed.pieces + traits.allocations);
+    Check((name + ": allocations").c_str(), counted, baseline + 1 + needed.pieces + traits.allocations);
     std::printf("%-58s %8.3f\n", (name + ": bytes held by records and texts").c_str(),
                 static_cast<double>(held) / static_cast<double>(needed.bytes));
     Check((name + ": bytes held, at most 1.2 times that").c_str(), held, needed.bytes + needed.bytes / 5);
 }
 
 /// What writers change, without the times at which they did.
-constexpr const char* kBooks[] = {
+constexpr const char* kDumps[] = {
     "SELECT * FROM tMFile;",
     "SELECT * FROM tMFolder;",
     "SELECT * FROM tPhone;",
@@ -121,50 +122,50 @@ constexpr const char* kBooks[] = {
     "SELECT * FROM tPimLog;",
     "SELECT * FROM tPimLogItem;"};
 
-/// What the two sides have written is the same: the floor is the floor of this library.
-void CheckSameBooks(const Scene& scene, const OperationTraits& traits)
+/// What the two sides have written is the same: the baseline is the baseline of this library.
+void CheckSameRows(const DataSet& dataSet, const OperationTraits& traits)
 {
-    std::string books[2];
+    std::string contents[2];
     std::string unchanged;
-    for (const Side side : {Side::kLibrary, Side::kFloor}) {
-        const std::unique_ptr<Work> work = MakeWork(scene, traits, side);
+    for (const Side side : {Side::kLibrary, Side::kBaseline}) {
+        const std::unique_ptr<BenchmarkCase> benchmarkCase = MakeCase(dataSet, traits, side);
         const auto dump = [&] {
-            Bare db(side == Side::kLibrary ? scene.database() : scene.bareDatabase());
+            Bare db(side == Side::kLibrary ? dataSet.database() : dataSet.bareDatabase());
             std::string dumped;
-            for (const char* query : kBooks) {
+            for (const char* query : kDumps) {
                 dumped += db.dump(query);
             }
             return dumped;
         };
         unchanged = dump();
         for (size_t i = 0; i < traits.perRun; ++i) {
-            work->run(i);
+            benchmarkCase->run(i);
         }
-        books[static_cast<size_t>(side)] = dump();
-        work->undo();
-        Require(dump() == unchanged, "the books as they were");
+        contents[static_cast<size_t>(side)] = dump();
+        benchmarkCase->undo();
+        Require(dump() == unchanged, "the database as it was");
     }
-    Require(books[0] != unchanged && books[0] == books[1], "the same books on both sides");
-    std::printf("%-58s the same books on both sides\n", traits.name);
+    Require(contents[0] != unchanged && contents[0] == contents[1], "the same rows on both sides");
+    std::printf("%-58s the same rows on both sides\n", traits.name);
 }
 
 void CheckFamily(Family family, Letters letters)
 {
-    const Scene scene("/dev/shm", family, 1'000, letters);
+    const DataSet dataSet("/dev/shm", family, 1'000, letters);
     for (const OperationTraits& traits : kOperations) {
         if (traits.family != family) {
             continue;
         }
         switch (traits.kind) {
             case Kind::kWriter:
-                CheckOperation(scene, traits);
-                CheckSameBooks(scene, traits);
+                CheckOperation(dataSet, traits);
+                CheckSameRows(dataSet, traits);
                 break;
             case Kind::kReader:
-                CheckOperation(scene, traits);
+                CheckOperation(dataSet, traits);
                 break;
             case Kind::kList:
-                CheckList(scene, traits);
+                CheckList(dataSet, traits);
                 break;
             case Kind::kListPart:
                 break;

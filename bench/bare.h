@@ -1,4 +1,4 @@
-// The floor: the library's own statements through bare SQLite, the same build of it. Texts are made beforehand, and
+// The baseline: the library's own statements through bare SQLite, the same build of it. Texts are made beforehand, and
 // every column is read in the form in which a caller wants it, without a copy.
 #pragma once
 
@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-#include "scene.h"
+#include "data_set.h"
 
 namespace kesta::bench {
 

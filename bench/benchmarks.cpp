@@ -1,4 +1,4 @@
-// Times of the library's main operations beside their floors. Options are those of Google Benchmark, and
+// Times of the library's main operations beside their baselines. Options are those of Google Benchmark, and
 // --disk=FOLDER: where "disk" lies, by default the system's folder for temporary files.
 #include <benchmark/benchmark.h>
 
@@ -16,20 +16,20 @@
 namespace kesta::bench {
 namespace {
 
-/// Scenes take long to make: one that is asked for again is still there.
-class SceneKeeper {
+/// Data sets take long to make: one that is asked for again is still there.
+class DataSets {
 public:
-    const Scene& get(const std::filesystem::path& place, Family family, size_t entries, Letters letters)
+    const DataSet& get(const std::filesystem::path& place, Family family, size_t entries, Letters letters)
     {
-        std::unique_ptr<Scene>& scene = scenes_[{place, family, entries, letters}];
-        if (scene == nullptr) {
-            scene = std::make_unique<Scene>(place, family, entries, letters);
+        std::unique_ptr<DataSet>& dataSet = dataSets_[{place, family, entries, letters}];
+        if (dataSet == nullptr) {
+            dataSet = std::make_unique<DataSet>(place, family, entries, letters);
         }
-        return *scene;
+        return *dataSet;
     }
 
 private:
-    std::map<std::tuple<std::filesystem::path, Family, size_t, Letters>, std::unique_ptr<Scene>> scenes_;
+    std::map<std::tuple<std::filesystem::path, Family, size_t, Letters>, std::unique_ptr<DataSet>> dataSets_;
 };
 
 struct Case {
@@ -40,35 +40,35 @@ struct Case {
     Side side;
 };
 
-void Run(benchmark::State& state, SceneKeeper& scenes, const Case& self)
+void Run(benchmark::State& state, DataSets& dataSets, const Case& self)
 {
-    const std::unique_ptr<Work> work =
-        MakeWork(scenes.get(self.place, self.traits->family, self.entries, self.letters), *self.traits, self.side);
+    const std::unique_ptr<BenchmarkCase> benchmarkCase =
+        MakeCase(dataSets.get(self.place, self.traits->family, self.entries, self.letters), *self.traits, self.side);
     if (!self.traits->writes()) {
-        work->run(0);  // fills the page cache
+        benchmarkCase->run(0);  // fills the page cache
     }
     size_t i = 0;
     for (auto _ : state) {
-        work->run(i++);
+        benchmarkCase->run(i++);
     }
-    work->undo();
+    benchmarkCase->undo();
     if (self.traits->kind == Kind::kList) {
         state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(self.entries));
     }
 }
 
-void Register(SceneKeeper& scenes, const char* placeName, const Case& both)
+void Register(DataSets& dataSets, const char* placeName, const Case& both)
 {
-    for (const Side side : {Side::kLibrary, Side::kFloor}) {
+    for (const Side side : {Side::kLibrary, Side::kBaseline}) {
         Case self = both;
         self.side = side;
         const std::string name = std::string(self.traits->name) + "/" + placeName + "/" +
                                  (self.letters == Letters::kAscii ? "" : "non-ascii/") + std::to_string(self.entries) +
-                                 (side == Side::kLibrary ? "/library" : "/floor");
+                                 (side == Side::kLibrary ? "/library" : "/baseline");
         auto* registered = benchmark::RegisterBenchmark(
-            name.c_str(), [&scenes, self](benchmark::State& state) { Run(state, scenes, self); });
+            name.c_str(), [&dataSets, self](benchmark::State& state) { Run(state, dataSets, self); });
         registered->UseRealTime()->Repetitions(5);
-        // The books grow with each of them, so that both sides must do it equally often.
+        // The database grows with each of them, so that both sides must do it equally often.
         if (self.traits->writes()) {
             registered->Iterations(static_cast<benchmark::IterationCount>(self.traits->perRun));
         }
@@ -89,19 +89,19 @@ std::vector<size_t> SizesOf(Family family)
     }
 }
 
-void RegisterAll(SceneKeeper& scenes, const std::filesystem::path& disk)
+void RegisterAll(DataSets& dataSets, const std::filesystem::path& disk)
 {
     const std::filesystem::path memory = "/dev/shm";
     for (const OperationTraits& traits : kOperations) {
         for (const size_t entries : SizesOf(traits.family)) {
-            Register(scenes, "shm", {&traits, memory, entries, Letters::kAscii, {}});
+            Register(dataSets, "shm", {&traits, memory, entries, Letters::kAscii, {}});
             // A log is saved in as many transactions as it has entries: on a disk that is a matter of minutes.
             if (traits.writes() && traits.operation != Operation::kSavePimLog) {
-                Register(scenes, "disk", {&traits, disk, entries, Letters::kAscii, {}});
+                Register(dataSets, "disk", {&traits, disk, entries, Letters::kAscii, {}});
             }
         }
         const size_t entries = traits.family == Family::kPlaylists ? 1'000 : 10'000;
-        Register(scenes, "shm", {&traits, memory, entries, Letters::kAny, {}});
+        Register(dataSets, "shm", {&traits, memory, entries, Letters::kAny, {}});
     }
 }
 
@@ -119,8 +119,8 @@ int main(int argc, char** argv)
     } else if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;
     }
-    SceneKeeper scenes;
-    RegisterAll(scenes, disk);
+    DataSets dataSets;
+    RegisterAll(dataSets, disk);
     RatioTable table;
     benchmark::RunSpecifiedBenchmarks(&table);
     table.printTable();

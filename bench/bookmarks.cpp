@@ -1,24 +1,25 @@
 // Web bookmarks: adding, looking up, reading, listing.
 #include <vector>
 
+#include "cases.h"
 #include "families.h"
-#include "work.h"
 
 namespace kesta::bench {
 namespace {
 
 constexpr int32_t kFlag = 1;
 
-std::string InsertText(const Mark& mark, size_t n)
+std::string InsertText(const BookmarkTexts& bookmark, size_t n)
 {
     return "INSERT INTO tBFile ([PhoneID], [Title], [Path], [PhoneMID], [Id], [Flag], [Type]) VALUES (1, '" +
-           Quoted(mark.title) + "', '" + Quoted(mark.url) + "', '" + Quoted(mark.phoneId) + "', " +
+           Quoted(bookmark.title) + "', '" + Quoted(bookmark.url) + "', '" + Quoted(bookmark.phoneId) + "', " +
            std::to_string(n + 1) + ", " + std::to_string(kFlag) + ", 1);";
 }
 
-std::string Condition(const Mark& mark)
+std::string Condition(const BookmarkTexts& bookmark)
 {
-    return " FROM vBFile WHERE [IMEI] = '" + Utf8(kImei) + "' AND [Path] = '" + Quoted(mark.url) + "' AND [Type] = 1;";
+    return " FROM vBFile WHERE [IMEI] = '" + Utf8(kImei) + "' AND [Path] = '" + Quoted(bookmark.url) +
+           "' AND [Type] = 1;";
 }
 
 std::string ListText(const char* columns)
@@ -26,53 +27,53 @@ std::string ListText(const char* columns)
     return std::string("SELECT ") + columns + " FROM vBFile WHERE [IMEI] = '" + Utf8(kImei) + "' AND [Type] = 1;";
 }
 
-std::vector<Mark> NewMarks(const Scene& scene, size_t count)
+std::vector<BookmarkTexts> NewBookmarks(const DataSet& dataSet, size_t count)
 {
-    std::vector<Mark> marks;
+    std::vector<BookmarkTexts> bookmarks;
     for (size_t i = 0; i < count; ++i) {
-        marks.push_back(MakeMark(scene.entries() + i, scene.letters()));
+        bookmarks.push_back(MakeBookmark(dataSet.entries() + i, dataSet.letters()));
     }
-    return marks;
+    return bookmarks;
 }
 
-std::vector<Mark> SomeMarks(const Scene& scene, size_t count)
+std::vector<BookmarkTexts> SomeBookmarks(const DataSet& dataSet, size_t count)
 {
-    std::vector<Mark> marks;
+    std::vector<BookmarkTexts> bookmarks;
     for (size_t i = 0; i < count; ++i) {
-        marks.push_back(MakeMark(Scattered(i, scene.entries()), scene.letters()));
+        bookmarks.push_back(MakeBookmark(Scattered(i, dataSet.entries()), dataSet.letters()));
     }
-    return marks;
+    return bookmarks;
 }
 
-std::string ForgetNewMarks(const Scene& scene)
+std::string ForgetNewBookmarks(const DataSet& dataSet)
 {
-    return "DELETE FROM tBFile WHERE [Id] > " + std::to_string(scene.entries()) + ";";
+    return "DELETE FROM tBFile WHERE [Id] > " + std::to_string(dataSet.entries()) + ";";
 }
 
-class LibraryAdd : public LibraryWork {
+class LibraryAdd : public LibraryCase {
 public:
-    LibraryAdd(const Scene& scene, size_t count) : LibraryWork(scene), marks_(NewMarks(scene, count))
+    LibraryAdd(const DataSet& dataSet, size_t count) : LibraryCase(dataSet), bookmarks_(NewBookmarks(dataSet, count))
     {
-        auto id = static_cast<int32_t>(scene.entries());
-        for (Mark& mark : marks_) {
-            records_.push_back({mark.title.data(), mark.url.data(), mark.phoneId.data(), ++id, kFlag, 0});
+        auto id = static_cast<int32_t>(dataSet.entries());
+        for (BookmarkTexts& bookmark : bookmarks_) {
+            records_.push_back({bookmark.title.data(), bookmark.url.data(), bookmark.phoneId.data(), ++id, kFlag, 0});
         }
     }
     void run(size_t i) override { Require(library_.SetAddedMark(kImei, &records_[i]) == 0, "adding a bookmark"); }
-    void undo() override { change(ForgetNewMarks(scene_)); }
+    void undo() override { change(ForgetNewBookmarks(dataSet_)); }
 
 private:
-    std::vector<Mark> marks_;
+    std::vector<BookmarkTexts> bookmarks_;
     std::vector<BookmarkRecord> records_;
 };
 
-class BareAdd : public BareWork {
+class BareAdd : public BareCase {
 public:
-    BareAdd(const Scene& scene, Side side, size_t count)
-        : BareWork(scene, side), type_(BookmarkTypeText(kImei)), phone_(PhoneText(kImei))
+    BareAdd(const DataSet& dataSet, Side side, size_t count)
+        : BareCase(dataSet, side), type_(BookmarkTypeText(kImei)), phone_(PhoneText(kImei))
     {
-        for (const Mark& mark : NewMarks(scene, count)) {
-            texts_.push_back(InsertText(mark, scene.entries() + texts_.size()));
+        for (const BookmarkTexts& bookmark : NewBookmarks(dataSet, count)) {
+            texts_.push_back(InsertText(bookmark, dataSet.entries() + texts_.size()));
         }
     }
     void run(size_t i) override
@@ -81,7 +82,7 @@ public:
         Require(db_.firstInt(phone_.c_str(), -1) == 1, "finding the phone");
         db_.exec(texts_[i].c_str());
     }
-    void undo() override { change(ForgetNewMarks(scene_)); }
+    void undo() override { change(ForgetNewBookmarks(dataSet_)); }
 
 private:
     std::string type_;
@@ -89,24 +90,29 @@ private:
     std::vector<std::string> texts_;
 };
 
-class LibraryLookUp : public LibraryWork {
+class LibraryLookUp : public LibraryCase {
 public:
-    LibraryLookUp(const Scene& scene, size_t count) : LibraryWork(scene), marks_(SomeMarks(scene, count)) {}
+    LibraryLookUp(const DataSet& dataSet, size_t count)
+        : LibraryCase(dataSet), bookmarks_(SomeBookmarks(dataSet, count))
+    {
+    }
     void run(size_t i) override
     {
-        Require(library_.IsSyncedMark(kImei, marks_[i % marks_.size()].url.c_str()) == 1, "looking a bookmark up");
+        Require(library_.IsSyncedMark(kImei, bookmarks_[i % bookmarks_.size()].url.c_str()) == 1,
+                "looking a bookmark up");
     }
 
 private:
-    std::vector<Mark> marks_;
+    std::vector<BookmarkTexts> bookmarks_;
 };
 
-class BareLookUp : public BareWork {
+class BareLookUp : public BareCase {
 public:
-    BareLookUp(const Scene& scene, Side side, size_t count) : BareWork(scene, side), type_(BookmarkTypeText(kImei))
+    BareLookUp(const DataSet& dataSet, Side side, size_t count)
+        : BareCase(dataSet, side), type_(BookmarkTypeText(kImei))
     {
-        for (const Mark& mark : SomeMarks(scene, count)) {
-            texts_.push_back("SELECT *" + Condition(mark));
+        for (const BookmarkTexts& bookmark : SomeBookmarks(dataSet, count)) {
+            texts_.push_back("SELECT *" + Condition(bookmark));
         }
     }
     void run(size_t i) override
@@ -125,27 +131,29 @@ private:
     std::vector<std::string> texts_;
 };
 
-class LibraryRead : public LibraryWork {
+class LibraryRead : public LibraryCase {
 public:
-    LibraryRead(const Scene& scene, size_t count) : LibraryWork(scene), marks_(SomeMarks(scene, count)) {}
-    ~LibraryRead() override { (void)library_.GetSyncedMark(kImei, u"", &mark_); }
+    LibraryRead(const DataSet& dataSet, size_t count) : LibraryCase(dataSet), bookmarks_(SomeBookmarks(dataSet, count))
+    {
+    }
+    ~LibraryRead() override { (void)library_.GetSyncedMark(kImei, u"", &bookmark_); }
     void run(size_t i) override
     {
-        const char16_t* url = marks_[i % marks_.size()].url.c_str();
-        Require(library_.GetSyncedMark(kImei, url, &mark_) == 0 && mark_.Flag == kFlag, "reading a bookmark");
+        const char16_t* url = bookmarks_[i % bookmarks_.size()].url.c_str();
+        Require(library_.GetSyncedMark(kImei, url, &bookmark_) == 0 && bookmark_.Flag == kFlag, "reading a bookmark");
     }
 
 private:
-    std::vector<Mark> marks_;
-    BookmarkRecord mark_ = {};
+    std::vector<BookmarkTexts> bookmarks_;
+    BookmarkRecord bookmark_ = {};
 };
 
-class BareRead : public BareWork {
+class BareRead : public BareCase {
 public:
-    BareRead(const Scene& scene, Side side, size_t count) : BareWork(scene, side), type_(BookmarkTypeText(kImei))
+    BareRead(const DataSet& dataSet, Side side, size_t count) : BareCase(dataSet, side), type_(BookmarkTypeText(kImei))
     {
-        for (const Mark& mark : SomeMarks(scene, count)) {
-            texts_.push_back("SELECT [Title], [PhoneMID], [Flag], [Id]" + Condition(mark));
+        for (const BookmarkTexts& bookmark : SomeBookmarks(dataSet, count)) {
+            texts_.push_back("SELECT [Title], [PhoneMID], [Flag], [Id]" + Condition(bookmark));
         }
     }
     void run(size_t i) override
@@ -165,22 +173,22 @@ private:
     std::vector<std::string> texts_;
 };
 
-class LibraryList : public LibraryWork {
+class LibraryList : public LibraryCase {
 public:
-    explicit LibraryList(const Scene& scene) : LibraryWork(scene) {}
+    explicit LibraryList(const DataSet& dataSet) : LibraryCase(dataSet) {}
     ~LibraryList() override { LibraryList::dropList(); }
     void run(size_t /*i*/) override
     {
         Require(library_.GetSyncedMarks(kImei, &list_) == 0, "listing bookmarks");
-        Require(static_cast<size_t>(list_.Count) == scene_.entries(), "all bookmarks in the list");
+        Require(static_cast<size_t>(list_.Count) == dataSet_.entries(), "all bookmarks in the list");
     }
     [[nodiscard]] ListSize list() const override
     {
         ListSize size;
         for (int32_t i = 0; i < list_.Count; ++i) {
-            const BookmarkRecord& mark = list_.Items[i];
-            size.bytes += sizeof mark;
-            for (const char16_t* text : {mark.Title, mark.Path, mark.PhoneMID}) {
+            const BookmarkRecord& bookmark = list_.Items[i];
+            size.bytes += sizeof bookmark;
+            for (const char16_t* text : {bookmark.Title, bookmark.Path, bookmark.PhoneMID}) {
                 AddText(size, text);
             }
         }
@@ -192,10 +200,10 @@ private:
     BookmarkList list_ = {0, nullptr};
 };
 
-class BareList : public BareWork {
+class BareList : public BareCase {
 public:
-    BareList(const Scene& scene, Side side)
-        : BareWork(scene, side),
+    BareList(const DataSet& dataSet, Side side)
+        : BareCase(dataSet, side),
           type_(BookmarkTypeText(kImei)),
           count_(ListText("COUNT(*)")),
           list_(ListText("[Title], [Path], [PhoneMID], [Flag]"))
@@ -205,7 +213,7 @@ public:
     {
         Require(db_.firstInt(type_.c_str(), -1) == 1, "finding the bookmarks' type");
         const size_t count = static_cast<size_t>(db_.firstInt(count_.c_str(), -1));
-        Require(count == scene_.entries(), "counting bookmarks");
+        Require(count == dataSet_.entries(), "counting bookmarks");
         const size_t rows = db_.forEachRow(list_.c_str(), [this](sqlite3_stmt* row) {
             Require(db_.text(row, 0) && db_.text(row, 1) && db_.text(row, 2), "a bookmark's texts");
             Require(sqlite3_column_int(row, 3) == kFlag, "a bookmark's flag");
@@ -222,24 +230,24 @@ private:
 
 }  // namespace
 
-void FillBookmarks(const Scene& scene, Bare& db)
+void FillBookmarks(const DataSet& dataSet, Bare& db)
 {
-    for (size_t n = 0; n < scene.entries(); ++n) {
-        db.exec(InsertText(MakeMark(n, scene.letters()), n).c_str());
+    for (size_t n = 0; n < dataSet.entries(); ++n) {
+        db.exec(InsertText(MakeBookmark(n, dataSet.letters()), n).c_str());
     }
 }
 
-std::unique_ptr<Work> MakeBookmarkWork(const Scene& scene, const OperationTraits& traits, Side side)
+std::unique_ptr<BenchmarkCase> MakeBookmarkCase(const DataSet& dataSet, const OperationTraits& traits, Side side)
 {
     switch (traits.operation) {
-        case Operation::kAddMark:
-            return Make<LibraryAdd, BareAdd>(side, scene, traits.perRun);
-        case Operation::kLookUpMark:
-            return Make<LibraryLookUp, BareLookUp>(side, scene, traits.perRun);
-        case Operation::kReadMark:
-            return Make<LibraryRead, BareRead>(side, scene, traits.perRun);
+        case Operation::kAddBookmark:
+            return Make<LibraryAdd, BareAdd>(side, dataSet, traits.perRun);
+        case Operation::kLookUpBookmark:
+            return Make<LibraryLookUp, BareLookUp>(side, dataSet, traits.perRun);
+        case Operation::kReadBookmark:
+            return Make<LibraryRead, BareRead>(side, dataSet, traits.perRun);
         default:
-            return Make<LibraryList, BareList>(side, scene);
+            return Make<LibraryList, BareList>(side, dataSet);
     }
 }
 

@@ -17,9 +17,9 @@
 #include <thread>
 #include <vector>
 
+#include "data_set.h"
 #include "entries.h"
 #include "library.h"
-#include "scene.h"
 
 namespace kesta::bench {
 namespace {
@@ -55,20 +55,20 @@ void LookUp(const Library& library, const std::vector<File>& files, size_t calls
     }
 }
 
-std::vector<File> FilesOf(const Scene& scene)
+std::vector<File> FilesOf(const DataSet& dataSet)
 {
     std::vector<File> files;
     for (size_t i = 0; i < kFew; ++i) {
-        files.push_back(MakeFile(i * 7919 % scene.entries(), Letters::kAscii));
+        files.push_back(MakeFile(i * 7919 % dataSet.entries(), Letters::kAscii));
     }
     return files;
 }
 
-void PrintLoad(const char* name, const Scene& scene)
+void PrintLoad(const char* name, const DataSet& dataSet)
 {
     const double load = MedianOf(9, [&] {
         return TimeOf([&] {
-            const Library library(scene);
+            const Library library(dataSet);
             Require(library.PhoneDetected(kImei, u"") == 1, "announcing the phone");
         });
     });
@@ -87,10 +87,10 @@ void PrintFreshLoad(const std::filesystem::path& place)
     std::printf("%-52s %10.0f us\n", "load, no database yet", load);
 }
 
-double CallsPerSecond(const Scene& scene, size_t threads)
+double CallsPerSecond(const DataSet& dataSet, size_t threads)
 {
-    const Library library(scene);
-    const std::vector<File> files = FilesOf(scene);
+    const Library library(dataSet);
+    const std::vector<File> files = FilesOf(dataSet);
     const double taken = TimeOf([&] {
         std::vector<std::thread> all;
         for (size_t i = 0; i < threads; ++i) {
@@ -103,14 +103,14 @@ double CallsPerSecond(const Scene& scene, size_t threads)
     return kCalls / taken * 1e6;
 }
 
-double CallsPerSecondOfProcesses(const Scene& scene, size_t processes)
+double CallsPerSecondOfProcesses(const DataSet& dataSet, size_t processes)
 {
-    const std::vector<File> files = FilesOf(scene);
+    const std::vector<File> files = FilesOf(dataSet);
     const double taken = TimeOf([&] {
         for (size_t i = 0; i < processes; ++i) {
             if (fork() == 0) {
                 {
-                    const Library library(scene);
+                    const Library library(dataSet);
                     LookUp(library, files, kCalls / processes);
                 }
                 _exit(0);
@@ -124,11 +124,11 @@ double CallsPerSecondOfProcesses(const Scene& scene, size_t processes)
     return kCalls / taken * 1e6;
 }
 
-void PrintCallers(const Scene& scene)
+void PrintCallers(const DataSet& dataSet)
 {
-    const double alone = MedianOf(5, [&] { return CallsPerSecond(scene, 1); });
-    const double threads = MedianOf(5, [&] { return CallsPerSecond(scene, 8); });
-    const double processes = MedianOf(5, [&] { return CallsPerSecondOfProcesses(scene, 4); });
+    const double alone = MedianOf(5, [&] { return CallsPerSecond(dataSet, 1); });
+    const double threads = MedianOf(5, [&] { return CallsPerSecond(dataSet, 8); });
+    const double processes = MedianOf(5, [&] { return CallsPerSecondOfProcesses(dataSet, 4); });
     std::printf("%-52s %10.0f calls/s\n", "look-ups, one caller alone", alone);
     std::printf("%-52s %10.0f calls/s  %.2f\n", "look-ups, 8 threads of one process", threads, threads / alone);
     std::printf("%-52s %10.0f calls/s  %.2f\n", "look-ups, 4 processes (their load included)", processes,
@@ -142,23 +142,23 @@ struct Costs {
     double bytesPerRow;
 };
 
-Costs CostsOf(const Scene& scene)
+Costs CostsOf(const DataSet& dataSet)
 {
-    const Library library(scene);
-    const std::vector<File> files = FilesOf(scene);
+    const Library library(dataSet);
+    const std::vector<File> files = FilesOf(dataSet);
     Costs costs = {};
     LookUp(library, files, kFew);
     costs.lookUp = TimeOf([&] { LookUp(library, files, kFew); }) / kFew;
     SyncedFileList list = {0, nullptr};
     const size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
     costs.row = TimeOf([&] { Require(library.GetSyncedFiles(kImei, nullptr, &list) == 0, "listing files"); }) /
-                static_cast<double>(scene.entries());
-    costs.bytesPerRow =
-        static_cast<double>(mallinfo2().uordblks + mallinfo2().hblkhd - before) / static_cast<double>(scene.entries());
+                static_cast<double>(dataSet.entries());
+    costs.bytesPerRow = static_cast<double>(mallinfo2().uordblks + mallinfo2().hblkhd - before) /
+                        static_cast<double>(dataSet.entries());
     (void)library.GetSyncedFiles(u"", nullptr, &list);
     std::vector<File> added;
     for (size_t i = 0; i < kFew; ++i) {
-        added.push_back(MakeNewFile(i, scene.entries(), Letters::kAscii));
+        added.push_back(MakeNewFile(i, dataSet.entries(), Letters::kAscii));
     }
     costs.record =
         TimeOf([&] {
@@ -172,7 +172,7 @@ Costs CostsOf(const Scene& scene)
     return costs;
 }
 
-void PrintSizes(const Scene& few, const Scene& many)
+void PrintSizes(const DataSet& few, const DataSet& many)
 {
     const Costs small = CostsOf(few);
     const Costs large = CostsOf(many);
@@ -187,11 +187,11 @@ void PrintSizes(const Scene& few, const Scene& many)
 }
 
 /// The same look-up by a statement that is compiled once and bound each time.
-void PrintPeer(const Scene& scene)
+void PrintPeer(const DataSet& dataSet)
 {
-    const std::vector<File> files = FilesOf(scene);
+    const std::vector<File> files = FilesOf(dataSet);
     const double peer = MedianOf(5, [&] {
-        SQLite::Database db(scene.bareDatabase().string(), SQLite::OPEN_READONLY);
+        SQLite::Database db(dataSet.bareDatabase().string(), SQLite::OPEN_READONLY);
         SQLite::Statement statement(db,
                                     "SELECT [Path], [BasePath], [PhonePath], DATETIME([ModifiedTime]) FROM vMFile "
                                     "WHERE [IMEI] = ? AND [Path] = ?;");
@@ -210,7 +210,7 @@ void PrintPeer(const Scene& scene)
                kFew;
     });
     const double library = MedianOf(5, [&] {
-        const Library loaded(scene);
+        const Library loaded(dataSet);
         LookUp(loaded, files, 10);
         return TimeOf([&] { LookUp(loaded, files, kFew); }) / kFew;
     });
@@ -230,8 +230,8 @@ int main(int argc, char** argv)
         return 0;
     }
     const size_t most = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 1'000'000;
-    const Scene few(memory, Family::kMedia, kFew, Letters::kAscii);
-    const Scene many(memory, Family::kMedia, most, Letters::kAscii);
+    const DataSet few(memory, Family::kMedia, kFew, Letters::kAscii);
+    const DataSet many(memory, Family::kMedia, most, Letters::kAscii);
     PrintFreshLoad(memory);
     PrintLoad("load, 1,000 files", few);
     PrintLoad("load, the large database", many);

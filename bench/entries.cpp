@@ -101,7 +101,7 @@ Playlist MakePlaylist(size_t n, size_t revision, Letters letters)
             static_cast<int64_t>(files) * 5'123'456};
 }
 
-Mark MakeMark(size_t n, Letters letters)
+BookmarkTexts MakeBookmark(size_t n, Letters letters)
 {
     const bool ascii = letters == Letters::kAscii;
     const std::string title = (ascii ? kTitles : kAnyTitles)[n % 8];
@@ -109,7 +109,7 @@ Mark MakeMark(size_t n, Letters letters)
     return {Wide(title + " by " + artist + " - music and lyrics"),
             Wide("https://www.example.org/music/" + (ascii ? std::string("album") : artist) + "/" + Digits(n, 6) +
                  "?source=bookmarks"),
-            Wide("mark-" + Digits(n, 6))};
+            Wide("item-" + Digits(n, 6))};
 }
 
 Contact MakeContact(size_t n, Letters letters)

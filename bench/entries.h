@@ -1,4 +1,4 @@
-// What the benchmarks' books are filled with: made up, and the same in every run.
+// What the benchmarks' databases are filled with: made up, and the same in every run.
 #pragma once
 
 #include <cstddef>
@@ -44,13 +44,13 @@ struct Playlist {
 /// The n-th playlist; every other one is on the phone. The `revision` shows in its contents only.
 Playlist MakePlaylist(size_t n, size_t revision, Letters letters);
 
-struct Mark {
+struct BookmarkTexts {
     std::u16string title;
     std::u16string url;
     std::u16string phoneId;
 };
 
-Mark MakeMark(size_t n, Letters letters);
+BookmarkTexts MakeBookmark(size_t n, Letters letters);
 
 /// A contact with contents of 1 KiB.
 struct Contact {

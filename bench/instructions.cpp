@@ -13,47 +13,47 @@ namespace kesta::bench {
 namespace {
 
 /// Once round before counting, so that what happens only the first time does not count.
-void WarmUp(Work& work, const OperationTraits& traits)
+void WarmUp(BenchmarkCase& benchmarkCase, const OperationTraits& traits)
 {
-    work.run(0);
+    benchmarkCase.run(0);
     if (!traits.writes()) {
         return;
     }
-    work.undo();
+    benchmarkCase.undo();
 }
 
-void Count(const Scene& scene, const OperationTraits& traits, Side side)
+void Count(const DataSet& dataSet, const OperationTraits& traits, Side side)
 {
-    const std::unique_ptr<Work> work = MakeWork(scene, traits, side);
-    WarmUp(*work, traits);
+    const std::unique_ptr<BenchmarkCase> benchmarkCase = MakeCase(dataSet, traits, side);
+    WarmUp(*benchmarkCase, traits);
     const size_t times = traits.perRun < 100 ? traits.perRun : 100;
     CALLGRIND_START_INSTRUMENTATION;
     CALLGRIND_ZERO_STATS;
     CALLGRIND_TOGGLE_COLLECT;
     for (size_t i = 0; i < times; ++i) {
-        work->run(i);
+        benchmarkCase->run(i);
     }
     CALLGRIND_TOGGLE_COLLECT;
-    const double goal = traits.goal + (scene.letters() == Letters::kAscii ? 0.0 : 0.05);
+    const double goal = traits.goal + (dataSet.letters() == Letters::kAscii ? 0.0 : 0.05);
     char name[128];
     std::snprintf(name, sizeof name, "%s%s %s %zu %zu %.2f", traits.name,
-                  scene.letters() == Letters::kAscii ? "" : "/non-ascii", side == Side::kLibrary ? "library" : "floor",
-                  scene.entries(), times, goal);
+                  dataSet.letters() == Letters::kAscii ? "" : "/non-ascii",
+                  side == Side::kLibrary ? "library" : "baseline", dataSet.entries(), times, goal);
     CALLGRIND_DUMP_STATS_AT(name);
     CALLGRIND_STOP_INSTRUMENTATION;
-    work->undo();
+    benchmarkCase->undo();
 }
 
 void CountAll(size_t entries, Letters letters)
 {
     for (const Family family : kFamilies) {
-        const Scene scene("/dev/shm", family, entries, letters);
+        const DataSet dataSet("/dev/shm", family, entries, letters);
         for (const OperationTraits& traits : kOperations) {
             if (traits.family != family) {
                 continue;
             }
-            for (const Side side : {Side::kLibrary, Side::kFloor}) {
-                Count(scene, traits, side);
+            for (const Side side : {Side::kLibrary, Side::kBaseline}) {
+                Count(dataSet, traits, side);
             }
         }
     }

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Instructions per operation as a ratio to the floor, counted by callgrind.
+# Instructions per operation as a ratio to the baseline, counted by callgrind.
 #
 #   bench/instructions.sh [BUILD-FOLDER [ENTRIES...]]
 #
@@ -28,14 +28,14 @@ done | awk '
     }
     END {
         if (keys == 0) { print "nothing was counted" > "/dev/stderr"; exit 1 }
-        printf "%-34s %8s %14s %14s %8s %8s\n", "operation", "entries", "library", "floor", "ratio", "goal"
+        printf "%-34s %8s %14s %14s %8s %8s\n", "operation", "entries", "library", "baseline", "ratio", "goal"
         for (i = 1; i <= keys; ++i) {
             split(order[i], part, " ")
-            ratio = each[order[i], "library"] / each[order[i], "floor"]
+            ratio = each[order[i], "library"] / each[order[i], "baseline"]
             missed = ratio > goal[order[i]]
             failed += missed
             printf "%-34s %8d %14.0f %14.0f %8.3f %8.2f%s\n", part[1], part[2], each[order[i], "library"],
-                each[order[i], "floor"], ratio, goal[order[i]], missed ? "  missed" : ""
+                each[order[i], "baseline"], ratio, goal[order[i]], missed ? "  missed" : ""
         }
         exit failed > 0
     }'

@@ -5,18 +5,18 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "scene.h"
+#include "data_set.h"
 
 namespace kesta::bench {
 
-Library::Library(const Scene& scene) : Library(scene.dataHome())
+Library::Library(const DataSet& dataSet) : Library(dataSet.dataHome())
 {
-    Require(std::filesystem::exists(scene.database()), "books in the private folder");
+    Require(std::filesystem::exists(dataSet.database()), "a database in the private folder");
 }
 
 Library::Library(const std::filesystem::path& dataHome)
 {
-    // Neither the user's books nor the user's viewer of the trace.
+    // Neither the user's database nor the user's viewer of the trace.
     setenv("XDG_DATA_HOME", dataHome.c_str(), 1);
     setenv("XDG_RUNTIME_DIR", dataHome.c_str(), 1);
     handle_ = dlopen(KESTA_LIBRARY, RTLD_NOW | RTLD_LOCAL);
@@ -37,7 +37,7 @@ Library::Library(const std::filesystem::path& dataHome)
     find(GetItems, "DB_PIM_GetItems");
     find(SaveLog, "DB_PIMLOG_SaveLog");
     find(ReadLog, "DB_PIMLOG_ReadLog");
-    Require(open() == 0, "opening the books");
+    Require(open() == 0, "opening the database");
 }
 
 Library::~Library()

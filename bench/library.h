@@ -1,4 +1,4 @@
-// The library under measurement, loaded for one scene and unloaded again: it opens the books of its scene while it is
+// The library under measurement, loaded for one data set and unloaded again: it opens the data set while it is
 // being loaded, and so never those of the user.
 #pragma once
 
@@ -8,11 +8,11 @@
 
 namespace kesta::bench {
 
-class Scene;
+class DataSet;
 
 class Library {
 public:
-    explicit Library(const Scene& scene);
+    explicit Library(const DataSet& dataSet);
     /// Over any data folder.
     explicit Library(const std::filesystem::path& dataHome);
     Library(const Library&) = delete;

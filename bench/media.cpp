@@ -1,8 +1,8 @@
 // Media files: recording, looking up, listing.
 #include <vector>
 
+#include "cases.h"
 #include "families.h"
-#include "work.h"
 
 namespace kesta::bench {
 namespace {
@@ -50,43 +50,43 @@ std::string ListFolderText(const std::u16string& folder)
            Utf8(kImei) + "'AND [BasePath] = '" + Quoted(folder) + "';";
 }
 
-size_t FoldersOf(const Scene& scene)
+size_t FoldersOf(const DataSet& dataSet)
 {
-    return (scene.entries() + kFilesPerFolder - 1) / kFilesPerFolder;
+    return (dataSet.entries() + kFilesPerFolder - 1) / kFilesPerFolder;
 }
 
-std::vector<File> SomeFiles(const Scene& scene, size_t count)
+std::vector<File> SomeFiles(const DataSet& dataSet, size_t count)
 {
     std::vector<File> files;
     for (size_t i = 0; i < count; ++i) {
-        files.push_back(MakeFile(Scattered(i, scene.entries()), scene.letters()));
+        files.push_back(MakeFile(Scattered(i, dataSet.entries()), dataSet.letters()));
     }
     return files;
 }
 
-std::vector<File> NewFiles(const Scene& scene, size_t count)
+std::vector<File> NewFiles(const DataSet& dataSet, size_t count)
 {
     std::vector<File> files;
     for (size_t i = 0; i < count; ++i) {
-        files.push_back(MakeNewFile(i, scene.entries(), scene.letters()));
+        files.push_back(MakeNewFile(i, dataSet.entries(), dataSet.letters()));
     }
     return files;
 }
 
-std::vector<std::u16string> SomeFolders(const Scene& scene, size_t count)
+std::vector<std::u16string> SomeFolders(const DataSet& dataSet, size_t count)
 {
     std::vector<std::u16string> folders;
     for (size_t i = 0; i < count; ++i) {
-        folders.push_back(MakeFile(Scattered(i, FoldersOf(scene)) * kFilesPerFolder, scene.letters()).basePath);
+        folders.push_back(MakeFile(Scattered(i, FoldersOf(dataSet)) * kFilesPerFolder, dataSet.letters()).basePath);
     }
     return folders;
 }
 
 // Recording a synced file.
 
-class LibraryRecord : public LibraryWork {
+class LibraryRecord : public LibraryCase {
 public:
-    LibraryRecord(const Scene& scene, size_t count) : LibraryWork(scene), files_(NewFiles(scene, count))
+    LibraryRecord(const DataSet& dataSet, size_t count) : LibraryCase(dataSet), files_(NewFiles(dataSet, count))
     {
         for (File& file : files_) {
             records_.push_back(
@@ -101,11 +101,11 @@ private:
     std::vector<SyncedFileRecord> records_;
 };
 
-class BareRecord : public BareWork {
+class BareRecord : public BareCase {
 public:
-    BareRecord(const Scene& scene, Side side, size_t count) : BareWork(scene, side), phone_(PhoneText(kImei))
+    BareRecord(const DataSet& dataSet, Side side, size_t count) : BareCase(dataSet, side), phone_(PhoneText(kImei))
     {
-        for (const File& file : NewFiles(scene, count)) {
+        for (const File& file : NewFiles(dataSet, count)) {
             texts_.push_back({InsertText(file), FlagText(file)});
         }
     }
@@ -128,9 +128,9 @@ private:
 
 // Looking up whether a file is synced.
 
-class LibraryLookUp : public LibraryWork {
+class LibraryLookUp : public LibraryCase {
 public:
-    LibraryLookUp(const Scene& scene, size_t count) : LibraryWork(scene), files_(SomeFiles(scene, count)) {}
+    LibraryLookUp(const DataSet& dataSet, size_t count) : LibraryCase(dataSet), files_(SomeFiles(dataSet, count)) {}
     void run(size_t i) override
     {
         SyncedFileRecord found = {};
@@ -142,11 +142,11 @@ private:
     std::vector<File> files_;
 };
 
-class BareLookUp : public BareWork {
+class BareLookUp : public BareCase {
 public:
-    BareLookUp(const Scene& scene, Side side, size_t count) : BareWork(scene, side)
+    BareLookUp(const DataSet& dataSet, Side side, size_t count) : BareCase(dataSet, side)
     {
-        for (const File& file : SomeFiles(scene, count)) {
+        for (const File& file : SomeFiles(dataSet, count)) {
             texts_.push_back(LookUpText(file));
         }
     }
@@ -161,13 +161,13 @@ private:
 
 // Listing all files of the phone, and those of one folder.
 
-class LibraryList : public LibraryWork {
+class LibraryList : public LibraryCase {
 public:
     /// All folders' files for no folder.
-    LibraryList(const Scene& scene, std::vector<std::u16string> folders)
-        : LibraryWork(scene),
+    LibraryList(const DataSet& dataSet, std::vector<std::u16string> folders)
+        : LibraryCase(dataSet),
           folders_(std::move(folders)),
-          expected_(folders_.empty() ? scene.entries() : kFilesPerFolder)
+          expected_(folders_.empty() ? dataSet.entries() : kFilesPerFolder)
     {
     }
     ~LibraryList() override { LibraryList::dropList(); }
@@ -200,8 +200,8 @@ private:
 /// Lists every folder once, each time.
 class LibraryListFolders : public LibraryList {
 public:
-    explicit LibraryListFolders(const Scene& scene)
-        : LibraryList(scene, SomeFolders(scene, FoldersOf(scene))), count_(FoldersOf(scene))
+    explicit LibraryListFolders(const DataSet& dataSet)
+        : LibraryList(dataSet, SomeFolders(dataSet, FoldersOf(dataSet))), count_(FoldersOf(dataSet))
     {
     }
     void run(size_t /*i*/) override
@@ -215,10 +215,10 @@ private:
     size_t count_;
 };
 
-class BareList : public BareWork {
+class BareList : public BareCase {
 public:
-    BareList(const Scene& scene, Side side, const std::vector<std::u16string>& folders)
-        : BareWork(scene, side), expected_(folders.empty() ? scene.entries() : kFilesPerFolder)
+    BareList(const DataSet& dataSet, Side side, const std::vector<std::u16string>& folders)
+        : BareCase(dataSet, side), expected_(folders.empty() ? dataSet.entries() : kFilesPerFolder)
     {
         if (folders.empty()) {
             texts_.push_back({CountAllText(), ListAllText()});
@@ -245,10 +245,10 @@ private:
 
 }  // namespace
 
-void FillMedia(const Scene& scene, Bare& db)
+void FillMedia(const DataSet& dataSet, Bare& db)
 {
-    for (size_t n = 0; n < scene.entries(); ++n) {
-        const File file = MakeFile(n, scene.letters());
+    for (size_t n = 0; n < dataSet.entries(); ++n) {
+        const File file = MakeFile(n, dataSet.letters());
         if (n % kFilesPerFolder == 0) {
             db.exec(("INSERT INTO tMFolder ([PhoneID],[Path],[AddTime]) VALUES (1,'" + Quoted(file.basePath) +
                      "','2026-03-01 10:00:00')")
@@ -258,22 +258,22 @@ void FillMedia(const Scene& scene, Bare& db)
     }
 }
 
-std::unique_ptr<Work> MakeMediaWork(const Scene& scene, const OperationTraits& traits, Side side)
+std::unique_ptr<BenchmarkCase> MakeMediaCase(const DataSet& dataSet, const OperationTraits& traits, Side side)
 {
     switch (traits.operation) {
         case Operation::kRecord:
-            return Make<LibraryRecord, BareRecord>(side, scene, traits.perRun);
+            return Make<LibraryRecord, BareRecord>(side, dataSet, traits.perRun);
         case Operation::kLookUp:
-            return Make<LibraryLookUp, BareLookUp>(side, scene, traits.perRun);
+            return Make<LibraryLookUp, BareLookUp>(side, dataSet, traits.perRun);
         case Operation::kListAll:
-            return Make<LibraryList, BareList>(side, scene, std::vector<std::u16string>());
+            return Make<LibraryList, BareList>(side, dataSet, std::vector<std::u16string>());
         case Operation::kListFolders:
             if (side == Side::kLibrary) {
-                return std::make_unique<LibraryListFolders>(scene);
+                return std::make_unique<LibraryListFolders>(dataSet);
             }
-            return std::make_unique<BareList>(scene, side, std::vector<std::u16string>());
+            return std::make_unique<BareList>(dataSet, side, std::vector<std::u16string>());
         default:
-            return Make<LibraryList, BareList>(side, scene, SomeFolders(scene, traits.perRun));
+            return Make<LibraryList, BareList>(side, dataSet, SomeFolders(dataSet, traits.perRun));
     }
 }
 

@@ -4,7 +4,7 @@
 
 namespace kesta::bench {
 
-std::unique_ptr<Work> MakeWork(const Scene& scene, const OperationTraits& traits, Side side)
+std::unique_ptr<BenchmarkCase> MakeCase(const DataSet& dataSet, const OperationTraits& traits, Side side)
 {
     switch (traits.operation) {
         case Operation::kRecord:
@@ -12,26 +12,26 @@ std::unique_ptr<Work> MakeWork(const Scene& scene, const OperationTraits& traits
         case Operation::kListAll:
         case Operation::kListFolder:
         case Operation::kListFolders:
-            return MakeMediaWork(scene, traits, side);
+            return MakeMediaCase(dataSet, traits, side);
         case Operation::kAnnounceKnown:
         case Operation::kAnnounceNew:
-            return MakePhoneWork(scene, traits, side);
+            return MakePhoneCase(dataSet, traits, side);
         case Operation::kAddNewPlaylist:
         case Operation::kAddUnchangedPlaylist:
         case Operation::kAddChangedPlaylist:
         case Operation::kListPlaylists:
-            return MakePlaylistWork(scene, traits, side);
-        case Operation::kAddMark:
-        case Operation::kLookUpMark:
-        case Operation::kReadMark:
-        case Operation::kListMarks:
-            return MakeBookmarkWork(scene, traits, side);
+            return MakePlaylistCase(dataSet, traits, side);
+        case Operation::kAddBookmark:
+        case Operation::kLookUpBookmark:
+        case Operation::kReadBookmark:
+        case Operation::kListBookmarks:
+            return MakeBookmarkCase(dataSet, traits, side);
         case Operation::kAddPimItem:
         case Operation::kListPimItems:
-            return MakePimWork(scene, traits, side);
+            return MakePimCase(dataSet, traits, side);
         case Operation::kSavePimLog:
         case Operation::kReadPimLog:
-            return MakePimLogWork(scene, traits, side);
+            return MakePimLogCase(dataSet, traits, side);
     }
     return nullptr;
 }

@@ -1,10 +1,10 @@
-// What is measured: each operation through the library's exports, and beside it its floor.
+// What is measured: each operation through the library's exports, and beside it its baseline.
 #pragma once
 
 #include <cstddef>
 #include <memory>
 
-#include "scene.h"
+#include "data_set.h"
 
 namespace kesta::bench {
 
@@ -20,10 +20,10 @@ enum class Operation {
     kAddUnchangedPlaylist,
     kAddChangedPlaylist,
     kListPlaylists,
-    kAddMark,
-    kLookUpMark,
-    kReadMark,
-    kListMarks,
+    kAddBookmark,
+    kLookUpBookmark,
+    kReadBookmark,
+    kListBookmarks,
     kAddPimItem,
     kListPimItems,
     kSavePimLog,
@@ -31,23 +31,23 @@ enum class Operation {
 };
 
 enum class Kind {
-    kWriter,  // its time hangs on the disk, and the books change
+    kWriter,  // its time hangs on the disk, and the database changes
     kReader,
     kList,     // a reader whose work grows with the entries
     kListPart  // a list of some of them
 };
 
-/// The second floor leaves texts in the form in which the file has them: without a conversion, which allocates.
-enum class Side { kLibrary, kFloor, kUtf8Floor };
+/// The second baseline leaves texts in the form in which the file has them: without a conversion, which allocates.
+enum class Side { kLibrary, kBaseline, kUtf8Baseline };
 
 struct OperationTraits {
     Operation operation;
     Family family;
     const char* name;
-    double goal;  // instructions, as a ratio to the floor; 0.05 more where letters are not ASCII
+    double goal;  // instructions, as a ratio to the baseline; 0.05 more where letters are not ASCII
     Kind kind;
     size_t perRun;       // how often it is done in a row; for a writer no more than that
-    size_t allocations;  // how many are allowed beyond the floor's and those of a list
+    size_t allocations;  // how many are allowed beyond the baseline's and those of a list
 
     [[nodiscard]] constexpr bool writes() const { return kind == Kind::kWriter; }
 };
@@ -66,10 +66,10 @@ inline constexpr OperationTraits kOperations[] = {
     {Operation::kAddUnchangedPlaylist, Family::kPlaylists, "add-playlist:unchanged", 0.60, Kind::kWriter, 100, 0},
     {Operation::kAddChangedPlaylist, Family::kPlaylists, "add-playlist:changed", 0.60, Kind::kWriter, 100, 0},
     {Operation::kListPlaylists, Family::kPlaylists, "list-playlists", 0.96, Kind::kList, 1, 0},
-    {Operation::kAddMark, Family::kBookmarks, "add-mark", 0.45, Kind::kWriter, 500, 0},
-    {Operation::kLookUpMark, Family::kBookmarks, "look-up-mark", 0.25, Kind::kReader, 500, 0},
-    {Operation::kReadMark, Family::kBookmarks, "read-mark", 0.25, Kind::kReader, 500, 3},
-    {Operation::kListMarks, Family::kBookmarks, "list-marks", 0.98, Kind::kList, 1, 0},
+    {Operation::kAddBookmark, Family::kBookmarks, "add-bookmark", 0.45, Kind::kWriter, 500, 0},
+    {Operation::kLookUpBookmark, Family::kBookmarks, "look-up-bookmark", 0.25, Kind::kReader, 500, 0},
+    {Operation::kReadBookmark, Family::kBookmarks, "read-bookmark", 0.25, Kind::kReader, 500, 3},
+    {Operation::kListBookmarks, Family::kBookmarks, "list-bookmarks", 0.98, Kind::kList, 1, 0},
     {Operation::kAddPimItem, Family::kPim, "add-pim-item", 0.60, Kind::kWriter, 500, 0},
     // The work area for the items' ids.
     {Operation::kListPimItems, Family::kPim, "list-pim-items", 0.55, Kind::kList, 1, 1},
@@ -84,9 +84,9 @@ struct ListSize {
 };
 
 /// An operation on one side, ready to be done again and again. Nothing is prepared within run().
-class Work {
+class BenchmarkCase {
 public:
-    virtual ~Work() = default;
+    virtual ~BenchmarkCase() = default;
     /// The i-th time; a writer is run once for each i below `perRun`.
     virtual void run(size_t i) = 0;
     /// Takes back what a writer has written.
@@ -97,6 +97,6 @@ public:
     virtual void dropList() {}
 };
 
-std::unique_ptr<Work> MakeWork(const Scene& scene, const OperationTraits& traits, Side side);
+std::unique_ptr<BenchmarkCase> MakeCase(const DataSet& dataSet, const OperationTraits& traits, Side side);
 
 }  // namespace kesta::bench

@@ -2,8 +2,8 @@
 #include <array>
 #include <vector>
 
+#include "cases.h"
 #include "families.h"
-#include "work.h"
 
 namespace kesta::bench {
 namespace {
@@ -35,27 +35,27 @@ const char16_t* NameOf(Letters letters)
     return letters == Letters::kAscii ? u"Anna's phone" : u"Zoë's Télefono 📱";
 }
 
-class LibraryAnnounceKnown : public LibraryWork {
+class LibraryAnnounceKnown : public LibraryCase {
 public:
-    explicit LibraryAnnounceKnown(const Scene& scene) : LibraryWork(scene) {}
+    explicit LibraryAnnounceKnown(const DataSet& dataSet) : LibraryCase(dataSet) {}
     void run(size_t /*i*/) override
     {
-        Require(library_.PhoneDetected(kImei, NameOf(scene_.letters())) == 1, "announcing a known phone");
+        Require(library_.PhoneDetected(kImei, NameOf(dataSet_.letters())) == 1, "announcing a known phone");
     }
 };
 
-class BareAnnounceKnown : public BareWork {
+class BareAnnounceKnown : public BareCase {
 public:
-    explicit BareAnnounceKnown(const Scene& scene, Side side) : BareWork(scene, side), phone_(PhoneText(kImei)) {}
+    explicit BareAnnounceKnown(const DataSet& dataSet, Side side) : BareCase(dataSet, side), phone_(PhoneText(kImei)) {}
     void run(size_t /*i*/) override { Require(db_.firstInt(phone_.c_str(), -1) == 1, "finding the phone"); }
 
 private:
     std::string phone_;
 };
 
-class LibraryAnnounceNew : public LibraryWork {
+class LibraryAnnounceNew : public LibraryCase {
 public:
-    LibraryAnnounceNew(const Scene& scene, size_t count) : LibraryWork(scene)
+    LibraryAnnounceNew(const DataSet& dataSet, size_t count) : LibraryCase(dataSet)
     {
         for (size_t i = 0; i < count; ++i) {
             imeis_.push_back(NewImei(i));
@@ -63,7 +63,7 @@ public:
     }
     void run(size_t i) override
     {
-        const int32_t id = library_.PhoneDetected(imeis_[i].c_str(), NameOf(scene_.letters()));
+        const int32_t id = library_.PhoneDetected(imeis_[i].c_str(), NameOf(dataSet_.letters()));
         Require(id == static_cast<int32_t>(i) + 2, "announcing a new phone");
     }
     void undo() override { change(kForgetNewPhones); }
@@ -72,12 +72,12 @@ private:
     std::vector<std::u16string> imeis_;
 };
 
-class BareAnnounceNew : public BareWork {
+class BareAnnounceNew : public BareCase {
 public:
-    BareAnnounceNew(const Scene& scene, Side side, size_t count) : BareWork(scene, side)
+    BareAnnounceNew(const DataSet& dataSet, Side side, size_t count) : BareCase(dataSet, side)
     {
         for (size_t i = 0; i < count; ++i) {
-            Texts texts = {PhoneText(NewImei(i)), NewPhoneText(NewImei(i), NameOf(scene.letters())), {}};
+            Texts texts = {PhoneText(NewImei(i)), NewPhoneText(NewImei(i), NameOf(dataSet.letters())), {}};
             constexpr std::array<int, kMainFolderCount> kMainFolderIds = {1000, 1100, 1400, 1500, 1600, 1900, 2200};
             for (size_t k = 0; k < kMainFolderCount; ++k) {
                 texts.contents[k] = "INSERT INTO tSyncContents ([phoneID], [lfID], [Selected]) VALUES (" +
@@ -117,12 +117,12 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Work> MakePhoneWork(const Scene& scene, const OperationTraits& traits, Side side)
+std::unique_ptr<BenchmarkCase> MakePhoneCase(const DataSet& dataSet, const OperationTraits& traits, Side side)
 {
     if (traits.operation == Operation::kAnnounceKnown) {
-        return Make<LibraryAnnounceKnown, BareAnnounceKnown>(side, scene);
+        return Make<LibraryAnnounceKnown, BareAnnounceKnown>(side, dataSet);
     }
-    return Make<LibraryAnnounceNew, BareAnnounceNew>(side, scene, traits.perRun);
+    return Make<LibraryAnnounceNew, BareAnnounceNew>(side, dataSet, traits.perRun);
 }
 
 }  // namespace kesta::bench

@@ -1,8 +1,8 @@
 // The store of contacts: adding, and listing a folder of them.
 #include <vector>
 
+#include "cases.h"
 #include "families.h"
-#include "work.h"
 
 namespace kesta::bench {
 namespace {
@@ -25,25 +25,25 @@ std::string ItemText(size_t row)
     return "SELECT [PimID], [Data], [Type] FROM tPimItem WHERE [piID] = " + std::to_string(row) + ";";
 }
 
-std::vector<Contact> NewContacts(const Scene& scene, size_t count)
+std::vector<Contact> NewContacts(const DataSet& dataSet, size_t count)
 {
     std::vector<Contact> contacts;
     for (size_t i = 0; i < count; ++i) {
-        contacts.push_back(MakeContact(scene.entries() + i, scene.letters()));
+        contacts.push_back(MakeContact(dataSet.entries() + i, dataSet.letters()));
     }
     return contacts;
 }
 
-std::string ForgetNewItems(const Scene& scene)
+std::string ForgetNewItems(const DataSet& dataSet)
 {
-    const std::string entries = std::to_string(scene.entries());
+    const std::string entries = std::to_string(dataSet.entries());
     return "DELETE FROM tPimItem WHERE [piID] > " + entries + ";UPDATE sqlite_sequence SET seq = " + entries +
            " WHERE name = 'tPimItem';";
 }
 
-class LibraryAdd : public LibraryWork {
+class LibraryAdd : public LibraryCase {
 public:
-    LibraryAdd(const Scene& scene, size_t count) : LibraryWork(scene), contacts_(NewContacts(scene, count))
+    LibraryAdd(const DataSet& dataSet, size_t count) : LibraryCase(dataSet), contacts_(NewContacts(dataSet, count))
     {
         for (Contact& contact : contacts_) {
             records_.push_back(
@@ -51,16 +51,17 @@ public:
         }
     }
     void run(size_t i) override { Require(library_.AddItem(&records_[i], kFolderPath) == 0, "adding a contact"); }
-    void undo() override { change(ForgetNewItems(scene_)); }
+    void undo() override { change(ForgetNewItems(dataSet_)); }
 
 private:
     std::vector<Contact> contacts_;
     std::vector<PimItemRecord> records_;
 };
 
-class BareAdd : public BareWork {
+class BareAdd : public BareCase {
 public:
-    BareAdd(const Scene& scene, Side side, size_t count) : BareWork(scene, side), contacts_(NewContacts(scene, count))
+    BareAdd(const DataSet& dataSet, Side side, size_t count)
+        : BareCase(dataSet, side), contacts_(NewContacts(dataSet, count))
     {
         for (const Contact& contact : contacts_) {
             texts_.push_back(InsertText(contact));
@@ -71,21 +72,21 @@ public:
         Require(db_.firstInt(kFolderByPath, -1) == 1, "finding the folder");
         db_.execWith(texts_[i].c_str(), contacts_[i].data);
     }
-    void undo() override { change(ForgetNewItems(scene_)); }
+    void undo() override { change(ForgetNewItems(dataSet_)); }
 
 private:
     std::vector<Contact> contacts_;
     std::vector<std::string> texts_;
 };
 
-class LibraryList : public LibraryWork {
+class LibraryList : public LibraryCase {
 public:
-    explicit LibraryList(const Scene& scene) : LibraryWork(scene) {}
+    explicit LibraryList(const DataSet& dataSet) : LibraryCase(dataSet) {}
     ~LibraryList() override { LibraryList::dropList(); }
     void run(size_t /*i*/) override
     {
         Require(library_.GetItems(&list_, kFolderId, kType, 0) == 0, "listing contacts");
-        Require(static_cast<size_t>(list_.Count) == scene_.entries(), "all contacts in the list");
+        Require(static_cast<size_t>(list_.Count) == dataSet_.entries(), "all contacts in the list");
     }
     [[nodiscard]] ListSize list() const override
     {
@@ -104,14 +105,14 @@ private:
     PimItemList list_ = {0, nullptr};
 };
 
-class BareList : public BareWork {
+class BareList : public BareCase {
 public:
-    BareList(const Scene& scene, Side side) : BareWork(scene, side)
+    BareList(const DataSet& dataSet, Side side) : BareCase(dataSet, side)
     {
-        for (size_t n = 0; n < scene.entries(); ++n) {
+        for (size_t n = 0; n < dataSet.entries(); ++n) {
             texts_.push_back(ItemText(n + 1));
         }
-        rows_.reserve(scene.entries());
+        rows_.reserve(dataSet.entries());
     }
     void run(size_t /*i*/) override
     {
@@ -121,7 +122,7 @@ public:
             rows_.push_back(static_cast<size_t>(sqlite3_column_int(row, 0)));
             return true;
         });
-        Require(rows_.size() == scene_.entries(), "finding the contacts");
+        Require(rows_.size() == dataSet_.entries(), "finding the contacts");
         for (const size_t id : rows_) {
             readItem(texts_[id - 1].c_str());
         }
@@ -144,25 +145,25 @@ private:
 
 }  // namespace
 
-void FillPim(const Scene& scene, Bare& db)
+void FillPim(const DataSet& dataSet, Bare& db)
 {
     Require(Utf8(kFolderId) == "contacts" && Utf8(kFolderPath) == "Personal/Contacts", "the folder's names");
     db.exec(
         "INSERT INTO tPimFolder ([parentID], [PimID], [Path], [Type]) VALUES (-2, 'contacts', "
         "'Personal/Contacts', 1);");
-    for (size_t n = 0; n < scene.entries(); ++n) {
-        const Contact contact = MakeContact(n, scene.letters());
+    for (size_t n = 0; n < dataSet.entries(); ++n) {
+        const Contact contact = MakeContact(n, dataSet.letters());
         db.execWith(InsertText(contact).c_str(), contact.data);
     }
-    FillPimLog(scene, db);
+    FillPimLog(dataSet, db);
 }
 
-std::unique_ptr<Work> MakePimWork(const Scene& scene, const OperationTraits& traits, Side side)
+std::unique_ptr<BenchmarkCase> MakePimCase(const DataSet& dataSet, const OperationTraits& traits, Side side)
 {
     if (traits.operation == Operation::kListPimItems) {
-        return Make<LibraryList, BareList>(side, scene);
+        return Make<LibraryList, BareList>(side, dataSet);
     }
-    return Make<LibraryAdd, BareAdd>(side, scene, traits.perRun);
+    return Make<LibraryAdd, BareAdd>(side, dataSet, traits.perRun);
 }
 
 }  // namespace kesta::bench

@@ -1,13 +1,13 @@
 // The log of contact syncs: saving and reading as many entries as there are contacts.
 #include <vector>
 
+#include "cases.h"
 #include "families.h"
-#include "work.h"
 
 namespace kesta::bench {
 namespace {
 
-// The scene's own log, the one that is saved, and a short one.
+// The data set's own log, the one that is saved, and a short one.
 constexpr int32_t kFullLog = 1;
 constexpr int32_t kSavedLog = 2;
 constexpr int32_t kShortLog = 3;
@@ -28,18 +28,18 @@ std::string InsertText(int32_t log, const LogEntry& entry)
            entry.changedOnPhone.text + "');";
 }
 
-std::vector<LogEntry> Entries(const Scene& scene)
+std::vector<LogEntry> Entries(const DataSet& dataSet)
 {
     std::vector<LogEntry> entries;
-    for (size_t n = 0; n < scene.entries(); ++n) {
-        entries.push_back(MakeLogEntry(n, scene.letters()));
+    for (size_t n = 0; n < dataSet.entries(); ++n) {
+        entries.push_back(MakeLogEntry(n, dataSet.letters()));
     }
     return entries;
 }
 
-class LibrarySave : public LibraryWork {
+class LibrarySave : public LibraryCase {
 public:
-    explicit LibrarySave(const Scene& scene) : LibraryWork(scene), entries_(Entries(scene))
+    explicit LibrarySave(const DataSet& dataSet) : LibraryCase(dataSet), entries_(Entries(dataSet))
     {
         for (LogEntry& entry : entries_) {
             items_.push_back({entry.onPc.data(),
@@ -58,11 +58,11 @@ private:
     PimLog log_;
 };
 
-class BareSave : public BareWork {
+class BareSave : public BareCase {
 public:
-    BareSave(const Scene& scene, Side side) : BareWork(scene, side), phone_(PhoneText(kImei))
+    BareSave(const DataSet& dataSet, Side side) : BareCase(dataSet, side), phone_(PhoneText(kImei))
     {
-        for (const LogEntry& entry : Entries(scene)) {
+        for (const LogEntry& entry : Entries(dataSet)) {
             texts_.push_back(InsertText(kSavedLog, entry));
         }
     }
@@ -81,15 +81,15 @@ private:
     std::vector<std::string> texts_;
 };
 
-class LibraryRead : public LibraryWork {
+class LibraryRead : public LibraryCase {
 public:
-    explicit LibraryRead(const Scene& scene) : LibraryWork(scene) {}
+    explicit LibraryRead(const DataSet& dataSet) : LibraryCase(dataSet) {}
     ~LibraryRead() override { LibraryRead::dropList(); }
     void run(size_t /*i*/) override
     {
         log_.Type = kFullLog;
         Require(library_.ReadLog(kImei, &log_) == 0, "reading the log");
-        Require(static_cast<size_t>(log_.Count) == scene_.entries(), "all entries in the log");
+        Require(static_cast<size_t>(log_.Count) == dataSet_.entries(), "all entries in the log");
     }
     [[nodiscard]] ListSize list() const override
     {
@@ -114,9 +114,9 @@ private:
     PimLog log_ = {kFullLog, 0, nullptr};
 };
 
-class BareRead : public BareWork {
+class BareRead : public BareCase {
 public:
-    BareRead(const Scene& scene, Side side) : BareWork(scene, side), phone_(PhoneText(kImei)) {}
+    BareRead(const DataSet& dataSet, Side side) : BareCase(dataSet, side), phone_(PhoneText(kImei)) {}
     void run(size_t /*i*/) override
     {
         Require(db_.firstInt(phone_.c_str(), -1) == 1, "finding the phone");
@@ -126,7 +126,7 @@ public:
             Require(sqlite3_column_int(row, 2) == kFullLog, kCountEntries);
             return false;
         });
-        Require(count == scene_.entries(), "counting the log's entries");
+        Require(count == dataSet_.entries(), "counting the log's entries");
         constexpr int kColumns = 4;
         Require(db_.readTexts(kEntries, kColumns) == count, "reading the log");
     }
@@ -137,23 +137,23 @@ private:
 
 }  // namespace
 
-void FillPimLog(const Scene& scene, Bare& db)
+void FillPimLog(const DataSet& dataSet, Bare& db)
 {
     for (const int32_t log : {kFullLog, kSavedLog, kShortLog}) {
         db.exec(("INSERT INTO tPimLog ([phoneID], [Type]) VALUES (1, " + std::to_string(log) + ");").c_str());
     }
-    db.exec(InsertText(kShortLog, MakeLogEntry(0, scene.letters())).c_str());
-    for (const LogEntry& entry : Entries(scene)) {
+    db.exec(InsertText(kShortLog, MakeLogEntry(0, dataSet.letters())).c_str());
+    for (const LogEntry& entry : Entries(dataSet)) {
         db.exec(InsertText(kFullLog, entry).c_str());
     }
 }
 
-std::unique_ptr<Work> MakePimLogWork(const Scene& scene, const OperationTraits& traits, Side side)
+std::unique_ptr<BenchmarkCase> MakePimLogCase(const DataSet& dataSet, const OperationTraits& traits, Side side)
 {
     if (traits.operation == Operation::kReadPimLog) {
-        return Make<LibraryRead, BareRead>(side, scene);
+        return Make<LibraryRead, BareRead>(side, dataSet);
     }
-    return Make<LibrarySave, BareSave>(side, scene);
+    return Make<LibrarySave, BareSave>(side, dataSet);
 }
 
 }  // namespace kesta::bench

@@ -2,8 +2,8 @@
 #include <array>
 #include <vector>
 
+#include "cases.h"
 #include "families.h"
-#include "work.h"
 
 namespace kesta::bench {
 namespace {
@@ -40,10 +40,10 @@ std::array<std::string, 4> AddTexts(const Playlist& list)
                 size + ", 1, '2026-03-01 10:00:00');"};
 }
 
-void AddAll(const Scene& scene, Bare& db)
+void AddAll(const DataSet& dataSet, Bare& db)
 {
-    for (size_t n = 0; n < scene.entries(); ++n) {
-        const Playlist list = MakePlaylist(n, 0, scene.letters());
+    for (size_t n = 0; n < dataSet.entries(); ++n) {
+        const Playlist list = MakePlaylist(n, 0, dataSet.letters());
         const std::string size = std::to_string(list.size);
         const std::string id = list.idInPhone.empty() ? "NULL" : "'" + Quoted(list.idInPhone) + "'";
         db.exec(("INSERT INTO tPFolder ([PhoneID], [Path], [Digest], [IdInPhone], [Type], [Flag], [Count], [Size], "
@@ -55,29 +55,30 @@ void AddAll(const Scene& scene, Bare& db)
 }
 
 /// As they were before anything was added: all of them are unconfirmed.
-void BeginAnew(const Scene& scene, const std::filesystem::path& database)
+void BeginAnew(const DataSet& dataSet, const std::filesystem::path& database)
 {
     Bare db(database);
     db.exec("BEGIN; DELETE FROM tPFolder;");
-    AddAll(scene, db);
+    AddAll(dataSet, db);
     db.exec("COMMIT;");
 }
 
-std::vector<Playlist> Additions(const Scene& scene, Operation operation, size_t count)
+std::vector<Playlist> Additions(const DataSet& dataSet, Operation operation, size_t count)
 {
-    Require(count <= scene.entries(), "as many playlists as are added");
+    Require(count <= dataSet.entries(), "as many playlists as are added");
     std::vector<Playlist> lists;
     for (size_t i = 0; i < count; ++i) {
-        const size_t n = operation == Operation::kAddNewPlaylist ? scene.entries() + i : Scattered(i, scene.entries());
-        lists.push_back(MakePlaylist(n, operation == Operation::kAddChangedPlaylist ? 1 : 0, scene.letters()));
+        const size_t n =
+            operation == Operation::kAddNewPlaylist ? dataSet.entries() + i : Scattered(i, dataSet.entries());
+        lists.push_back(MakePlaylist(n, operation == Operation::kAddChangedPlaylist ? 1 : 0, dataSet.letters()));
     }
     return lists;
 }
 
-class LibraryAdd : public LibraryWork {
+class LibraryAdd : public LibraryCase {
 public:
-    LibraryAdd(const Scene& scene, Operation operation, size_t count)
-        : LibraryWork(scene), lists_(Additions(scene, operation, count))
+    LibraryAdd(const DataSet& dataSet, Operation operation, size_t count)
+        : LibraryCase(dataSet), lists_(Additions(dataSet, operation, count))
     {
         for (Playlist& list : lists_) {
             PlaylistRecord record = {};
@@ -92,21 +93,21 @@ public:
         }
     }
     void run(size_t i) override { Require(library_.AddPlaylist(kImei, &records_[i]) == 0, "adding a playlist"); }
-    void undo() override { BeginAnew(scene_, scene_.database()); }
+    void undo() override { BeginAnew(dataSet_, dataSet_.database()); }
 
 private:
     std::vector<Playlist> lists_;
     std::vector<PlaylistRecord> records_;
 };
 
-class BareAdd : public BareWork {
+class BareAdd : public BareCase {
 public:
-    BareAdd(const Scene& scene, Side side, Operation operation, size_t count)
-        : BareWork(scene, side),
+    BareAdd(const DataSet& dataSet, Side side, Operation operation, size_t count)
+        : BareCase(dataSet, side),
           phone_(PhoneText(kImei)),
           inserted_(operation == Operation::kAddNewPlaylist ? SQLITE_OK : SQLITE_CONSTRAINT)
     {
-        for (const Playlist& list : Additions(scene, operation, count)) {
+        for (const Playlist& list : Additions(dataSet, operation, count)) {
             texts_.push_back(AddTexts(list));
         }
     }
@@ -119,7 +120,7 @@ public:
         }
         Require(db_.tryExec(texts[3].c_str()) == inserted_, "inserting a playlist");
     }
-    void undo() override { BeginAnew(scene_, scene_.bareDatabase()); }
+    void undo() override { BeginAnew(dataSet_, dataSet_.bareDatabase()); }
 
 private:
     std::string phone_;
@@ -127,14 +128,14 @@ private:
     std::vector<std::array<std::string, 4>> texts_;
 };
 
-class LibraryList : public LibraryWork {
+class LibraryList : public LibraryCase {
 public:
-    explicit LibraryList(const Scene& scene) : LibraryWork(scene) {}
+    explicit LibraryList(const DataSet& dataSet) : LibraryCase(dataSet) {}
     ~LibraryList() override { LibraryList::dropList(); }
     void run(size_t /*i*/) override
     {
         Require(library_.GetPlaylists(kImei, &list_) == 0, "listing playlists");
-        Require(static_cast<size_t>(list_.Count) == scene_.entries(), "all playlists in the list");
+        Require(static_cast<size_t>(list_.Count) == dataSet_.entries(), "all playlists in the list");
     }
     [[nodiscard]] ListSize list() const override
     {
@@ -154,14 +155,14 @@ private:
     PlaylistList list_ = {0, nullptr};
 };
 
-class BareList : public BareWork {
+class BareList : public BareCase {
 public:
-    BareList(const Scene& scene, Side side) : BareWork(scene, side), phone_(PhoneText(kImei)) {}
+    BareList(const DataSet& dataSet, Side side) : BareCase(dataSet, side), phone_(PhoneText(kImei)) {}
     void run(size_t /*i*/) override
     {
         Require(db_.firstInt(phone_.c_str(), -1) == 1, "finding the phone");
         const size_t count = static_cast<size_t>(db_.firstInt(kCountPlaylists, -1));
-        Require(count == scene_.entries(), "counting playlists");
+        Require(count == dataSet_.entries(), "counting playlists");
         const size_t rows = db_.forEachRow(kPlaylists, [this](sqlite3_stmt* row) {
             Require(sqlite3_column_int64(row, 0) > 0, kPlaylists);
             Require(db_.text(row, 1) && db_.text(row, 2), kPlaylists);
@@ -181,17 +182,17 @@ private:
 
 }  // namespace
 
-void FillPlaylists(const Scene& scene, Bare& db)
+void FillPlaylists(const DataSet& dataSet, Bare& db)
 {
-    AddAll(scene, db);
+    AddAll(dataSet, db);
 }
 
-std::unique_ptr<Work> MakePlaylistWork(const Scene& scene, const OperationTraits& traits, Side side)
+std::unique_ptr<BenchmarkCase> MakePlaylistCase(const DataSet& dataSet, const OperationTraits& traits, Side side)
 {
     if (traits.operation == Operation::kListPlaylists) {
-        return Make<LibraryList, BareList>(side, scene);
+        return Make<LibraryList, BareList>(side, dataSet);
     }
-    return Make<LibraryAdd, BareAdd>(side, scene, traits.operation, traits.perRun);
+    return Make<LibraryAdd, BareAdd>(side, dataSet, traits.operation, traits.perRun);
 }
 
 }  // namespace kesta::bench

@@ -37,18 +37,18 @@ void RatioTable::ReportRuns(const std::vector<Run>& runs)
 void RatioTable::printTable() const
 {
     constexpr std::string_view kLibrary = "/library";
-    std::printf("\n%-44s %14s %14s %8s\n", "operation (median)", "library ns", "floor ns", "ratio");
+    std::printf("\n%-44s %14s %14s %8s\n", "operation (median)", "library ns", "baseline ns", "ratio");
     for (const auto& [name, times] : nanoseconds_) {
         if (!name.ends_with(kLibrary)) {
             continue;
         }
         const std::string operation = name.substr(0, name.size() - kLibrary.size());
-        const auto floor = nanoseconds_.find(operation + "/floor");
-        if (floor == nanoseconds_.end()) {
+        const auto baseline = nanoseconds_.find(operation + "/baseline");
+        if (baseline == nanoseconds_.end()) {
             continue;
         }
         const double own = Median(times);
-        const double bare = Median(floor->second);
+        const double bare = Median(baseline->second);
         std::printf("%-44s %14.0f %14.0f %8.3f\n", operation.c_str(), own, bare, own / bare);
     }
 }

@@ -1,4 +1,4 @@
-// Prints each benchmark as it ends, and closes with the table that the benchmarks are for: operation by floor.
+// Prints each benchmark as it ends, and closes with the table that the benchmarks are for: operation by baseline.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -13,7 +13,7 @@ class RatioTable : public benchmark::ConsoleReporter {
 public:
     RatioTable();
     void ReportRuns(const std::vector<Run>& runs) override;
-    /// Names end with "/library" or "/floor"; times are medians over the repetitions.
+    /// Names end with "/library" or "/baseline"; times are medians over the repetitions.
     void printTable() const;
 
 private:

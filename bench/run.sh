@@ -1,7 +1,7 @@
 #!/bin/sh
 # Benchmarks of a build, as ./dev bench runs them.
 #
-#   bench/run.sh BUILD-FOLDER [OPTIONS]            times beside the floor; OPTIONS are those of Google Benchmark
+#   bench/run.sh BUILD-FOLDER [OPTIONS]            times beside the baseline; OPTIONS are those of Google Benchmark
 #   bench/run.sh BUILD-FOLDER --instructions [ENTRIES...]   instructions instead of times
 #   bench/run.sh BUILD-FOLDER --allocations        what the library allocates beyond SQLite
 #   bench/run.sh BUILD-FOLDER --callers [ENTRIES]  load, callers beside each other, a million files, peers

@@ -1,4 +1,4 @@
-// The books on which the benchmarks run, made in a folder that is deleted afterwards.
+// The databases on which the benchmarks run, made in a folder that is deleted afterwards.
 #pragma once
 
 #include <cstddef>
@@ -27,14 +27,14 @@ private:
 /// Stops the program when a step of a benchmark did not do what it was to do: its time would mean nothing.
 void Require(bool condition, const char* what);
 
-/// What the books of a scene are about. They have one phone and are otherwise empty.
+/// What a data set is about. It has one phone and is otherwise empty.
 enum class Family { kMedia, kPlaylists, kBookmarks, kPim };
 inline constexpr Family kFamilies[] = {Family::kMedia, Family::kPlaylists, Family::kBookmarks, Family::kPim};
 
 /// Two equal databases with a number of entries: one that the library opens, one for the bare statements.
-class Scene {
+class DataSet {
 public:
-    Scene(const std::filesystem::path& place, Family family, size_t entries, Letters letters);
+    DataSet(const std::filesystem::path& place, Family family, size_t entries, Letters letters);
 
     [[nodiscard]] std::filesystem::path dataHome() const { return folder_.path() / "library"; }
     /// The library's database.

@@ -1,4 +1,4 @@
-#include "scene.h"
+#include "data_set.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -10,17 +10,17 @@
 namespace kesta::bench {
 namespace {
 
-void Fill(const Scene& scene, Bare& db)
+void Fill(const DataSet& dataSet, Bare& db)
 {
-    switch (scene.family()) {
+    switch (dataSet.family()) {
         case Family::kMedia:
-            return FillMedia(scene, db);
+            return FillMedia(dataSet, db);
         case Family::kPlaylists:
-            return FillPlaylists(scene, db);
+            return FillPlaylists(dataSet, db);
         case Family::kBookmarks:
-            return FillBookmarks(scene, db);
+            return FillBookmarks(dataSet, db);
         case Family::kPim:
-            return FillPim(scene, db);
+            return FillPim(dataSet, db);
     }
 }
 
@@ -48,12 +48,12 @@ void Require(bool condition, const char* what)
     std::exit(1);
 }
 
-std::filesystem::path Scene::database() const
+std::filesystem::path DataSet::database() const
 {
     return dataHome() / "NORVIK/NORVIK Sync/Database/KESTA_DB.s3db";
 }
 
-Scene::Scene(const std::filesystem::path& place, Family family, size_t entries, Letters letters)
+DataSet::DataSet(const std::filesystem::path& place, Family family, size_t entries, Letters letters)
     : folder_(place), family_(family), entries_(entries), letters_(letters)
 {
     std::filesystem::create_directory(dataHome());
