@@ -90,5 +90,17 @@ TEST_F(ScanTest, PhonesFolder_IsSkipped)
     EXPECT_THAT(scan(options).files, SizeIs(1));
 }
 
+#if !defined(_WIN32)
+TEST_F(ScanTest, LinkToItself_DoubtsOnlyWhatLiesBehindIt)
+{
+    fs::create_symlink("loop", folder_ / "loop");
+    const FolderScan found = scan();
+    EXPECT_TRUE(found.complete);
+    ASSERT_THAT(found.problems, SizeIs(1));
+    EXPECT_EQ(found.problems[0].path, (folder_ / "loop").string());
+    EXPECT_THAT(found.files, SizeIs(3));
+}
+#endif
+
 }  // namespace
 }  // namespace kesta

@@ -81,12 +81,13 @@ private:
         }
         os::FileInfo info;
         if (os::Status status = os::ReadInfo(path, info); !status.ok()) {
-            if (status.failure() != os::Failure::kMissing) {
+            if (entry.isLink) {
+                // Where it leads may come back with the drive it lies on. Only what is recorded behind it is in doubt.
+                const bool isMissing = status.failure() == os::Failure::kMissing;
+                scan_.problems.push_back({path, isMissing ? "the link leads nowhere" : status.text()});
+            } else if (status.failure() != os::Failure::kMissing) {
                 scan_.complete = false;
                 scan_.problems.push_back({path, status.text()});
-            } else if (entry.isLink) {
-                // Where it leads may come back with the drive it lies on.
-                scan_.problems.push_back({path, "the link leads nowhere"});
             }
             return;  // Otherwise it went between the two looks, and is gone.
         }
