@@ -207,22 +207,6 @@ TEST_F(ConnectionParts, Bind_NoSuchParameter_FailsTheStepThoughALaterOneIsBound)
     EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tPimInfo"), "0");
 }
 
-/// Where the file is in UTF-8, SQLite makes a text of its own at once; here it would read the caller's later.
-TEST_F(ConnectionParts, BindText_FileInUtf16_IsCopied)
-{
-    Connection other;
-    ASSERT_EQ(other.open((path + ".utf16").c_str()), SqliteCode::kOk);
-    ASSERT_EQ(other.exec("PRAGMA encoding = 'UTF-16le'; CREATE TABLE t(a)"), SqliteCode::kOk);
-    const std::string text(300, 'x');
-    Statement insert = other.prepare(NarrowSql("INSERT INTO t VALUES (?)"));
-    insert.bindText(1, W(text));
-    EXPECT_FALSE(insert.step());
-    EXPECT_EQ(insert.last(), SqliteCode::kDone);
-    Statement rows = other.prepare(NarrowSql("SELECT a FROM t"));
-    ASSERT_TRUE(rows.step());
-    EXPECT_EQ(test::Utf8(rows.wideText(0)), text);
-}
-
 /// A view that never ends is part of a schema that somebody else has written.
 TEST_F(ConnectionParts, EndlessStatement_IsInterrupted)
 {
