@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "formats/bookmarks.h"
+#include "formats/html_attributes.h"
 
 namespace kesta::formats {
 namespace {
@@ -52,6 +53,63 @@ TEST(BookmarksHtml, CutShort_IsReported)
 TEST(BookmarksHtml, MillionsOfTagsThatNeverEnd_AreReadInOnePass)
 {
     EXPECT_THAT(Html("<DL><DT><A HREF=http://a/>A</A></DL>" + std::string(8'000'000, '<') + ">").problems, IsEmpty());
+}
+
+TEST(BookmarksHtml, TagWithEightyThousandAttributes_KeepsItsAddressAndDate)
+{
+    std::string many;
+    for (int i = 0; i < 80'000; ++i) {
+        many += " a" + std::to_string(i) + "='>'";
+    }
+    const Bookmarks result =
+        Html("<DL><DT><A" + many + " HREF=http://a/ ADD_DATE=1600000001 HREF=http://no/>A</A>" + "</DL" + many + ">");
+    EXPECT_THAT(result.problems, IsEmpty());
+    EXPECT_THAT(result.bookmarks, ElementsAre(Bookmark{"A", "http://a/", LinkKind::kWeb, {}, 1600000001}));
+}
+
+TEST(HtmlAttributes, UpToTheLimit_StayToTheByte)
+{
+    const std::string few = "<p\ta=1 b = '2'\n/c=\"3\"d =e>text < <!-- <a \" --> <A HREF=x/>";
+    EXPECT_EQ(WithFewAttributes(few), few);
+    std::string attributes;
+    for (size_t i = 0; i < kMostAttributes; ++i) {
+        attributes += " x" + std::to_string(i);
+    }
+    const std::string most = few + "<a" + attributes + ">";
+    EXPECT_EQ(WithFewAttributes(most), most);
+    EXPECT_EQ(WithFewAttributes(most + "<a" + attributes + " y>"), most + "<a" + attributes + " >");
+}
+
+// Where the next tag begins: quotes count in tags only, and tags count in no comment and no script.
+TEST(HtmlAttributes, BeyondTheLimit_AreCutFromTagsOnly)
+{
+    std::string attributes;
+    for (size_t i = 0; i < kMostAttributes; ++i) {
+        attributes += " x";
+    }
+    const std::string full = "<a" + attributes;
+    const std::pair<std::string, std::string> cases[] = {
+        {full + " y=\"<p>\" z='>' w = v =u>", full + "    >"},
+        {full + " HREF=a href=b Add_Date='1'>", full + " HREF=a  Add_Date='1'>"},
+        {"</a" + attributes + " y>", "</a" + attributes + " >"},
+        {"<!-- <a \" -->" + full + " y>", "<!-- <a \" -->" + full + " >"},
+        {"<!-->" + full + " y>", "<!-->" + full + " >"},
+        {"<!a \">" + full + " y>", "<!a \">" + full + " >"},
+        {"</ \">" + full + " y>", "</ \">" + full + " >"},
+        {"<script>" + full + " y></scripts></SCRIPT >" + full + " y>",
+         "<script>" + full + " y></scripts></SCRIPT >" + full + " >"},
+        {"<title>\"</title/>" + full + " y>", "<title>\"</title/>" + full + " >"},
+        {full + " y", full + " "},
+        {full + " y=", full + " "},
+        {full + " y='", full + " "},
+    };
+    for (const auto& [html, expected] : cases) {
+        EXPECT_EQ(WithFewAttributes(html), expected);
+    }
+    for (const std::string html :
+         {"", "<", "<a", "</", "<!", "<!--", "<a ", "<a b", "<a b=", "<a b='", "<style>", "</a"}) {
+        EXPECT_EQ(WithFewAttributes(html), html);
+    }
 }
 
 TEST(BookmarksHtml, EmptyFolder_GivesItsNameToNoOtherList)

@@ -3,6 +3,7 @@
 #include "formats/ascii.h"
 #include "formats/bookmarks.h"
 #include "formats/charset.h"
+#include "formats/html_attributes.h"
 #include "formats/html_document.h"
 
 namespace kesta::formats {
@@ -174,7 +175,7 @@ bool IsCutShort(std::string_view text)
 
 Bookmarks ParseBookmarksHtml(std::string_view file)
 {
-    const std::string text = FromUtf8OrLatin1(WithoutByteOrderMark(file));
+    const std::string text = WithFewAttributes(FromUtf8OrLatin1(WithoutByteOrderMark(file)));
     Bookmarks result;
     const HtmlDocument document(text);
     if (!document.root()) {
