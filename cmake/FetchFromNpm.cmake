@@ -5,7 +5,11 @@
 # RESULT receives the folder with the files of FOLDER that match. The archive is checked against its hash before anything
 # in it is used. It lies in KESTA_DEPS_DIR, where one copy serves several builds; with all archives there nothing is
 # fetched, and no network is needed.
-set(KESTA_DEPS_DIR ${PROJECT_BINARY_DIR}/_deps CACHE PATH "Where fetched sources lie")
+set(deps_dir ${PROJECT_BINARY_DIR}/_deps)
+if(EXISTS ${PROJECT_SOURCE_DIR}/build/_deps)  # where the presets and the source archive have them
+    set(deps_dir ${PROJECT_SOURCE_DIR}/build/_deps)
+endif()
+set(KESTA_DEPS_DIR ${deps_dir} CACHE PATH "Where fetched sources lie")
 
 function(kesta_fetch_from_npm result)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "PACKAGE;VERSION;SHA256;FOLDER;FILES" "")

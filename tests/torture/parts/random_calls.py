@@ -101,7 +101,7 @@ class RandomCalls(Part):
         shutil.rmtree(copy, ignore_errors=True)
         os.makedirs(copy)
         shutil.copy(os.path.join(SOURCE, "CMakeLists.txt"), copy)
-        for name in ("cmake", "exports", "include", "src", "tests"):
+        for name in ("bindings", "cmake", "examples", "exports", "include", "packaging", "src", "tests"):
             shutil.copytree(os.path.join(SOURCE, name), os.path.join(copy, name))
         # The sources of SQLite are there already.
         os.makedirs(os.path.join(copy, "build"))
