@@ -4,7 +4,7 @@
 
 namespace {
 
-[[maybe_unused]] const bool asText = [] {
+[[maybe_unused]] const bool kAsText = [] {
     kesta::statementsStayCompiled = false;
     return true;
 }();

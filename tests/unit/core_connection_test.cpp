@@ -1,6 +1,8 @@
 // The connection and what runs on it: creation of the schema, statements without rows, columns, compiled look-ups.
 #include "core/connection.h"
 
+#include <sqlite3.h>
+
 #include "core/busy_retry.h"
 #include "core/caller_memory.h"
 #include "core/database_file.h"
@@ -179,6 +181,28 @@ TEST_F(ConnectionParts, NewText_InvalidBytes_AreReadAsSqliteReadsThem)
     }
 }
 
+TEST_F(ConnectionParts, NewText_LengthsAroundTheShortText_AreWhole)
+{
+    for (const size_t length : {1000u, 1021u, 1022u, 1023u, 1024u, 1025u, 2000u, 5000u}) {
+        const std::string text = std::string(length, 'a') + "\xC3\xA9";
+        EXPECT_EQ(readText(("'" + text + "'").c_str()), text) << length;
+    }
+}
+
+TEST_F(ConnectionParts, Step_FileHeldByAnother_IsNoRow)
+{
+    Connection other;
+    ASSERT_EQ(other.open(path.c_str()), SqliteCode::kOk);
+    Statement rows = other.prepare("SELECT [ID] FROM tLibMainFolder");
+    ASSERT_TRUE(rows.prepared());
+    Connection holder;
+    ASSERT_EQ(holder.open(path.c_str()), SqliteCode::kOk);
+    ASSERT_EQ(holder.exec("BEGIN EXCLUSIVE"), SqliteCode::kOk);
+    EXPECT_FALSE(rows.step());
+    EXPECT_EQ(rows.last(), SqliteCode::kBusy);
+    EXPECT_EQ(holder.exec("COMMIT"), SqliteCode::kOk);
+}
+
 TEST_F(ConnectionParts, NewText_Numbers_AreReadAsTheirTexts)
 {
     EXPECT_EQ(readText("12345"), "12345");
@@ -222,6 +246,36 @@ TEST_F(ConnectionParts, EndlessStatement_IsInterrupted)
         EXPECT_FALSE(rows.step());
         EXPECT_EQ(rows.last(), SqliteCode::kInterrupted);
     }
+}
+
+/// The limit is what a statement may still take: SQLite itself counts the rounds.
+TEST_F(ConnectionParts, StatementOfExactlyTheMostRounds_IsNotInterrupted)
+{
+    constexpr const char* kCount =
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000) SELECT COUNT(*) FROM n";
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(":memory:", &other), SQLITE_OK);
+    int32_t rounds = 0;
+    const auto count = [](void* counted) { return ++*static_cast<int32_t*>(counted) < 0 ? 1 : 0; };
+    sqlite3_progress_handler(other, Connection::kStepsPerRound, count, &rounds);
+    EXPECT_EQ(sqlite3_exec(other, kCount, nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(other);
+    ASSERT_GT(rounds, 0);
+    db().limitRounds(rounds);
+    EXPECT_EQ(db().exec(kCount), SqliteCode::kOk);
+    db().limitRounds(rounds - 1);
+    EXPECT_EQ(db().exec(kCount), SqliteCode::kInterrupted);
+}
+
+/// Whoever can write the file can write its schema: a view may use only what is harmless.
+TEST_F(ConnectionParts, ViewOfWhatIsNotHarmless_IsRefused)
+{
+    sql.exec("CREATE VIEW columns AS SELECT name FROM pragma_table_info('tPhone')");
+    EXPECT_NE(sql.text("SELECT COUNT(*) FROM pragma_table_info('tPhone')"), "0");
+    Connection other;
+    ASSERT_EQ(other.open(path.c_str()), SqliteCode::kOk);
+    EXPECT_EQ(other.exec("SELECT * FROM pragma_table_info('tPhone')"), SqliteCode::kOk);
+    EXPECT_EQ(other.exec("SELECT * FROM columns"), SqliteCode::kError);
 }
 
 }  // namespace
