@@ -1,5 +1,6 @@
 #include "client_fixture.h"
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <random>
@@ -19,6 +20,11 @@ std::string Read(const fs::path& file)
 bool IsOwn(const fs::path& path)
 {
     return Utf8(path.filename()).starts_with(".kesta-");
+}
+
+bool IsInTrash(const fs::path& path)
+{
+    return std::find(path.begin(), path.end(), ".kesta-trash") != path.end();
 }
 
 }  // namespace
@@ -123,7 +129,7 @@ std::map<std::string, std::string> ClientTest::phoneFiles() const
     std::map<std::string, std::string> files;
     const fs::path root = Path(phone());
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
-        if (entry.is_regular_file() && !IsOwn(entry.path())) {
+        if (entry.is_regular_file() && !IsOwn(entry.path()) && !IsInTrash(entry.path())) {
             std::u8string name = entry.path().lexically_relative(root).generic_u8string();
             files.emplace(std::string(name.begin(), name.end()), Read(entry.path()));
         }
@@ -144,11 +150,26 @@ std::vector<std::string> ClientTest::ownFiles() const
 {
     std::vector<std::string> names;
     for (const auto& entry : fs::recursive_directory_iterator(Path(phone()))) {
-        if (IsOwn(entry.path()) && entry.path().filename() != ".kesta-phone") {
+        if (IsOwn(entry.path()) && entry.path().filename() != ".kesta-phone" && !IsInTrash(entry.path())) {
             names.push_back(Utf8(entry.path().filename()));
         }
     }
     return names;
+}
+
+std::map<std::string, std::string> ClientTest::trash() const
+{
+    std::map<std::string, std::string> files;
+    const fs::path root = Path(phone(".kesta-trash"));
+    std::error_code none;
+    for (const auto& entry : fs::recursive_directory_iterator(root, none)) {
+        if (entry.is_regular_file()) {
+            // Behind the day.
+            const std::string path = Utf8(entry.path().lexically_relative(root).generic_u8string());
+            files.emplace(path.substr(path.find('/') + 1), Read(entry.path()));
+        }
+    }
+    return files;
 }
 
 void ClientTest::expectInOrder(const std::string& category)

@@ -44,6 +44,8 @@ protected:
     /// What the client says that the database holds.
     nlohmann::json recorded(const std::string& category = "music");
     nlohmann::json status();
+    /// What lies in the phone's trash, by the place where it was.
+    [[nodiscard]] std::map<std::string, std::string> trash() const;
     /// Everything that lies on the phone, but for the client's own files.
     [[nodiscard]] std::map<std::string, std::string> phoneFiles() const;
     [[nodiscard]] std::vector<std::string> phonePaths() const;

@@ -50,6 +50,11 @@ public:
     {
         return files.at(phonePath) == text;
     }
+    [[nodiscard]] bool holdsFile(const std::string& phonePath, const std::string& pcPath) const override
+    {
+        ADD_FAILURE() << "no file of the PC is compared with " << phonePath << ": " << pcPath;
+        return false;
+    }
 
     void givenFile(const std::string& path, const std::string& contents)
     {
@@ -62,7 +67,8 @@ public:
         sources = given;
         DeletionGuard guard(force);
         store = PlanPimStore({kind_, sources, stored, guard});
-        phone = PlanPimPhone({kind_, sources, store, log, owned, guard}, *this);
+        PhoneChanges changes(left, force, {}, {});
+        phone = PlanPimPhone({kind_, sources, store, log, owned, guard, changes}, *this);
     }
 
     void apply()
@@ -129,6 +135,7 @@ public:
     PimPhonePlans phone;
     std::vector<PimLogRow> log;
     std::set<std::string> owned;
+    LeftFiles left;
     std::map<std::string, std::string> files;
     std::map<std::string, int64_t> times;  // in UTC seconds
     int64_t now = 1'750'000'000;

@@ -88,7 +88,14 @@ protected:
     std::map<std::string, FolderScan> scans_;
     std::vector<std::string> order_;
     DeletionGuard guard_{false};
-    PlanInput input_{Category::kMusic, {}, {}, {}, guard_};
+    LeftFiles left_;
+    std::set<std::string> sameContents_;  // phone paths of files that hold what the PC's do
+    PhoneChanges changes_{
+        left_,
+        false,
+        [this](const std::string& phonePath, const std::string&) { return sameContents_.contains(phonePath); },
+        {}};
+    PlanInput input_{Category::kMusic, {}, {}, {}, guard_, changes_};
     FakePhone phone_;
 
 private:
@@ -134,12 +141,74 @@ TEST_F(PlanTest, RecordedFile_IsUnchangedOnlyWithTimeAndSize)
     }
 }
 
-TEST_F(PlanTest, TimeOnThePhone_DoesNotCount)
+TEST_F(PlanTest, TimeOnThePhone_DoesNotCountForTheSameContents)
 {
     givenFile("Rock", "same");
     recorded("Rock", "same", "Music/Rock/same");
     phone_.put("Music/Rock/same", 10, 5);
+    sameContents_.insert("Music/Rock/same");
     EXPECT_EQ(plan().unchanged, 1u);
+    sameContents_.clear();
+    EXPECT_EQ(plan().unchanged, 1u) << "it has been compared before";
+}
+
+TEST_F(PlanTest, ChangedOnThePhone_IsKeptBeside)
+{
+    const std::vector<std::string> names{"other size", "other time", "both changed", "gone"};
+    for (const std::string& name : names) {
+        recorded("Rock", name, "Music/Rock/" + name + ".mp3");
+        if (name != "gone") {
+            givenFile("Rock", name, 10, name == "both changed" ? kTime + 50 : kTime);
+        }
+    }
+    for (int i = 0; i < 5; ++i) {  // so that the removal is not deferred
+        const std::string name = "same" + std::to_string(i);
+        givenFile("Rock", name);
+        recorded("Rock", name, "Music/Rock/" + name);
+    }
+    phone_.put("Music/Rock/other size.mp3", 11);
+    for (const char* name : {"other time", "both changed", "gone"}) {
+        phone_.put("Music/Rock/" + std::string(name) + ".mp3", 10, kTime + 100);
+    }
+    phone_.put("Music/Rock/gone (changed on the phone).mp3", 1);
+    const FilePlan found = plan();
+    ASSERT_THAT(found.copies, SizeIs(3));
+    for (const FileChange& copy : found.copies) {
+        const std::string& place = copy.file.phonePath;
+        EXPECT_EQ(copy.kind, ChangeKind::kReplace);
+        EXPECT_EQ(copy.keepAs, place.substr(0, place.size() - 4) + " (changed on the phone).mp3");
+    }
+    ASSERT_THAT(found.removals, SizeIs(1));
+    EXPECT_THAT(found.removals[0].keepAs, testing::StartsWith("Music/Rock/gone (changed on the phone)~"));
+}
+
+TEST_F(PlanTest, ChangedOnThePc_IsNotTakenForChangedOnThePhone)
+{
+    givenFile("Rock", "newer", 12, kTime + 50);
+    givenFile("Rock", "there by now", 12, kTime + 50);
+    recorded("Rock", "newer", "Music/Rock/newer");
+    recorded("Rock", "there by now", "Music/Rock/there by now");
+    phone_.put("Music/Rock/there by now", 12, kTime + 50);
+    for (const FileChange& copy : plan().copies) {
+        EXPECT_EQ(copy.keepAs, "") << copy.file.phonePath;
+    }
+}
+
+// The phone's clock, or the PC's, is in another time zone than when the files were copied.
+TEST_F(PlanTest, OtherTimeZone_IsNoChange)
+{
+    constexpr int64_t kHour = 3600;
+    givenFile("Rock", "same", 10, kTime + kHour);
+    recorded("Rock", "same", "Music/Rock/same");
+    phone_.put("Music/Rock/same", 10, kTime + kHour);
+    givenFile("Rock", "newer", 12, kTime + 10 * kHour);
+    recorded("Rock", "newer", "Music/Rock/newer");
+    phone_.put("Music/Rock/newer", 10, kTime + kHour);
+    const FilePlan found = plan();
+    ASSERT_THAT(places(found.copies), ElementsAre("Music/Rock/newer", "Music/Rock/same"));
+    EXPECT_EQ(found.copies[0].keepAs, "");
+    EXPECT_EQ(found.copies[1].kind, ChangeKind::kRecord);
+    EXPECT_EQ(found.copies[1].file.modified, os::ToLocalTime(kTime + kHour));
 }
 
 TEST_F(PlanTest, GoneFile_IsRemovedOnlyFromAFolderReadToItsEnd)

@@ -220,7 +220,11 @@ TEST_F(SyncFailuresTest, FullPhone_StopsWithTheDatabaseRight)
     for (const char* name : {"a", "b", "c", "d", "e"}) {
         givenFile(std::string("Rock/") + name, std::string(300'000, *name));
     }
-    const Ended run = sync({"--music", pc("Rock")});
+    const Ended refused = sync({"--music", pc("Rock")});
+    EXPECT_EQ(refused.exitCode, 5) << refused.out << refused.err;
+    EXPECT_THAT(refused.out, HasSubstr("the phone has not enough room: needs 1.5 MB"));
+    EXPECT_THAT(phonePaths(), SizeIs(0));
+    const Ended run = sync({"--music", pc("Rock"), "--force"});
     EXPECT_EQ(run.exitCode, 5) << run.out << run.err;
     EXPECT_THAT(run.out, HasSubstr("Stopped: the phone is full"));
     EXPECT_THAT(run.out, HasSubstr("3 copied"));
@@ -229,7 +233,7 @@ TEST_F(SyncFailuresTest, FullPhone_StopsWithTheDatabaseRight)
     EXPECT_EQ(status().at("last_error").at("code"), 5);
     // Removals come first, and make room.
     removeFile("Rock/a");
-    const Ended next = sync({"--music", pc("Rock")});
+    const Ended next = sync({"--music", pc("Rock"), "--force"});
     EXPECT_EQ(next.exitCode, 5);
     EXPECT_THAT(next.out, HasSubstr("1 copied, 0 updated, 1 removed, 2 unchanged, 1 failed"));
     expectInOrder();

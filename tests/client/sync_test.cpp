@@ -65,7 +65,7 @@ TEST_F(SyncTest, FileMissingOrOtherOnThePhone_IsCopiedAgain)
     (void)sync({"--music", pc("Rock")});
     fs::remove(Path(phone("Music/Rock/a.mp3")));
     std::ofstream(Path(phone("Music/Rock/b.mp3")), std::ios::app) << "spoilt";
-    const Ended run = sync({"--music", pc("Rock")});
+    const Ended run = sync({"--music", pc("Rock"), "--force"});
     EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
     EXPECT_THAT(run.out, HasSubstr("0 copied, 2 updated, 0 removed, 1 unchanged, 0 failed"));
     expectInOrder();

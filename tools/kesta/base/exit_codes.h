@@ -9,7 +9,7 @@ enum class ExitCode {
     kUsage = 2,          // the command line is wrong
     kIncomplete = 3,     // finished, but some files or folders failed
     kDeferred = 4,       // finished, but removals wait for --force
-    kPhoneFull = 5,      // stopped: no space left on the phone
+    kPhoneFull = 5,      // not enough space on the phone
     kPhoneReadOnly = 6,  // the phone cannot be written
     kAnotherSync = 7,    // another run holds this phone
     kDatabase = 8,       // the database cannot be read or written

@@ -29,7 +29,7 @@ inline constexpr const char* kExitCodeHelp =
     "  2    the command line is wrong\n"
     "  3    finished, but some files or folders could not be synced\n"
     "  4    finished, but removals are deferred until --force is given\n"
-    "  5    stopped: the phone is full\n"
+    "  5    the phone is full, or has not enough room: not everything was copied\n"
     "  6    the phone cannot be written\n"
     "  7    another sync of this phone is running\n"
     "  8    the database cannot be read or written\n"

@@ -8,6 +8,7 @@
     COMMAND(Status)             \
     COMMAND(Files)              \
     COMMAND(Why)                \
+    COMMAND(Restore)            \
     COMMAND(Settings)           \
     COMMAND(Trace)
 

@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "commands/command.h"
+#include "commands/phone_access.h"
 #include "os/local_time.h"
 #include "os/system.h"
 #include "phone/marker.h"
@@ -23,23 +24,6 @@
 
 namespace kesta {
 namespace {
-
-void Require(const os::Status& status, const std::string& what)
-{
-    if (!status.ok()) {
-        throw StopRun(ExitCodeOf(status), fmt::format("{}: {}", what, status.text()));
-    }
-}
-
-void Lock(os::DirectoryLock& lock, const PhoneFolder& phone)
-{
-    const os::Status status = lock.acquire(phone.root());
-    if (status.failure() == os::Failure::kBusy) {
-        throw StopRun(ExitCode::kAnotherSync, "another sync of this phone is running");
-    }
-    Require(status, "the phone cannot be locked");
-    Require(os::CheckWritable(phone.root()), "the phone cannot be written");
-}
 
 Progress::Style StyleOf(const SyncOptions& options)
 {
@@ -68,9 +52,9 @@ public:
         : options_(options), phone_(phone), report_(StyleOf(options), options.quiet), guard_(options.force)
     {
         if (options.dryRun) {
-            runner_ = std::make_unique<Preview>(phone, report_);
+            runner_ = std::make_unique<Preview>(phone, options_, report_);
         } else {
-            runner_ = std::make_unique<Executor>(phone, guard_, report_);
+            runner_ = std::make_unique<Executor>(phone, options_, guard_, left_, report_);
         }
     }
 
@@ -79,16 +63,17 @@ public:
         media_.chosen = ChooseFolders(options_, phone_);
         os::DirectoryLock lock;
         if (!options_.dryRun) {
-            Lock(lock, phone_);
+            LockPhone(lock, phone_);
         }
         PhoneStage phoneStage(phone_, options_);
         Database database;
-        Session session{database, {}, {}, false, runner_->phone(), phone_, options_, guard_, report_};
+        Session session{database, {}, {}, false, runner_->phone(), phone_, options_, guard_, left_, report_};
         runStage(phoneStage, session);
         session.imei = phoneStage.marker().imei;
         session.name = phoneStage.marker().name;
         session.isKnown = !session.imei.empty() && database.phone(session.imei);
         guard_ = DeletionGuard(session.imei, options_.force);
+        left_ = LeftFiles(session.imei);
         greet(session);
         Guarded(report_.summary, [&] {
             MainFolderStage mainFolders(phoneStage.isMarked(), options_, media_.chosen);
@@ -173,6 +158,7 @@ private:
     PhoneFolder& phone_;
     Report report_;
     DeletionGuard guard_;  // the phone's own, once it is known which phone it is
+    LeftFiles left_;       // likewise
     std::unique_ptr<Runner> runner_;
     MediaState media_;
     std::unique_ptr<PlaylistRun> playlists_;
@@ -181,10 +167,7 @@ private:
 
 ExitCode Run(const SyncOptions& options)
 {
-    std::string root;
-    Require(os::CanonicalPath(options.phone, root), fmt::format("the phone folder {}", options.phone));
-    PhoneFolder phone(root);
-    Require(phone.open(), fmt::format("the phone folder {}", options.phone));
+    PhoneFolder phone = OpenPhone(options.phone);
     os::CatchInterrupts();
     return SyncRun(options, phone).run();
 }
@@ -250,6 +233,8 @@ std::function<ExitCode()> Prepare(CLI::App& app)
     for (CLI::Option* path : paths) {
         path->check([](const std::string& text) { return EmptyPathProblem(text); });
     }
+    app.add_flag("--no-trash", options->noTrash,
+                 "what is removed or replaced on the phone does not go to its trash for 30 days");
     app.add_flag("--accept-folder", options->acceptFolder,
                  "sync to a folder that is not marked as a phone though one is expected there");
     app.add_flag("--dry-run", options->dryRun, "only say what would be done; change nothing");

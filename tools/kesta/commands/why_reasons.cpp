@@ -15,6 +15,7 @@
 #include "os/local_time.h"
 #include "report/summary.h"
 #include "stages/pim/pim_entry.h"
+#include "state/left_files.h"
 
 namespace kesta {
 namespace {
@@ -39,6 +40,7 @@ public:
         explainPlaylists();
         explainPim();
         explainBackups();
+        explainKept();
         if (result_.reasons.empty()) {
             explainNothing();
         }
@@ -294,6 +296,18 @@ private:
         for (const RecordedBackup& backup : *backups) {
             if (backup.path == entry_.path) {
                 say("backup", fmt::format("It is a backup of this phone, made {}.", TimeText(backup.modified)));
+            }
+        }
+    }
+
+    void explainKept()
+    {
+        const LeftFiles left(imei_);
+        for (const KeptFile& file : left.kept()) {
+            if (file.path == entry_.path) {
+                say("changed_on_phone",
+                    fmt::format("{} was changed on the phone: that is kept there as {} since {}, and no longer synced.",
+                                file.phonePath, file.keptAs, TimeText(file.time)));
             }
         }
     }

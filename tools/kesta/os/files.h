@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -54,10 +56,14 @@ Status ReadInfo(const std::string& path, FileInfo& info);
 Status ReadInfoOfLink(const std::string& path, FileInfo& info);
 /// Without "." and "..", in no particular order.
 Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entries);
+/// False also when it cannot be listed.
+bool IsEmptyDirectory(const std::string& path);
 /// Absolute, without links, "." and "..". Fails when there is nothing at the path.
 Status CanonicalPath(const std::string& path, std::string& canonical);
 /// Absolute, whether or not there is anything at the path.
 std::string AbsolutePath(const std::string& path);
+/// Sets bytes to the room that this user has on the file system of the folder; to nothing where that cannot be told.
+Status ReadFreeSpace(const std::string& path, std::optional<uint64_t>& bytes);
 /// Sets id to what tells the file system of the folder from another one in its place.
 Status ReadFileSystemId(const std::string& path, std::string& id);
 /// Whether something can be created in the folder, as far as permissions and the file system tell.
@@ -66,7 +72,7 @@ Status CheckWritable(const std::string& directory);
 Status MakeDirectory(const std::string& path);
 Status RemoveFile(const std::string& path);
 Status RemoveEmptyDirectory(const std::string& path);
-/// Replaces the target when it is there. Both must lie in the same folder.
+/// Replaces the target when it is there. Both must lie on the same file system.
 Status Rename(const std::string& from, const std::string& to);
 /// Makes what was created, renamed or removed in the folder survive a power failure, where the system has a way to.
 Status FlushDirectory(const std::string& path);
@@ -135,7 +141,11 @@ private:
 
 /// The whole contents of a small file.
 Status ReadText(const std::string& path, std::string& text);
+/// Whether two files hold the same. False when either cannot be read.
+bool HoldSameBytes(const std::string& path, const std::string& otherPath);
 /// Replaces the file's contents in one step: a reader sees the old or the new ones, also after a power failure.
-Status WriteText(const std::string& path, const std::string& temporary, std::string_view text);
+/// makeWay is called when all but that step has been done, to see to what the file holds now.
+Status WriteText(const std::string& path, const std::string& temporary, std::string_view text,
+                 const std::function<Status()>& makeWay = {});
 
 }  // namespace kesta::os

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <vector>
 
 #include "os/files.h"
@@ -56,7 +58,44 @@ Status ReadText(const std::string& path, std::string& text)
     }
 }
 
-Status WriteText(const std::string& path, const std::string& temporary, std::string_view text)
+bool HoldSameBytes(const std::string& path, const std::string& otherPath)
+{
+    InputFile file, other;
+    if (!file.open(path).ok() || !other.open(otherPath).ok()) {
+        return false;
+    }
+    // A read may give less than was asked for, and not the same of both.
+    const auto fill = [](InputFile& input, std::span<std::byte> buffer, size_t& size) {
+        for (size = 0; size < buffer.size();) {
+            size_t count = 0;
+            if (!input.read(buffer.subspan(size), count).ok()) {
+                return false;
+            }
+            if (count == 0) {
+                break;
+            }
+            size += count;
+        }
+        return true;
+    };
+    constexpr size_t kBlock = size_t{1} << 17;
+    std::vector<std::byte> bytes(kBlock), otherBytes(kBlock);
+    for (;;) {
+        size_t size = 0, otherSize = 0;
+        if (!fill(file, bytes, size) || !fill(other, otherBytes, otherSize) || size != otherSize) {
+            return false;
+        }
+        if (size == 0) {
+            return true;
+        }
+        if (!std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size), otherBytes.begin())) {
+            return false;
+        }
+    }
+}
+
+Status WriteText(const std::string& path, const std::string& temporary, std::string_view text,
+                 const std::function<Status()>& makeWay)
 {
     const auto write = [&]() -> Status {
         OutputFile file;
@@ -70,6 +109,9 @@ Status WriteText(const std::string& path, const std::string& temporary, std::str
             return status;
         }
         if (Status status = file.close(); !status.ok()) {
+            return status;
+        }
+        if (Status status = makeWay ? makeWay() : Status(); !status.ok()) {
             return status;
         }
         return Rename(temporary, path);

@@ -1,12 +1,16 @@
 #include "phone/copy_file.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <vector>
 
 #include "phone/names.h"
 
 namespace kesta {
 namespace {
+
+// FAT keeps times to two seconds only.
+constexpr int64_t kTimeTolerance = 2;
 
 constexpr size_t kBlock = size_t{1} << 20;
 
@@ -104,6 +108,9 @@ CopyResult CopyOnce(const CopyRequest& request, const std::string& temporary)
     if (!request.mayReplace && os::ReadInfoOfLink(request.target, there).ok()) {
         return {CopyOutcome::kPlaceTaken, "another file has taken its place on the phone", {}, true};
     }
+    if (os::Status status = request.makeWay(); !status.ok()) {
+        return {CopyOutcome::kPhoneFailed, "what it replaces cannot be kept: " + status.text(), {}, true};
+    }
     if (os::Status status = os::Rename(temporary, request.target); !status.ok()) {
         return PhoneFailure(status);
     }
@@ -114,6 +121,11 @@ CopyResult CopyOnce(const CopyRequest& request, const std::string& temporary)
         }
         return PhoneFailure(status);
     }
+    result.copy = result.source;
+    (void)os::ReadInfo(request.target, result.copy);
+    // Some phones take a time without a word, and keep another one.
+    const int64_t difference = result.copy.modified.seconds - result.source.modified.seconds;
+    result.timeKept = result.timeKept && std::abs(difference) <= kTimeTolerance;
     return result;
 }
 

@@ -24,6 +24,8 @@ struct CopyRequest {
     std::string source;
     std::string target;
     bool mayReplace = false;
+    // Sees to what is replaced, once the new file is complete.
+    std::function<os::Status()> makeWay = [] { return os::Status(); };
     std::function<bool(size_t bytes)> onBytes = [](size_t) { return true; };  // false stops the copy
     std::function<void()> onRestart = [] {};
 };
@@ -31,8 +33,9 @@ struct CopyRequest {
 struct CopyResult {
     CopyOutcome outcome = CopyOutcome::kDone;
     std::string reason;
-    os::FileInfo source;   // of what was copied
-    bool timeKept = true;  // false: the phone does not take modification times
+    os::FileInfo source;     // of what was copied
+    bool timeKept = true;    // false: the phone does not take modification times
+    os::FileInfo copy = {};  // as it lies on the phone
 };
 
 /// The target's folder must exist. Whatever the outcome, no temporary file stays behind.

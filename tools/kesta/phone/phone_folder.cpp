@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "formats/digest.h"
 
 namespace kesta {
 namespace {
@@ -108,6 +109,17 @@ bool PhoneFolder::holds(const std::string& phonePath, const std::string& text) c
     return os::ReadText(native(phonePath), contents).ok() && contents == text;
 }
 
+bool PhoneFolder::holdsFile(const std::string& phonePath, const std::string& pcPath) const
+{
+    return os::HoldSameBytes(native(phonePath), pcPath);
+}
+
+std::string PhoneFolder::digest(const std::string& phonePath) const
+{
+    std::string contents;
+    return os::ReadText(native(phonePath), contents).ok() ? formats::Digest(contents) : std::string();
+}
+
 std::optional<StopRun> PhoneFolder::whyNothingCanBeWritten(const os::Status& status) const
 {
     if (!isStillThere()) {
@@ -185,6 +197,31 @@ os::Status PhoneFolder::removeFile(const std::string& phonePath)
     return os::FlushDirectory(os::ParentOf(path));
 }
 
+os::Status PhoneFolder::move(const std::string& phonePath, const std::string& newPath)
+{
+    Way way = Way::kPlain;
+    if (os::Status status = checkWay(phonePath, way); !status.ok()) {
+        return status;
+    }
+    if (way == Way::kMissing || find(phonePath).entry == PhoneEntry::kNothing) {
+        return {};
+    }
+    if (os::Status status = makeFolders(newPath); !status.ok()) {
+        return status;
+    }
+    if (find(newPath).entry != PhoneEntry::kNothing) {
+        return {os::Failure::kExists, fmt::format("{} is there already", Printable(newPath))};
+    }
+    const std::string from = native(phonePath), to = native(newPath);
+    if (os::Status status = os::Rename(from, to); !status.ok()) {
+        return status;
+    }
+    if (os::Status status = os::FlushDirectory(os::ParentOf(to)); !status.ok()) {
+        return status;
+    }
+    return os::FlushDirectory(os::ParentOf(from));
+}
+
 os::Status PhoneFolder::tidyAbove(const std::string& phonePath)
 {
     for (auto slash = phonePath.rfind('/'); slash != std::string::npos;) {
@@ -194,7 +231,16 @@ os::Status PhoneFolder::tidyAbove(const std::string& phonePath)
             return {};  // The category's folder may be the phone's own.
         }
         checkedFolders_.erase(folder);
-        const os::Status status = os::RemoveEmptyDirectory(native(folder));
+        const std::string path = native(folder);
+        os::FileInfo info;
+        if (os::ReadInfoOfLink(path, info).failure() == os::Failure::kMissing) {
+            continue;
+        }
+        // Some drivers remove a folder with all that is in it, others give a reason of their own when they refuse.
+        if (!os::IsEmptyDirectory(path)) {
+            return {};
+        }
+        const os::Status status = os::RemoveEmptyDirectory(path);
         if (status.ok() || status.failure() == os::Failure::kMissing) {
             continue;
         }

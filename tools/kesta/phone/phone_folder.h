@@ -32,6 +32,9 @@ public:
     [[nodiscard]] PhoneFile find(const std::string& phonePath) const override;
     [[nodiscard]] std::vector<std::string> names(const std::string& folder) const override;
     [[nodiscard]] bool holds(const std::string& phonePath, const std::string& text) const override;
+    [[nodiscard]] bool holdsFile(const std::string& phonePath, const std::string& pcPath) const override;
+    /// Of a file's contents; empty if it cannot be read.
+    [[nodiscard]] std::string digest(const std::string& phonePath) const;
     /// A failure that every further write would meet, as the end of the run: the phone is gone, full or read-only.
     [[nodiscard]] std::optional<StopRun> whyNothingCanBeWritten(const os::Status& status) const;
 
@@ -39,6 +42,9 @@ public:
     os::Status makeFolders(const std::string& phonePath);
     /// Removes a file for good; it is no failure when it is not there.
     os::Status removeFile(const std::string& phonePath);
+    /// Renames a file, and makes the folders on the way to its new path. Nothing is replaced; it is no failure when
+    /// there is no such file.
+    os::Status move(const std::string& phonePath, const std::string& newPath);
     /// Removes the folders above a file that have become empty, up to the category's own.
     os::Status tidyAbove(const std::string& phonePath);
 

@@ -12,12 +12,25 @@ namespace {
 // FAT keeps times to two seconds only.
 constexpr int64_t kTimeTolerance = 2;
 
+constexpr std::string_view kKeptSuffix = " (changed on the phone)";
+
 }  // namespace
 
 bool IsSameFile(const PhoneFile& there, uint64_t size, int64_t modifiedSeconds)
 {
     return there.entry == PhoneEntry::kFile && there.size == size &&
            std::abs(there.modifiedSeconds - modifiedSeconds) <= kTimeTolerance;
+}
+
+std::string KeptPath(const std::string& phonePath, const std::function<bool(const std::string& path)>& isFree)
+{
+    const auto slash = phonePath.rfind('/');
+    const std::string folder = phonePath.substr(0, slash + 1), name = phonePath.substr(slash + 1);
+    const auto dot = name.rfind('.');
+    const std::string extension = dot == std::string::npos || dot == 0 ? std::string() : name.substr(dot);
+    const std::string stem = name.substr(0, name.size() - extension.size());
+    const std::string wish = SafeName(stem + std::string(kKeptSuffix) + extension);
+    return folder + UniqueName(wish, phonePath, [&](const std::string& other) { return isFree(folder + other); });
 }
 
 bool PhonePaths::reserve(const std::string& phonePath)
@@ -85,6 +98,16 @@ PhonePaths::Place PhonePaths::allocate(const std::vector<std::string>& parts, co
         return true;
     });
     return place;
+}
+
+std::string PhonePaths::allocateBeside(const std::string& phonePath)
+{
+    return KeptPath(phonePath, [&](const std::string& path) {
+        const std::string key = CaseKey(path);
+        const bool isFree =
+            !files_.contains(key) && !folders_.contains(key) && phone_.find(path).entry == PhoneEntry::kNothing;
+        return isFree && files_.insert(key).second;
+    });
 }
 
 }  // namespace kesta

@@ -27,6 +27,9 @@ public:
         std::string phonePath;
         bool sameFileIsThere = false;
     };
+    /// A place beside a file that somebody has changed on the phone.
+    [[nodiscard]] std::string allocateBeside(const std::string& phonePath);
+
     using IsSame = std::function<bool(const std::string& phonePath, const PhoneFile& there)>;
     /// A place below the top folder for a file that has none yet, by the same rule in every run. The parts are the
     /// names of its folders and its own; they are made safe. Of files with one name the seed tells them apart.
@@ -47,5 +50,9 @@ private:
 
 /// Whether a file on the phone can be taken for the PC's, by size and time.
 [[nodiscard]] bool IsSameFile(const PhoneFile& there, uint64_t size, int64_t modifiedSeconds);
+
+/// A path beside the file that says that what is kept there was changed on the phone.
+[[nodiscard]] std::string KeptPath(const std::string& phonePath,
+                                   const std::function<bool(const std::string& path)>& isFree);
 
 }  // namespace kesta

@@ -29,6 +29,8 @@ public:
     [[nodiscard]] virtual std::vector<std::string> names(const std::string& folder) const = 0;
     /// Whether the file holds exactly this.
     [[nodiscard]] virtual bool holds(const std::string& phonePath, const std::string& text) const = 0;
+    /// Whether it holds what the file of the PC does. False when either cannot be read.
+    [[nodiscard]] virtual bool holdsFile(const std::string& phonePath, const std::string& pcPath) const = 0;
 };
 
 }  // namespace kesta

@@ -10,7 +10,22 @@
 namespace kesta {
 namespace {
 
-constexpr size_t kListedFailures = 50;
+constexpr size_t kListedItems = 50;
+
+void DescribeItems(const std::vector<FailedItem>& items, const char* heading,
+                   std::back_insert_iterator<fmt::memory_buffer> out)
+{
+    if (items.empty()) {
+        return;
+    }
+    fmt::format_to(out, "{}", heading);
+    for (size_t i = 0; i < items.size() && i < kListedItems; ++i) {
+        fmt::format_to(out, "  {}: {}\n", Printable(items[i].path), Printable(items[i].reason));
+    }
+    if (items.size() > kListedItems) {
+        fmt::format_to(out, "  and {} more\n", items.size() - kListedItems);
+    }
+}
 
 }  // namespace
 
@@ -84,16 +99,8 @@ std::string Describe(const Summary& summary, bool isPreview, double seconds)
 {
     fmt::memory_buffer text;
     const auto out = std::back_inserter(text);
-    if (!summary.failures.empty()) {
-        fmt::format_to(out, "Not synced:\n");
-    }
-    for (size_t i = 0; i < summary.failures.size() && i < kListedFailures; ++i) {
-        const FailedItem& item = summary.failures[i];
-        fmt::format_to(out, "  {}: {}\n", Printable(item.path), Printable(item.reason));
-    }
-    if (summary.failures.size() > kListedFailures) {
-        fmt::format_to(out, "  and {} more\n", summary.failures.size() - kListedFailures);
-    }
+    DescribeItems(summary.failures, "Not synced:\n", out);
+    DescribeItems(summary.kept, "Changed on the phone, kept there beside the PC's:\n", out);
     for (const std::string& note : summary.notes) {
         fmt::format_to(out, "Note: {}\n", note);
     }

@@ -37,6 +37,7 @@ struct Summary {
     size_t notReached = 0;             // planned, but the run ended before
     std::deque<FamilyTally> families;  // in the order of their turn; a reference into it stays good
     std::vector<FailedItem> failures;
+    std::vector<FailedItem> kept;  // what was changed on the phone, and as what it is kept there
     std::vector<std::string> notes;
     ExitCode stop = ExitCode::kSuccess;  // why the run ended early
     std::string stopReason;

@@ -2,11 +2,32 @@
 
 #include <fmt/format.h>
 
+#include <unordered_set>
+
+#include "phone/names.h"
+#include "phone/phone_layout.h"
 #include "stages/bookmarks/bookmark_stage.h"
 #include "stages/playlists/playlist_stage.h"
-#include "sync/journal.h"
 
 namespace kesta {
+
+// A file that was replaced, but not yet recorded so, would look as if somebody had changed it on the phone.
+void LeftoverStage::settle(const Leftovers& leftovers, LeftFiles& left) const
+{
+    std::unordered_set<std::string> media;
+    for (const MediaState::OfCategory& category : state_.categories) {
+        for (const RecordedFile& file : category.recorded) {
+            media.insert(file.phonePath);
+        }
+    }
+    for (const std::string& path : leftovers.recordedFiles) {
+        const PhoneFile there = phone_.find(path);
+        if (there.entry == PhoneEntry::kFile) {
+            const bool isText = !media.contains(path) && !IsPhonePath(path, kPlaylistMediaFolder);
+            left.leave(path, {there.size, there.modifiedSeconds, isText ? phone_.digest(path) : std::string()});
+        }
+    }
+}
 
 Plan LeftoverStage::plan(Session& session)
 {
@@ -35,12 +56,16 @@ Plan LeftoverStage::plan(Session& session)
     if (!leftovers.journalFound && leftovers.temporaryFiles.empty()) {
         return plan;
     }
+    settle(leftovers, session.left);
     const size_t files = leftovers.temporaryFiles.size() + leftovers.unknownFiles.size();
     const std::string counted = Counted(files, "leftover");
     Change change;
     change.verb.planned = kRemoved.planned;
     change.shown = counted + " of the last run, which was cut short";
-    change.record = [this, leftovers, counted, &report = session.report](const Written&) {
+    change.record = [this, leftovers, counted, &left = session.left, &report = session.report](const Written&) {
+        if (os::Status status = left.save(); !status.ok()) {
+            report.note("what the phone was left with cannot be noted for the next run: " + status.text());
+        }
         if (os::Status status = RemoveLeftovers(phone_, leftovers); !status.ok()) {
             throw StopRun(ExitCodeOf(status),
                           "what the last run left on the phone cannot be removed: " + status.text());

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "stages/media/media_stage.h"
+#include "sync/journal.h"
 
 namespace kesta {
 
@@ -13,6 +14,8 @@ public:
     [[nodiscard]] Plan plan(Session& session) override;
 
 private:
+    void settle(const Leftovers& leftovers, LeftFiles& left) const;
+
     MediaState& state_;
     PhoneFolder& phone_;
 };

@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
+#include "base/text.h"
+#include "formats/digest.h"
 #include "os/local_time.h"
 #include "os/system.h"
 #include "phone/names.h"
@@ -18,10 +21,33 @@ void Session::checkInterrupt()
     }
 }
 
+PhoneChanges ChangesOf(Session& session)
+{
+    return {session.left, session.options.force,
+            [&phone = session.phone](const auto& phonePath, const auto& pcPath) {
+                return phone.holdsFile(phonePath, pcPath);
+            },
+            [&folder = session.folder](const auto& phonePath) { return folder.digest(phonePath); }};
+}
+
 void Executor::run(const Plan& plan)
 {
     guard_.save(report_);
+    if (!std::exchange(hasExpired_, true)) {
+        if (os::Status status = trash_.expire(); !status.ok()) {
+            report_.note("old files cannot be removed from the phone's trash: " + status.text());
+        }
+    }
     *plan.tally += plan.found;
+    const Room room = MeasureRoom(plan, phone_, phone_, trash_);
+    if (room.needed > 0) {
+        report_.progress.say("Room      " + room.text());
+    }
+    if (!room.fits() && !options_.force) {
+        throw StopRun(ExitCode::kPhoneFull, fmt::format("the phone has not enough room: {}. Nothing of it was copied; "
+                                                        "--force copies what fits",
+                                                        room.text()));
+    }
     size_t count = 0;
     uint64_t bytes = 0;
     for (const Change& change : plan.changes) {
@@ -40,6 +66,9 @@ void Executor::run(const Plan& plan)
         for (size_t i = next_ + (hasFailed_ ? 1u : 0u); i < plan.changes.size(); ++i) {
             report_.summary.notReached += plan.changes[i].isSilent() ? 0u : 1u;
         }
+    }
+    if (os::Status status = left_.save(); !status.ok()) {
+        report_.note("what the phone was left with cannot be noted for the next run: " + status.text());
     }
     try {
         journal.end(!isLeftBehind_);
@@ -99,6 +128,12 @@ bool Executor::make(const Change& change, const Plan& plan)
     if (change.isToWrite() && !write(change, written)) {
         return false;
     }
+    if (const LeftFile* left = change.kind == ChangeKind::kAdopt ? left_.find(change.phonePath) : nullptr) {
+        const PhoneFile there = phone_.find(change.phonePath);
+        const bool isText = !left->digest.empty();
+        left_.leave(change.phonePath,
+                    {there.size, there.modifiedSeconds, isText ? phone_.digest(change.phonePath) : std::string()});
+    }
     if (!record(change, written)) {
         return false;
     }
@@ -117,16 +152,57 @@ bool Executor::remove(const Change& change)
     if (change.phonePath.empty()) {
         return true;
     }
-    if (os::Status status = phone_.removeFile(change.phonePath); !status.ok()) {
+    os::Status status = makeWay(change);
+    if (status.ok()) {
+        status = phone_.removeFile(change.phonePath);
+    }
+    if (!status.ok()) {
         fail(change, "it cannot be removed from the phone: " + status.text());
         stopIfNothingCanBeWritten(status);
         return false;
     }
+    left_.forget(change.phonePath);
     // While the database still knows the file: the folders that a killed run leaves are found by the next one.
-    if (os::Status status = phone_.tidyAbove(change.phonePath); !status.ok()) {
+    status = phone_.tidyAbove(change.phonePath);
+    if (!status.ok()) {
         report_.fail(change.phonePath, "the empty folder above it cannot be removed from the phone: " + status.text());
     }
     return true;
+}
+
+// What is in the place of a change leaves it. What cannot go to the trash is overwritten or removed by the change.
+os::Status Executor::makeWay(const Change& change)
+{
+    if (change.kind != ChangeKind::kReplace && change.kind != ChangeKind::kRemove) {
+        return {};
+    }
+    if (!change.keepAs.empty()) {
+        if (os::Status status = phone_.move(change.phonePath, change.keepAs); !status.ok()) {
+            return status;
+        }
+        const std::string& path = change.subject.empty() ? change.phonePath : change.subject;
+        left_.keep({path, change.phonePath, change.keepAs, os::ToLocalTime(os::Now())});
+        report_.summary.kept.push_back({change.phonePath, change.keepAs});
+        if (!report_.isQuiet) {
+            report_.progress.say(fmt::format("{:<9} {}", kKept.done, Printable(change.keepAs)));
+        }
+        return {};
+    }
+    if (options_.noTrash || isTrashRefused_) {
+        return {};
+    }
+    if (os::Status status = trash_.take(change.phonePath); !status.ok()) {
+        isTrashRefused_ = true;
+        report_.note("the phone does not let files be moved to the trash, they are removed: " + status.text());
+    }
+    return {};
+}
+
+// For the next run, which is to notice what somebody changes there.
+void Executor::noteLeft(const Change& change, uint64_t size, int64_t modifiedSeconds)
+{
+    left_.leave(change.phonePath,
+                {size, modifiedSeconds, change.pcFile.empty() ? formats::Digest(change.text) : std::string()});
 }
 
 bool Executor::write(const Change& change, Written& written)
@@ -144,7 +220,8 @@ bool Executor::writeText(const Change& change, Written& written)
 {
     const std::string path = phone_.native(change.phonePath);
     const std::string temporary = os::Join(os::ParentOf(path), kTemporaryName);
-    if (os::Status status = os::WriteText(path, temporary, change.text); !status.ok()) {
+    if (os::Status status = os::WriteText(path, temporary, change.text, [&] { return makeWay(change); });
+        !status.ok()) {
         fail(change, "it cannot be written to the phone: " + status.text());
         stopIfNothingCanBeWritten(status);
         return false;
@@ -153,8 +230,25 @@ bool Executor::writeText(const Change& change, Written& written)
     written.size = change.text.size();
     if (os::ReadInfo(path, info).ok()) {
         written.modified = os::ToLocalTime(info.modified.seconds);
+        noteLeft(change, info.size, info.modified.seconds);
     }
     return true;
+}
+
+// Files of the trash make way, oldest first.
+bool Executor::hasRoomFor(const Change& change)
+{
+    std::optional<uint64_t> bytes;
+    const auto isEnough = [&] {
+        (void)os::ReadFreeSpace(phone_.root(), bytes);
+        return !bytes || *bytes >= change.size;
+    };
+    if (isEnough()) {
+        return true;
+    }
+    uint64_t freed = 0;
+    (void)trash_.free(change.size - *bytes, freed);  // What stays shows in the room that there is.
+    return isEnough();
 }
 
 bool Executor::copy(const Change& change, Written& written)
@@ -163,16 +257,23 @@ bool Executor::copy(const Change& change, Written& written)
     request.source = change.pcFile;
     request.target = phone_.native(change.phonePath);
     request.mayReplace = change.kind == ChangeKind::kReplace;
+    request.makeWay = [&] { return makeWay(change); };
     request.onBytes = [&](size_t bytes) {
         report_.progress.addBytes(bytes);
         return !os::Interrupted();
     };
     request.onRestart = [&] { report_.progress.restartFile(); };
-    const CopyResult result = CopySafely(request);
+    CopyResult result = hasRoomFor(change) ? CopySafely(request) : CopyResult{CopyOutcome::kPhoneFull, {}, {}, true};
+    if (uint64_t freed = 0;
+        result.outcome == CopyOutcome::kPhoneFull && trash_.free(change.size, freed).ok() && freed > 0) {
+        request.onRestart();
+        result = CopySafely(request);
+    }
     if (result.outcome == CopyOutcome::kDone) {
         timesLost_ += result.timeKept ? 0u : 1u;
         written.size = result.source.size;
         written.modified = os::ToLocalTime(result.source.modified.seconds);
+        noteLeft(change, result.copy.size, result.copy.modified.seconds);
         return true;
     }
     if (!request.mayReplace) {
@@ -183,10 +284,14 @@ bool Executor::copy(const Change& change, Written& written)
     if (result.outcome == CopyOutcome::kInterrupted) {
         throw StopRun(ExitCode::kInterrupted, result.reason);
     }
-    fail(change, result.reason);
     if (result.outcome == CopyOutcome::kPhoneFull) {
-        throw StopRun(ExitCode::kPhoneFull, result.reason);
+        // Smaller files may still fit, and so may lists and contacts.
+        fail(change, fmt::format("the phone is full: there is no room for {}", FormatSize(change.size)));
+        report_.summary.stopWith(ExitCode::kPhoneFull, "the phone is full");
+        checkPhone();
+        return false;
     }
+    fail(change, result.reason);
     if (result.outcome == CopyOutcome::kPhoneReadOnly) {
         throw StopRun(ExitCode::kPhoneReadOnly, result.reason);
     }
@@ -220,6 +325,7 @@ bool Executor::record(const Change& change, const Written& written)
 
 void Executor::takeBack(const Change& change)
 {
+    left_.forget(change.phonePath);
     os::Status status = phone_.removeFile(change.phonePath);
     if (status.ok()) {
         status = phone_.tidyAbove(change.phonePath);

@@ -4,7 +4,9 @@
 #pragma once
 
 #include "phone/copy_file.h"
+#include "phone/trash.h"
 #include "sync/journal.h"
+#include "sync/room.h"
 #include "sync/session.h"
 
 namespace kesta {
@@ -12,8 +14,14 @@ namespace kesta {
 class Executor : public Runner {
 public:
     /// What the guard defers is noted before anything else is changed.
-    Executor(PhoneFolder& phone, DeletionGuard& guard, Report& report)
-        : phone_(phone), guard_(guard), report_(report), journal_(phone, report)
+    Executor(PhoneFolder& phone, const SyncOptions& options, DeletionGuard& guard, LeftFiles& left, Report& report)
+        : phone_(phone),
+          options_(options),
+          guard_(guard),
+          left_(left),
+          report_(report),
+          journal_(phone, report),
+          trash_(phone)
     {
     }
 
@@ -27,7 +35,10 @@ private:
     /// False when it failed.
     [[nodiscard]] bool make(const Change& change, const Plan& plan);
     [[nodiscard]] bool remove(const Change& change);
+    [[nodiscard]] os::Status makeWay(const Change& change);
+    void noteLeft(const Change& change, uint64_t size, int64_t modifiedSeconds);
     [[nodiscard]] bool write(const Change& change, Written& written);
+    [[nodiscard]] bool hasRoomFor(const Change& change);
     [[nodiscard]] bool copy(const Change& change, Written& written);
     [[nodiscard]] bool writeText(const Change& change, Written& written);
     [[nodiscard]] bool record(const Change& change, const Written& written);
@@ -36,9 +47,14 @@ private:
     void stopIfNothingCanBeWritten(const os::Status& status) const;
 
     PhoneFolder& phone_;
+    const SyncOptions& options_;
     DeletionGuard& guard_;
+    LeftFiles& left_;
     Report& report_;
     PhoneJournal journal_;
+    Trash trash_;
+    bool hasExpired_ = false;  // what has been in the trash for too long is gone
+    bool isTrashRefused_ = false;
     bool isLeftBehind_ = false;  // something is on the phone, but neither recorded nor removed again
     size_t next_ = 0;            // the change that is being made
     bool hasFailed_ = false;     // that change

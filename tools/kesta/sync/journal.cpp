@@ -75,8 +75,8 @@ os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string
         }
         folders.insert(os::ParentOf(phone.native(line)));
         leftovers.foldersOf.push_back(line);
-        if (!recorded.contains(line) && phone.find(line).entry == PhoneEntry::kFile) {
-            leftovers.unknownFiles.push_back(line);
+        if (phone.find(line).entry == PhoneEntry::kFile) {
+            (recorded.contains(line) ? leftovers.recordedFiles : leftovers.unknownFiles).push_back(line);
         }
     }
     for (const std::string& folder : folders) {

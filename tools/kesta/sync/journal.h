@@ -17,6 +17,7 @@ inline constexpr std::string_view kJournalName = ".kesta-journal";
 struct Leftovers {
     std::vector<std::string> temporaryFiles;  // native paths
     std::vector<std::string> unknownFiles;    // phone paths
+    std::vector<std::string> recordedFiles;   // phone paths of what that run may have written anew
     std::vector<std::string> foldersOf;       // phone paths whose folders may have been made for nothing
     bool journalFound = false;
 };

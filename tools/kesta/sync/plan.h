@@ -39,6 +39,7 @@ inline constexpr Verb kUpdated{"updated", "update"};
 inline constexpr Verb kWritten{"written", "write"};
 inline constexpr Verb kRecorded{"recorded", "record"};
 inline constexpr Verb kRemoved{"removed", "remove"};
+inline constexpr Verb kKept{"kept", "keep"};
 
 /// How a written file lies on the phone.
 struct Written {
@@ -57,9 +58,10 @@ struct Change {
     std::string shown;      // what the user sees; empty: the phone path, or the subject where there is none
     std::string pcFile;     // to be copied; empty: the text is written
     std::string text;
-    uint64_t size = 0;                                  // of either
-    Verb verb;                                          // empty: the user hears of it only when it fails
-    Tally counts;                                       // what has been done then
+    std::string keepAs;  // the phone path for what is there, as somebody has changed it on the phone; empty: it goes
+    uint64_t size = 0;   // of either
+    Verb verb;           // empty: the user hears of it only when it fails
+    Tally counts;        // what has been done then
     Tally* tally = nullptr;                             // of another family than the plan's
     std::function<std::vector<std::string>()> entries;  // of the file, with what happens to each: a preview tells them
     Record record;                                      // empty: there is no row

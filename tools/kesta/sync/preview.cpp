@@ -11,6 +11,9 @@ void PlannedPhone::make(const Change& change)
     if (change.phonePath.empty()) {
         return;
     }
+    if (!change.keepAs.empty()) {
+        changed_[change.keepAs] = find(change.phonePath);
+    }
     if (change.isToWrite()) {
         changed_[change.phonePath] = {PhoneEntry::kFile, change.size, 0};
     } else if (change.kind == ChangeKind::kRemove) {
@@ -27,12 +30,25 @@ PhoneFile PlannedPhone::find(const std::string& phonePath) const
 void Preview::run(const Plan& plan)
 {
     *plan.tally += plan.found;
+    const Room room = MeasureRoom(plan, phone_, folder_, trash_);
+    if (room.needed > 0) {
+        report_.progress.say("Room      " + room.text());
+    }
+    if (!room.fits() && !options_.force) {
+        report_.summary.stopWith(ExitCode::kPhoneFull, "the phone has not enough room: " + room.text());
+    }
     for (const Change& change : plan.changes) {
         (change.tally != nullptr ? *change.tally : *plan.tally) += change.counts;
         if (!change.pcFile.empty() && change.isToWrite()) {
             report_.summary.bytes += change.size;
         }
         phone_.make(change);
+        if (!change.keepAs.empty()) {
+            report_.summary.kept.push_back({change.phonePath, change.keepAs});
+            if (!report_.isQuiet) {
+                report_.progress.say(fmt::format("{:<9} {}", kKept.planned, Printable(change.keepAs)));
+            }
+        }
         if (change.verb.planned[0] == '\0' || report_.isQuiet) {
             continue;
         }

@@ -3,6 +3,7 @@
 
 #include <map>
 
+#include "sync/room.h"
 #include "sync/session.h"
 
 namespace kesta {
@@ -22,6 +23,10 @@ public:
     {
         return !changed_.contains(phonePath) && phone_.holds(phonePath, text);
     }
+    [[nodiscard]] bool holdsFile(const std::string& phonePath, const std::string& pcPath) const override
+    {
+        return !changed_.contains(phonePath) && phone_.holdsFile(phonePath, pcPath);
+    }
 
 private:
     const PhoneFolder& phone_;
@@ -30,13 +35,19 @@ private:
 
 class Preview : public Runner {
 public:
-    Preview(const PhoneFolder& phone, Report& report) : phone_(phone), report_(report) {}
+    Preview(PhoneFolder& phone, const SyncOptions& options, Report& report)
+        : phone_(phone), folder_(phone), trash_(phone), options_(options), report_(report)
+    {
+    }
 
     [[nodiscard]] const Phone& phone() const override { return phone_; }
     void run(const Plan& plan) override;
 
 private:
     PlannedPhone phone_;
+    const PhoneFolder& folder_;
+    const Trash trash_;
+    const SyncOptions& options_;
     Report& report_;
 };
 

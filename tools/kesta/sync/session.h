@@ -13,7 +13,9 @@
 #include "database/database.h"
 #include "phone/phone_folder.h"
 #include "report/report.h"
+#include "state/left_files.h"
 #include "sync/deletion_guard.h"
+#include "sync/phone_changes.h"
 #include "sync/plan.h"
 #include "sync/sync_options.h"
 
@@ -28,11 +30,15 @@ struct Session {
     const PhoneFolder& folder;  // as it is
     const SyncOptions& options;
     DeletionGuard& guard;
+    LeftFiles& left;
     Report& report;
 
     /// Throws when the user has asked for an end.
     static void checkInterrupt();
 };
+
+/// What somebody has changed on the session's phone.
+[[nodiscard]] PhoneChanges ChangesOf(Session& session);
 
 class Stage {
 public:

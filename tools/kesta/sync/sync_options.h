@@ -23,6 +23,7 @@ struct SyncOptions {
     bool dryRun = false;
     bool force = false;
     bool quiet = false;
+    bool noTrash = false;
     bool acceptFolder = false;  // a folder without a marker, though a phone is expected there
 };
 

@@ -80,6 +80,22 @@ Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entri
     return errno == 0 ? Status() : LastError();
 }
 
+bool IsEmptyDirectory(const std::string& path)
+{
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), closedir);
+    if (!directory) {
+        return false;
+    }
+    errno = 0;
+    while (const dirent* raw = readdir(directory.get())) {
+        const std::string_view name = raw->d_name;
+        if (name != "." && name != "..") {
+            return false;
+        }
+    }
+    return errno == 0;
+}
+
 Status CanonicalPath(const std::string& path, std::string& canonical)
 {
     const std::unique_ptr<char, void (*)(void*)> resolved(realpath(path.c_str(), nullptr), std::free);
@@ -97,6 +113,20 @@ std::string AbsolutePath(const std::string& path)
     }
     const std::unique_ptr<char, void (*)(void*)> here(getcwd(nullptr, 0), std::free);
     return here ? Join(here.get(), path) : path;
+}
+
+Status ReadFreeSpace(const std::string& path, std::optional<uint64_t>& bytes)
+{
+    bytes.reset();
+    struct statvfs raw {};
+    if (statvfs(path.c_str(), &raw) != 0) {
+        return LastError();
+    }
+    // Some file systems for phones know of no sizes at all.
+    if (raw.f_blocks > 0) {
+        bytes = uint64_t{raw.f_bavail} * raw.f_frsize;
+    }
+    return {};
 }
 
 Status ReadFileSystemId(const std::string& path, std::string& id)

@@ -86,6 +86,12 @@ Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entri
     return code == ERROR_NO_MORE_FILES ? Status() : FromErrorCode(code);
 }
 
+bool IsEmptyDirectory(const std::string& path)
+{
+    std::vector<DirectoryEntry> entries;
+    return ListDirectory(path, entries).ok() && entries.empty();
+}
+
 Status CanonicalPath(const std::string& path, std::string& canonical)
 {
     const Handle handle(CreateFileW(ToNative(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
@@ -106,6 +112,19 @@ Status CanonicalPath(const std::string& path, std::string& canonical)
 std::string AbsolutePath(const std::string& path)
 {
     return FromNative(ToNative(path));
+}
+
+Status ReadFreeSpace(const std::string& path, std::optional<uint64_t>& bytes)
+{
+    bytes.reset();
+    ULARGE_INTEGER available, all;
+    if (!GetDiskFreeSpaceExW(ToNative(Join(path, "")).c_str(), &available, &all, nullptr)) {
+        return LastError();
+    }
+    if (all.QuadPart > 0) {
+        bytes = available.QuadPart;
+    }
+    return {};
 }
 
 Status ReadFileSystemId(const std::string& path, std::string& id)

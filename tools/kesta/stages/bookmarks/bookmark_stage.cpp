@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "phone/phone_layout.h"
+#include "phone/phone_paths.h"
 #include "phone/unique_name.h"
 
 namespace kesta {
@@ -60,7 +61,7 @@ Plan BookmarkStage::plan(Session& session)
                                         Counted(bookmarks.notOfTheWeb, "bookmark"),
                                         bookmarks.notOfTheWeb == 1 ? "is" : "are"));
     }
-    addChanges(std::move(bookmarks), std::move(text), plan);
+    addChanges(std::move(bookmarks), std::move(text), session, plan);
     return plan;
 }
 
@@ -158,7 +159,7 @@ Change BookmarkStage::toChange(ChangeKind kind, const RecordedBookmark& bookmark
     return change;
 }
 
-void BookmarkStage::addChanges(BookmarkPlan bookmarks, std::string text, Plan& plan)
+void BookmarkStage::addChanges(BookmarkPlan bookmarks, std::string text, Session& session, Plan& plan)
 {
     std::vector<Change> rows;
     for (const RecordedBookmark& bookmark : bookmarks.added) {
@@ -181,6 +182,11 @@ void BookmarkStage::addChanges(BookmarkPlan bookmarks, std::string text, Plan& p
         file.phonePath = phonePath_;
         file.size = text.size();
         file.text = std::move(text);
+    }
+    if (isThere_ && ChangesOf(session).isChanged(phonePath_, session.phone.find(phonePath_))) {
+        file.keepAs = KeptPath(phonePath_, [&](const std::string& path) {
+            return session.phone.find(path).entry == PhoneEntry::kNothing;
+        });
     }
     auto next = rows.begin();
     if (file.kind == ChangeKind::kPut && bookmarks.added.size() + bookmarks.updated.size() > 0) {

@@ -14,7 +14,7 @@ Result Enter(FileChange file, FileRecords& records, const Written& written)
     if (file.kind == ChangeKind::kRemove) {
         return records.remove(file);
     }
-    if (file.kind == ChangeKind::kReplace) {
+    if (file.kind == ChangeKind::kReplace || file.kind == ChangeKind::kRecord) {
         return records.update(file);
     }
     const Result added = records.add(file);
@@ -62,6 +62,7 @@ Change ToChange(const FileChange& file, FileRecords& records)
     change.kind = file.kind;
     change.phonePath = file.file.phonePath;
     change.subject = file.file.path;
+    change.keepAs = file.keepAs;
     switch (file.kind) {
         case ChangeKind::kRemove:
             change.verb = kRemoved;
@@ -70,6 +71,9 @@ Change ToChange(const FileChange& file, FileRecords& records)
         case ChangeKind::kAdopt:
             change.verb = kRecorded;
             change.counts.adopted = 1;
+            break;
+        case ChangeKind::kRecord:
+            change.counts.unchanged = 1;
             break;
         case ChangeKind::kReplace:
             change.verb = kUpdated;

@@ -135,6 +135,7 @@ Plan MediaFolderStage::plan(Session& session)
 Plan MediaStage::plan(Session& session)
 {
     Plan plan(session.report.summary.files);
+    PhoneChanges changes = ChangesOf(session);
     std::vector<FilePlan> ofCategories;
     for (const Category category : kCategories) {
         MediaState::OfCategory& state = state_.categories[static_cast<size_t>(category)];
@@ -143,7 +144,7 @@ Plan MediaStage::plan(Session& session)
                 state_.phonePaths[file.path] = file.phonePath;
             }
         }
-        PlanInput input{category, {}, std::move(state.known), std::move(state.recorded), session.guard};
+        PlanInput input{category, {}, std::move(state.known), std::move(state.recorded), session.guard, changes};
         for (const FolderScan& scan : state.scans) {
             input.folders.push_back(&scan);
         }

@@ -4,6 +4,7 @@
 #include <map>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "phone/names.h"
 #include "stages/media/phone_names.h"
@@ -58,6 +59,17 @@ public:
 private:
     std::vector<const FolderScan*> completeFolders_;
 };
+
+PcFile ToPcFile(const ScannedFile& file)
+{
+    return {file.path, file.size, file.modified.seconds, file.localTime};
+}
+
+// The database keeps local times, which a journey changes.
+bool IsInOtherTimeZone(const RecordedFile& record, const PcFile& pc)
+{
+    return record.modified && pc.localTime && IsZoneDifference(*record.modified - *pc.localTime);
+}
 
 // Sorts out the removals that wait: all of them where they are most of the category's files, else those of a chosen
 // folder that would lose most of its own. One that is there but empty may be a disk that is not mounted.
@@ -122,18 +134,26 @@ private:
 }  // namespace
 
 std::optional<FileChange> CompareFile(const ComparedFile& file, Category category, const std::string& basePath,
-                                      const Allocate& allocate)
+                                      const PhoneChanges& changes, PhonePaths& paths, const Allocate& allocate)
 {
-    FileChange change{ChangeKind::kPut, category, {file.path, basePath, {}, file.modified}, file.size};
+    const PcFile& pc = file.pc;
+    FileChange change{ChangeKind::kPut, category, {pc.path, basePath, {}, pc.localTime}, pc.size, {}};
     if (file.record != nullptr) {
-        if (file.there.entry == PhoneEntry::kFile && file.there.size == file.size &&
-            file.record->modified == file.modified) {
+        const RecordedFile& record = *file.record;
+        const bool isChanged = changes.isChanged(record.phonePath, file.there, record.modified, &pc);
+        const bool isSameSize = file.there.entry == PhoneEntry::kFile && file.there.size == pc.size;
+        if (isSameSize && !isChanged && record.modified == pc.localTime) {
             return std::nullopt;
         }
-        change.kind = ChangeKind::kReplace;
-        change.file.basePath = file.record->basePath;
+        const bool isOnlyTimeZone = isSameSize && !isChanged && IsInOtherTimeZone(record, pc) &&
+                                    IsSameFile(file.there, pc.size, pc.modifiedSeconds);
+        change.kind = isOnlyTimeZone ? ChangeKind::kRecord : ChangeKind::kReplace;
+        change.file.basePath = record.basePath;
         if (file.there.entry != PhoneEntry::kOther) {
-            change.file.phonePath = file.record->phonePath;
+            change.file.phonePath = record.phonePath;
+        }
+        if (isChanged) {
+            change.keepAs = paths.allocateBeside(record.phonePath);
         }
     }
     if (change.file.phonePath.empty()) {
@@ -185,30 +205,39 @@ FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
             misplaced.insert(file->path);
         }
     }
+    std::vector<std::pair<ComparedFile, Wanted>> compared;
+    compared.reserve(wanted.size());
+    for (const auto& [path, source] : wanted) {
+        ComparedFile file{ToPcFile(*source.file)};
+        if (const auto known = recorded.find(path); known != recorded.end()) {
+            file.record = known->second;
+            if (!misplaced.contains(path)) {
+                file.there = phone.find(known->second->phonePath);
+                input.changes.learn(file.there, file.record->modified, file.pc);
+            }
+        }
+        compared.emplace_back(std::move(file), source);
+    }
     for (const RecordedFile* file : leaving) {
-        FileChange action{ChangeKind::kRemove, input.category, *file, 0};
+        FileChange action{ChangeKind::kRemove, input.category, *file, 0, {}};
         if (!IsPhonePath(file->phonePath, input.category) || names.isReserved(file->phonePath)) {
             action.file.phonePath.clear();
         } else {
+            if (input.changes.isChanged(file->phonePath, phone.find(file->phonePath), file->modified, nullptr)) {
+                action.keepAs = names.allocateBeside(file->phonePath);
+            }
             names.release(file->phonePath);
         }
         plan.removals.push_back(std::move(action));
     }
     names.chooseRoots(input);
 
-    for (const auto& [path, source] : wanted) {
-        ComparedFile file{path, source.file->size, source.file->localTime};
-        if (const auto known = recorded.find(path); known != recorded.end()) {
-            file.record = known->second;
-            if (!misplaced.contains(path)) {
-                file.there = phone.find(known->second->phonePath);
-            }
-        }
+    for (const auto& [file, source] : compared) {
         const auto& [scanned, folder] = source;
         const auto allocate = [&, scanned = scanned, folder = folder] {
             return names.allocate(folder->path, *scanned);
         };
-        if (auto change = CompareFile(file, input.category, folder->path, allocate)) {
+        if (auto change = CompareFile(file, input.category, folder->path, input.changes, names, allocate)) {
             plan.copies.push_back(*std::move(change));
         } else {
             ++plan.unchanged;

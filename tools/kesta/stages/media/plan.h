@@ -13,6 +13,7 @@
 #include "phone/phone_view.h"
 #include "stages/media/scan.h"
 #include "sync/deletion_guard.h"
+#include "sync/phone_changes.h"
 #include "sync/plan.h"
 
 namespace kesta {
@@ -22,6 +23,7 @@ struct FileChange {
     Category category = Category::kMusic;
     RecordedFile file;  // as it is to be recorded; an empty phonePath in a removal: only the database knows the file
     uint64_t size = 0;
+    std::string keepAs;  // for what somebody has changed on the phone
 };
 
 struct PlanInput {
@@ -30,6 +32,7 @@ struct PlanInput {
     std::vector<RecordedFolder> known;       // all of the category
     std::vector<RecordedFile> recorded;      // all of the category
     DeletionGuard& guard;
+    PhoneChanges& changes;
 };
 
 /// A chosen folder of which too much is gone at once.
@@ -49,9 +52,7 @@ struct FilePlan {
 
 /// A file of the PC, where its record says that it lies on the phone, and how it is there.
 struct ComparedFile {
-    std::string path;
-    uint64_t size = 0;
-    std::optional<LocalTime> modified;
+    PcFile pc;
     const RecordedFile* record = nullptr;       // none: it is not recorded
     PhoneFile there{PhoneEntry::kOther, 0, 0};  // kOther: what is recorded cannot be this file's phone path
 };
@@ -60,9 +61,10 @@ struct ComparedFile {
 using Allocate = std::function<PhonePaths::Place()>;
 
 /// What is to be done for the file; std::nullopt when it is on the phone as it is on the PC. A file that is new is
-/// recorded under basePath, any other one stays where it is.
+/// recorded under basePath, any other one stays where it is. What was changed on the phone gets a path beside it.
 [[nodiscard]] std::optional<FileChange> CompareFile(const ComparedFile& file, Category category,
-                                                    const std::string& basePath, const Allocate& allocate);
+                                                    const std::string& basePath, const PhoneChanges& changes,
+                                                    PhonePaths& paths, const Allocate& allocate);
 
 [[nodiscard]] FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone);
 

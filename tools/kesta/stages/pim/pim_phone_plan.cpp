@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "os/local_time.h"
+#include "phone/phone_paths.h"
 #include "phone/unique_name.h"
 #include "stages/pim/pim_text.h"
 
@@ -54,6 +55,15 @@ public:
             return !taken_.contains(CaseKey(name)) && isFree(path, text) && taken_.insert(CaseKey(name)).second;
         });
         return path;
+    }
+
+    [[nodiscard]] std::string allocateBeside(const std::string& phonePath)
+    {
+        return KeptPath(phonePath, [&](const std::string& path) {
+            const std::string name = path.substr(folder_.size() + 1);
+            return !taken_.contains(CaseKey(name)) && phone_.find(path).entry == PhoneEntry::kNothing &&
+                   taken_.insert(CaseKey(name)).second;
+        });
     }
 
 private:
@@ -133,6 +143,7 @@ private:
         } else if (folder.entries.empty()) {
             plan.action = PimFileAction::kRemove;
             plan.phonePath = recordedPlace(plan).value_or(std::string());
+            keepChanges(plan);
         } else {
             planFile(folder, plan);
         }
@@ -198,10 +209,28 @@ private:
         const bool holdsIt = there.entry == PhoneEntry::kFile && there.size == plan.text.size() &&
                              phone_.holds(plan.phonePath, plan.text);
         plan.action = holdsIt ? PimFileAction::kRecord : PimFileAction::kWrite;
+        if (!holdsIt) {
+            keepChanges(plan);
+        }
         if (!isChanged && !holdsIt) {
             std::swap(plan.updated, plan.unchanged);
         }
         recordPlace(folder, !isAsRecorded || plan.added + plan.updated == 0, plan);
+    }
+
+    // A file that the last run was about to write may be the client's, whatever its time.
+    void keepChanges(PimPhonePlan& plan)
+    {
+        if (plan.phonePath.empty() || input_.owned.contains(plan.phonePath)) {
+            return;
+        }
+        std::optional<LocalTime> recorded;
+        for (const PimLogRow& row : plan.oldRows) {
+            recorded = std::max(recorded, row.phoneTime);
+        }
+        if (input_.changes.isChanged(plan.phonePath, phone_.find(plan.phonePath), recorded, nullptr)) {
+            plan.keepAs = names_.allocateBeside(plan.phonePath);
+        }
     }
 
     [[nodiscard]] static bool isSameTime(const PhoneFile& there, const std::vector<PimLogRow>& rows)

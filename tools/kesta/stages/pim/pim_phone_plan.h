@@ -12,6 +12,7 @@
 #include "phone/phone_view.h"
 #include "stages/pim/pim_store_plan.h"
 #include "sync/deletion_guard.h"
+#include "sync/phone_changes.h"
 
 namespace kesta {
 
@@ -22,6 +23,7 @@ struct PimPhoneInput {
     const std::vector<PimLogRow>& log;   // all of the kind
     const std::set<std::string>& owned;  // places that the last run, which was cut short, was about to write
     DeletionGuard& guard;
+    PhoneChanges& changes;
 };
 
 enum class PimFileAction {
@@ -36,6 +38,7 @@ struct PimPhonePlan {
     std::string sourcePath;  // on the PC
     std::string phonePath;   // empty for a file to be removed that is not there
     std::string text;        // to be written
+    std::string keepAs;      // for a file that somebody has changed on the phone
     size_t added = 0, updated = 0, removed = 0, unchanged = 0;
     size_t deferred = 0;          // removals for which the whole file is left as it is
     bool waitsForSource = false;  // it is left as it is because the file of the PC is not known to be complete

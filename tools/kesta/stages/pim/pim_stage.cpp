@@ -155,8 +155,10 @@ void PimStage::prepare(PimKind kind, Session& session)
         session.report.fail(refusal.path, refusal.reason);
     }
     static const std::set<std::string> kNone;
+    PhoneChanges changes = ChangesOf(session);
     work.phone = PlanPimPhone(
-        {kind, work.sources, work.store, work.log, journal_ ? journal_->places : kNone, session.guard}, session.phone);
+        {kind, work.sources, work.store, work.log, journal_ ? journal_->places : kNone, session.guard, changes},
+        session.phone);
     for (const PimStorePlan& folder : work.store.folders) {
         tally.deferred += folder.deferred.size();
     }
@@ -353,6 +355,7 @@ void PimStage::addFileChanges(PimWork& work, Tally& tally, Plan& plan)
             continue;
         }
         change.phonePath = file.phonePath;
+        change.keepAs = file.keepAs;
         change.subject = file.phonePath.empty() ? file.sourcePath : file.phonePath;
         change.entries = [contents, &file] { return EntriesOf(*contents, file); };
         switch (file.action) {

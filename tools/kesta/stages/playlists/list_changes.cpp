@@ -88,13 +88,12 @@ std::string ListChanges::pathOf(const ListMember& member) const
 
 void ListChanges::findWork()
 {
-    PhonePaths paths(std::string(kPlaylistFolder), phone_);
     std::map<std::string, std::string> pathOfList;
     const auto& leaving = state_.plan.leaving;
     for (const RecordedPlaylist& list : state_.recorded) {
         const std::string path = PhonePathOfList(list);
         const bool leaves = std::find(leaving.begin(), leaving.end(), &list) != leaving.end();
-        if (path.empty() || leaves || !paths.reserve(path)) {
+        if (path.empty() || leaves || !paths_.reserve(path)) {
             continue;
         }
         pathOfList.emplace(list.name, path);
@@ -107,7 +106,7 @@ void ListChanges::findWork()
             report_.fail(bring.list->path, "an entry cannot be written to a playlist");
             continue;
         }
-        Work work{&bring, *std::move(contents), {}, false, false};
+        Work work{&bring, *std::move(contents), {}, {}, false, false};
         if (const auto own = pathOfList.find(bring.list->name); own != pathOfList.end()) {
             work.phonePath = own->second;
             if (isOnPhone(work)) {
@@ -116,6 +115,8 @@ void ListChanges::findWork()
             }
             if (phone_.find(work.phonePath).entry == PhoneEntry::kOther) {
                 work.phonePath.clear();
+            } else {
+                work.keepAs = keptPathOf(work.phonePath);
             }
         }
         if (work.phonePath.empty()) {
@@ -123,7 +124,7 @@ void ListChanges::findWork()
                 return there.entry == PhoneEntry::kFile && there.size == work.contents.text.size() &&
                        phone_.holds(path, work.contents.text);
             };
-            const auto found = paths.allocate({bring.list->name + ".m3u8"}, bring.list->name, isSame);
+            const auto found = paths_.allocate({bring.list->name + ".m3u8"}, bring.list->name, isSame);
             work.phonePath = found.phonePath;
             work.isThere = found.sameFileIsThere;
             work.isNew = true;
@@ -133,6 +134,12 @@ void ListChanges::findWork()
     }
 }
 
+std::string ListChanges::keptPathOf(const std::string& phonePath)
+{
+    const bool isChanged = changes_.isChanged(phonePath, phone_.find(phonePath));
+    return isChanged ? paths_.allocateBeside(phonePath) : std::string();
+}
+
 bool ListChanges::isOnPhone(const Work& work) const
 {
     const RecordedPlaylist& record = *work.bring->record;
@@ -140,7 +147,8 @@ bool ListChanges::isOnPhone(const Work& work) const
         return false;
     }
     const PhoneFile there = phone_.find(work.phonePath);
-    return there.entry == PhoneEntry::kFile && there.size == work.contents.text.size();
+    return there.entry == PhoneEntry::kFile && there.size == work.contents.text.size() &&
+           (!changes_.isChanged(work.phonePath, there) || phone_.holds(work.phonePath, work.contents.text));
 }
 
 Change ListChanges::toChange(const Work& work)
@@ -150,6 +158,7 @@ Change ListChanges::toChange(const Work& work)
     Change change;
     change.kind = work.isThere ? ChangeKind::kAdopt : work.isNew ? ChangeKind::kPut : ChangeKind::kReplace;
     change.phonePath = work.phonePath;
+    change.keepAs = work.keepAs;
     change.subject = list.path;
     change.text = work.contents.text;
     change.size = change.text.size();
@@ -178,6 +187,7 @@ void ListChanges::addRemoval(const RecordedPlaylist& list)
         const std::string path = PhonePathOfList(list);
         if (!path.empty() && !pathsInUse_.contains(CaseKey(path))) {
             change.phonePath = path;
+            change.keepAs = keptPathOf(path);
         }
         change.shown = path;
     }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "phone/phone_layout.h"
 #include "phone/phone_paths.h"
 #include "phone/phone_view.h"
 #include "report/report.h"
@@ -16,8 +17,13 @@ namespace kesta {
 
 class ListChanges {
 public:
-    ListChanges(PlaylistRun& state, const Phone& phone, Report& report, Plan& plan)
-        : state_(state), phone_(phone), report_(report), plan_(plan)
+    ListChanges(PlaylistRun& state, Session& session, Plan& plan)
+        : state_(state),
+          phone_(session.phone),
+          changes_(ChangesOf(session)),
+          report_(session.report),
+          plan_(plan),
+          paths_(std::string(kPlaylistFolder), session.phone)
     {
     }
 
@@ -30,6 +36,7 @@ private:
         const ListToBring* bring = nullptr;
         ListText contents;
         std::string phonePath;
+        std::string keepAs;
         bool isNew = false;    // the phone path is not recorded yet
         bool isThere = false;  // the very same list lies there already
     };
@@ -37,6 +44,8 @@ private:
     void findWork();
     void addRemoval(const RecordedPlaylist& list);
     void addForgetting(const RecordedPlaylist& list);
+    /// For a list that somebody has changed on the phone; empty for any other one.
+    [[nodiscard]] std::string keptPathOf(const std::string& phonePath);
     [[nodiscard]] Change toChange(const Work& work);
     [[nodiscard]] bool isOnPhone(const Work& work) const;
     /// Where the member lies on the phone now; empty when it does not.
@@ -45,8 +54,10 @@ private:
 
     PlaylistRun& state_;
     const Phone& phone_;
+    PhoneChanges changes_;
     Report& report_;
     Plan& plan_;
+    PhonePaths paths_;
     std::vector<Work> work_;
     std::set<std::string> pathsInUse_;  // case keys
 };

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "os/files.h"
+#include "os/local_time.h"
 #include "phone/names.h"
 #include "phone/phone_layout.h"
 #include "phone/phone_paths.h"
@@ -167,12 +169,24 @@ private:
         plan_.files.recorded = input_.files.size();
     }
 
+    // The file of the PC mostly is still there: it is only in no list any more.
+    [[nodiscard]] bool isChangedOnPhone(const RecordedFile& file) const
+    {
+        os::FileInfo info;
+        const bool isOnPc = os::ReadInfo(file.path, info).ok() && info.kind == os::FileKind::kFile;
+        const PcFile pc{file.path, info.size, info.modified.seconds, os::ToLocalTime(info.modified.seconds)};
+        return input_.changes.isChanged(file.phonePath, phone_.find(file.phonePath), file.modified,
+                                        isOnPc ? &pc : nullptr);
+    }
+
     void planRemoval(const RecordedFile& file)
     {
-        FileChange action{ChangeKind::kRemove, Category::kMusic, file, 0};
+        FileChange action{ChangeKind::kRemove, Category::kMusic, file, 0, {}};
         // In any other place lies what somebody else has put there, or a member that stays.
         if (!IsPhonePath(file.phonePath, kPlaylistMediaFolder) || places_.isReserved(file.phonePath)) {
             action.file.phonePath.clear();
+        } else if (isChangedOnPhone(file)) {
+            action.keepAs = places_.allocateBeside(file.phonePath);
         }
         if (carried_.contains(file.path)) {
             return plan_.superseded.removals.push_back(std::move(action));
@@ -203,8 +217,9 @@ private:
             return places_.allocate({os::NameOf(os::ParentOf(member.path)), os::NameOf(member.path)}, member.path,
                                     isSame);
         };
-        auto change = CompareFile({member.path, member.size, member.localTime, record, there}, Category::kMusic,
-                                  need.owner, allocate);
+        auto change =
+            CompareFile({{member.path, member.size, member.modified.seconds, member.localTime}, record, there},
+                        Category::kMusic, need.owner, input_.changes, places_, allocate);
         if (!change) {
             ++plan_.files.unchanged;
             return;

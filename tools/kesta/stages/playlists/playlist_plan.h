@@ -22,6 +22,7 @@ struct PlaylistPlanInput {
     const std::vector<RecordedFile>& files;                          // that were copied for playlists
     const MediaPhonePaths& media;
     DeletionGuard& guard;
+    PhoneChanges& changes;
 };
 
 /// A list that is to be on the phone as the PC has it.

@@ -51,8 +51,10 @@ Plan PlaylistFileStage::plan(Session& session)
     }
     state_.media = media_;
     takeInFilesOfThePhone(session.folder);
+    PhoneChanges changes = ChangesOf(session);
     state_.plan = PlanPlaylists(
-        {state_.pc.lists, state_.recorded, state_.members, state_.files, state_.media, session.guard}, session.phone);
+        {state_.pc.lists, state_.recorded, state_.members, state_.files, state_.media, session.guard, changes},
+        session.phone);
     for (const RecordedPlaylist* list : state_.plan.notSelected) {
         session.report.note(fmt::format("the playlist {} is not selected for this phone in the database: skipped.",
                                         Printable(list->name)));
@@ -209,7 +211,7 @@ Plan PlaylistStage::plan(Session& session)
         return plan;
     }
     plan.found.deferred = state_.plan.deferred;
-    ListChanges(state_, session.phone, session.report, plan).add();
+    ListChanges(state_, session, plan).add();
     // Music that media sync carries by now goes when no list on the phone names it any more.
     for (const FileChange& removal : state_.plan.superseded.removals) {
         Change change = ToChange(removal, state_.fileRecords);

@@ -1,0 +1,146 @@
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <map>
+#include <memory>
+
+#include "base/text.h"
+#include "commands/command.h"
+#include "commands/phone_access.h"
+#include "phone/trash.h"
+#include "phone/unique_name.h"
+#include "report/output.h"
+#include "report/summary.h"
+#include "report/table.h"
+
+namespace kesta {
+namespace {
+
+struct RestoreOptions {
+    std::string phone;
+    std::vector<std::string> paths;  // on the phone
+    std::optional<std::string> day;
+    bool all = false;
+    bool dryRun = false;
+};
+
+bool IsWanted(const TrashedFile& file, const RestoreOptions& options)
+{
+    if (options.day && file.day != *options.day) {
+        return false;
+    }
+    return options.all || std::any_of(options.paths.begin(), options.paths.end(), [&](std::string path) {
+               std::replace(path.begin(), path.end(), os::kSeparator, '/');
+               while (path.ends_with('/')) {
+                   path.pop_back();
+               }
+               return file.phonePath == path || file.phonePath.starts_with(path + '/');
+           });
+}
+
+void List(const std::vector<TrashedFile>& files)
+{
+    if (files.empty()) {
+        Print("The trash of this phone is empty.\n");
+        return;
+    }
+    Table table({"Day", ">Size", "Path"});
+    uint64_t bytes = 0;
+    for (const TrashedFile& file : files) {
+        table.add({file.day, FormatSize(file.size), file.phonePath});
+        bytes += file.size;
+    }
+    Print(table.text(""));
+    Print(fmt::format("{}, {}. They stay for {} days, or until the room is needed.\n", Counted(files.size(), "file"),
+                      FormatSize(bytes), kTrashDays));
+}
+
+// Its own place, or one beside it where something else lies by now.
+std::string PlaceFor(const TrashedFile& file, const PhoneFolder& phone)
+{
+    const auto slash = file.phonePath.rfind('/') + 1;  // 0 without one
+    const std::string folder = file.phonePath.substr(0, slash);
+    return folder + UniqueName(file.phonePath.substr(slash), file.trashPath, [&](const std::string& name) {
+               return phone.find(folder + name).entry == PhoneEntry::kNothing;
+           });
+}
+
+ExitCode Run(const RestoreOptions& options)
+{
+    PhoneFolder phone = OpenPhone(options.phone);
+    const Trash trash(phone);
+    const std::vector<TrashedFile> files = trash.files();
+    if (options.paths.empty() && !options.all && !options.day) {
+        List(files);
+        return ExitCode::kSuccess;
+    }
+    os::DirectoryLock lock;
+    if (!options.dryRun) {
+        LockPhone(lock, phone);
+    }
+    // The latest of each: they come oldest first.
+    std::map<std::string, TrashedFile> latest;
+    for (const TrashedFile& file : files) {
+        const bool isWholeDay = options.day && options.paths.empty();
+        if (isWholeDay ? file.day == *options.day : IsWanted(file, options)) {
+            latest[file.phonePath] = file;
+        }
+    }
+    if (latest.empty()) {
+        throw StopRun(ExitCode::kFailure, "nothing of that is in the phone's trash");
+    }
+    size_t failed = 0;
+    for (const auto& [path, file] : latest) {
+        const std::string place = PlaceFor(file, phone);
+        if (options.dryRun) {
+            Print(fmt::format("{:<9} {}\n", "restore", Printable(place)));
+            continue;
+        }
+        os::Status status = phone.move(file.trashPath, place);
+        if (status.ok()) {
+            status = phone.tidyAbove(file.trashPath);
+        }
+        Print(status.ok() ? fmt::format("{:<9} {}\n", "restored", Printable(place))
+                          : fmt::format("{:<9} {}: {}\n", "failed", Printable(path), Printable(status.text())));
+        failed += status.ok() ? 0u : 1u;
+    }
+    return failed > 0 ? ExitCode::kIncomplete : ExitCode::kSuccess;
+}
+
+constexpr const char* kRestoreExamples =
+    "Examples:\n"
+    "  kesta restore --phone /media/me/phone                          what is in the trash\n"
+    "  kesta restore --phone /media/me/phone Music/Rock/song.mp3\n"
+    "  kesta restore --phone /media/me/phone Music/Rock --dry-run\n"
+    "  kesta restore --phone /media/me/phone --day 2026-01-31\n"
+    "\n"
+    "What a sync removes or replaces on the phone goes to the phone's trash and stays there for 30 days, or until the\n"
+    "room is needed. What comes back is yours: a sync neither overwrites nor removes it.\n"
+    "\n";
+
+std::function<ExitCode()> Prepare(CLI::App& app)
+{
+    const auto options = std::make_shared<RestoreOptions>();
+    app.add_option("--phone", options->phone, "the mounted folder of the phone")
+        ->required()
+        ->type_name("DIR")
+        ->check([](const std::string& path) { return EmptyPathProblem(path); });
+    app.add_option("path", options->paths, "files and folders of the phone to bring back; the latest of each")
+        ->type_name("PATH...")
+        ->check([](const std::string& path) { return EmptyPathProblem(path); });
+    app.add_option("--day", options->day, "only what went there on that day, as it is listed")->type_name("DAY");
+    app.add_flag("--all", options->all, "bring back all there is");
+    app.add_flag("--dry-run", options->dryRun, "only say what would be brought back");
+    app.footer(std::string(kRestoreExamples) + kExitCodeHelp);
+    return [options] { return Run(*options); };
+}
+
+}  // namespace
+
+Command RestoreCommand()
+{
+    return {"restore", "list and bring back what syncs have removed or replaced on a phone", Prepare};
+}
+
+}  // namespace kesta
