@@ -10,8 +10,8 @@ namespace kesta::test {
 class CallRecorder {
 public:
     /// From here on what happens is noted: "lock", "unlock", "close", a statement to the character, or a line of the
-    /// trace with its prefix "DB TRACE >> ". A statement that is run again without being compiled is noted too; one that
-    /// stays compiled with the values bound to it.
+    /// trace with its prefix "DB TRACE >> ". A statement that is run again without being compiled is noted too; one
+    /// that stays compiled with the values bound to it.
     static void start();
     static std::vector<std::string> stop();
 
