@@ -33,7 +33,7 @@ int Report(kesta::ExitCode code, const std::exception& failure)
     return static_cast<int>(code);
 }
 
-// The command that the arguments name, with its options; none when help or a mistake has been printed.
+// The command that the arguments name, with its options; none if help or a mistake has been printed.
 std::function<kesta::ExitCode()> Parse(std::vector<std::string> arguments, kesta::ExitCode& exitCode)
 {
     CLI::App app("Brings a phone up to date with the PC and records what is on it.", "kesta");

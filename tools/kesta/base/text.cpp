@@ -14,7 +14,7 @@ bool IsSurrogate(char32_t character)
     return character >= 0xD800 && character <= 0xDFFF;
 }
 
-// Whether a terminal would act on the character instead of showing it: C0, C1, and the marks that reorder text.
+// Whether a terminal would act on the character instead of showing it: C0, C1, and what reorders text.
 bool IsControl(char32_t c)
 {
     return c < 0x20 || (c >= 0x7F && c <= 0x9F) || c == 0x200E || c == 0x200F || (c >= 0x2028 && c <= 0x202E) ||

@@ -139,20 +139,22 @@ Listing ListPlaylists(Database& database, const FilesOptions& options)
 Listing ListBookmarks(Database& database, const FilesOptions& options)
 {
     const auto phone = database.phone(options.imei);
-    const std::vector<RecordedBookmark> marks = BookmarkRecords(database, options.imei).bookmarks();
+    const std::vector<RecordedBookmark> bookmarks = BookmarkRecords(database, options.imei).bookmarks();
     Listing listing;
     listing.json["type"] = phone ? phone->bookmarkType : 0;
     listing.json["bookmarks"] = Json::array();
     Table table({"Title", "URL"});
-    for (const RecordedBookmark& mark : marks) {
-        listing.json["bookmarks"].push_back(
-            {{"title", mark.title}, {"url", mark.url}, {"id_on_phone", mark.idOnPhone}, {"flag", mark.flag}});
-        table.add({mark.title, mark.url});
+    for (const RecordedBookmark& bookmark : bookmarks) {
+        listing.json["bookmarks"].push_back({{"title", bookmark.title},
+                                             {"url", bookmark.url},
+                                             {"id_on_phone", bookmark.idOnPhone},
+                                             {"flag", bookmark.flag}});
+        table.add({bookmark.title, bookmark.url});
     }
-    if (!marks.empty()) {
+    if (!bookmarks.empty()) {
         listing.text = table.text("");
     }
-    listing.text += EndOf(marks.size(), "bookmark");
+    listing.text += EndOf(bookmarks.size(), "bookmark");
     return listing;
 }
 

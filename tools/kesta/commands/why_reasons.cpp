@@ -96,8 +96,8 @@ private:
             files.begin(), files.end(), [&](const RecordedFile& file) { return os::LiesIn(file.path, entry_.path); }));
     }
 
-    // Why a sync passes the folder over; true when it does.
-    bool explainPassedOver(Category category, const RecordedFolder& folder)
+    // Why a sync skips the folder; true if it does.
+    bool explainSkipped(Category category, const RecordedFolder& folder)
     {
         const MainFolder mainFolder = MainFolderOf(category);
         if (!MainFolderRecords(database_).isSelected(imei_, mainFolder)) {
@@ -123,10 +123,9 @@ private:
             return;
         }
         say("folder_marked_deleted",
-            fmt::format(
-                "The folder {} is marked in {} as gone from the PC. A sync that is given it again takes the mark "
-                "back.",
-                folder.path, KeyOf(category)));
+            fmt::format("The folder {} is recorded in {} as gone from the PC. A sync that is given it again takes that "
+                        "back.",
+                        folder.path, KeyOf(category)));
     }
 
     void explainRecorded(Category category, const RecordedFile& file, const std::vector<RecordedFolder>& folders)
@@ -142,7 +141,7 @@ private:
             return;
         }
         explainDeleted(category, *folder);
-        (void)explainPassedOver(category, *folder);
+        (void)explainSkipped(category, *folder);
     }
 
     // The file now against its record. who: names the sync that does something about a difference.
@@ -169,7 +168,7 @@ private:
     void explainNotCopied(Category category, const RecordedFolder& folder)
     {
         explainDeleted(category, folder);
-        if (explainPassedOver(category, folder)) {
+        if (explainSkipped(category, folder)) {
             return;
         }
         switch (entry_.kind) {
@@ -200,7 +199,7 @@ private:
                         Counted(static_cast<size_t>(std::max(folder.count, 0)), "file"), own));
         sayMissing();
         explainDeleted(category, folder);
-        (void)explainPassedOver(category, folder);
+        (void)explainSkipped(category, folder);
     }
 
     // A folder around which, or below which, there are folders of the category.
@@ -213,7 +212,7 @@ private:
                                               around->path, KeyOf(category), Counted(below, "file")));
             sayMissing();
             explainDeleted(category, *around);
-            (void)explainPassedOver(category, *around);
+            (void)explainSkipped(category, *around);
             return;
         }
         for (const RecordedFolder& folder : folders) {

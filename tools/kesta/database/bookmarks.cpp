@@ -8,14 +8,14 @@ namespace {
 using calls::Text;
 
 struct BookmarkArguments {
-    explicit BookmarkArguments(const RecordedBookmark& mark)
-        : title(Text(mark.title)), url(Text(mark.url)), idOnPhone(Text(mark.idOnPhone))
+    explicit BookmarkArguments(const RecordedBookmark& bookmark)
+        : title(Text(bookmark.title)), url(Text(bookmark.url)), idOnPhone(Text(bookmark.idOnPhone))
     {
         record.Title = title.data();
         record.Path = url.data();
         record.PhoneMID = idOnPhone.data();
-        record.Id = mark.id;
-        record.Flag = mark.flag;
+        record.Id = bookmark.id;
+        record.Flag = bookmark.flag;
     }
     BookmarkArguments(const BookmarkArguments&) = delete;
     BookmarkArguments& operator=(const BookmarkArguments&) = delete;
@@ -43,15 +43,15 @@ std::vector<RecordedBookmark> BookmarkRecords::bookmarks()
     return bookmarks;
 }
 
-Result BookmarkRecords::add(const RecordedBookmark& mark)
+Result BookmarkRecords::add(const RecordedBookmark& bookmark)
 {
-    const BookmarkArguments arguments(mark);
+    const BookmarkArguments arguments(bookmark);
     return DB_BOOKMARK_SetAddedMark(Text(imei_).c_str(), &arguments.record);
 }
 
-Result BookmarkRecords::update(const RecordedBookmark& mark)
+Result BookmarkRecords::update(const RecordedBookmark& bookmark)
 {
-    const BookmarkArguments arguments(mark);
+    const BookmarkArguments arguments(bookmark);
     return DB_BOOKMARK_SetUpdatedMark(Text(imei_).c_str(), &arguments.record);
 }
 

@@ -24,9 +24,9 @@ public:
 
     [[nodiscard]] std::vector<RecordedBookmark> bookmarks();
     /// The phone must be known, here and below.
-    Result add(const RecordedBookmark& mark);
+    Result add(const RecordedBookmark& bookmark);
     /// The title, the id on the phone and the flag.
-    Result update(const RecordedBookmark& mark);
+    Result update(const RecordedBookmark& bookmark);
     Result remove(const std::string& url);
 
 private:

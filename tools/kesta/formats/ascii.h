@@ -66,13 +66,13 @@ namespace kesta::formats {
     return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
 }
 
-/// Puts the byte in the place of each mark and the two hexadecimal digits that follow it. A mark without them stands
-/// for itself.
-[[nodiscard]] inline std::string HexDecoded(std::string_view text, char mark)
+/// Puts the byte in the place of each prefix and the two hexadecimal digits that follow it. A prefix without them
+/// stands for itself.
+[[nodiscard]] inline std::string HexDecoded(std::string_view text, char prefix)
 {
     std::string bytes;
     for (size_t i = 0; i < text.size(); ++i) {
-        const int high = text[i] == mark && i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
+        const int high = text[i] == prefix && i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
         const int low = high >= 0 ? HexValue(text[i + 2]) : -1;
         if (low < 0) {
             bytes += text[i];

@@ -14,22 +14,22 @@ namespace {
 template <class Enter, class Leave, class Text>
 void Walk(const GumboNode& root, Enter&& enter, Leave&& leave, Text&& text)
 {
-    struct Place {
+    struct Position {
         const GumboNode* node;
         unsigned next;
     };
-    std::vector<Place> path;
+    std::vector<Position> path;
     enter(root);
     path.push_back({&root, 0});
     while (!path.empty()) {
-        Place& place = path.back();
-        const GumboVector& children = place.node->v.element.children;
-        if (place.next == children.length) {
-            leave(*place.node);
+        Position& position = path.back();
+        const GumboVector& children = position.node->v.element.children;
+        if (position.next == children.length) {
+            leave(*position.node);
             path.pop_back();
             continue;
         }
-        const auto& child = *static_cast<const GumboNode*>(children.data[place.next++]);
+        const auto& child = *static_cast<const GumboNode*>(children.data[position.next++]);
         if (child.type == GUMBO_NODE_ELEMENT || child.type == GUMBO_NODE_TEMPLATE) {
             enter(child);
             path.push_back({&child, 0});

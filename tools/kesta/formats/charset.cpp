@@ -74,7 +74,7 @@ std::string Normalized(std::string_view charset)
     return name.starts_with("CP125") ? "WINDOWS" + name.substr(2) : name;
 }
 
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf8ByteOrderMark = "\xEF\xBB\xBF";
 
 std::string FromUtf16(std::string_view bytes, bool bigEndian)
 {
@@ -158,8 +158,8 @@ std::string WithoutByteOrderMark(std::string_view file)
     if (file.starts_with("\xFE\xFF")) {
         return FromUtf16(file.substr(2), true);
     }
-    if (file.starts_with(kUtf8Mark)) {
-        file.remove_prefix(kUtf8Mark.size());
+    if (file.starts_with(kUtf8ByteOrderMark)) {
+        file.remove_prefix(kUtf8ByteOrderMark.size());
     }
     return std::string(file);
 }

@@ -8,7 +8,7 @@ namespace kesta::formats {
 
 [[nodiscard]] bool IsUtf8(std::string_view bytes);
 
-/// Windows-1252, which is what Latin-1 means in practice: the bytes 80 to 9F hold letters and marks, too.
+/// Windows-1252, which is what Latin-1 means in practice: the bytes 80 to 9F hold letters and punctuation, too.
 [[nodiscard]] std::string FromLatin1(std::string_view bytes);
 
 /// The text as UTF-8 if it is valid UTF-8, else from Latin-1.
@@ -18,7 +18,8 @@ namespace kesta::formats {
 /// go by validity.
 [[nodiscard]] std::string FromNamedCharset(std::string_view bytes, std::string_view charset);
 
-/// A whole file: UTF-16 with a byte order mark is converted, UTF-8's mark is dropped, all else is left as it is.
+/// A whole file: UTF-16 with a byte order mark is converted, UTF-8's byte order mark is dropped, all else is left as it
+/// is.
 [[nodiscard]] std::string WithoutByteOrderMark(std::string_view file);
 
 }  // namespace kesta::formats

@@ -81,12 +81,12 @@ private:
         if (size > left_) {
             throw std::bad_alloc();
         }
-        void* place = std::malloc(sizeof(Block) + size);
-        if (!place) {
+        void* memory = std::malloc(sizeof(Block) + size);
+        if (!memory) {
             throw std::bad_alloc();
         }
         left_ -= size;
-        Block* block = new (place) Block{first_.previous, &first_, size};
+        Block* block = new (memory) Block{first_.previous, &first_, size};
         block->previous->next = block;
         first_.previous = block;
         return block + 1;

@@ -136,7 +136,7 @@ Calendars ParseCalendars(std::string_view file)
     RawCalendars raw = ReadCalendars(text);
 
     std::vector<Series> all;
-    std::map<std::pair<std::string, std::string>, size_t> places;  // by calendar name and UID
+    std::map<std::pair<std::string, std::string>, size_t> indexes;  // by calendar name and UID
     std::set<std::string> names;
     Calendars result;
     for (const RawCalendar& calendar : raw.calendars) {
@@ -146,15 +146,15 @@ Calendars ParseCalendars(std::string_view file)
         const TimeZones zones = TimeZonesOf(calendar);
         for (const Component& part : calendar.entries) {
             // Without a UID nothing says what belongs together.
-            const bool known = !part.uid.empty() && places.contains({calendar.name, part.uid});
-            const size_t place = known ? places[{calendar.name, part.uid}] : all.size();
+            const bool known = !part.uid.empty() && indexes.contains({calendar.name, part.uid});
+            const size_t index = known ? indexes[{calendar.name, part.uid}] : all.size();
             if (!known) {
                 all.push_back({&calendar, {}, {}, {}, {}});
                 if (!part.uid.empty()) {
-                    places[{calendar.name, part.uid}] = place;
+                    indexes[{calendar.name, part.uid}] = index;
                 }
             }
-            AddPart(all[place], zones, part);
+            AddPart(all[index], zones, part);
         }
     }
     EntryUids uids;

@@ -55,15 +55,15 @@ enum class PlaylistEncoding {
 [[nodiscard]] Playlist ParsePlaylist(std::string_view file, PlaylistEncoding encoding);
 
 /// One line's location. Backslashes separate where a drive or a server shows that the path comes from Windows, and
-/// where there is no slash beside them. Nothing when the line cannot be a location.
+/// where there is no slash beside them. std::nullopt if the line cannot be a location.
 [[nodiscard]] std::optional<Location> ParseLocation(std::string_view line);
 
 /// The path to open for an entry: relative ones behind the folder, all others as they are. Nothing for a URL.
 [[nodiscard]] std::optional<std::string> PathOf(const Location& location, std::string_view folder);
 
 /// UTF-8 without a byte order mark, with #EXTM3U and #EXTINF, one line feed a line; what ParsePlaylist reads back to
-/// the same entries. Nothing when a location holds a line break or a zero or is not UTF-8. Line breaks in titles become
-/// blanks.
+/// the same entries. std::nullopt if a location holds a line break or a zero or is not UTF-8. Line breaks in titles
+/// become blanks.
 [[nodiscard]] std::optional<std::string> WritePlaylist(std::string_view title, std::span<const PlaylistEntry> entries);
 
 }  // namespace kesta::formats

@@ -29,7 +29,7 @@ std::string DataDirectory();
 /// Creates the folder and those above it, for this user alone.
 bool MakePrivateDirectories(const std::string& path);
 
-/// From here on Ctrl-C and a request to end only set the mark that Interrupted() reads.
+/// From here on Ctrl-C and a request to end only set the flag that Interrupted() reads.
 void CatchInterrupts();
 bool Interrupted();
 

@@ -1,4 +1,4 @@
-// Copies one file so that its place holds either what it held before or the whole new file, whenever the run dies.
+// Copies one file so that its path holds either what it held before or the whole new file, whenever the run dies.
 #pragma once
 
 #include <functional>

@@ -15,7 +15,7 @@ struct Marker {
     std::string name;
 };
 
-/// Sets marker to nothing when the phone has none. Fails when there is one that cannot be read or understood.
+/// The marker is std::nullopt if the phone has none. Fails when there is one that cannot be read or understood.
 os::Status ReadMarker(const PhoneFolder& phone, std::optional<Marker>& marker);
 os::Status WriteMarker(const PhoneFolder& phone, const Marker& marker);
 

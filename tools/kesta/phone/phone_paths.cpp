@@ -75,29 +75,29 @@ bool PhonePaths::takeFolder(const std::string& path)
     return !files_.contains(key) && !fileIsThere && folders_.insert(key).second;
 }
 
-PhonePaths::Place PhonePaths::allocate(const std::vector<std::string>& parts, const std::string& seed,
-                                       const IsSame& isSame)
+PhonePaths::Allocated PhonePaths::allocate(const std::vector<std::string>& parts, const std::string& seed,
+                                           const IsSame& isSame)
 {
     std::string directory = top_;
     for (size_t i = 0; i + 1 < parts.size(); ++i) {
         directory = allocateFolder(directory, SafeName(parts[i]));
     }
-    Place place;
+    Allocated found;
     (void)UniqueName(SafeName(parts.back()), seed, [&](const std::string& name) {
-        place.phonePath = directory + '/' + name;
-        const std::string key = CaseKey(place.phonePath);
+        found.phonePath = directory + '/' + name;
+        const std::string key = CaseKey(found.phonePath);
         if (files_.contains(key) || folders_.contains(key)) {
             return false;
         }
-        const PhoneFile there = isFreed(key) ? PhoneFile{} : phone_.find(place.phonePath);
-        if (there.entry != PhoneEntry::kNothing && !isSame(place.phonePath, there)) {
+        const PhoneFile there = isFreed(key) ? PhoneFile{} : phone_.find(found.phonePath);
+        if (there.entry != PhoneEntry::kNothing && !isSame(found.phonePath, there)) {
             return false;
         }
         files_.insert(key);
-        place.sameFileIsThere = there.entry == PhoneEntry::kFile;
+        found.sameFileIsThere = there.entry == PhoneEntry::kFile;
         return true;
     });
-    return place;
+    return found;
 }
 
 std::string PhonePaths::allocateBeside(const std::string& phonePath)

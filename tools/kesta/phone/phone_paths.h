@@ -1,5 +1,5 @@
-// Gives every file its place on the phone, so that no two files meet in one place, not even where case is ignored, and
-// nothing that somebody else put on the phone is overwritten.
+// Gives every file its phone path, so that no two files have one, not even where case is ignored, and nothing that
+// somebody else put on the phone is overwritten.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace kesta {
 
-/// The places of one folder of the phone.
+/// The paths below one folder of the phone.
 class PhonePaths {
 public:
     PhonePaths(std::string top, const PhoneView& phone) : top_(std::move(top)), phone_(phone) {}
@@ -23,7 +23,7 @@ public:
     void release(const std::string& phonePath);
     [[nodiscard]] bool isReserved(const std::string& phonePath) const;
 
-    struct Place {
+    struct Allocated {
         std::string phonePath;
         bool sameFileIsThere = false;
     };
@@ -31,9 +31,10 @@ public:
     [[nodiscard]] std::string allocateBeside(const std::string& phonePath);
 
     using IsSame = std::function<bool(const std::string& phonePath, const PhoneFile& there)>;
-    /// A place below the top folder for a file that has none yet, by the same rule in every run. The parts are the
+    /// A path below the top folder for a file that has none yet, by the same rule in every run. The parts are the
     /// names of its folders and its own; they are made safe. Of files with one name the seed tells them apart.
-    [[nodiscard]] Place allocate(const std::vector<std::string>& parts, const std::string& seed, const IsSame& isSame);
+    [[nodiscard]] Allocated allocate(const std::vector<std::string>& parts, const std::string& seed,
+                                     const IsSame& isSame);
 
 private:
     [[nodiscard]] std::string allocateFolder(const std::string& parent, const std::string& name);

@@ -17,7 +17,7 @@ struct LastRun {
 };
 
 os::Status SaveLastRun(const std::string& imei, const LastRun& run);
-/// std::nullopt if there is no note, or none about the run that ended at this time.
+/// std::nullopt if there is no state file, or none about the run that ended at this time.
 [[nodiscard]] std::optional<LastRun> LoadLastRun(const std::string& imei, LocalTime time);
 
 }  // namespace kesta

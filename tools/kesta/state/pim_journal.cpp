@@ -37,7 +37,7 @@ std::vector<PimLogRow> RowsFrom(const json& values)
 
 os::Status WritePimJournal(const std::string& imei, const PimJournal& journal)
 {
-    nlohmann::ordered_json state{{"places", journal.places}};
+    nlohmann::ordered_json state{{"places", journal.paths}};
     for (const PimKind kind : kPimKinds) {
         if (!journal.rowsOf(kind)) {
             continue;
@@ -59,7 +59,7 @@ os::Status ReadPimJournal(const std::string& imei, std::optional<PimJournal>& jo
     }
     try {
         PimJournal found;
-        found.places = state.at("places").get<std::set<std::string>>();
+        found.paths = state.at("places").get<std::set<std::string>>();
         for (const PimKind kind : kPimKinds) {
             if (const auto rows = state.find(KeyOf(kind)); rows != state.end()) {
                 found.rowsOf(kind) = RowsFrom(*rows);

@@ -40,13 +40,13 @@ DeletionGuard::DeletionGuard(const std::string& imei, bool force) : imei_(imei),
     }
 }
 
-bool DeletionGuard::defers(const std::string& what, size_t leaving, size_t recorded)
+bool DeletionGuard::defers(const std::string& what, size_t removals, size_t recorded)
 {
     const auto before = recordedBefore_.find(what);
     if (before != recordedBefore_.end()) {
         recorded = std::min(recorded, before->second);
     }
-    const bool areTooMany = leaving * 2 > recorded && !force_;
+    const bool areTooMany = removals * 2 > recorded && !force_;
     if (areTooMany && before == recordedBefore_.end()) {
         recordedBefore_.emplace(what, recorded);
         hasChanged_ = true;

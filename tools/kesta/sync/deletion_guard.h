@@ -19,9 +19,9 @@ public:
 
     /// Whether so many removals wait. While some do, what has been added since does not count as recorded: otherwise
     /// the next run would find them to be less than half.
-    [[nodiscard]] bool defers(const std::string& what, size_t leaving, size_t recorded);
+    [[nodiscard]] bool defers(const std::string& what, size_t removals, size_t recorded);
 
-    /// Notes on the PC what waits, to be called before anything is added.
+    /// Writes the state file that says what waits, to be called before anything is added.
     void save(Report& report);
 
 private:

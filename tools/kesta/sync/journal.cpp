@@ -86,7 +86,7 @@ os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string
             leftovers.temporaryFiles.push_back(path);
         }
     }
-    // A killed run leaves at most one, and none when it was still copying. More mean that these are not the database
+    // A killed run leaves at most one, and none if it was still copying. More mean that these are not the database
     // the files were recorded in, or that the user has put files there: they stay, and planning takes those in that are
     // what the PC has.
     if (leftovers.unknownFiles.size() > 1 || !leftovers.temporaryFiles.empty()) {
@@ -102,13 +102,13 @@ os::Status RemoveLeftovers(PhoneFolder& phone, const Leftovers& leftovers)
             return status;
         }
     }
-    for (const std::string& place : leftovers.unknownFiles) {
-        if (os::Status status = phone.removeFile(place); !status.ok()) {
+    for (const std::string& path : leftovers.unknownFiles) {
+        if (os::Status status = phone.removeFile(path); !status.ok()) {
             return status;
         }
     }
-    for (const std::string& place : leftovers.foldersOf) {
-        if (os::Status status = phone.tidyAbove(place); !status.ok()) {
+    for (const std::string& path : leftovers.foldersOf) {
+        if (os::Status status = phone.tidyAbove(path); !status.ok()) {
             return status;
         }
     }

@@ -1,4 +1,4 @@
-// Says in the phone's root, before the first file is copied, which places on the phone the run is going to fill. A run
+// Says in the phone's root, before the first file is copied, which phone paths the run is going to fill. A run
 // that was killed between a file's arrival and its record leaves one file that nobody knows: the next run finds it
 // here.
 #pragma once

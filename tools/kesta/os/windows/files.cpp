@@ -163,7 +163,7 @@ Status RemoveFile(const std::string& path)
         (attributes & FILE_ATTRIBUTE_READONLY) == 0) {
         return FromErrorCode(code);
     }
-    // The read-only mark came with the file; here it only says that nobody is to change the copy.
+    // The read-only attribute came with the file; here it only says that nobody is to change the copy.
     if (!SetFileAttributesW(native.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY})) {
         return LastError();
     }

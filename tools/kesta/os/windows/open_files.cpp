@@ -61,9 +61,9 @@ Status InputFile::read(std::span<std::byte> buffer, size_t& count)
 
 Status InputFile::seek(uint64_t position)
 {
-    LARGE_INTEGER place;
-    place.QuadPart = static_cast<LONGLONG>(position);
-    return SetFilePointerEx(ToHandle(handle_), place, nullptr, FILE_BEGIN) ? Status() : LastError();
+    LARGE_INTEGER offset;
+    offset.QuadPart = static_cast<LONGLONG>(position);
+    return SetFilePointerEx(ToHandle(handle_), offset, nullptr, FILE_BEGIN) ? Status() : LastError();
 }
 
 OutputFile::~OutputFile()

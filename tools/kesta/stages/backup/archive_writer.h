@@ -16,7 +16,7 @@ class ArchiveWriter {
 public:
     ArchiveWriter(const PhoneContents& contents, const PhoneFolder& phone, std::string archive, Report& report);
 
-    /// False when there is no archive then; the report says why. Throws what ends the run. Either way nothing else
+    /// False if it could not be made; the report says why. Throws what ends the run. Either way nothing else
     /// stays in the archive's folder.
     [[nodiscard]] bool run();
     [[nodiscard]] size_t files() const { return contents_.files.size() - unreadable_.size(); }

@@ -130,8 +130,8 @@ public:
             }
         }
         // Compares the CRC of what was unpacked with the archive's.
-        const bool isSound = mz_zip_entry_close(zip_) == MZ_OK && total == expected.size;
-        return isSound ? os::Status() : damaged(expected.name);
+        const bool isIntact = mz_zip_entry_close(zip_) == MZ_OK && total == expected.size;
+        return isIntact ? os::Status() : damaged(expected.name);
     }
 
     [[nodiscard]] os::Status damaged(const std::string& what) const

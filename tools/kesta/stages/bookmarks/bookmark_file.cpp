@@ -37,7 +37,7 @@ std::string Escaped(std::string_view text)
 
 class Writer {
 public:
-    std::string run(std::span<const FileBookmark> marks) &&
+    std::string run(std::span<const FileBookmark> bookmarks) &&
     {
         text_ =
             "<!DOCTYPE NETSCAPE-Bookmark-file-1>\n"
@@ -46,17 +46,17 @@ public:
             "<TITLE>Bookmarks</TITLE>\n"
             "<H1>Bookmarks</H1>\n"
             "<DL><p>\n";
-        for (const FileBookmark& mark : marks) {
-            enter(mark.folders);
+        for (const FileBookmark& bookmark : bookmarks) {
+            enter(bookmark.folders);
             indent();
-            text_ += fmt::format("<DT><A HREF=\"{}\"", Escaped(mark.url));
-            if (mark.added) {
-                text_ += fmt::format(" ADD_DATE=\"{}\"", *mark.added);
+            text_ += fmt::format("<DT><A HREF=\"{}\"", Escaped(bookmark.url));
+            if (bookmark.added) {
+                text_ += fmt::format(" ADD_DATE=\"{}\"", *bookmark.added);
             }
-            if (!mark.id.empty()) {
-                text_ += fmt::format(" ID=\"{}\"", Escaped(mark.id));
+            if (!bookmark.id.empty()) {
+                text_ += fmt::format(" ID=\"{}\"", Escaped(bookmark.id));
             }
-            text_ += fmt::format(">{}</A>\n", Escaped(mark.title.empty() ? mark.url : mark.title));
+            text_ += fmt::format(">{}</A>\n", Escaped(bookmark.title.empty() ? bookmark.url : bookmark.title));
         }
         enter({});
         return std::move(text_ += "</DL><p>\n");
@@ -89,9 +89,9 @@ private:
 
 }  // namespace
 
-std::string BookmarkFileText(std::span<const FileBookmark> marks)
+std::string BookmarkFileText(std::span<const FileBookmark> bookmarks)
 {
-    return Writer().run(marks);
+    return Writer().run(bookmarks);
 }
 
 }  // namespace kesta

@@ -16,7 +16,7 @@ struct FileBookmark {
     std::string id;                    // of the element in the page; empty for a URL that stood there before
 };
 
-/// UTF-8. The marks keep their order; neighbours in the same folder stand in one.
-[[nodiscard]] std::string BookmarkFileText(std::span<const FileBookmark> marks);
+/// UTF-8. The bookmarks keep their order; neighbours in the same folder stand in one.
+[[nodiscard]] std::string BookmarkFileText(std::span<const FileBookmark> bookmarks);
 
 }  // namespace kesta

@@ -27,9 +27,9 @@ bool FitsTheDatabase(const std::string& title, const std::string& url)
 }
 
 // "Bookmarks/bookmarks.html#b12" is the element b12 in that page; 0 for any other id.
-int32_t NumberOf(const RecordedBookmark& mark, const std::string& place)
+int32_t NumberOf(const RecordedBookmark& bookmark, const std::string& place)
 {
-    const std::string_view id = mark.idOnPhone;
+    const std::string_view id = bookmark.idOnPhone;
     if (!id.starts_with(place) || !id.substr(place.size()).starts_with("#b")) {
         return 0;
     }
@@ -43,9 +43,9 @@ class Planner {
 public:
     explicit Planner(const BookmarkPlanInput& input) : input_(input)
     {
-        for (const RecordedBookmark& mark : input.recorded) {
-            recorded_.emplace(mark.url, &mark);
-            lastNumber_ = std::max(lastNumber_, NumberOf(mark, input.place));
+        for (const RecordedBookmark& bookmark : input.recorded) {
+            recorded_.emplace(bookmark.url, &bookmark);
+            lastNumber_ = std::max(lastNumber_, NumberOf(bookmark, input.place));
         }
     }
 
@@ -55,9 +55,9 @@ public:
             take(bookmark);
         }
         std::vector<RecordedBookmark> gone;
-        for (const RecordedBookmark& mark : input_.recorded) {
-            if (!seen_.contains(mark.url)) {
-                gone.push_back(mark);
+        for (const RecordedBookmark& bookmark : input_.recorded) {
+            if (!seen_.contains(bookmark.url)) {
+                gone.push_back(bookmark);
             }
         }
         if (!input_.file.problems.empty()) {
@@ -78,17 +78,17 @@ private:
             ++plan_.notOfTheWeb;
             return;
         }
-        FileBookmark mark{bookmark.title, bookmark.url, bookmark.folders, bookmark.added, {}};
+        FileBookmark entry{bookmark.title, bookmark.url, bookmark.folders, bookmark.added, {}};
         if (seen_.insert(bookmark.url).second) {
             if (!FitsTheDatabase(bookmark.title, bookmark.url)) {
                 plan_.tooLong.push_back(bookmark.url);
                 tooLong_.insert(bookmark.url);
             } else {
-                mark.id = enter(bookmark.title, bookmark.url);
+                entry.id = enter(bookmark.title, bookmark.url);
             }
         }
         if (!tooLong_.contains(bookmark.url)) {
-            plan_.contents.push_back(std::move(mark));
+            plan_.contents.push_back(std::move(entry));
         }
     }
 
@@ -96,8 +96,8 @@ private:
     void keep(const std::vector<RecordedBookmark>& gone)
     {
         std::unordered_map<std::string, const RecordedBookmark*> kept;
-        for (const RecordedBookmark& mark : gone) {
-            kept.emplace(mark.url, &mark);
+        for (const RecordedBookmark& bookmark : gone) {
+            kept.emplace(bookmark.url, &bookmark);
         }
         for (const formats::Bookmark& bookmark : input_.onPhone.bookmarks) {
             const auto found = kept.find(bookmark.url);
@@ -109,14 +109,14 @@ private:
                 {record.title, record.url, bookmark.folders, bookmark.added, enter(record.title, record.url)});
             kept.erase(found);
         }
-        for (const RecordedBookmark& mark : gone) {
-            if (kept.contains(mark.url)) {
-                plan_.contents.push_back({mark.title, mark.url, {}, {}, enter(mark.title, mark.url)});
+        for (const RecordedBookmark& bookmark : gone) {
+            if (kept.contains(bookmark.url)) {
+                plan_.contents.push_back({bookmark.title, bookmark.url, {}, {}, enter(bookmark.title, bookmark.url)});
             }
         }
     }
 
-    // Sees to the mark's record; the id of its element.
+    // Sees to the bookmark's record; the id of its element.
     std::string enter(const std::string& title, const std::string& url)
     {
         const auto known = recorded_.find(url);
@@ -124,12 +124,12 @@ private:
         if (number == 0) {
             number = ++lastNumber_;
         }
-        RecordedBookmark mark{title, url, fmt::format("{}#b{}", input_.place, number), number, kOnThePhone};
+        RecordedBookmark bookmark{title, url, fmt::format("{}#b{}", input_.place, number), number, kOnThePhone};
         if (known == recorded_.end()) {
-            plan_.added.push_back(mark);
-        } else if (known->second->title != title || known->second->idOnPhone != mark.idOnPhone ||
+            plan_.added.push_back(bookmark);
+        } else if (known->second->title != title || known->second->idOnPhone != bookmark.idOnPhone ||
                    known->second->flag != kOnThePhone) {
-            plan_.updated.push_back(mark);
+            plan_.updated.push_back(bookmark);
         } else {
             ++plan_.unchanged;
         }
@@ -150,9 +150,9 @@ BookmarkPlan PlanBookmarks(const BookmarkPlanInput& input)
     return Planner(input).run();
 }
 
-std::string PhonePathOf(const RecordedBookmark& mark)
+std::string PhonePathOf(const RecordedBookmark& bookmark)
 {
-    const std::string place = mark.idOnPhone.substr(0, mark.idOnPhone.rfind('#'));
+    const std::string place = bookmark.idOnPhone.substr(0, bookmark.idOnPhone.rfind('#'));
     return IsPhonePath(place, kBookmarkFolder) ? place : std::string();
 }
 

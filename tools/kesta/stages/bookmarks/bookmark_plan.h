@@ -34,7 +34,7 @@ struct BookmarkPlan {
 /// lacks is not taken for removed.
 [[nodiscard]] BookmarkPlan PlanBookmarks(const BookmarkPlanInput& input);
 
-/// The phone path of the file in which the mark stands; empty when the id is not one of this client's.
-[[nodiscard]] std::string PhonePathOf(const RecordedBookmark& mark);
+/// The phone path of the file in which the bookmark stands; empty when the id is not one of this client's.
+[[nodiscard]] std::string PhonePathOf(const RecordedBookmark& bookmark);
 
 }  // namespace kesta

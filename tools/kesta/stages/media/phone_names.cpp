@@ -65,7 +65,7 @@ void PhoneNames::chooseRoots(const PlanInput& input)
     }
 }
 
-PhoneNames::Place PhoneNames::allocate(const std::string& folder, const ScannedFile& file)
+PhoneNames::Allocated PhoneNames::allocate(const std::string& folder, const ScannedFile& file)
 {
     std::vector<std::string> parts = SplitPath(file.relative);
     parts.insert(parts.begin(), roots_.at(folder));

@@ -9,7 +9,7 @@
 
 namespace kesta {
 
-/// The places of a category: each chosen folder has a folder of its own on the phone.
+/// The phone paths of a category: each chosen folder has a folder of its own on the phone.
 class PhoneNames : public PhonePaths {
 public:
     PhoneNames(Category category, const PhoneView& phone)
@@ -21,7 +21,7 @@ public:
     /// suffix when another folder has that name.
     void chooseRoots(const PlanInput& input);
 
-    [[nodiscard]] Place allocate(const std::string& folder, const ScannedFile& file);
+    [[nodiscard]] Allocated allocate(const std::string& folder, const ScannedFile& file);
 
 private:
     Category category_;

@@ -58,7 +58,7 @@ struct ComparedFile {
 };
 
 /// Gives a file a phone path. Called when it needs one.
-using Allocate = std::function<PhonePaths::Place()>;
+using Allocate = std::function<PhonePaths::Allocated()>;
 
 /// What is to be done for the file; std::nullopt when it is on the phone as it is on the PC. A file that is new is
 /// recorded under basePath, any other one stays where it is. What was changed on the phone gets a path beside it.

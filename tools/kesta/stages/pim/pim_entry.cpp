@@ -76,9 +76,9 @@ std::string PimFileDigest(std::string_view fileName)
     return ShortDigest(fileName);
 }
 
-std::string ToLuid(const PimCopy& place)
+std::string ToLuid(const PimCopy& copy)
 {
-    return fmt::format("{}-{}", place.file, place.digest);
+    return fmt::format("{}-{}", copy.file, copy.digest);
 }
 
 PimCopy FromLuid(const std::string& luid)

@@ -36,7 +36,7 @@ struct PimCopy {
     std::string digest;  // of the contents
 };
 [[nodiscard]] std::string PimFileDigest(std::string_view fileName);
-[[nodiscard]] std::string ToLuid(const PimCopy& place);
+[[nodiscard]] std::string ToLuid(const PimCopy& copy);
 /// Empty fields for a text of another form.
 [[nodiscard]] PimCopy FromLuid(const std::string& luid);
 

@@ -42,7 +42,7 @@ PimJournal PimLogKeeper::plannedPaths() const
     for (const PimWork& work : *works_) {
         for (const PimPhonePlan& plan : work.phone.files) {
             if (plan.action != PimFileAction::kKeep && !plan.phonePath.empty()) {
-                journal.places.insert(plan.phonePath);
+                journal.paths.insert(plan.phonePath);
             }
         }
     }

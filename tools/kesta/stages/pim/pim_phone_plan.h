@@ -21,7 +21,7 @@ struct PimPhoneInput {
     const std::vector<PimSource>& sources;
     const PimStorePlans& store;
     const std::vector<PimLogRow>& log;   // all of the kind
-    const std::set<std::string>& owned;  // places that the last run, which was cut short, was about to write
+    const std::set<std::string>& owned;  // phone paths that the last run, which was cut short, was about to write
     DeletionGuard& guard;
     PhoneChanges& changes;
 };

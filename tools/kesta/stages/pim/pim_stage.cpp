@@ -157,7 +157,7 @@ void PimStage::prepare(PimKind kind, Session& session)
     static const std::set<std::string> kNone;
     PhoneChanges changes = ChangesOf(session);
     work.phone = PlanPimPhone(
-        {kind, work.sources, work.store, work.log, journal_ ? journal_->places : kNone, session.guard, changes},
+        {kind, work.sources, work.store, work.log, journal_ ? journal_->paths : kNone, session.guard, changes},
         session.phone);
     for (const PimStorePlan& folder : work.store.folders) {
         tally.deferred += folder.deferred.size();

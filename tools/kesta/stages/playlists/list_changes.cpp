@@ -46,7 +46,7 @@ void ListChanges::add()
 {
     findWork();
     const std::set<std::string> waiting = listsWithFiles();
-    for (const RecordedPlaylist* list : state_.plan.leaving) {
+    for (const RecordedPlaylist* list : state_.plan.obsolete) {
         if (!waiting.contains(list->name)) {
             addRemoval(*list);
         }
@@ -89,7 +89,7 @@ std::string ListChanges::pathOf(const ListMember& member) const
 void ListChanges::findWork()
 {
     std::map<std::string, std::string> pathOfList;
-    const auto& leaving = state_.plan.leaving;
+    const auto& leaving = state_.plan.obsolete;
     for (const RecordedPlaylist& list : state_.recorded) {
         const std::string path = PhonePathOfList(list);
         const bool leaves = std::find(leaving.begin(), leaving.end(), &list) != leaving.end();

@@ -9,27 +9,27 @@ namespace kesta {
 namespace {
 
 // From the playlist folder, which lies in the phone's root.
-std::string RelativeToLists(const std::string& place)
+std::string RelativeToLists(const std::string& phonePath)
 {
     const std::string inside = std::string(kPlaylistFolder) + '/';
-    return place.starts_with(inside) ? place.substr(inside.size()) : "../" + place;
+    return phonePath.starts_with(inside) ? phonePath.substr(inside.size()) : "../" + phonePath;
 }
 
 }  // namespace
 
 std::optional<ListText> MakeListText(const PcPlaylist& list,
-                                     const std::function<std::string(const ListMember&)>& placeOf)
+                                     const std::function<std::string(const ListMember&)>& pathOf)
 {
     std::vector<formats::PlaylistEntry> entries;
     std::string sources;
     for (const ListMember& member : list.members) {
         formats::PlaylistEntry entry = member.entry;
         if (!member.isUrl()) {
-            const std::string place = placeOf(member);
-            if (place.empty()) {
+            const std::string phonePath = pathOf(member);
+            if (phonePath.empty()) {
                 continue;
             }
-            entry.location = {formats::LocationKind::kRelative, RelativeToLists(place)};
+            entry.location = {formats::LocationKind::kRelative, RelativeToLists(phonePath)};
             sources += member.path + '\0';
         }
         entries.push_back(std::move(entry));

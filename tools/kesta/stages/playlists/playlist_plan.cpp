@@ -65,7 +65,7 @@ private:
         if (record.state == PlaylistState::kDeletedOnPhone) {
             plan_.forgotten.push_back(&record);
         } else if (record.state == PlaylistState::kUnconfirmed) {
-            plan_.leaving.push_back(&record);
+            plan_.obsolete.push_back(&record);
         } else if (!record.selected) {
             skip(record);
         } else {
@@ -106,7 +106,7 @@ private:
         const auto onPhone =
             static_cast<size_t>(std::count_if(input_.recorded.begin(), input_.recorded.end(), isOnPhone));
         const auto losses =
-            static_cast<size_t>(std::count_if(plan_.leaving.begin(), plan_.leaving.end(),
+            static_cast<size_t>(std::count_if(plan_.obsolete.begin(), plan_.obsolete.end(),
                                               [&](const RecordedPlaylist* record) { return isOnPhone(*record); }) +
                                 std::count_if(plan_.lists.begin(), plan_.lists.end(),
                                               [&](const ListToBring& bring) { return isEmptied(bring); }));
@@ -114,7 +114,7 @@ private:
             return;
         }
         plan_.deferred = losses;
-        std::erase_if(plan_.leaving, [&](const RecordedPlaylist* record) {
+        std::erase_if(plan_.obsolete, [&](const RecordedPlaylist* record) {
             if (isOnPhone(*record)) {
                 keep(*record);
             }
@@ -232,7 +232,7 @@ private:
     void reassign()
     {
         std::set<std::string> ending;
-        for (const RecordedPlaylist* record : plan_.leaving) {
+        for (const RecordedPlaylist* record : plan_.obsolete) {
             ending.insert(record->name);
         }
         for (const RecordedPlaylist* record : plan_.forgotten) {
@@ -284,8 +284,8 @@ std::string PathInMedia(const ListMember& member, const MediaPhonePaths& media, 
 
 std::string PhonePathOfList(const RecordedPlaylist& list)
 {
-    const std::string place = list.idInPhone.value_or(std::string());
-    return IsPhonePath(place, kPlaylistFolder) && SplitPath(place).size() == 2 ? place : std::string();
+    const std::string path = list.idInPhone.value_or(std::string());
+    return IsPhonePath(path, kPlaylistFolder) && SplitPath(path).size() == 2 ? path : std::string();
 }
 
 }  // namespace kesta

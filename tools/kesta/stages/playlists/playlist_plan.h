@@ -33,12 +33,12 @@ struct ListToBring {
 
 struct PlaylistPlan {
     std::vector<ListToBring> lists;
-    std::vector<const RecordedPlaylist*> leaving;    // to be removed from the phone and the database
+    std::vector<const RecordedPlaylist*> obsolete;   // to be removed from the phone and the database
     std::vector<const RecordedPlaylist*> forgotten;  // only the database still has them
     std::vector<const RecordedPlaylist*> notSelected, deletedOnPhone;
     FilePlan files;                        // removals and copies of members
     FilePlan superseded;                   // members that media sync carries by now: removed when no list names them
-    std::vector<RecordedFile> reassigned;  // members of leaving lists, under the lists that need them still
+    std::vector<RecordedFile> reassigned;  // members of obsolete lists, under the lists that need them still
     std::map<std::string, std::string> phonePaths;  // of members by their path on the PC, once all is executed
     size_t deferred = 0;  // lists to be removed or emptied, since they are more than half of those on the phone
 };
@@ -48,7 +48,7 @@ struct PlaylistPlan {
 /// Where media sync has the member on the phone; empty when it has not.
 [[nodiscard]] std::string PathInMedia(const ListMember& member, const MediaPhonePaths& media, const PhoneView& phone);
 
-/// The list's own place, when the database tells one that can be this client's; else empty.
+/// The list's own phone path, when the database tells one that can be this client's; else empty.
 [[nodiscard]] std::string PhonePathOfList(const RecordedPlaylist& list);
 
 }  // namespace kesta
