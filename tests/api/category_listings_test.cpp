@@ -63,6 +63,21 @@ TEST_P(CategoryListings, GetSyncedFiles_FolderAfterFolder_GivesEachItsOwn)
     EXPECT_EQ(listed("C:\\a", "352222").substr(0, 12), "of the other");
 }
 
+TEST_P(CategoryListings, GetSyncedFiles_AnotherCategoryInBetween_HasItsOwn)
+{
+    EXPECT_EQ(round(), "333300");
+    const bool isMusic = GetParam().family == std::string("MUSIC");
+    const auto ofAnother = isMusic ? lib.DB_IMAGE_GetSyncedFiles : lib.DB_MUSIC_GetSyncedFiles;
+    sql.exec(std::string("INSERT INTO ") + (isMusic ? "tIFile" : "tMFile") +
+             " VALUES (1, 'another', 'C:\\a', 'P', '2024-01-01 00:00:00')");
+    EXPECT_EQ(round(), "333300");
+    SyncedFileList list = {};
+    EXPECT_EQ(ofAnother(W(kImei), W("C:\\a"), &list), 0);
+    ASSERT_EQ(list.Count, 1);
+    EXPECT_EQ(Utf8(list.Items[0].Path), "another");
+    EXPECT_EQ(round(), "333300");
+}
+
 TEST_P(CategoryListings, GetSyncedFiles_WritesInBetween_AreSeenAtOnce)
 {
     for (int i = 0; i < 3; ++i) {
