@@ -51,9 +51,10 @@ ClientTest::ClientTest()
 ClientTest::~ClientTest()
 {
     std::error_code ignored;
-    for (const auto& entry : fs::recursive_directory_iterator(work_, ignored)) {
-        if (entry.is_directory(ignored)) {
-            fs::permissions(entry.path(), fs::perms::owner_all, ignored);
+    for (fs::recursive_directory_iterator at(work_, ignored); at != fs::recursive_directory_iterator();
+         at.increment(ignored)) {
+        if (at->is_directory(ignored)) {
+            fs::permissions(at->path(), fs::perms::owner_all, ignored);
         }
     }
     fs::remove_all(work_, ignored);
