@@ -74,7 +74,7 @@ inline constexpr OperationTraits kOperations[] = {
     // The work area for the items' ids.
     {Operation::kListPimItems, Family::kPim, "list-pim-items", 0.55, Kind::kList, 1, 1},
     {Operation::kSavePimLog, Family::kPim, "save-pim-log", 0.60, Kind::kWriter, 1, 0},
-    {Operation::kReadPimLog, Family::kPim, "read-pim-log", 0.97, Kind::kList, 1, 0},
+    {Operation::kReadPimLog, Family::kPim, "read-pim-log", 0.95, Kind::kList, 1, 0},
 };
 
 /// What a list that the library has handed out consists of.

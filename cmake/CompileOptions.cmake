@@ -23,6 +23,7 @@ endif()
 if(KESTA_SANITIZE)
     add_compile_options(-fsanitize=${KESTA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g)
     add_link_options(-fsanitize=${KESTA_SANITIZE})
+    add_compile_definitions(KESTA_TEXT_BLOCK=0)  # each text in memory of its own, as the sanitizer wants to see it
 endif()
 if(KESTA_COVERAGE)
     target_compile_options(kesta_options INTERFACE --coverage -O0 -fprofile-update=atomic)

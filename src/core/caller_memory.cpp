@@ -1,6 +1,9 @@
 #include "core/caller_memory.h"
 
+#include <utility>
+
 #include "core/text.h"
+#include "core/text_blocks.h"
 
 namespace kesta {
 
@@ -32,9 +35,15 @@ void Free(T*& memory) noexcept
 
 }  // namespace
 
-DbChar* NewText(size_t length)
+DbChar* NewText(size_t length, TextBlocks* blocks)
 {
-    return Allocate<DbChar>(length + 1);
+    DbChar* const text = blocks != nullptr ? blocks->cut(length + 1) : nullptr;
+    if (text == nullptr) {
+        return Allocate<DbChar>(length + 1);
+    }
+    text[length] = 0;
+    TraceNew(text);
+    return text;
 }
 
 DbChar* DuplicateText(const DbChar* text)
@@ -50,7 +59,11 @@ DbChar* DuplicateText(const DbChar* text)
 
 void FreeText(DbChar*& text) noexcept
 {
-    Free(text);
+    if (!TextBlocks::cutFromBlock(text)) {
+        return Free(text);
+    }
+    TraceDelete(text);
+    TextBlocks::giveBack(std::exchange(text, nullptr));
 }
 
 uint8_t* NewBytes(size_t length)

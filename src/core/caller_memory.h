@@ -15,8 +15,10 @@
 
 namespace kesta {
 
-/// A terminated text of `length` code units, to be filled. Throws std::bad_alloc.
-DbChar* NewText(size_t length);
+class TextBlocks;
+
+/// A terminated text of `length` code units, to be filled; one of many may be cut from blocks. Throws std::bad_alloc.
+DbChar* NewText(size_t length, TextBlocks* blocks = nullptr);
 
 /// A copy of the text; null stays null, an empty one is copied.
 DbChar* DuplicateText(const DbChar* text);

@@ -26,6 +26,7 @@ struct sqlite3_stmt;
 namespace kesta {
 
 class Connection;
+class TextBlocks;
 
 /// A query and its rows. Finalised, or given back to its connection, when it goes.
 class Statement {
@@ -54,6 +55,8 @@ public:
     [[nodiscard]] DateValue date(int column) const noexcept;
     /// ReadTextColumn: a new text for the caller, or null for NULL and for an empty text.
     [[nodiscard]] DbChar* newText(int column) const;
+    /// Where new texts are cut from, for as long as rows are read.
+    void cutTextsFrom(TextBlocks& blocks) noexcept { blocks_ = &blocks; }
     /// The text itself, until the next step; null for NULL.
     [[nodiscard]] const DbChar* wideText(int column) const noexcept;
     [[nodiscard]] std::span<const uint8_t> blob(int column) const noexcept;
@@ -79,6 +82,7 @@ private:
     SqliteCode last_;
     Connection* owner_ = nullptr;  // of the cached statement
     CachedStatement* cached_ = nullptr;
+    TextBlocks* blocks_ = nullptr;
     bool bound_ = true;
 };
 

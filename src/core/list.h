@@ -11,6 +11,7 @@
 #include "core/caller_memory.h"
 #include "core/results.h"
 #include "core/routine.h"
+#include "core/text_blocks.h"
 
 namespace kesta {
 
@@ -38,6 +39,8 @@ void AllocateList(List& list, int32_t count)
 template <class List, class ReadRow>
 ResultCode FillList(List& list, int32_t room, Statement& rows, ReadRow&& readRow)
 {
+    TextBlocks blocks;
+    rows.cutTextsFrom(blocks);
     // Step first: only so does a row too many show in the result. Count goes along, so that it is true at any time.
     for (int32_t i = 0; rows.step() && i < room; list.Count = ++i) {
         readRow(rows, list.Items[i]);

@@ -90,7 +90,7 @@ DbChar* Statement::newText(int column) const
     // SQLite's own conversion is a detour: most texts are ASCII and are widened straight into their final place, others
     // are mostly short enough for the stack.
     if (IsAscii(text)) {
-        DbChar* copy = NewText(text.size());
+        DbChar* copy = NewText(text.size(), blocks_);
         WidenAscii(text, copy);
         return copy;
     }
@@ -100,7 +100,7 @@ DbChar* Statement::newText(int column) const
     if (!length.has_value()) {
         return DuplicateText(WideColumn(statement_, column));
     }
-    DbChar* copy = NewText(*length);
+    DbChar* copy = NewText(*length, blocks_);
     std::copy_n(units, *length, copy);
     return copy;
 }

@@ -5,7 +5,7 @@ namespace {
 
 void WriteMemoryLine(const Format<Address>& format, const void* memory) noexcept
 {
-    if (!platform::services.traceIsRead()) {
+    if (!platform::services.memoryIsRead()) {
         return;
     }
     TraceLine line;

@@ -15,6 +15,8 @@ struct Services {
     void (*sleep)(uint32_t milliseconds) noexcept;
     /// Whether a trace line written now can be seen by anybody. Cheap: asked for before every line.
     bool (*traceIsRead)() noexcept;
+    /// The same for the lines that tell of memory: many at a time, and asked at less cost.
+    bool (*memoryIsRead)() noexcept;
     /// Writes one line to the debug output; `line` is zero-terminated, `length` in code units.
     void (*writeTraceLine)(const DbChar* line, size_t length) noexcept;
 };

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <functional>
 #include <set>
+#include <utility>
 
 #include "core/list.h"
 #include "core/text.h"
@@ -389,6 +390,34 @@ TEST_F(FailingMemory, ListsAndTexts_GivenBack_AreFreed)
     const int64_t before = MemoryFault::balance();
     for (int i = 0; i < 50; ++i) {
         fillAndEmpty();
+    }
+    EXPECT_EQ(MemoryFault::balance(), before);
+}
+
+TEST_F(FailingMemory, TextsOfAList_TakenOutOfIt_OutliveItAndAreFreed)
+{
+    sql.exec(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 500) "
+        "INSERT INTO tMFolder ([PhoneID], [Path], [Flag], [AddTime]) SELECT 1, 'folder ' || i, 0, '' FROM n");
+    const auto takeAndFree = [&] {
+        FolderList list = {};
+        EXPECT_EQ(DB_MUSIC_GetFolders(imei, &list), 0);
+        ASSERT_EQ(list.Count, 502);
+        DbChar* first = std::exchange(list.Items[0].Path, nullptr);
+        DbChar* last = std::exchange(list.Items[501].Path, nullptr);
+        EmptyList(list);
+        EXPECT_EQ(held, 2);
+        EXPECT_EQ(test::Utf8(first), "folder");
+        EXPECT_EQ(test::Utf8(last), "g");
+        FreeText(last);
+        FreeText(first);
+        EXPECT_EQ(held, 0);
+    };
+    takeAndFree();  // SQLite keeps what it has compiled and read,
+    takeAndFree();  // and what a statement needs when it runs again
+    const int64_t before = MemoryFault::balance();
+    for (int i = 0; i < 50; ++i) {
+        takeAndFree();
     }
     EXPECT_EQ(MemoryFault::balance(), before);
 }

@@ -80,6 +80,7 @@ std::string Expanded(sqlite3_stmt* statement)
 void CallRecorder::start()
 {
     platform::services.traceIsRead = []() noexcept { return true; };
+    platform::services.memoryIsRead = []() noexcept { return true; };
     platform::services.writeTraceLine = &NoteLine;
     events.clear();
     justCompiled = nullptr;

@@ -66,6 +66,7 @@ TEST_F(TraceLines, DbTrace_VeryLongText_IsWhole)
 TEST_F(TraceLines, DbTrace_NobodyReads_WritesNothing)
 {
     platform::services.traceIsRead = []() noexcept { return false; };
+    platform::services.memoryIsRead = []() noexcept { return false; };
     DbTrace("line\n");
     TraceNew(&services);
     Trail("DB_Open").error(1);

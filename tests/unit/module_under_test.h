@@ -25,6 +25,7 @@ public:
         lines().clear();
         sleeps().clear();
         platform::services.traceIsRead = []() noexcept { return true; };
+        platform::services.memoryIsRead = []() noexcept { return true; };
         platform::services.writeTraceLine = [](const DbChar* line, size_t length) noexcept {
             const std::basic_string<DbChar> text(line, length);
             lines().push_back(test::Utf8(text.c_str()));

@@ -234,6 +234,30 @@ TEST(PosixTrace, NoViewer_NobodyReads)
     EXPECT_FALSE(services.traceIsRead());
 }
 
+TEST(PosixTrace, MemoryLines_ViewerThatComes_IsSeenAtTheNextCallOrSoonInALongOne)
+{
+    const test::DataFolder data;
+    OpenTrace();
+    BeginTracedCall();
+    EXPECT_FALSE(services.memoryIsRead());
+    auto source = test::TraceSource::open(data.runtimeFolder());
+    services.sleep(150);  // a viewer is looked for every 100 ms
+    int asked = 1;
+    while (asked < 1000 && !services.memoryIsRead()) {
+        ++asked;
+    }
+    EXPECT_EQ(asked, 16);
+    source.reset();
+    services.sleep(150);
+    EXPECT_FALSE(services.memoryIsRead());
+    source = test::TraceSource::open(data.runtimeFolder());
+    services.sleep(150);
+    EXPECT_FALSE(services.memoryIsRead());
+    BeginTracedCall();
+    EXPECT_TRUE(services.memoryIsRead());
+    CloseTrace();
+}
+
 TEST(PosixTrace, LineOfTheLongestStatement_ArrivesWholeAndInUtf8)
 {
     const test::DataFolder data;

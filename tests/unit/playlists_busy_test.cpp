@@ -54,6 +54,7 @@ protected:
         EXPECT_EQ(DB_LIB_PhoneDetected(W("351111"), W("phone")), 1);
         platform::services.sleep = &NotePause;
         platform::services.traceIsRead = []() noexcept { return true; };
+        platform::services.memoryIsRead = []() noexcept { return true; };
         platform::services.writeTraceLine = &NoteLine;
         const std::u8string path = data_.databasePath().u8string();
         EXPECT_EQ(sqlite3_open(reinterpret_cast<const char*>(path.c_str()), &other_), SQLITE_OK);

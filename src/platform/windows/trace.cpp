@@ -31,7 +31,7 @@ void WriteTraceLine(const DbChar* line, size_t /*length*/) noexcept
 
 }  // namespace
 
-constinit Services services = {&Now, &SleepFor, &TraceIsRead, &WriteTraceLine};
+constinit Services services = {&Now, &SleepFor, &TraceIsRead, &TraceIsRead, &WriteTraceLine};
 
 void OpenTrace() noexcept
 {
