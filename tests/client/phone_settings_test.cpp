@@ -77,6 +77,24 @@ TEST(PhoneSettingsTest, TakeSetting_WrongValue_SaysWhyAndKeepsTheOldOne)
     EXPECT_EQ(FindSetting("imei"), nullptr);
 }
 
+// A line of the table that names another one's member would show and change that one's value.
+TEST(PhoneSettingsTest, EachSetting_HasANameAndAValueOfItsOwn)
+{
+    for (const Setting& taken : kSettings) {
+        if (!taken.isWritable) {
+            continue;
+        }
+        PhoneSettings settings;
+        const bool isDate = std::holds_alternative<DateSetting>(taken.members);
+        EXPECT_EQ(TakeSetting(settings, taken, isDate ? "2026-01-31" : "1"), "") << taken.name;
+        for (const Setting& other : kSettings) {
+            const bool isUnchanged = ShowSetting(settings, other) == ShowSetting(PhoneSettings(), other);
+            EXPECT_EQ(isUnchanged, &other != &taken) << taken.name << ", " << other.name;
+            EXPECT_EQ(taken.name == other.name, &other == &taken) << taken.name;
+        }
+    }
+}
+
 TEST(PhoneSettingsTest, ParseTruth_TakesTheUsualWordsInEitherCase)
 {
     for (const char* yes : {"yes", "YES", "true", "On", "1"}) {

@@ -9,10 +9,10 @@ namespace {
 
 struct Value {
     const PhoneSettings& settings;
-    Json operator()(TextSetting field) const { return settings.*field; }
-    Json operator()(TruthSetting field) const { return settings.*field; }
-    Json operator()(NumberSetting field) const { return settings.*field; }
-    Json operator()(DateSetting field) const { return TimeJson(settings.*field); }
+    Json operator()(const TextSetting& setting) const { return settings.*setting.value; }
+    Json operator()(const TruthSetting& setting) const { return settings.*setting.value; }
+    Json operator()(const NumberSetting& setting) const { return settings.*setting.value; }
+    Json operator()(const DateSetting& setting) const { return TimeJson(settings.*setting.value); }
 };
 
 }  // namespace
@@ -28,8 +28,8 @@ Json TimeJson(const std::optional<LocalTime>& time)
 Json SettingsJson(const PhoneSettings& settings)
 {
     Json json = Json::object();
-    for (const Setting& setting : AllSettings()) {
-        json[std::string(setting.name)] = std::visit(Value{settings}, setting.field);
+    for (const Setting& setting : kSettings) {
+        json[std::string(setting.name)] = std::visit(Value{settings}, setting.members);
     }
     return json;
 }

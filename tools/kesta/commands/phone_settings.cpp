@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 
 #include "base/text.h"
@@ -11,43 +10,14 @@
 namespace kesta {
 namespace {
 
-constexpr std::array kSettings{Setting{"name", &PhoneSettings::name},
-                               Setting{"photo_path", &PhoneSettings::photoPath},
-                               Setting{"document_path", &PhoneSettings::docPath},
-                               Setting{"wifi_mac", &PhoneSettings::wifiMac},
-                               Setting{"auto_sync", &PhoneSettings::autoSync},
-                               Setting{"auto_backup", &PhoneSettings::autoBackup},
-                               Setting{"allow_wifi", &PhoneSettings::allowWifi},
-                               Setting{"contact_prefer_side", &PhoneSettings::contactPreferSide},
-                               Setting{"calendar_prefer_side", &PhoneSettings::calendarPreferSide},
-                               Setting{"contact_program", &PhoneSettings::contactProgram},
-                               Setting{"contact_folder", &PhoneSettings::contactFolder},
-                               Setting{"contact_profile", &PhoneSettings::contactProfile},
-                               Setting{"calendar_program", &PhoneSettings::calendarProgram},
-                               Setting{"calendar_folder", &PhoneSettings::calendarFolder},
-                               Setting{"calendar_profile", &PhoneSettings::calendarProfile},
-                               Setting{"calendar_period", &PhoneSettings::calendarPeriod},
-                               Setting{"calendar_period_text", &PhoneSettings::calendarPeriodText},
-                               Setting{"calendar_start", &PhoneSettings::calendarStart},
-                               Setting{"calendar_end", &PhoneSettings::calendarEnd},
-                               Setting{"bookmark_type", &PhoneSettings::bookmarkType},
-                               Setting{"sync_documents_from_folder", &PhoneSettings::syncDocFromFolder},
-                               Setting{"sync_documents_from_phone", &PhoneSettings::syncDocFromPhone},
-                               Setting{"sync_photos_from_folder", &PhoneSettings::syncPhotoFromFolder},
-                               Setting{"sync_photos_from_phone", &PhoneSettings::syncPhotoFromPhone},
-                               Setting{"sync_music_from_folder", &PhoneSettings::syncMusicFromFolder},
-                               Setting{"sync_music_from_player", &PhoneSettings::syncMusicFromPlayer},
-                               Setting{"sync_music_all", &PhoneSettings::syncMusicAll},
-                               Setting{"need_mount", &PhoneSettings::needMount, false}};
-
 struct Show {
     const PhoneSettings& settings;
-    std::string operator()(TextSetting field) const { return settings.*field; }
-    std::string operator()(TruthSetting field) const { return settings.*field ? "yes" : "no"; }
-    std::string operator()(NumberSetting field) const { return std::to_string(settings.*field); }
-    std::string operator()(DateSetting field) const
+    std::string operator()(const TextSetting& setting) const { return settings.*setting.value; }
+    std::string operator()(const TruthSetting& setting) const { return settings.*setting.value ? "yes" : "no"; }
+    std::string operator()(const NumberSetting& setting) const { return std::to_string(settings.*setting.value); }
+    std::string operator()(const DateSetting& setting) const
     {
-        return settings.*field ? FormatLocalTime(*(settings.*field)) : std::string();
+        return settings.*setting.value ? FormatLocalTime(*(settings.*setting.value)) : std::string();
     }
 };
 
@@ -55,24 +25,24 @@ struct Take {
     PhoneSettings& settings;
     const std::string& text;
 
-    std::string operator()(TextSetting field) const
+    std::string operator()(const TextSetting& setting) const
     {
         if (!ToDbText(text)) {
             return "it is not valid text";
         }
-        settings.*field = text;
+        settings.*setting.value = text;
         return {};
     }
-    std::string operator()(TruthSetting field) const
+    std::string operator()(const TruthSetting& setting) const
     {
         const auto truth = ParseTruth(text);
         if (!truth) {
             return "it is yes or no";
         }
-        settings.*field = *truth;
+        settings.*setting.value = *truth;
         return {};
     }
-    std::string operator()(NumberSetting field) const
+    std::string operator()(const NumberSetting& setting) const
     {
         int32_t number = 0;
         const char* end = text.data() + text.size();
@@ -80,16 +50,16 @@ struct Take {
         if (error != std::errc() || stop != end) {
             return "it is a whole number from -2147483648 to 2147483647";
         }
-        settings.*field = number;
+        settings.*setting.value = number;
         return {};
     }
-    std::string operator()(DateSetting field) const
+    std::string operator()(const DateSetting& setting) const
     {
         const auto time = ParseLocalTime(text);
         if (!time && !text.empty()) {
             return "it is a date of the years 100 to 9999 such as 2026-01-31 or 2026-01-31 18:30:00";
         }
-        settings.*field = time;
+        settings.*setting.value = time;
         return {};
     }
 };
@@ -115,11 +85,6 @@ size_t Distance(std::string_view from, std::string_view to)
 
 }  // namespace
 
-std::span<const Setting> AllSettings()
-{
-    return kSettings;
-}
-
 const Setting* FindSetting(std::string_view name)
 {
     const auto found =
@@ -129,7 +94,7 @@ const Setting* FindSetting(std::string_view name)
 
 std::string ShowSetting(const PhoneSettings& settings, const Setting& setting)
 {
-    return std::visit(Show{settings}, setting.field);
+    return std::visit(Show{settings}, setting.members);
 }
 
 std::string TakeSetting(PhoneSettings& settings, const Setting& setting, const std::string& text)
@@ -137,7 +102,7 @@ std::string TakeSetting(PhoneSettings& settings, const Setting& setting, const s
     if (!setting.isWritable) {
         return "the end of each sync sets it; it cannot be changed by hand";
     }
-    return std::visit(Take{settings, text}, setting.field);
+    return std::visit(Take{settings, text}, setting.members);
 }
 
 std::optional<bool> ParseTruth(std::string_view text)

@@ -5,26 +5,12 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
-#include "database/database.h"
+#include "database/setting_table.h"
 
 namespace kesta {
 
-using TextSetting = std::string PhoneSettings::*;
-using TruthSetting = bool PhoneSettings::*;
-using NumberSetting = int32_t PhoneSettings::*;
-using DateSetting = std::optional<LocalTime> PhoneSettings::*;
-
-struct Setting {
-    std::string_view name;
-    std::variant<TextSetting, TruthSetting, NumberSetting, DateSetting> field;
-    bool isWritable = true;
-};
-
-/// In the order in which they are shown.
-[[nodiscard]] std::span<const Setting> AllSettings();
 /// Null for an unknown name.
 [[nodiscard]] const Setting* FindSetting(std::string_view name);
 /// "yes", "2", "2026-01-31 00:00:00"; empty for a text or date that is not set.

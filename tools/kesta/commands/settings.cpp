@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <map>
 #include <memory>
 
@@ -61,7 +62,7 @@ std::string SelectNameOf(MainFolder folder)
 [[noreturn]] void RefuseName(const std::string& name)
 {
     std::vector<std::string> names;
-    for (const Setting& setting : AllSettings()) {
+    for (const Setting& setting : kSettings) {
         if (setting.isWritable) {
             names.emplace_back(setting.name);
         }
@@ -226,7 +227,7 @@ const char* SelectedText(bool selected)
 void ShowAll(Database& database, const PhoneSettings& phone)
 {
     std::string text = fmt::format("{} (IMEI {})\n", Printable(phone.name), Printable(phone.imei));
-    for (const Setting& setting : AllSettings()) {
+    for (const Setting& setting : kSettings) {
         text += fmt::format("  {:<27} {}\n", setting.name, Quoted(ShowSetting(phone, setting)));
     }
     for (const MainFolder folder : kMainFolders) {
@@ -292,7 +293,20 @@ constexpr const char* kSettingsExamples =
     "\"2026-01-31 18:30:00\"; a text or date without a value is emptied. Either all changes are made, or none.\n"
     "select.NAME chooses the main folders: music (playlists too), gallery (images and videos), documents, contacts,\n"
     "calendar, bookmarks, map. What is not selected is skipped by kesta sync and stays on the phone as it is.\n"
+    "Numbers mean what the program says that sets them.\n"
     "\n";
+
+// "  wifi_mac                    text: the phone's Wi-Fi address"
+std::string SettingsHelp()
+{
+    constexpr std::array kKinds{"text", "yes or no", "number", "date"};  // as the variant has them
+    std::string text = "Settings:\n";
+    for (const Setting& setting : kSettings) {
+        text += fmt::format("  {:<27} {}: {}\n", setting.name,
+                            setting.isWritable ? kKinds[setting.members.index()] : "shown only", setting.meaning);
+    }
+    return text + "\n";
+}
 
 void AddSelections(CLI::App& app, const std::string& suffix, std::vector<Selection>& selections, const char* what,
                    const char* type)
@@ -319,7 +333,7 @@ std::function<ExitCode()> Prepare(CLI::App& app)
     AddSelections(app, "", options->folders, "this folder of media, in all its categories", "DIR");
     AddSelections(app, "-playlist", options->playlists, "the playlist of this name", "NAME");
     app.add_flag("--json", options->json, "as JSON");
-    app.footer(std::string(kSettingsExamples) + kExitCodeHelp);
+    app.footer(kSettingsExamples + SettingsHelp() + kExitCodeHelp);
     return [options] { return Run(*options); };
 }
 

@@ -42,38 +42,22 @@ const Family& FamilyOf(Category category)
 }
 #undef KESTA_FAMILY
 
+struct GetValue {
+    const PhoneSettingRecord& record;
+    PhoneSettings& phone;
+    void operator()(const TextSetting& setting) const { phone.*setting.value = FromDbText(record.*setting.field); }
+    void operator()(const TruthSetting& setting) const { phone.*setting.value = record.*setting.field != 0; }
+    void operator()(const NumberSetting& setting) const { phone.*setting.value = record.*setting.field; }
+    void operator()(const DateSetting& setting) const { phone.*setting.value = FromDateValue(record.*setting.field); }
+};
+
 PhoneSettings ToSettings(const PhoneSettingRecord& record)
 {
     PhoneSettings phone;
     phone.imei = FromDbText(record.IMEI);
-    phone.name = FromDbText(record.Name);
-    phone.photoPath = FromDbText(record.PhotoPath);
-    phone.docPath = FromDbText(record.DocPath);
-    phone.wifiMac = FromDbText(record.WifiMAC);
-    phone.calendarPeriodText = FromDbText(record.CalPeriodStr);
-    phone.contactFolder = FromDbText(record.ContactFolderId);
-    phone.calendarFolder = FromDbText(record.CalendarFolderId);
-    phone.contactProfile = FromDbText(record.ContactProfile);
-    phone.calendarProfile = FromDbText(record.CalendarProfile);
-    phone.autoSync = record.AutoSync != 0;
-    phone.autoBackup = record.AutoBackup != 0;
-    phone.allowWifi = record.AllowWifi != 0;
-    phone.contactPreferSide = record.ContactPreferSide;
-    phone.calendarPreferSide = record.CalendarPreferSide;
-    phone.contactProgram = record.ContactPim;
-    phone.calendarProgram = record.CalPim;
-    phone.calendarPeriod = record.CalPeriod;
-    phone.calendarStart = FromDateValue(record.CalStart);
-    phone.calendarEnd = FromDateValue(record.CalEnd);
-    phone.bookmarkType = record.BookMarkType;
-    phone.syncDocFromFolder = record.SyncDocFromFolder != 0;
-    phone.syncDocFromPhone = record.SyncDocFromPhone != 0;
-    phone.syncPhotoFromFolder = record.SyncPhotoFromFolder != 0;
-    phone.syncPhotoFromPhone = record.SyncPhotoFromPhone != 0;
-    phone.syncMusicFromFolder = record.SyncMusicFromFolder != 0;
-    phone.syncMusicFromPlayer = record.SyncMusicFromPlayer != 0;
-    phone.syncMusicAll = record.SyncMusicAll != 0;
-    phone.needMount = record.NeedMount != 0;
+    for (const Setting& setting : kSettings) {
+        std::visit(GetValue{record, phone}, setting.members);
+    }
     return phone;
 }
 

@@ -15,48 +15,42 @@ int32_t Truth(bool value)
     return value ? 1 : 0;
 }
 
-struct TextField {
-    std::string PhoneSettings::*setting;
-    DbChar* PhoneSettingRecord::*field;
+// Puts into the library's record what differs between two of the client's.
+struct PutChange {
+    const PhoneSettings& before;
+    const PhoneSettings& after;
+    PhoneSettingRecord& record;
+    DbText& text;  // what the record points to
+
+    void operator()(const TextSetting& setting) const
+    {
+        if (isChanged(setting)) {
+            text = Text(after.*setting.value);
+            record.*setting.field = text.data();
+        }
+    }
+    void operator()(const TruthSetting& setting) const
+    {
+        if (isChanged(setting)) {
+            record.*setting.field = Truth(after.*setting.value);
+        }
+    }
+    void operator()(const NumberSetting& setting) const
+    {
+        if (isChanged(setting)) {
+            record.*setting.field = after.*setting.value;
+        }
+    }
+    void operator()(const DateSetting& setting) const
+    {
+        if (isChanged(setting)) {
+            record.*setting.field = ToDateValue(after.*setting.value);
+        }
+    }
+
+private:
+    [[nodiscard]] bool isChanged(const auto& setting) const { return before.*setting.value != after.*setting.value; }
 };
-
-constexpr std::array kTexts{TextField{&PhoneSettings::name, &PhoneSettingRecord::Name},
-                            TextField{&PhoneSettings::photoPath, &PhoneSettingRecord::PhotoPath},
-                            TextField{&PhoneSettings::docPath, &PhoneSettingRecord::DocPath},
-                            TextField{&PhoneSettings::wifiMac, &PhoneSettingRecord::WifiMAC},
-                            TextField{&PhoneSettings::calendarPeriodText, &PhoneSettingRecord::CalPeriodStr},
-                            TextField{&PhoneSettings::contactFolder, &PhoneSettingRecord::ContactFolderId},
-                            TextField{&PhoneSettings::calendarFolder, &PhoneSettingRecord::CalendarFolderId},
-                            TextField{&PhoneSettings::contactProfile, &PhoneSettingRecord::ContactProfile},
-                            TextField{&PhoneSettings::calendarProfile, &PhoneSettingRecord::CalendarProfile}};
-
-struct TruthField {
-    bool PhoneSettings::*setting;
-    int32_t PhoneSettingRecord::*field;
-};
-
-constexpr std::array kTruths{TruthField{&PhoneSettings::autoSync, &PhoneSettingRecord::AutoSync},
-                             TruthField{&PhoneSettings::autoBackup, &PhoneSettingRecord::AutoBackup},
-                             TruthField{&PhoneSettings::allowWifi, &PhoneSettingRecord::AllowWifi},
-                             TruthField{&PhoneSettings::syncDocFromFolder, &PhoneSettingRecord::SyncDocFromFolder},
-                             TruthField{&PhoneSettings::syncDocFromPhone, &PhoneSettingRecord::SyncDocFromPhone},
-                             TruthField{&PhoneSettings::syncPhotoFromFolder, &PhoneSettingRecord::SyncPhotoFromFolder},
-                             TruthField{&PhoneSettings::syncPhotoFromPhone, &PhoneSettingRecord::SyncPhotoFromPhone},
-                             TruthField{&PhoneSettings::syncMusicFromFolder, &PhoneSettingRecord::SyncMusicFromFolder},
-                             TruthField{&PhoneSettings::syncMusicFromPlayer, &PhoneSettingRecord::SyncMusicFromPlayer},
-                             TruthField{&PhoneSettings::syncMusicAll, &PhoneSettingRecord::SyncMusicAll}};
-
-struct NumberField {
-    int32_t PhoneSettings::*setting;
-    int32_t PhoneSettingRecord::*field;
-};
-
-constexpr std::array kNumbers{NumberField{&PhoneSettings::contactPreferSide, &PhoneSettingRecord::ContactPreferSide},
-                              NumberField{&PhoneSettings::calendarPreferSide, &PhoneSettingRecord::CalendarPreferSide},
-                              NumberField{&PhoneSettings::contactProgram, &PhoneSettingRecord::ContactPim},
-                              NumberField{&PhoneSettings::calendarProgram, &PhoneSettingRecord::CalPim},
-                              NumberField{&PhoneSettings::calendarPeriod, &PhoneSettingRecord::CalPeriod},
-                              NumberField{&PhoneSettings::bookmarkType, &PhoneSettingRecord::BookMarkType}};
 
 }  // namespace
 
@@ -67,30 +61,11 @@ Result SettingsRecords::write(const PhoneSettings& before, const PhoneSettings& 
         throw DatabaseError("DB_LIB_GetPhoneSetting failed: the phone's settings cannot be read");
     }
     PhoneSettingRecord record = present.unchanged();
-    std::array<DbText, kTexts.size()> texts;
-    for (size_t i = 0; i < kTexts.size(); ++i) {
-        const auto& [setting, field] = kTexts[i];
-        if (before.*setting == after.*setting) {
-            continue;
+    std::array<DbText, kSettings.size()> texts;
+    for (size_t i = 0; i < kSettings.size(); ++i) {
+        if (kSettings[i].isWritable) {
+            std::visit(PutChange{before, after, record, texts[i]}, kSettings[i].members);
         }
-        texts[i] = Text(after.*setting);
-        record.*field = texts[i].data();
-    }
-    for (const auto& [setting, field] : kTruths) {
-        if (before.*setting != after.*setting) {
-            record.*field = Truth(after.*setting);
-        }
-    }
-    for (const auto& [setting, field] : kNumbers) {
-        if (before.*setting != after.*setting) {
-            record.*field = after.*setting;
-        }
-    }
-    if (before.calendarStart != after.calendarStart) {
-        record.CalStart = ToDateValue(after.calendarStart);
-    }
-    if (before.calendarEnd != after.calendarEnd) {
-        record.CalEnd = ToDateValue(after.calendarEnd);
     }
     return DB_LIB_SetPhoneSetting(&record);
 }

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <string>
+#include <variant>
 
 #include "database/calls.h"
+#include "database/setting_table.h"
 
 namespace kesta::calls {
 
@@ -32,11 +34,12 @@ public:
     {
         PhoneSettingRecord record = record_;
         // Null leaves the column as it is, and a date that was never set must not become the text of an invalid one.
-        record.Name = record.PhotoPath = record.DocPath = record.WifiMAC = record.CalPeriodStr = nullptr;
-        record.ContactFolderId = record.CalendarFolderId = record.ContactProfile = record.CalendarProfile = nullptr;
-        for (DateValue* date : {&record.CalStart, &record.CalEnd}) {
-            if (date->Status != kDateValid) {
-                *date = {0.0, kDateNull};
+        for (const Setting& setting : kSettings) {
+            if (const auto* text = std::get_if<TextSetting>(&setting.members)) {
+                record.*(text->field) = nullptr;
+            } else if (const auto* date = std::get_if<DateSetting>(&setting.members);
+                       date != nullptr && (record.*(date->field)).Status != kDateValid) {
+                record.*(date->field) = {0.0, kDateNull};
             }
         }
         return record;
