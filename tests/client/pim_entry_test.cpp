@@ -106,11 +106,20 @@ TEST(PimStored, DigestsAreTheFiles)
     EXPECT_THAT(foreign.digest, SizeIs(32));
 }
 
+std::vector<std::string_view> Contents(const std::vector<PimEntry>& entries)
+{
+    std::vector<std::string_view> contents;
+    for (const PimEntry& entry : entries) {
+        contents.push_back(entry.bytes);
+    }
+    return contents;
+}
+
 TEST(PimText, Contacts_StandOneAfterTheOther)
 {
     const PimSource source = Contacts("BEGIN:VCARD\nVERSION:2.1\nUID:1\nEND:VCARD\n" + CardText("2", "Bob") +
                                       "BEGIN:VCARD\nUID:3\nEND:VCARD");
-    const std::string text = PhoneFileText(PimKind::kContacts, "friends", source.folders.at(0).entries);
+    const std::string text = PhoneFileText(PimKind::kContacts, "friends", Contents(source.folders.at(0).entries));
     EXPECT_EQ(text, "BEGIN:VCARD\nVERSION:2.1\nUID:1\nEND:VCARD\n" + CardText("2", "Bob") +
                         "BEGIN:VCARD\nUID:3\nEND:VCARD\r\n");
     EXPECT_THAT(formats::ParseCards(text).cards, SizeIs(3));
@@ -129,7 +138,7 @@ TEST(PimText, Entries_ShareOneCalendarAndItsTimeZones)
         zone + Event("3", inZone) + "END:VCALENDAR\r\n");
     auto entries = source.folders.at(0).entries;
     entries.push_back(later.folders.at(0).entries.at(0));
-    const std::string text = PhoneFileText(PimKind::kCalendar, "Work; home, and\\all", entries);
+    const std::string text = PhoneFileText(PimKind::kCalendar, "Work; home, and\\all", Contents(entries));
     EXPECT_EQ(CountOf(text, "BEGIN:VCALENDAR"), 1u);
     EXPECT_EQ(CountOf(text, "BEGIN:VTIMEZONE"), 1u);
     EXPECT_EQ(CountOf(text, "BEGIN:VEVENT"), 3u);
@@ -156,13 +165,31 @@ TEST(PimText, ContradictingTimeZones_GetCalendarsOfTheirOwn)
     entries.push_back(Calendars(Calendar("", zone("+0200") + Event("2", inZone))).folders.at(0).entries.at(0));
     entries.push_back(
         Calendars(Calendar("", Event("3"), "X-WR-TIMEZONE:Europe/Berlin\r\n")).folders.at(0).entries.at(0));
-    const std::string text = PhoneFileText(PimKind::kCalendar, "cal", entries);
+    const std::string text = PhoneFileText(PimKind::kCalendar, "cal", Contents(entries));
     EXPECT_EQ(CountOf(text, "BEGIN:VCALENDAR"), 3u);
     const formats::Calendars read = formats::ParseCalendars(text);
     ASSERT_THAT(read.entries, SizeIs(3));
     for (size_t i = 0; i < 3; ++i) {
         EXPECT_EQ(read.entries[i].digest, entries[i].digest);
     }
+}
+
+// The first calendars that take an entry keep taking its like, however many contradict each other before it.
+TEST(PimText, ManyContradictingTimeZones_KeepTheirEntriesTogether)
+{
+    constexpr int kZones = 100;
+    std::vector<PimEntry> entries;
+    for (int round = 0; round < 2; ++round) {
+        for (int zone = 0; zone < kZones; ++zone) {
+            const std::string text = "BEGIN:VTIMEZONE\r\nTZID:X\r\nTZNAME:" + std::to_string(zone) +
+                                     "\r\nEND:VTIMEZONE\r\n" +
+                                     Event(std::to_string(round * kZones + zone), "DTSTART;TZID=X:20260101T100000\r\n");
+            entries.push_back(Calendars(Calendar("", text)).folders.at(0).entries.at(0));
+        }
+    }
+    const std::string text = PhoneFileText(PimKind::kCalendar, "cal", Contents(entries));
+    EXPECT_EQ(CountOf(text, "BEGIN:VCALENDAR"), static_cast<size_t>(kZones));
+    EXPECT_EQ(CountOf(text, "BEGIN:VEVENT"), static_cast<size_t>(2 * kZones));
 }
 
 }  // namespace

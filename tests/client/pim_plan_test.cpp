@@ -75,8 +75,12 @@ public:
     {
         for (const PimStorePlan& plan : store.folders) {
             std::erase_if(stored, [&](const StoredPimFolder& folder) { return folder.folder.id == plan.folder.id; });
-            if (!plan.isLeaving) {
-                stored.push_back({plan.folder, plan.entries});
+            if (!plan.isObsolete) {
+                StoredPimFolder& folder = stored.emplace_back();
+                folder.folder = plan.folder;
+                for (const PlannedPimEntry& planned : plan.entries) {
+                    folder.entries.push_back(planned.entry);
+                }
             }
         }
         log = phone.others;
@@ -115,7 +119,7 @@ public:
             deferred += plan.deferred;
         }
         for (const PimStorePlan& plan : store.folders) {
-            deferred += plan.deferred.size();
+            deferred += plan.deferred;
         }
         return std::to_string(added) + " " + std::to_string(updated) + " " + std::to_string(removed) + " " +
                std::to_string(unchanged) + ", " + std::to_string(deferred);
@@ -153,7 +157,7 @@ TEST(PimPlan, NewChangedGoneAndUnchanged)
     world.plan({Contacts(CardsText({{"1", "Ann"}, {"2", "Bob"}, {"3", "Cay"}}))});
     EXPECT_EQ(world.counts(), "0 0 0 3, 0");
     EXPECT_THAT(world.actions(), ElementsAre(PimFileAction::kKeep));
-    EXPECT_FALSE(world.store.folders.at(0).changes());
+    EXPECT_EQ(world.store.folders.at(0).changes(), 0u);
 
     world.sync({Contacts(CardsText({{"1", "Ann"}, {"2", "Bobby"}, {"4", "Dan"}}))});
     EXPECT_EQ(world.counts(), "1 1 1 1, 0");

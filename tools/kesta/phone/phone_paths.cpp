@@ -36,7 +36,7 @@ std::string KeptPath(const std::string& phonePath, const std::function<bool(cons
 bool PhonePaths::reserve(const std::string& phonePath)
 {
     const std::string key = CaseKey(phonePath);
-    if (folders_.contains(key) || !files_.insert(key).second) {
+    if (!IsPhonePath(phonePath, top_) || folders_.contains(key) || !files_.insert(key).second) {
         return false;
     }
     for (auto slash = key.find('/'); slash != std::string::npos; slash = key.find('/', slash + 1)) {
@@ -50,9 +50,9 @@ void PhonePaths::release(const std::string& phonePath)
     freed_.insert(CaseKey(phonePath));
 }
 
-bool PhonePaths::isReserved(const std::string& phonePath) const
+bool PhonePaths::mayBeRemoved(const std::string& phonePath) const
 {
-    return files_.contains(CaseKey(phonePath));
+    return IsPhonePath(phonePath, top_) && !files_.contains(CaseKey(phonePath));
 }
 
 std::string PhonePaths::allocateFolder(const std::string& parent, const std::string& name)

@@ -17,11 +17,14 @@ class PhonePaths {
 public:
     PhonePaths(std::string top, const PhoneView& phone) : top_(std::move(top)), phone_(phone) {}
 
-    /// Says that the place belongs to a recorded file. False when another one has it already.
-    bool reserve(const std::string& phonePath);
-    /// Says that what lies in the place is going to be removed first.
+    /// Says that the path belongs to a recorded file. False when another one has it already, or when it does not lie
+    /// below the top folder.
+    [[nodiscard]] bool reserve(const std::string& phonePath);
+    /// Whether what lies there may be removed for a recorded file: anywhere else lies what somebody else has put there,
+    /// or a file that stays.
+    [[nodiscard]] bool mayBeRemoved(const std::string& phonePath) const;
+    /// Says that what lies there is going to be removed first.
     void release(const std::string& phonePath);
-    [[nodiscard]] bool isReserved(const std::string& phonePath) const;
 
     struct Allocated {
         std::string phonePath;

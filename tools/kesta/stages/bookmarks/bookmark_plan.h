@@ -16,7 +16,7 @@ struct BookmarkPlanInput {
     const formats::Bookmarks& file;  // of the PC
     const std::vector<RecordedBookmark>& recorded;
     const formats::Bookmarks& onPhone;  // what the phone's file holds now; empty when there is none
-    std::string place;                  // of the phone's file
+    std::string phonePath;              // of the phone's file
     DeletionGuard& guard;
 };
 

@@ -2,39 +2,45 @@
 
 #include <algorithm>
 #include <map>
-#include <unordered_map>
-#include <unordered_set>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "phone/names.h"
 #include "stages/media/phone_names.h"
+#include "sync/compare.h"
 
 namespace kesta {
 namespace {
 
-struct Wanted {
+struct WantedFile {
     const ScannedFile* file;
     const FolderScan* folder;
 };
 
-// Of a file that two chosen folders hold the innermost one is in charge.
-std::map<std::string, Wanted> CollectFiles(const PlanInput& input)
+// By their paths. Of a file that two chosen folders hold the innermost one is in charge.
+std::vector<WantedFile> CollectFiles(const PlanInput& input)
 {
     std::vector<const FolderScan*> folders = input.folders;
     std::stable_sort(folders.begin(), folders.end(),
                      [](const auto* a, const auto* b) { return a->path.size() > b->path.size(); });
-    std::map<std::string, Wanted> wanted;
+    std::map<std::string_view, WantedFile> byPath;
     for (const FolderScan* folder : folders) {
         for (const ScannedFile& file : folder->files) {
-            wanted.try_emplace(file.path, Wanted{&file, folder});
+            byPath.try_emplace(file.path, WantedFile{&file, folder});
         }
+    }
+    std::vector<WantedFile> wanted;
+    wanted.reserve(byPath.size());
+    for (const auto& [path, file] : byPath) {
+        wanted.push_back(file);
     }
     return wanted;
 }
 
-class GoneFiles {
+class FileRules : public CompareRules {
 public:
-    explicit GoneFiles(const PlanInput& input)
+    explicit FileRules(const PlanInput& input) : input_(input)
     {
         for (const FolderScan* folder : input.folders) {
             if (folder->complete) {
@@ -43,6 +49,12 @@ public:
         }
     }
 
+    [[nodiscard]] static std::string_view key(const RecordedFile& file) { return file.path; }
+    [[nodiscard]] static std::string_view key(const WantedFile& file) { return file.file->path; }
+    [[nodiscard]] static bool isSame(const RecordedFile& recorded, const WantedFile& wanted)
+    {
+        return recorded.modified == wanted.file->localTime;
+    }
     // Only what lay in a folder that was read to its end can be told to be gone. It may have been chosen by the name of
     // another folder, above or below.
     [[nodiscard]] bool isGone(const RecordedFile& file) const
@@ -56,9 +68,17 @@ public:
         });
     }
 
+    [[nodiscard]] bool defers(size_t removals) const
+    {
+        return input_.guard.defers(std::string(KeyOf(input_.category)), removals, input_.recorded.size());
+    }
+
 private:
+    const PlanInput& input_;
     std::vector<const FolderScan*> completeFolders_;
 };
+
+using FileDiff = Diff<RecordedFile, WantedFile>;
 
 PcFile ToPcFile(const ScannedFile& file)
 {
@@ -71,11 +91,11 @@ bool IsInOtherTimeZone(const RecordedFile& record, const PcFile& pc)
     return record.modified && pc.localTime && IsZoneDifference(*record.modified - *pc.localTime);
 }
 
-// Sorts out the removals that wait: all of them where they are most of the category's files, else those of a chosen
-// folder that would lose most of its own. One that is there but empty may be a disk that is not mounted.
-class Deferral {
+// The guard looks at each chosen folder, too, and not at the category alone: a folder that would lose most of its files
+// keeps them. One that is there but empty may be a disk that is not mounted.
+class FolderGuard {
 public:
-    explicit Deferral(const PlanInput& input) : input_(input)
+    explicit FolderGuard(const PlanInput& input) : input_(input)
     {
         for (const FolderScan* folder : input.folders) {
             if (folder->complete && folder->files.empty()) {
@@ -84,38 +104,46 @@ public:
         }
     }
 
-    void countStaying(const RecordedFile& file) { ++folders_[folderOf(file)].recorded; }
-    void countLeaving(const RecordedFile& file)
+    void run(FileDiff& diff, std::vector<DeferredFolder>& deferredFolders)
     {
-        Folder& folder = folders_[folderOf(file)];
-        ++folder.recorded;
-        ++folder.leaving;
-        ++leaving_;
-    }
-
-    // Once all are counted.
-    void decide(FilePlan& plan)
-    {
-        const std::string category(KeyOf(input_.category));
-        areAllDeferred_ = input_.guard.defers(category, leaving_, plan.recorded);
-        for (auto& [path, folder] : folders_) {
-            folder.isDeferred = input_.guard.defers(category + ' ' + path, folder.leaving, folder.recorded);
-            if (folder.isDeferred) {
-                plan.deferredFolders.push_back({path, folder.leaving, folder.recorded});
+        count(diff);
+        std::set<std::string_view> deferred;
+        for (const auto& [path, folder] : folders_) {
+            if (input_.guard.defers(std::string(KeyOf(input_.category)) + ' ' + path, folder.gone, folder.recorded)) {
+                deferred.insert(path);
+                deferredFolders.push_back({path, folder.gone, folder.recorded});
             }
         }
-    }
-
-    [[nodiscard]] bool isDeferred(const RecordedFile& file) const
-    {
-        return areAllDeferred_ || folders_.at(folderOf(file)).isDeferred;
+        std::erase_if(diff.removed, [&](const RecordedFile* file) {
+            const bool waits = deferred.contains(folderOf(*file));
+            if (waits) {
+                diff.deferred.push_back(file);
+            }
+            return waits;
+        });
     }
 
 private:
     struct Folder {
-        size_t leaving = 0, recorded = 0;
-        bool isDeferred = false;
+        size_t gone = 0, recorded = 0;
     };
+
+    // Of the folders of which this run can tell what is gone.
+    void count(const FileDiff& diff)
+    {
+        for (const auto& item : diff.items) {
+            if (item.recorded != nullptr) {
+                ++folders_[folderOf(*item.recorded)].recorded;
+            }
+        }
+        for (const auto* files : {&diff.removed, &diff.deferred}) {
+            for (const RecordedFile* file : *files) {
+                Folder& folder = folders_[folderOf(*file)];
+                ++folder.recorded;
+                ++folder.gone;
+            }
+        }
+    }
 
     [[nodiscard]] const std::string& folderOf(const RecordedFile& file) const
     {
@@ -126,15 +154,33 @@ private:
 
     const PlanInput& input_;
     std::vector<std::string> emptyFolders_;
-    std::map<std::string, Folder> folders_;  // of which this run can tell what is gone
-    size_t leaving_ = 0;
-    bool areAllDeferred_ = false;
+    std::map<std::string, Folder> folders_;
 };
 
 }  // namespace
 
-std::optional<FileChange> CompareFile(const ComparedFile& file, Category category, const std::string& basePath,
-                                      const PhoneChanges& changes, PhonePaths& paths, const Allocate& allocate)
+PlacedFiles ReservePaths(const std::vector<RecordedFile>& recorded, const std::vector<const RecordedFile*>& removed,
+                         const std::vector<const RecordedFile*>& deferred, PhonePaths& paths)
+{
+    PlacedFiles placed;
+    const auto place = [&](const RecordedFile* file) {
+        if (paths.reserve(file->phonePath)) {
+            placed.insert(file);
+        }
+    };
+    std::unordered_set<const RecordedFile*> later(removed.begin(), removed.end());
+    later.insert(deferred.begin(), deferred.end());
+    for (const RecordedFile& file : recorded) {
+        if (!later.contains(&file)) {
+            place(&file);
+        }
+    }
+    std::for_each(deferred.begin(), deferred.end(), place);
+    return placed;
+}
+
+std::optional<FileChange> PlanFile(const ComparedFile& file, Category category, const std::string& basePath,
+                                   const PhoneChanges& changes, PhonePaths& paths, const Allocate& allocate)
 {
     const PcFile& pc = file.pc;
     FileChange change{ChangeKind::kPut, category, {pc.path, basePath, {}, pc.localTime}, pc.size, {}};
@@ -142,7 +188,7 @@ std::optional<FileChange> CompareFile(const ComparedFile& file, Category categor
         const RecordedFile& record = *file.record;
         const bool isChanged = changes.isChanged(record.phonePath, file.there, record.modified, &pc);
         const bool isSameSize = file.there.entry == PhoneEntry::kFile && file.there.size == pc.size;
-        if (isSameSize && !isChanged && record.modified == pc.localTime) {
+        if (isSameSize && !isChanged && file.state == Comparison::kSame) {
             return std::nullopt;
         }
         const bool isOnlyTimeZone = isSameSize && !isChanged && IsInOtherTimeZone(record, pc) &&
@@ -168,76 +214,45 @@ std::optional<FileChange> CompareFile(const ComparedFile& file, Category categor
 
 FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
 {
+    const std::vector<WantedFile> wanted = CollectFiles(input);
+    FileDiff diff = Compare(input.recorded, wanted, FileRules(input));
     FilePlan plan;
+    FolderGuard(input).run(diff, plan.deferredFolders);
     plan.recorded = input.recorded.size();
-    const auto wanted = CollectFiles(input);
-
-    const GoneFiles gone(input);
-    std::vector<const RecordedFile*> staying, leaving;
-    Deferral deferral(input);
-    for (const RecordedFile& file : input.recorded) {
-        if (wanted.contains(file.path)) {
-            deferral.countStaying(file);
-            staying.push_back(&file);
-        } else if (gone.isGone(file)) {
-            deferral.countLeaving(file);
-            leaving.push_back(&file);
-        } else {
-            staying.push_back(&file);
-        }
-    }
-    deferral.decide(plan);
-    std::erase_if(leaving, [&](const RecordedFile* file) {
-        const bool waits = deferral.isDeferred(*file);
-        if (waits) {
-            ++plan.deferred;
-            staying.push_back(file);
-        }
-        return waits;
-    });
+    plan.deferred = diff.deferred.size();
 
     PhoneNames names(input.category, phone);
-    std::unordered_map<std::string, const RecordedFile*> recorded;
-    std::unordered_set<std::string> misplaced;  // recorded in a place that is not theirs
-    for (const RecordedFile* file : staying) {
-        recorded.emplace(file->path, file);
-        if (!IsPhonePath(file->phonePath, input.category) || !names.reserve(file->phonePath)) {
-            misplaced.insert(file->path);
+    const PlacedFiles placed = ReservePaths(input.recorded, diff.removed, diff.deferred, names);
+    std::vector<ComparedFile> compared;
+    compared.reserve(diff.items.size());
+    for (const auto& item : diff.items) {
+        ComparedFile& file = compared.emplace_back(ToPcFile(*item.wanted->file), item.state, item.recorded);
+        if (placed.contains(item.recorded)) {
+            file.there = phone.find(item.recorded->phonePath);
+            input.changes.learn(file.there, item.recorded->modified, file.pc);
         }
     }
-    std::vector<std::pair<ComparedFile, Wanted>> compared;
-    compared.reserve(wanted.size());
-    for (const auto& [path, source] : wanted) {
-        ComparedFile file{ToPcFile(*source.file)};
-        if (const auto known = recorded.find(path); known != recorded.end()) {
-            file.record = known->second;
-            if (!misplaced.contains(path)) {
-                file.there = phone.find(known->second->phonePath);
-                input.changes.learn(file.there, file.record->modified, file.pc);
-            }
-        }
-        compared.emplace_back(std::move(file), source);
-    }
-    for (const RecordedFile* file : leaving) {
-        FileChange action{ChangeKind::kRemove, input.category, *file, 0, {}};
-        if (!IsPhonePath(file->phonePath, input.category) || names.isReserved(file->phonePath)) {
-            action.file.phonePath.clear();
+    for (const RecordedFile* file : diff.removed) {
+        FileChange change{ChangeKind::kRemove, input.category, *file, 0, {}};
+        std::string& phonePath = change.file.phonePath;
+        if (!names.mayBeRemoved(phonePath)) {
+            phonePath.clear();
         } else {
-            if (input.changes.isChanged(file->phonePath, phone.find(file->phonePath), file->modified, nullptr)) {
-                action.keepAs = names.allocateBeside(file->phonePath);
+            if (input.changes.isChanged(phonePath, phone.find(phonePath), file->modified, nullptr)) {
+                change.keepAs = names.allocateBeside(phonePath);
             }
-            names.release(file->phonePath);
+            names.release(phonePath);
         }
-        plan.removals.push_back(std::move(action));
+        plan.removals.push_back(std::move(change));
     }
     names.chooseRoots(input);
 
-    for (const auto& [file, source] : compared) {
-        const auto& [scanned, folder] = source;
+    for (size_t i = 0; i < compared.size(); ++i) {
+        const auto& [scanned, folder] = *diff.items[i].wanted;
         const auto allocate = [&, scanned = scanned, folder = folder] {
             return names.allocate(folder->path, *scanned);
         };
-        if (auto change = CompareFile(file, input.category, folder->path, input.changes, names, allocate)) {
+        if (auto change = PlanFile(compared[i], input.category, folder->path, input.changes, names, allocate)) {
             plan.copies.push_back(*std::move(change));
         } else {
             ++plan.unchanged;

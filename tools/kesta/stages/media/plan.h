@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "database/category.h"
@@ -12,6 +13,7 @@
 #include "phone/phone_paths.h"
 #include "phone/phone_view.h"
 #include "stages/media/scan.h"
+#include "sync/compare.h"
 #include "sync/deletion_guard.h"
 #include "sync/phone_changes.h"
 #include "sync/plan.h"
@@ -50,9 +52,18 @@ struct FilePlan {
     std::vector<DeferredFolder> deferredFolders;
 };
 
-/// A file of the PC, where its record says that it lies on the phone, and how it is there.
+/// The recorded files that have a phone path of their own, and keep it.
+using PlacedFiles = std::unordered_set<const RecordedFile*>;
+
+/// Reserves the phone paths of all files that stay. Where two have one, that of a deferred removal has the least right.
+[[nodiscard]] PlacedFiles ReservePaths(const std::vector<RecordedFile>& recorded,
+                                       const std::vector<const RecordedFile*>& removed,
+                                       const std::vector<const RecordedFile*>& deferred, PhonePaths& paths);
+
+/// A file of the PC beside its record, and how it is on the phone.
 struct ComparedFile {
     PcFile pc;
+    Comparison state = Comparison::kNew;
     const RecordedFile* record = nullptr;       // none: it is not recorded
     PhoneFile there{PhoneEntry::kOther, 0, 0};  // kOther: what is recorded cannot be this file's phone path
 };
@@ -62,9 +73,9 @@ using Allocate = std::function<PhonePaths::Allocated()>;
 
 /// What is to be done for the file; std::nullopt when it is on the phone as it is on the PC. A file that is new is
 /// recorded under basePath, any other one stays where it is. What was changed on the phone gets a path beside it.
-[[nodiscard]] std::optional<FileChange> CompareFile(const ComparedFile& file, Category category,
-                                                    const std::string& basePath, const PhoneChanges& changes,
-                                                    PhonePaths& paths, const Allocate& allocate);
+[[nodiscard]] std::optional<FileChange> PlanFile(const ComparedFile& file, Category category,
+                                                 const std::string& basePath, const PhoneChanges& changes,
+                                                 PhonePaths& paths, const Allocate& allocate);
 
 [[nodiscard]] FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone);
 

@@ -6,11 +6,14 @@
 #include <cstdlib>
 #include <map>
 #include <optional>
+#include <string_view>
+#include <utility>
 
 #include "os/local_time.h"
 #include "phone/phone_paths.h"
 #include "phone/unique_name.h"
 #include "stages/pim/pim_text.h"
+#include "sync/compare.h"
 
 namespace kesta {
 namespace {
@@ -86,6 +89,16 @@ private:
     std::set<std::string> taken_;               // case keys
 };
 
+// What the log says against what the store holds. The guard is asked about the file as a whole.
+struct RowRules : CompareRules {
+    static std::string_view key(const PimLogRow& row) { return row.guid; }
+    static std::string_view key(const PlannedPimEntry& planned) { return planned.entry.id; }
+    static bool isSame(const PimLogRow& row, const PlannedPimEntry& planned)
+    {
+        return FromLuid(row.luid).digest == planned.entry.digest;
+    }
+};
+
 class PhonePlanner {
 public:
     PhonePlanner(const PimPhoneInput& input, const Phone& phone) : input_(input), phone_(phone), names_(input, phone) {}
@@ -151,33 +164,20 @@ private:
     }
 
     // Counts, and makes a row for each entry; where it lies follows with the file.
-    void compare(const PimStorePlan& folder, PimPhonePlan& plan) const
+    static void compare(const PimStorePlan& folder, PimPhonePlan& plan)
     {
-        std::map<std::string, const PimLogRow*> old;
-        for (const PimLogRow& row : plan.oldRows) {
-            old.emplace(row.guid, &row);
-        }
-        for (const PimEntry& entry : folder.entries) {
-            PimLogRow row{entry.id, {}, entry.modified, std::nullopt};
-            const auto place = old.find(entry.id);
-            if (place == old.end()) {
-                ++plan.added;
+        const auto diff = Compare(plan.oldRows, folder.entries, RowRules());
+        for (const auto& item : diff.items) {
+            const auto& [entry, state, isDeferred] = *item.wanted;
+            if (item.state == Comparison::kSame) {
+                plan.unchanged += isDeferred ? 0u : 1u;
+                plan.rows.push_back(*item.recorded);
             } else {
-                const bool isSame = FromLuid(place->second->luid).digest == entry.digest;
-                if (!isSame) {
-                    ++plan.updated;
-                }
-                if (isSame && !folder.deferred.contains(entry.id)) {
-                    ++plan.unchanged;
-                }
-                if (isSame) {
-                    row = *place->second;
-                }
-                old.erase(place);
+                ++(item.state == Comparison::kNew ? plan.added : plan.updated);
+                plan.rows.push_back({entry.id, {}, entry.modified, std::nullopt});
             }
-            plan.rows.push_back(std::move(row));
         }
-        plan.removed = old.size();
+        plan.removed = diff.removed.size();
     }
 
     static void leaveAlone(const PimSource& source, PimPhonePlan& plan)
@@ -196,7 +196,12 @@ private:
     void planFile(const PimStorePlan& folder, PimPhonePlan& plan)
     {
         const std::string name = folder.folder.path.substr(folder.folder.path.rfind('/') + 1);
-        plan.text = PhoneFileText(input_.kind, name, folder.entries);
+        std::vector<std::string_view> contents;
+        contents.reserve(folder.entries.size());
+        for (const PlannedPimEntry& planned : folder.entries) {
+            contents.push_back(planned.entry.bytes);
+        }
+        plan.text = PhoneFileText(input_.kind, name, contents);
         const auto recorded = recordedPlace(plan);
         plan.phonePath = recorded ? *recorded : names_.allocate(folder.folder, plan.text);
         const PhoneFile there = phone_.find(plan.phonePath);
@@ -213,7 +218,7 @@ private:
             keepChanges(plan);
         }
         if (!isChanged && !holdsIt) {
-            std::swap(plan.updated, plan.unchanged);
+            plan.updated = std::exchange(plan.unchanged, 0);  // all of them are written again
         }
         recordPlace(folder, !isAsRecorded || plan.added + plan.updated == 0, plan);
     }
@@ -248,7 +253,7 @@ private:
     {
         const std::string file = PimFileDigest(plan.phonePath.substr(plan.phonePath.rfind('/') + 1));
         for (size_t i = 0; i < plan.rows.size(); ++i) {
-            plan.rows[i].luid = ToLuid({file, folder.entries[i].digest});
+            plan.rows[i].luid = ToLuid({file, folder.entries[i].entry.digest});
             if (evenUnchangedRows) {
                 plan.rows[i].phoneTime.reset();
             }

@@ -11,6 +11,7 @@
 #include "os/local_time.h"
 #include "os/system.h"
 #include "phone/names.h"
+#include "sync/compare.h"
 
 namespace kesta {
 namespace {
@@ -44,14 +45,23 @@ private:
             }
         }
         for (const PimStorePlan& folder : work_.store.folders) {
-            for (const PimEntry& entry : folder.entries) {
-                contents_[entry.id] = &entry.bytes;
+            for (const PlannedPimEntry& planned : folder.entries) {
+                contents_[planned.entry.id] = &planned.entry.bytes;
             }
         }
     }
 
     const PimWork& work_;
     std::unordered_map<std::string, const std::string*> contents_;
+};
+
+// What the log says now against what it is going to say.
+struct LogRules : CompareRules {
+    static std::string_view key(const PimLogRow& row) { return row.guid; }
+    static bool isSame(const PimLogRow& before, const PimLogRow& after)
+    {
+        return FromLuid(before.luid).digest == FromLuid(after.luid).digest;
+    }
 };
 
 // What happens to which entry of the file.
@@ -61,24 +71,18 @@ std::vector<std::string> EntriesOf(EntryContents& contents, const PimPhonePlan& 
     const auto tell = [&](const Verb& verb, const std::string& id) {
         entries.push_back(fmt::format("{:<9} {}", verb.planned, contents.titleOf(id)));
     };
-    std::map<std::string, std::string> before;
-    for (const PimLogRow& row : file.oldRows) {
-        before.emplace(row.guid, FromLuid(row.luid).digest);
-    }
-    if (file.action != PimFileAction::kRemove) {
-        for (const PimLogRow& row : file.rows) {
-            const auto old = before.find(row.guid);
-            if (old == before.end()) {
-                tell(kAdded, row.guid);
-                continue;
-            }
-            if (old->second != FromLuid(row.luid).digest) {
-                tell(kUpdated, row.guid);
-            }
-            before.erase(old);
+    static const std::vector<PimLogRow> kNone;
+    const auto diff = Compare(file.oldRows, file.action == PimFileAction::kRemove ? kNone : file.rows, LogRules());
+    for (const auto& item : diff.items) {
+        if (item.state != Comparison::kSame) {
+            tell(item.state == Comparison::kNew ? kAdded : kUpdated, item.wanted->guid);
         }
     }
-    for (const auto& [id, digest] : before) {
+    std::set<std::string> removed;
+    for (const PimLogRow* row : diff.removed) {
+        removed.insert(row->guid);
+    }
+    for (const std::string& id : removed) {
         tell(kRemoved, id);
     }
     return entries;
@@ -160,7 +164,7 @@ void PimStage::prepare(PimKind kind, Session& session)
         {kind, work.sources, work.store, work.log, journal_ ? journal_->paths : kNone, session.guard, changes},
         session.phone);
     for (const PimStorePlan& folder : work.store.folders) {
-        tally.deferred += folder.deferred.size();
+        tally.deferred += folder.deferred;
     }
     for (const PimPhonePlan& file : work.phone.files) {
         tally.deferred += file.deferred;
@@ -277,7 +281,7 @@ void PimStage::addStoreFolder(const PimWork& work, const PimStorePlan& folder, S
     if (folder.isNew) {
         addStep(plan, [this, kind, &folder] { Require("DB_PIM_AddFolder", records_.addFolder(kind, folder.folder)); });
     }
-    const size_t all = folder.added.size() + folder.updated.size() + folder.removed.size();
+    const size_t all = folder.changes();
     size_t done = 0;
     const auto addCounted = [&](std::function<void()> step) {
         addStep(plan, [kind, done, all, &session, step = std::move(step)] {
@@ -286,13 +290,17 @@ void PimStage::addStoreFolder(const PimWork& work, const PimStorePlan& folder, S
         });
         ++done;
     };
-    for (const size_t i : folder.added) {
-        addCounted([this, kind, &folder, i] { addItem(kind, folder.folder, folder.entries[i]); });
+    for (const PlannedPimEntry& planned : folder.entries) {
+        if (planned.state == Comparison::kNew) {
+            addCounted([this, kind, &folder, &entry = planned.entry] { addItem(kind, folder.folder, entry); });
+        }
     }
-    for (const size_t i : folder.updated) {
-        addCounted([this, kind, &entry = folder.entries[i]] {
-            Require("DB_PIM_UpdateItem", records_.updateItem(kind, {entry.id, entry.bytes}));
-        });
+    for (const PlannedPimEntry& planned : folder.entries) {
+        if (planned.state == Comparison::kChanged) {
+            addCounted([this, kind, &entry = planned.entry] {
+                Require("DB_PIM_UpdateItem", records_.updateItem(kind, {entry.id, entry.bytes}));
+            });
+        }
     }
     const auto failure = std::make_shared<std::string>();
     for (const std::string& id : folder.removed) {
@@ -306,7 +314,7 @@ void PimStage::addStoreFolder(const PimWork& work, const PimStorePlan& folder, S
     if (all > 0) {
         addStep(plan, [this, kind, &folder, failure] { checkStored(kind, folder, *failure); });
     }
-    if (folder.isLeaving) {
+    if (folder.isObsolete) {
         addStep(plan, [this, &folder] { Require("DB_PIM_DeleteFolder", records_.removeFolder(folder.folder.id)); });
     }
 }
@@ -326,8 +334,8 @@ void PimStage::addItem(PimKind kind, const PimFolder& folder, const PimEntry& en
 void PimStage::checkStored(PimKind kind, const PimStorePlan& folder, const std::string& failure)
 {
     std::set<std::string> wanted, stored;
-    for (const PimEntry& entry : folder.entries) {
-        wanted.insert(entry.id);
+    for (const PlannedPimEntry& planned : folder.entries) {
+        wanted.insert(planned.entry.id);
     }
     for (const PimItem& item : records_.items(kind, folder.folder.id)) {
         stored.insert(item.id);

@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <map>
-#include <unordered_map>
-#include <unordered_set>
+#include <string_view>
 
 #include "phone/unique_name.h"
+#include "sync/compare.h"
 
 namespace kesta {
 namespace {
@@ -37,6 +37,29 @@ public:
 private:
     PimKind kind_;
     std::set<std::string> taken_;
+};
+
+// Only what a file that was read to its end does not hold can be told to be gone.
+class EntryRules : public CompareRules {
+public:
+    EntryRules(DeletionGuard& guard, const PimStorePlan& plan, size_t known) : guard_(guard), plan_(plan), known_(known)
+    {
+    }
+    [[nodiscard]] static std::string_view key(const PimEntry& entry) { return entry.id; }
+    [[nodiscard]] static bool isSame(const PimEntry& known, const PimEntry& wanted)
+    {
+        return known.digest == wanted.digest;
+    }
+    [[nodiscard]] bool isGone(const PimEntry& /*known*/) const { return plan_.source->complete; }
+    [[nodiscard]] bool defers(size_t removals) const
+    {
+        return plan_.source->complete && guard_.defers("store " + plan_.folder.id, removals, known_);
+    }
+
+private:
+    DeletionGuard& guard_;
+    const PimStorePlan& plan_;
+    size_t known_;
 };
 
 class StorePlanner {
@@ -77,11 +100,11 @@ private:
     void takeFolder(const PimSource& source, const PimSourceFolder& wanted)
     {
         static const StoredPimFolder kNothing{};
-        const auto place = known_.find(wanted.id);
-        const StoredPimFolder& known = place == known_.end() ? kNothing : *place->second;
+        const auto found = known_.find(wanted.id);
+        const StoredPimFolder& known = found == known_.end() ? kNothing : *found->second;
         PimStorePlan plan;
         plan.source = &source;
-        plan.isNew = place == known_.end();
+        plan.isNew = found == known_.end();
         plan.folder = known.folder;
         if (plan.isNew) {
             if (wanted.entries.empty()) {
@@ -94,7 +117,7 @@ private:
             plan.folder = {wanted.id, PimRootFolder(input_.kind).id, paths_.allocate(wanted.name, wanted.id)};
         }
         planEntries(known.entries, wanted.entries, plan);
-        plan.isLeaving = !plan.isNew && source.complete && plan.entries.empty();
+        plan.isObsolete = !plan.isNew && source.complete && plan.entries.empty();
         result_.folders.push_back(std::move(plan));
     }
 
@@ -108,29 +131,18 @@ private:
 
     void planEntries(const std::vector<PimEntry>& known, const std::vector<PimEntry>& wanted, PimStorePlan& plan)
     {
-        std::unordered_map<std::string, const PimEntry*> stored;
-        for (const PimEntry& entry : known) {
-            stored.emplace(entry.id, &entry);
-        }
-        std::unordered_set<std::string> seen;
+        const auto diff = Compare(known, wanted, EntryRules(input_.guard, plan, known.size()));
         size_t leftOut = 0, room = input_.itemLimit - std::min(input_.itemLimit, known.size());
-        for (const PimEntry& entry : wanted) {
-            const auto place = stored.find(entry.id);
-            seen.insert(entry.id);
-            if (place == stored.end()) {
-                if (room == 0) {
-                    ++leftOut;
-                    continue;
-                }
-                --room;
-                plan.added.push_back(plan.entries.size());
-                plan.entries.push_back(entry);
-            } else if (place->second->digest != entry.digest) {
-                plan.updated.push_back(plan.entries.size());
-                plan.entries.push_back(entry);
-            } else {
-                plan.entries.push_back(*place->second);
-                plan.entries.back().modified = entry.modified;
+        for (const auto& item : diff.items) {
+            if (item.state == Comparison::kNew && room == 0) {
+                ++leftOut;
+                continue;
+            }
+            room -= item.state == Comparison::kNew ? 1u : 0u;
+            plan.entries.push_back({*item.wanted, item.state});
+            if (item.state == Comparison::kSame) {
+                plan.entries.back().entry = *item.recorded;
+                plan.entries.back().entry.modified = item.wanted->modified;
             }
         }
         if (leftOut > 0) {
@@ -138,32 +150,22 @@ private:
                 {plan.source->path, fmt::format("{} of its entries are left out: the database takes {} in a folder",
                                                 leftOut, input_.itemLimit)});
         }
-        planRemovals(known, seen, plan);
+        keep(diff.kept, false, plan);
+        keep(diff.deferred, true, plan);
+        for (const PimEntry* entry : diff.removed) {
+            plan.removed.push_back(entry->id);
+        }
+        std::sort(plan.removed.begin(), plan.removed.end());
     }
 
-    // Only what a file that was read to its end does not hold can be told to be gone.
-    void planRemovals(const std::vector<PimEntry>& known, const std::unordered_set<std::string>& seen,
-                      PimStorePlan& plan)
+    // In the same order in every run.
+    static void keep(std::vector<const PimEntry*> entries, bool areDeferred, PimStorePlan& plan)
     {
-        std::vector<const PimEntry*> leaving;
-        for (const PimEntry& entry : known) {
-            if (!seen.contains(entry.id)) {
-                leaving.push_back(&entry);
-            }
+        std::sort(entries.begin(), entries.end(), [](const auto* a, const auto* b) { return a->id < b->id; });
+        for (const PimEntry* entry : entries) {
+            plan.entries.push_back({*entry, Comparison::kSame, areDeferred});
         }
-        std::sort(leaving.begin(), leaving.end(), [](const auto* a, const auto* b) { return a->id < b->id; });
-        const bool areTooMany =
-            plan.source->complete && input_.guard.defers("store " + plan.folder.id, leaving.size(), known.size());
-        for (const PimEntry* entry : leaving) {
-            if (plan.source->complete && !areTooMany) {
-                plan.removed.push_back(entry->id);
-                continue;
-            }
-            if (plan.source->complete) {
-                plan.deferred.insert(entry->id);
-            }
-            plan.entries.push_back(*entry);
-        }
+        plan.deferred += areDeferred ? entries.size() : 0;
     }
 
     const PimStoreInput& input_;

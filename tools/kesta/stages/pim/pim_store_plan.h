@@ -2,6 +2,7 @@
 // hold. Changes nothing.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <set>
 #include <string>
@@ -10,6 +11,7 @@
 #include "report/summary.h"
 #include "stages/pim/pim_entry.h"
 #include "stages/pim/pim_source.h"
+#include "sync/compare.h"
 #include "sync/deletion_guard.h"
 
 namespace kesta {
@@ -28,17 +30,26 @@ struct PimStoreInput {
     size_t itemLimit = kMostListedPimItems;
 };
 
+struct PlannedPimEntry {
+    PimEntry entry;
+    Comparison state = Comparison::kSame;
+    bool isDeferred = false;  // stays, since removing it would be more than half of the folder
+};
+
 struct PimStorePlan {
     PimFolder folder;
     const PimSource* source = nullptr;
     bool isNew = false;
-    bool isLeaving = false;            // nothing is left in it
-    std::vector<PimEntry> entries;     // what it holds then: in the file's order, what is not in the file behind it
-    std::vector<size_t> added;         // of these
-    std::vector<size_t> updated;       // of these
-    std::vector<std::string> removed;  // ids
-    std::set<std::string> deferred;    // ids of what stays, since it would be more than half of the folder
-    [[nodiscard]] bool changes() const { return !added.empty() || !updated.empty() || !removed.empty(); }
+    bool isObsolete = false;               // nothing is left in it
+    std::vector<PlannedPimEntry> entries;  // what it holds then: in the file's order, what is not in the file behind it
+    std::vector<std::string> removed;      // ids
+    size_t deferred = 0;                   // of the entries
+    [[nodiscard]] size_t count(Comparison state) const
+    {
+        return static_cast<size_t>(std::count_if(
+            entries.begin(), entries.end(), [&](const PlannedPimEntry& planned) { return planned.state == state; }));
+    }
+    [[nodiscard]] size_t changes() const { return entries.size() - count(Comparison::kSame) + removed.size(); }
 };
 
 struct PimStorePlans {

@@ -1,8 +1,10 @@
 #include "stages/pim/pim_text.h"
 
+#include <algorithm>
 #include <map>
-#include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "formats/content_line.h"
 #include "formats/icalendar_reader.h"
@@ -52,22 +54,16 @@ struct Head {
 
 // A calendar in the making.
 struct Calendar {
-    Head head;
+    std::string head;
     std::map<std::string, std::string, std::less<>> timeZones;  // by TZID
     std::string zoneText, entryText;
 
-    [[nodiscard]] bool takes(const Head& otherHead, const formats::RawCalendar& other) const
+    [[nodiscard]] bool takes(const formats::RawCalendar& other) const
     {
-        if (head.canonical != otherHead.canonical) {
-            return false;
-        }
-        for (const formats::Component& zone : other.timeZones) {
+        return std::all_of(other.timeZones.begin(), other.timeZones.end(), [&](const formats::Component& zone) {
             const auto known = timeZones.find(zone.timeZoneId);
-            if (known != timeZones.end() && known->second != zone.canonical) {
-                return false;
-            }
-        }
-        return true;
+            return known == timeZones.end() || known->second == zone.canonical;
+        });
     }
 
     void add(const formats::RawCalendar& other)
@@ -86,37 +82,81 @@ struct Calendar {
     {
         AppendWhole(text, "BEGIN:VCALENDAR");
         AppendWhole(text, "PRODID:-//KESTA//KESTA//EN");
-        text += head.text;
+        text += head;
         AppendWhole(text, "X-WR-CALNAME:" + Escaped(name));
         text += zoneText + entryText;
         AppendWhole(text, "END:VCALENDAR");
     }
 };
 
-std::string CalendarText(const std::string& name, const std::vector<PimEntry>& entries)
+// Puts entries into as few calendars as their heads and time zones allow: each into the first one that takes it.
+class CalendarMerger {
+public:
+    void add(const formats::RawCalendar& part)
+    {
+        Head head(part.head);
+        Alike& alike = alike_[head.canonical];
+        // Zones are only ever added to a calendar: what it has taken or refused once it takes or refuses again.
+        const auto [known, isNew] = alike.calendarOfZones.try_emplace(zonesOf(part), 0);
+        if (isNew) {
+            known->second = find(alike, part);
+        }
+        if (known->second == calendars_.size()) {
+            alike.calendars.push_back(calendars_.size());
+            calendars_.push_back({std::move(head.text), {}, {}, {}});
+        }
+        calendars_[known->second].add(part);
+    }
+
+    [[nodiscard]] const std::vector<Calendar>& calendars() const { return calendars_; }
+
+private:
+    // So many calendars of one head are tried for zones that are new. No calendar that anybody keeps contradicts itself
+    // that often, and trying all would take a time that grows with the square of their number.
+    static constexpr size_t kMostTried = 64;
+
+    struct Alike {
+        std::vector<size_t> calendars;
+        std::unordered_map<std::string, size_t> calendarOfZones;
+    };
+
+    [[nodiscard]] size_t find(const Alike& alike, const formats::RawCalendar& part) const
+    {
+        const auto end = alike.calendars.begin() + static_cast<ptrdiff_t>(std::min(kMostTried, alike.calendars.size()));
+        const auto found = std::find_if(alike.calendars.begin(), end,
+                                        [&](size_t calendar) { return calendars_[calendar].takes(part); });
+        return found == end ? calendars_.size() : *found;
+    }
+
+    [[nodiscard]] static std::string zonesOf(const formats::RawCalendar& part)
+    {
+        std::string zones;
+        for (const formats::Component& zone : part.timeZones) {
+            zones += zone.timeZoneId + '\0' + zone.canonical + '\0';
+        }
+        return zones;
+    }
+
+    std::vector<Calendar> calendars_;
+    std::unordered_map<std::string, Alike> alike_;  // by the heads' canonical forms
+};
+
+std::string CalendarText(const std::string& name, std::span<const std::string_view> entries)
 {
-    std::vector<Calendar> calendars;
+    CalendarMerger merger;
     std::string unknown;  // contents that another program left in the database
-    for (const PimEntry& entry : entries) {
-        const formats::RawCalendars read = formats::ReadCalendars(entry.bytes);
+    for (const std::string_view entry : entries) {
+        const formats::RawCalendars read = formats::ReadCalendars(entry);
         if (!read.problems.empty()) {
-            AppendWhole(unknown, entry.bytes);
+            AppendWhole(unknown, entry);
             continue;
         }
         for (const formats::RawCalendar& part : read.calendars) {
-            Head head(part.head);
-            auto place = calendars.begin();
-            while (place != calendars.end() && !place->takes(head, part)) {
-                ++place;
-            }
-            if (place == calendars.end()) {
-                place = calendars.insert(calendars.end(), Calendar{std::move(head), {}, {}, {}});
-            }
-            place->add(part);
+            merger.add(part);
         }
     }
     std::string text;
-    for (const Calendar& calendar : calendars) {
+    for (const Calendar& calendar : merger.calendars()) {
         calendar.appendTo(text, name);
     }
     return text + unknown;
@@ -124,14 +164,14 @@ std::string CalendarText(const std::string& name, const std::vector<PimEntry>& e
 
 }  // namespace
 
-std::string PhoneFileText(PimKind kind, const std::string& name, const std::vector<PimEntry>& entries)
+std::string PhoneFileText(PimKind kind, const std::string& name, std::span<const std::string_view> entries)
 {
     if (kind == PimKind::kCalendar) {
         return CalendarText(name, entries);
     }
     std::string text;
-    for (const PimEntry& entry : entries) {
-        AppendWhole(text, entry.bytes);
+    for (const std::string_view entry : entries) {
+        AppendWhole(text, entry);
     }
     return text;
 }

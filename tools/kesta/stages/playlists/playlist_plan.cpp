@@ -16,10 +16,28 @@ struct Need {
     std::string owner;  // the first list that needs it
 };
 
+// The music that lists need, without a guard of its own: the guard has been asked about the lists.
+class MemberRules : public CompareRules {
+public:
+    using Keepers = std::map<std::string, std::string>;
+
+    explicit MemberRules(const Keepers& kept) : kept_(kept) {}
+    [[nodiscard]] static std::string_view key(const RecordedFile& file) { return file.path; }
+    [[nodiscard]] static std::string_view key(const Need& need) { return need.member->path; }
+    [[nodiscard]] static bool isSame(const RecordedFile& recorded, const Need& need)
+    {
+        return recorded.modified == need.member->localTime;
+    }
+    [[nodiscard]] bool isGone(const RecordedFile& file) const { return !kept_.contains(file.path); }
+
+private:
+    const Keepers& kept_;
+};
+
 class Planner {
 public:
     Planner(const PlaylistPlanInput& input, const PhoneView& phone)
-        : input_(input), phone_(phone), places_(std::string(kPlaylistMediaFolder), phone)
+        : input_(input), phone_(phone), paths_(std::string(kPlaylistMediaFolder), phone)
     {
     }
 
@@ -147,24 +165,20 @@ private:
 
     void planFiles()
     {
-        std::map<std::string, const RecordedFile*> records;
-        std::vector<const RecordedFile*> leaving;
-        for (const RecordedFile& file : input_.files) {
-            if (!needs_.contains(file.path) && !kept_.contains(file.path)) {
-                leaving.push_back(&file);
-                continue;
-            }
-            records.emplace(file.path, &file);
-            if (IsPhonePath(file.phonePath, kPlaylistMediaFolder) && places_.reserve(file.phonePath)) {
-                plan_.phonePaths[file.path] = file.phonePath;
-            }
+        std::vector<Need> needs;
+        needs.reserve(needs_.size());
+        for (const auto& [path, need] : needs_) {
+            needs.push_back(need);
         }
-        for (const RecordedFile* file : leaving) {
+        const auto diff = Compare(input_.files, needs, MemberRules(kept_));
+        for (const RecordedFile* file : ReservePaths(input_.files, diff.removed, diff.deferred, paths_)) {
+            plan_.phonePaths[file->path] = file->phonePath;
+        }
+        for (const RecordedFile* file : diff.removed) {
             planRemoval(*file);
         }
-        for (const auto& [path, need] : needs_) {
-            const auto record = records.find(path);
-            planMember(need, record == records.end() ? nullptr : record->second);
+        for (const auto& item : diff.items) {
+            planMember(*item.wanted, item.state, item.recorded);
         }
         plan_.files.recorded = input_.files.size();
     }
@@ -181,28 +195,28 @@ private:
 
     void planRemoval(const RecordedFile& file)
     {
-        FileChange action{ChangeKind::kRemove, Category::kMusic, file, 0, {}};
-        // In any other place lies what somebody else has put there, or a member that stays.
-        if (!IsPhonePath(file.phonePath, kPlaylistMediaFolder) || places_.isReserved(file.phonePath)) {
-            action.file.phonePath.clear();
+        FileChange change{ChangeKind::kRemove, Category::kMusic, file, 0, {}};
+        std::string& phonePath = change.file.phonePath;
+        if (!paths_.mayBeRemoved(phonePath)) {
+            phonePath.clear();
         } else if (isChangedOnPhone(file)) {
-            action.keepAs = places_.allocateBeside(file.phonePath);
+            change.keepAs = paths_.allocateBeside(phonePath);
         }
         if (carried_.contains(file.path)) {
-            return plan_.superseded.removals.push_back(std::move(action));
+            return plan_.superseded.removals.push_back(std::move(change));
         }
-        if (!action.file.phonePath.empty()) {
-            places_.release(action.file.phonePath);
+        if (!phonePath.empty()) {
+            paths_.release(phonePath);
         }
-        plan_.files.removals.push_back(std::move(action));
+        plan_.files.removals.push_back(std::move(change));
     }
 
-    void planMember(const Need& need, const RecordedFile* record)
+    void planMember(const Need& need, Comparison state, const RecordedFile* record)
     {
         const ListMember& member = *need.member;
-        const auto place = plan_.phonePaths.find(member.path);
+        const auto path = plan_.phonePaths.find(member.path);
         const PhoneFile there =
-            place == plan_.phonePaths.end() ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone_.find(place->second);
+            path == plan_.phonePaths.end() ? PhoneFile{PhoneEntry::kOther, 0, 0} : phone_.find(path->second);
         if (!member.found) {
             // The list still names it, so it stays on the phone, if it got there while it could be read.
             if (there.entry != PhoneEntry::kFile) {
@@ -214,12 +228,12 @@ private:
             const auto isSame = [&](const std::string&, const PhoneFile& other) {
                 return IsSameFile(other, member.size, member.modified.seconds);
             };
-            return places_.allocate({os::NameOf(os::ParentOf(member.path)), os::NameOf(member.path)}, member.path,
-                                    isSame);
+            return paths_.allocate({os::NameOf(os::ParentOf(member.path)), os::NameOf(member.path)}, member.path,
+                                   isSame);
         };
         auto change =
-            CompareFile({{member.path, member.size, member.modified.seconds, member.localTime}, record, there},
-                        Category::kMusic, need.owner, input_.changes, places_, allocate);
+            PlanFile({{member.path, member.size, member.modified.seconds, member.localTime}, state, record, there},
+                     Category::kMusic, need.owner, input_.changes, paths_, allocate);
         if (!change) {
             ++plan_.files.unchanged;
             return;
@@ -254,11 +268,11 @@ private:
 
     const PlaylistPlanInput& input_;
     const PhoneView& phone_;
-    PhonePaths places_;
+    PhonePaths paths_;
     PlaylistPlan plan_;
-    std::map<std::string, Need> needs_;        // by path on the PC
-    std::map<std::string, std::string> kept_;  // path on the PC to the list that keeps it
-    std::set<std::string> carried_;            // by media sync
+    std::map<std::string, Need> needs_;  // by path on the PC
+    MemberRules::Keepers kept_;          // path on the PC to the list that keeps it
+    std::set<std::string> carried_;      // by media sync
 };
 
 }  // namespace
