@@ -1,7 +1,9 @@
 #include "base/text.h"
 
-#include <array>
+#include <utf8.h>
+
 #include <cstdint>
+#include <iterator>
 
 namespace kesta {
 namespace {
@@ -21,6 +23,7 @@ bool IsControl(char32_t c)
            (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF;
 }
 
+// By hand, like the combining characters: wcwidth() goes by the locale, and Windows has nothing of the kind.
 bool IsWide(char32_t c)
 {
     return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7A3) ||
@@ -43,86 +46,47 @@ void AppendHex(std::string& text, char32_t value, int digits)
 
 }  // namespace
 
-char32_t NextCharacter(std::string_view& utf8)
+char32_t NextCharacter(std::string_view& text)
 {
-    const auto byte = [&](size_t at) { return static_cast<uint8_t>(utf8[at]); };
-    const uint8_t first = byte(0);
-    const size_t length = first < 0x80   ? 1
-                          : first < 0xC2 ? 0
-                          : first < 0xE0 ? 2
-                          : first < 0xF0 ? 3
-                          : first < 0xF5 ? 4
-                                         : 0;
-    if (length == 1) {
-        utf8.remove_prefix(1);
-        return first;
+    auto at = text.begin();
+    try {
+        const char32_t character = utf8::next(at, text.end());
+        text.remove_prefix(static_cast<size_t>(at - text.begin()));
+        return character;
+    } catch (const utf8::exception&) {
+        const auto byte = static_cast<uint8_t>(text.front());
+        text.remove_prefix(1);
+        return kInvalidByte + byte;
     }
-    char32_t character = length == 2 ? first & 0x1Fu : length == 3 ? first & 0x0Fu : first & 0x07u;
-    bool valid = length != 0 && utf8.size() >= length;
-    for (size_t i = 1; valid && i < length; ++i) {
-        valid = (byte(i) & 0xC0) == 0x80;
-        character = (character << 6) | (byte(i) & 0x3Fu);
-    }
-    constexpr std::array<char32_t, 5> kSmallest{0, 0, 0x80, 0x800, 0x10000};
-    valid = valid && character >= kSmallest[length] && character <= kLastCharacter && !IsSurrogate(character);
-    utf8.remove_prefix(valid ? length : 1);
-    return valid ? character : kInvalidByte + first;
 }
 
-void AppendCharacter(std::string& utf8, char32_t c)
+void AppendCharacter(std::string& text, char32_t character)
 {
-    const auto put = [&](char32_t byte) { utf8 += static_cast<char>(byte); };
-    if (c < 0x80) {
-        put(c);
-    } else if (c < 0x800) {
-        put(0xC0 | (c >> 6));
-        put(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        put(0xE0 | (c >> 12));
-        put(0x80 | ((c >> 6) & 0x3F));
-        put(0x80 | (c & 0x3F));
-    } else {
-        put(0xF0 | (c >> 18));
-        put(0x80 | ((c >> 12) & 0x3F));
-        put(0x80 | ((c >> 6) & 0x3F));
-        put(0x80 | (c & 0x3F));
-    }
+    utf8::unchecked::append(character, std::back_inserter(text));
 }
 
 bool IsValidUtf8(std::string_view text)
 {
-    while (!text.empty()) {
-        if (NextCharacter(text) > kLastCharacter) {
-            return false;
-        }
-    }
-    return true;
+    return utf8::is_valid(text.begin(), text.end());
 }
 
-std::optional<DbText> ToDbText(std::string_view utf8)
+std::optional<DbText> ToDbText(std::string_view text)
 {
-    DbText text;
-    text.reserve(utf8.size());
-    while (!utf8.empty()) {
-        const char32_t c = NextCharacter(utf8);
-        if (c > kLastCharacter || c == 0) {
-            return std::nullopt;
-        }
-        if (c >= 0x10000) {
-            text += static_cast<DbChar>(0xD800 + ((c - 0x10000) >> 10));
-            text += static_cast<DbChar>(0xDC00 + ((c - 0x10000) & 0x3FF));
-        } else {
-            text += static_cast<DbChar>(c);
-        }
+    if (!IsValidUtf8(text) || text.find('\0') != std::string_view::npos) {
+        return std::nullopt;
     }
-    return text;
+    DbText units;
+    units.reserve(text.size());
+    utf8::unchecked::utf8to16(text.begin(), text.end(), std::back_inserter(units));
+    return units;
 }
 
+// By hand: the library for UTF-8 stops at a lone surrogate, and a name of the database may hold one.
 std::string FromDbText(const DbChar* text)
 {
-    std::string utf8;
+    std::string result;
     if (text == nullptr) {
-        return utf8;
+        return result;
     }
     while (*text != 0) {
         char32_t c = static_cast<char32_t>(*text++);
@@ -134,35 +98,35 @@ std::string FromDbText(const DbChar* text)
                 ++text;
             }
         }
-        AppendCharacter(utf8, c);
+        AppendCharacter(result, c);
     }
-    return utf8;
+    return result;
 }
 
-std::string Printable(std::string_view utf8)
+std::string Printable(std::string_view text)
 {
-    std::string text;
-    text.reserve(utf8.size());
-    while (!utf8.empty()) {
-        const char32_t c = NextCharacter(utf8);
+    std::string shown;
+    shown.reserve(text.size());
+    while (!text.empty()) {
+        const char32_t c = NextCharacter(text);
         if (c > kLastCharacter) {
-            text += "\\x";
-            AppendHex(text, c - kInvalidByte, 2);
+            shown += "\\x";
+            AppendHex(shown, c - kInvalidByte, 2);
         } else if (IsControl(c)) {
-            text += "\\u";
-            AppendHex(text, c, 4);
+            shown += "\\u";
+            AppendHex(shown, c, 4);
         } else {
-            AppendCharacter(text, c);
+            AppendCharacter(shown, c);
         }
     }
-    return text;
+    return shown;
 }
 
-size_t DisplayWidth(std::string_view utf8)
+size_t DisplayWidth(std::string_view text)
 {
     size_t width = 0;
-    while (!utf8.empty()) {
-        const char32_t c = NextCharacter(utf8);
+    while (!text.empty()) {
+        const char32_t c = NextCharacter(text);
         width += IsCombining(c) ? 0u : IsWide(c) ? 2u : 1u;
     }
     return width;

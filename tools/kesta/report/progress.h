@@ -1,4 +1,5 @@
-// What the user sees while a sync runs: a bar on a terminal, a line for each file anywhere else.
+// What the user sees while a sync runs: a bar on a terminal, a line for each file anywhere else. By
+// hand: Debian packages no progress bar that counts bytes and lets lines stand above it.
 #pragma once
 
 #include <chrono>
