@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <array>
 
 #include "database/calls.h"
@@ -189,14 +188,6 @@ Result Database::updateFile(const std::string& imei, Category category, const Re
 {
     const calls::FileArguments arguments(file);
     return FamilyOf(category).setUpdatedFile(Text(imei).c_str(), &arguments.record);
-}
-
-bool Database::isRecorded(const std::string& imei, Category category, const RecordedFile& file)
-{
-    const std::vector<RecordedFile> all = files(imei, category);
-    return std::any_of(all.begin(), all.end(), [&](const RecordedFile& row) {
-        return row.path == file.path && row.phonePath == file.phonePath && row.modified == file.modified;
-    });
 }
 
 Result Database::removeFile(const std::string& imei, Category category, const std::string& path)

@@ -74,8 +74,6 @@ public:
     Result addFolder(const std::string& imei, Category category, const RecordedFolder& folder);
     Result addFile(const std::string& imei, Category category, const RecordedFile& file);
     Result updateFile(const std::string& imei, Category category, const RecordedFile& file);
-    /// Whether exactly this is recorded for the file. Reads all of the category: for doubtful cases only.
-    [[nodiscard]] bool isRecorded(const std::string& imei, Category category, const RecordedFile& file);
     Result removeFile(const std::string& imei, Category category, const std::string& path);
 };
 

@@ -275,4 +275,12 @@ void AppendCanonical(std::string& text, const ContentLine& line)
     text.append(":").append(line.value) += '\n';
 }
 
+void AppendLines(std::string& text, std::string_view lines, std::string_view lineBreak)
+{
+    text += lines;
+    if (!lines.empty() && lines.back() != '\n' && lines.back() != '\r') {
+        text += lineBreak;
+    }
+}
+
 }  // namespace kesta::formats

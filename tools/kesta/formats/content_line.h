@@ -74,4 +74,7 @@ private:
 /// The line in the one form that folding, line breaks and the case of its name do not change: for digests.
 void AppendCanonical(std::string& text, const ContentLine& line);
 
+/// Appends lines, with a line break behind the last where it has none.
+void AppendLines(std::string& text, std::string_view lines, std::string_view lineBreak = "\r\n");
+
 }  // namespace kesta::formats

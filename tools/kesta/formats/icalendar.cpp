@@ -46,14 +46,6 @@ void AddPart(Series& series, const TimeZones& zones, const Component& part)
     std::sort(series.timeZones.begin() + known, series.timeZones.end());  // in the order of the file
 }
 
-void AppendWhole(std::string& bytes, std::string_view part, std::string_view lineBreak)
-{
-    bytes += part;
-    if (!part.empty() && part.back() != '\n' && part.back() != '\r') {
-        bytes += lineBreak;
-    }
-}
-
 /// The parts with a calendar of their own around them.
 std::string CompleteCalendar(const Series& series)
 {
@@ -71,10 +63,10 @@ std::string CompleteCalendar(const Series& series)
     }
     bytes += head;
     for (const Component* zone : series.timeZones) {
-        AppendWhole(bytes, zone->bytes, lineBreak);
+        AppendLines(bytes, zone->bytes, lineBreak);
     }
     for (const Component* part : series.parts) {
-        AppendWhole(bytes, part->bytes, lineBreak);
+        AppendLines(bytes, part->bytes, lineBreak);
     }
     line("END:VCALENDAR");
     return bytes;

@@ -141,6 +141,9 @@ private:
 
 /// The whole contents of a small file.
 Status ReadText(const std::string& path, std::string& text);
+/// The same for what a user says is a playlist, say: fails for what is no file, and for one that is larger than any
+/// playlist. what: with its article.
+Status ReadTextOf(std::string_view what, uint64_t largest, const std::string& path, std::string& text);
 /// Whether two files hold the same. False when either cannot be read.
 bool HoldSameBytes(const std::string& path, const std::string& otherPath);
 /// Replaces the file's contents in one step: a reader sees the old or the new ones, also after a power failure.

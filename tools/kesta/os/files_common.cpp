@@ -58,6 +58,21 @@ Status ReadText(const std::string& path, std::string& text)
     }
 }
 
+Status ReadTextOf(std::string_view what, uint64_t largest, const std::string& path, std::string& text)
+{
+    FileInfo info;
+    if (Status status = ReadInfo(path, info); !status.ok()) {
+        return status;
+    }
+    if (info.kind != FileKind::kFile) {
+        return {Failure::kOther, "it is not a file"};
+    }
+    if (info.size > largest) {
+        return {Failure::kOther, "it is too large for " + std::string(what)};
+    }
+    return ReadText(path, text);
+}
+
 bool HoldSameBytes(const std::string& path, const std::string& otherPath)
 {
     InputFile file, other;

@@ -5,12 +5,10 @@
 #include <vector>
 
 #include "phone/names.h"
+#include "phone/phone_view.h"
 
 namespace kesta {
 namespace {
-
-// FAT keeps times to two seconds only.
-constexpr int64_t kTimeTolerance = 2;
 
 constexpr size_t kBlock = size_t{1} << 20;
 
@@ -125,7 +123,7 @@ CopyResult CopyOnce(const CopyRequest& request, const std::string& temporary)
     (void)os::ReadInfo(request.target, result.copy);
     // Some phones take a time without a word, and keep another one.
     const int64_t difference = result.copy.modified.seconds - result.source.modified.seconds;
-    result.timeKept = result.timeKept && std::abs(difference) <= kTimeTolerance;
+    result.timeKept = result.timeKept && std::abs(difference) <= kPhoneTimeTolerance;
     return result;
 }
 

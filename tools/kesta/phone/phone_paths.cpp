@@ -9,9 +9,6 @@
 namespace kesta {
 namespace {
 
-// FAT keeps times to two seconds only.
-constexpr int64_t kTimeTolerance = 2;
-
 constexpr std::string_view kKeptSuffix = " (changed on the phone)";
 
 }  // namespace
@@ -19,7 +16,7 @@ constexpr std::string_view kKeptSuffix = " (changed on the phone)";
 bool IsSameFile(const PhoneFile& there, uint64_t size, int64_t modifiedSeconds)
 {
     return there.entry == PhoneEntry::kFile && there.size == size &&
-           std::abs(there.modifiedSeconds - modifiedSeconds) <= kTimeTolerance;
+           std::abs(there.modifiedSeconds - modifiedSeconds) <= kPhoneTimeTolerance;
 }
 
 std::string KeptPath(const std::string& phonePath, const std::function<bool(const std::string& path)>& isFree)

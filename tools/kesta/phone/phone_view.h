@@ -9,6 +9,9 @@ namespace kesta {
 
 enum class PhoneEntry { kNothing, kFile, kOther };
 
+/// FAT keeps times to two seconds only.
+inline constexpr int64_t kPhoneTimeTolerance = 2;
+
 /// What lies at a path on the phone.
 struct PhoneFile {
     PhoneEntry entry = PhoneEntry::kNothing;

@@ -9,12 +9,9 @@
 namespace kesta {
 namespace {
 
-// FAT keeps times to two seconds only.
-constexpr int64_t kTimeTolerance = 2;
-
 bool IsSameTime(int64_t a, int64_t b)
 {
-    return std::abs(a - b) <= kTimeTolerance;
+    return std::abs(a - b) <= kPhoneTimeTolerance;
 }
 
 bool IsAsLeft(const PhoneFile& there, const LeftFile& left)
@@ -40,8 +37,8 @@ bool IsZoneDifference(int64_t seconds)
     constexpr int64_t kQuarter = 900, kLargest = 26 * 3600;
     const int64_t off = std::abs(seconds);
     const int64_t rest = off % kQuarter;
-    return off >= kQuarter - kTimeTolerance && off <= kLargest + kTimeTolerance &&
-           (rest <= kTimeTolerance || rest >= kQuarter - kTimeTolerance);
+    return off >= kQuarter - kPhoneTimeTolerance && off <= kLargest + kPhoneTimeTolerance &&
+           (rest <= kPhoneTimeTolerance || rest >= kQuarter - kPhoneTimeTolerance);
 }
 
 void PhoneChanges::learn(const PhoneFile& there, std::optional<LocalTime> recorded, const PcFile& pc)
@@ -63,7 +60,7 @@ bool PhoneChanges::isChanged(const std::string& phonePath, const PhoneFile& ther
         return false;
     }
     const auto difference = Difference(there, recorded);
-    const bool isTimeKept = difference && std::abs(*difference) <= kTimeTolerance;
+    const bool isTimeKept = difference && std::abs(*difference) <= kPhoneTimeTolerance;
     const bool isPcAsCopied = pc != nullptr && recorded == pc->localTime;
     const bool isSizeAsOnPc = pc != nullptr && there.size == pc->size;
     if (isPcAsCopied && isSizeAsOnPc && difference && (isTimeKept || IsZoneDifference(*difference))) {

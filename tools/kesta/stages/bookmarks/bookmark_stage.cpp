@@ -11,22 +11,7 @@ namespace kesta {
 namespace {
 
 constexpr int32_t kDefaultType = 1;
-
-os::Status ReadBookmarkFile(const std::string& path, std::string& text)
-{
-    constexpr uint64_t kLargest = 64'000'000;
-    os::FileInfo info;
-    if (os::Status status = os::ReadInfo(path, info); !status.ok()) {
-        return status;
-    }
-    if (info.kind != os::FileKind::kFile) {
-        return {os::Failure::kOther, "it is not a file"};
-    }
-    if (info.size > kLargest) {
-        return {os::Failure::kOther, "it is too large for a file of bookmarks"};
-    }
-    return os::ReadText(path, text);
-}
+constexpr uint64_t kLargestFile = 64'000'000;
 
 }  // namespace
 
@@ -69,7 +54,7 @@ bool BookmarkStage::readFile(Session& session)
 {
     const std::string& path = *session.options.bookmarks;
     std::string text;
-    if (os::Status status = ReadBookmarkFile(path, text); !status.ok()) {
+    if (os::Status status = os::ReadTextOf("a file of bookmarks", kLargestFile, path, text); !status.ok()) {
         session.report.fail(path, "it cannot be read: " + status.text());
         return false;
     }

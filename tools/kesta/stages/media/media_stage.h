@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "stages/media/file_changes.h"
-#include "stages/media/media_paths.h"
 #include "stages/media/scan.h"
 #include "sync/session.h"
 

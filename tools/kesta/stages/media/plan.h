@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -27,6 +28,9 @@ struct FileChange {
     uint64_t size = 0;
     std::string keepAs;  // for what somebody has changed on the phone
 };
+
+/// Where media sync puts the files of the PC, by their paths on the PC.
+using MediaPhonePaths = std::unordered_map<std::string, std::string>;
 
 struct PlanInput {
     Category category = Category::kMusic;

@@ -18,10 +18,7 @@
 namespace kesta {
 namespace {
 
-// FAT keeps times to two seconds only.
-constexpr int64_t kTimeTolerance = 2;
-
-// The files' places on this phone. Each keeps the one that the log knows.
+// The files' paths on this phone. Each keeps the one that the log knows.
 class FileNames {
 public:
     FileNames(const PimPhoneInput& input, const Phone& phone)
@@ -246,7 +243,7 @@ private:
             recorded = std::max(recorded, row.phoneTime);
         }
         const auto time = os::ToLocalTime(there.modifiedSeconds);
-        return recorded && time && std::abs(*recorded - *time) <= kTimeTolerance;
+        return recorded && time && std::abs(*recorded - *time) <= kPhoneTimeTolerance;
     }
 
     static void recordPlace(const PimStorePlan& folder, bool evenUnchangedRows, PimPhonePlan& plan)

@@ -12,15 +12,7 @@
 namespace kesta {
 namespace {
 
-constexpr std::string_view kLineBreak = "\r\n";
-
-void AppendWhole(std::string& text, std::string_view part)
-{
-    text += part;
-    if (!part.empty() && part.back() != '\n' && part.back() != '\r') {
-        text += kLineBreak;
-    }
-}
+using formats::AppendLines;
 
 std::string Escaped(std::string_view value)
 {
@@ -70,22 +62,22 @@ struct Calendar {
     {
         for (const formats::Component& zone : other.timeZones) {
             if (timeZones.emplace(zone.timeZoneId, zone.canonical).second) {
-                AppendWhole(zoneText, zone.bytes);
+                AppendLines(zoneText, zone.bytes);
             }
         }
         for (const formats::Component& entry : other.entries) {
-            AppendWhole(entryText, entry.bytes);
+            AppendLines(entryText, entry.bytes);
         }
     }
 
     void appendTo(std::string& text, const std::string& name) const
     {
-        AppendWhole(text, "BEGIN:VCALENDAR");
-        AppendWhole(text, "PRODID:-//KESTA//KESTA//EN");
+        AppendLines(text, "BEGIN:VCALENDAR");
+        AppendLines(text, "PRODID:-//KESTA//KESTA//EN");
         text += head;
-        AppendWhole(text, "X-WR-CALNAME:" + Escaped(name));
+        AppendLines(text, "X-WR-CALNAME:" + Escaped(name));
         text += zoneText + entryText;
-        AppendWhole(text, "END:VCALENDAR");
+        AppendLines(text, "END:VCALENDAR");
     }
 };
 
@@ -148,7 +140,7 @@ std::string CalendarText(const std::string& name, std::span<const std::string_vi
     for (const std::string_view entry : entries) {
         const formats::RawCalendars read = formats::ReadCalendars(entry);
         if (!read.problems.empty()) {
-            AppendWhole(unknown, entry);
+            AppendLines(unknown, entry);
             continue;
         }
         for (const formats::RawCalendar& part : read.calendars) {
@@ -171,7 +163,7 @@ std::string PhoneFileText(PimKind kind, const std::string& name, std::span<const
     }
     std::string text;
     for (const std::string_view entry : entries) {
-        AppendWhole(text, entry);
+        AppendLines(text, entry);
     }
     return text;
 }

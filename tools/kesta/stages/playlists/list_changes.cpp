@@ -26,7 +26,7 @@ std::vector<std::string> MembersToRecord(const PcPlaylist& list, const std::vect
 
 // The digest comes last: it says that everything before it has been done.
 Result RecordList(PlaylistRecords& records, RecordedPlaylist list, const std::vector<std::string>& members,
-                  const std::string* newPath)
+                  const std::optional<std::string>& newPath)
 {
     if (const Result result = records.setMembers(list.name, members); !result.ok()) {
         return result;
@@ -36,7 +36,7 @@ Result RecordList(PlaylistRecords& records, RecordedPlaylist list, const std::ve
     if (std::set<std::string>(stored.begin(), stored.end()) != std::set<std::string>(members.begin(), members.end())) {
         return 1;
     }
-    const Result result = newPath != nullptr ? records.setAdded(list.name, *newPath) : records.setUpdated(list.name);
+    const Result result = newPath ? records.setAdded(list.name, *newPath) : records.setUpdated(list.name);
     return result.ok() ? records.confirm(list) : result;
 }
 
@@ -170,8 +170,8 @@ Change ListChanges::toChange(const Work& work)
     change.record =
         [records = &state_.records, record,
          members = MembersToRecord(list, former == state_.members.end() ? std::vector<std::string>() : former->second),
-         isNew = work.isNew, path = work.phonePath](const Written&) {
-            return RecordList(*records, record, members, isNew ? &path : nullptr);
+         newPath = work.isNew ? std::optional(work.phonePath) : std::nullopt](const Written&) {
+            return RecordList(*records, record, members, newPath);
         };
     return change;
 }

@@ -63,7 +63,7 @@ public:
         list.path = os::Join(folder_, file);
         list.title = name;
         std::string text;
-        if (os::Status status = readFile(list.path, text); !status.ok()) {
+        if (os::Status status = os::ReadTextOf("a playlist", kLargestList, list.path, text); !status.ok()) {
             result_.problems.push_back({list.path, "it cannot be read: " + status.text()});
             list.readable = list.complete = false;
         } else {
@@ -83,21 +83,6 @@ public:
     }
 
 private:
-    static os::Status readFile(const std::string& path, std::string& text)
-    {
-        os::FileInfo info;
-        if (os::Status status = os::ReadInfo(path, info); !status.ok()) {
-            return status;
-        }
-        if (info.kind != os::FileKind::kFile) {
-            return {os::Failure::kOther, "it is not a file"};
-        }
-        if (info.size > kLargestList) {
-            return {os::Failure::kOther, "it is too large for a playlist"};
-        }
-        return os::ReadText(path, text);
-    }
-
     void report(const PcPlaylist& list, size_t line, const std::string& text)
     {
         result_.problems.push_back({list.path, line == 0 ? text : fmt::format("line {}: {}", line, text)});

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "database/playlists.h"
-#include "stages/media/media_paths.h"
 #include "stages/media/plan.h"
 #include "stages/playlists/pc_playlists.h"
 #include "sync/deletion_guard.h"
