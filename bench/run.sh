@@ -5,6 +5,7 @@
 #   bench/run.sh BUILD-FOLDER --instructions [ENTRIES...]   instructions instead of times
 #   bench/run.sh BUILD-FOLDER --allocations        what the library allocates beyond SQLite
 #   bench/run.sh BUILD-FOLDER --callers [ENTRIES]  load, callers beside each other, a million files, peers
+#   bench/run.sh BUILD-FOLDER --growth             how the work of the client's readers grows with a file
 set -eu
 
 here=$(dirname "$0")
@@ -26,5 +27,6 @@ case ${1-} in
         awk '/total$/ { print "system calls of a process that loads it: " $(NF - (NF > 4 ? 2 : 1)) }' "$folder/calls"
         python3 "$here/peer.py" "$folder"
         ;;
+    --growth) exec "$here/growth.sh" "$build" ;;
     *) exec "$build/kesta_bench" "$@" ;;
 esac
