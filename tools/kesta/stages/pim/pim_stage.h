@@ -1,10 +1,8 @@
 // Contacts and calendars: the database's store is brought up to the files of the PC, then the phone up to the store.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "stages/pim/pim_log.h"
@@ -21,15 +19,6 @@ public:
 private:
     void takeUpJournal(Session& session, Plan& plan);
     void prepare(PimKind kind, Session& session);
-    [[nodiscard]] bool readLog(PimWork& work, Session& session);
-    static void readSources(PimWork& work, Session& session);
-    void readStore(PimWork& work);
-    void addStoreChanges(const PimWork& work, Session& session, Plan& plan);
-    static void addStep(Plan& plan, std::function<void()> step);
-    void addStoreFolder(const PimWork& work, const PimStorePlan& folder, Session& session, Plan& plan);
-    void addItem(PimKind kind, const PimFolder& folder, const PimEntry& entry);
-    void checkStored(PimKind kind, const PimStorePlan& folder, const std::string& failure);
-    void addFileChanges(PimWork& work, Tally& tally, Plan& plan);
 
     PimRecords records_;
     PhoneFolder& phone_;

@@ -1,0 +1,87 @@
+#include "stages/pim/pim_reading.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "base/text.h"
+
+namespace kesta {
+
+const std::vector<std::string>& FilesOf(PimKind kind, const SyncOptions& options)
+{
+    return kind == PimKind::kContacts ? options.contacts : options.calendars;
+}
+
+bool ReadPimLog(PimRecords& records, const std::optional<PimJournal>& journal, Session& session, PimWork& work)
+{
+    const std::vector<PimLogRow> rows = records.log(session.imei, work.kind);
+    const bool isOurs = rows.empty() || records.logProfile(session.imei, work.kind) == PimLogProfile(work.kind);
+    if (!isOurs && !journal) {
+        session.report.fail(std::string(TitleOf(work.kind)),
+                            "another program keeps this phone's log of them; they are left alone");
+        return false;
+    }
+    const std::vector<PimLogRow> settled = journal ? journal->rowsOf(work.kind).value_or(rows) : rows;
+    std::map<std::string, PimLogRow> byGuid;
+    for (const PimLogRow& row : settled) {
+        byGuid[row.guid] = row;
+    }
+    for (auto& [guid, row] : byGuid) {
+        work.log.push_back(std::move(row));
+    }
+    work.logIsInOrder = isOurs && work.log == SortedPimRows(rows);
+    return true;
+}
+
+void ReadPimSources(Session& session, PimWork& work)
+{
+    std::set<std::string> seen;
+    for (const std::string& given : FilesOf(work.kind, session.options)) {
+        std::string path;
+        if (!os::CanonicalPath(given, path).ok()) {
+            path = os::AbsolutePath(given);
+        }
+        if (!seen.insert(path).second) {
+            continue;
+        }
+        PimSource& source = work.sources.emplace_back();
+        source.path = path;
+        if (os::LiesIn(path, session.folder.root())) {
+            source.problem = "it lies on the phone itself";
+        } else if (!IsValidUtf8(path)) {
+            source.problem = "its path is not valid text";
+        } else {
+            source = ReadPimSource(work.kind, path);
+        }
+        if (!source.complete) {
+            session.report.fail(path, source.problem + "; nothing of it is removed");
+        }
+    }
+}
+
+void ReadPimStore(PimRecords& records, PimWork& work)
+{
+    const std::string root = PimRootFolder(work.kind).id;
+    for (const PimFolder& folder : records.folders(work.kind, {}, false)) {
+        work.rootIsStored = work.rootIsStored || folder.id == root;
+    }
+    if (!work.rootIsStored) {
+        return;
+    }
+    for (PimFolder& folder : records.folders(work.kind, root, false)) {
+        StoredPimFolder& stored = work.stored.emplace_back();
+        stored.folder = std::move(folder);
+        const bool isWanted = std::any_of(work.sources.begin(), work.sources.end(), [&](const PimSource& source) {
+            return source.readable && IsOfPimSource(stored.folder.id, source.id);
+        });
+        if (!isWanted) {
+            continue;
+        }
+        for (PimItem& item : records.items(work.kind, stored.folder.id)) {
+            stored.entries.push_back(ReadStored(work.kind, std::move(item)));
+        }
+    }
+}
+
+}  // namespace kesta

@@ -1,0 +1,22 @@
+// What a sync of contacts or calendars starts from: the files of the PC, the database's store and the phone's log.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "stages/pim/pim_log.h"
+
+namespace kesta {
+
+/// The files that the user has given.
+[[nodiscard]] const std::vector<std::string>& FilesOf(PimKind kind, const SyncOptions& options);
+
+/// False when the log is not this program's: the user has been told. journal: of a run that was cut short.
+[[nodiscard]] bool ReadPimLog(PimRecords& records, const std::optional<PimJournal>& journal, Session& session,
+                              PimWork& work);
+void ReadPimSources(Session& session, PimWork& work);
+/// The folders of the sources with their entries, of all others the names.
+void ReadPimStore(PimRecords& records, PimWork& work);
+
+}  // namespace kesta
