@@ -10,6 +10,7 @@ import shutil
 import subprocess
 
 from bench import Part
+from calls import SAMPLES
 from children import Failure
 
 SECONDS = 30
@@ -122,7 +123,8 @@ class RandomCalls(Part):
         """Ordinary calls of every export, five to an input, on each of the three databases."""
         os.makedirs(self._corpus, exist_ok=True)
         for database in range(3):
-            for first in range(0, 125, 5):
-                calls = b"".join(bytes([first + i]) + bytes(BYTES_OF_A_CALL - 1) for i in range(5))
+            for first in range(0, len(SAMPLES), 5):
+                exports = range(first, min(first + 5, len(SAMPLES)))  # an export is called by its number
+                calls = b"".join(bytes([export]) + bytes(BYTES_OF_A_CALL - 1) for export in exports)
                 with open(os.path.join(self._corpus, f"first-{database}-{first}"), "wb") as file:
                     file.write(bytes([database]) + calls)
