@@ -204,7 +204,8 @@ std::function<ExitCode()> Prepare(CLI::App& app)
         ->required()
         ->type_name("DIR")
         ->check([](const std::string& path) { return EmptyPathProblem(path); });
-    app.add_option("--imei", options->imei, "the phone's IMEI; made up when it is not given for a new phone")
+    app.add_option("--imei", options->imei,
+                   "the phone's IMEI, the 15 digits that *#06# shows on it; made up when none is given for a new one")
         ->type_name("IMEI")
         ->check([](const std::string& imei) { return ImeiProblem(imei); });
     app.add_option("--name", options->name, "the phone's display name")
