@@ -40,14 +40,10 @@ protected:
 
 TEST_F(PimItems, AddItem_KnownPath_IsStoredInThatFolder)
 {
-    const PimItem item(
-        "\xC3\xBC"
-        "1",
-        std::string_view("a\0'b", 4), 7);
+    const std::string pimId = "1 " + AnsiCharacter();
+    const PimItem item(pimId, std::string_view("a\0'b", 4), 7);
     EXPECT_EQ(lib.DB_PIM_AddItem(&item, W("it's")), 0);
-    EXPECT_EQ(rows(),
-              "3|\xC3\xBC"
-              "1|61002762|blob|7");
+    EXPECT_EQ(rows(), "3|" + Ansi(W(pimId)) + "|61002762|blob|7");
     EXPECT_EQ(trace.take(), Framed("DB_PIM_AddItem", 0));
 }
 

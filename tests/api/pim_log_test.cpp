@@ -204,9 +204,10 @@ TEST_F(PimLogs, SaveLog_UnknownPhone_IsKeptUnderMinusOne)
 
 TEST_F(PimLogs, SaveLog_Apostrophes_LoseTheItemOnly)
 {
-    const Log log(7, {{"G1", "L1"}, {"G'2", "L2"}, {"G3", "L'3"}, {"\xF0\x9F\x98\x80", "L4"}});
+    const std::string guid = AnsiCharacter();
+    const Log log(7, {{"G1", "L1"}, {"G'2", "L2"}, {"G3", "L'3"}, {guid, "L4"}});
     EXPECT_EQ(lib.DB_PIMLOG_SaveLog(W(kImei), &log), 0);
-    EXPECT_EQ(sql.text("SELECT [Guid] FROM tPimLogItem"), "G1\n\xF0\x9F\x98\x80");
+    EXPECT_EQ(sql.text("SELECT [Guid] FROM tPimLogItem"), "G1\n" + Ansi(W(guid)));
     EXPECT_EQ(trace.take(), Framed("DB_PIMLOG_SaveLog", 0, {Error("SaveLog", 3), Error("SaveLog", 3)}));
 }
 

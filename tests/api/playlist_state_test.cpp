@@ -124,13 +124,14 @@ TEST_F(PlaylistState, SetAddedPlaylist_KnownList_IsCurrentUnderThePhonesName)
     givenRow("Rock", 1);
     givenRow("Pop", 1);
     givenRow("Rock", 1, "NULL", 2);
-    const Playlist playlist("Rock", "unread", "P:/O'Brien \xF0\x9F\x98\x80");
+    const std::string id = "P:/O'Brien " + AnsiCharacter();
+    const Playlist playlist("Rock", "unread", id);
     EXPECT_EQ(lib.DB_PLAYERMUSIC_SetAddedPlaylist(W(kImei), &playlist), 0);
     EXPECT_EQ(sql.text("SELECT [PhoneID], [Path], [Flag], [IdInPhone], [Digest], [Count] FROM tPFolder ORDER BY 1, 2"),
-              "1|Pop|1|<null>|<null>|0\n1|Rock|0|P:/O'Brien \xF0\x9F\x98\x80|<null>|0\n2|Rock|1|<null>|<null>|0");
-    EXPECT_THAT(trace.take(), ElementsAre("Enter DB_PLAYERMUSIC_SetAddedPlaylist(IMEI: 351111, Name: Rock, IdInPhone: "
-                                          "P:/O'Brien \xF0\x9F\x98\x80).",
-                                          "Exit DB_PLAYERMUSIC_SetAddedPlaylist() with 0."));
+              "1|Pop|1|<null>|<null>|0\n1|Rock|0|" + id + "|<null>|0\n2|Rock|1|<null>|<null>|0");
+    EXPECT_THAT(trace.take(),
+                ElementsAre("Enter DB_PLAYERMUSIC_SetAddedPlaylist(IMEI: 351111, Name: Rock, IdInPhone: " + id + ").",
+                            "Exit DB_PLAYERMUSIC_SetAddedPlaylist() with 0."));
 }
 
 TEST_F(PlaylistState, SetAddedPlaylist_NullIdentifier_IsStoredEmptyAndCountsAsOnThePhone)

@@ -1,7 +1,6 @@
 // Every export's statements, to the character and in their order, as SQLite receives them; and where the access lock
 // and the entry line stand among them.
 #include <algorithm>
-#include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <set>
@@ -242,22 +241,6 @@ TEST_F(Statements, SameCallAgain_IsReceivedAgain)
     const std::vector<std::string> first = WithoutLines(recorded(call));
     EXPECT_EQ(first.size(), 4u);
     EXPECT_EQ(WithoutLines(recorded(call)), first);
-}
-
-/// Which code page the process has, the emulator takes from the environment.
-TEST(CodePage, OfThisRun_IsTheOneMeant)
-{
-    const char* expected = std::getenv("KESTA_TEST_PARAGRAPH_SIGN");
-    if (expected == nullptr) {
-        GTEST_SKIP() << "any code page will do";
-    }
-    std::string bytes;
-    for (const char byte : Ansi(W("§"))) {
-        for (const int shift : {4, 0}) {
-            bytes += "0123456789abcdef"[static_cast<unsigned char>(byte) >> shift & 0xF];
-        }
-    }
-    EXPECT_EQ(bytes, expected);
 }
 
 TEST_F(Statements, AddPlaylist_EachStatement_IsTracedAsItIsReceived)

@@ -112,4 +112,10 @@ std::string Utf8(const DbChar* text)
     return out;
 }
 
+std::string AnsiCharacter()
+{
+    const std::string emoji = "\xF0\x9F\x98\x80";
+    return Ansi(W(emoji)) == emoji ? emoji : "\xC2\xA7";
+}
+
 }  // namespace kesta::test

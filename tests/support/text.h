@@ -48,4 +48,7 @@ std::string Utf8(const DbChar* text);
 /// The text in the process's ANSI code page, which is UTF-8 on systems that have no such thing.
 std::string Ansi(const DbChar* text);
 
+/// A character that the ANSI code page has, in UTF-8: an emoji where it has all characters, else the paragraph sign.
+std::string AnsiCharacter();
+
 }  // namespace kesta::test

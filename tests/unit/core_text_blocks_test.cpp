@@ -15,6 +15,8 @@
 namespace kesta {
 namespace {
 
+using Letters = std::basic_string<DbChar>;
+
 class TextsOfAList : public ::testing::Test {
 protected:
     void SetUp() override
@@ -26,11 +28,11 @@ protected:
         TextBlocks::giveBack(text);
     }
 
-    static std::u16string content(size_t number)
+    static Letters content(size_t number)
     {
-        std::u16string text(number * 7 % 300, u'a');
+        Letters text(number * 7 % 300, DbChar{});
         for (size_t i = 0; i < text.size(); ++i) {
-            text[i] = static_cast<char16_t>(u'a' + (number + i) % 26);
+            text[i] = static_cast<DbChar>('a' + (number + i) % 26);
         }
         return text;
     }
@@ -40,7 +42,7 @@ protected:
     {
         std::vector<DbChar*> texts;
         for (size_t i = 0; i < count; ++i) {
-            const std::u16string letters = content(i);
+            const Letters letters = content(i);
             DbChar* const text = blocks->cut(letters.size() + 1);
             std::copy_n(letters.c_str(), letters.size() + 1, text);
             texts.push_back(text);
@@ -81,14 +83,15 @@ TEST_F(TextsOfAList, GiveBack_InAnyOrderWhenTheBlocksAreGone_LeavesTheOthersAlon
 
 TEST_F(TextsOfAList, Cut_WhileEarlierOnesGo_NeverUsesTheirBlockAgain)
 {
-    DbChar* const kept = blocks->cut(4);
-    std::copy_n(u"kept", 4, kept);
+    const Letters letters = content(40);
+    DbChar* const kept = blocks->cut(letters.size());
+    std::copy_n(letters.data(), letters.size(), kept);
     for (int i = 0; i < 5000; ++i) {
         DbChar* const text = blocks->cut(200);
-        std::fill_n(text, 200, u'x');
+        std::fill_n(text, 200, DbChar{});
         TextBlocks::giveBack(text);
     }
-    EXPECT_EQ(std::u16string(kept, 4), u"kept");
+    EXPECT_EQ(Letters(kept, letters.size()), letters);
     TextBlocks::giveBack(kept);
 }
 
@@ -102,7 +105,7 @@ TEST_F(TextsOfAList, Cut_LongText_HasMemoryOfItsOwn)
     EXPECT_EQ(text, nullptr);
     DbChar* const longest = blocks->cut(2046);
     ASSERT_NE(longest, nullptr);
-    std::fill_n(longest, 2046, u'x');
+    std::fill_n(longest, 2046, DbChar{});
     TextBlocks::giveBack(longest);
 }
 
