@@ -17,8 +17,10 @@
 #include "base/text.h"
 #include "commands/commands.h"
 #include "database/database.h"
+#include "os/startup_watch.h"
 #include "os/system.h"
 #include "report/output.h"
+#include "state/database_notice.h"
 
 namespace {
 
@@ -33,6 +35,23 @@ int Report(kesta::ExitCode code, const std::exception& failure)
     return static_cast<int>(code);
 }
 
+// Nobody is told by the library that what was recorded is gone.
+void CheckDatabase(kesta::OnDatabaseLoss onLoss)
+{
+    if (onLoss == kesta::OnDatabaseLoss::kIgnore) {
+        return;
+    }
+    const auto notice = kesta::FindDatabaseNotice();
+    if (!notice) {
+        return;
+    }
+    const kesta::StopRun loss(kesta::ExitCode::kDatabase, notice->text + '\n' + notice->advice);
+    if (onLoss == kesta::OnDatabaseLoss::kStop && notice->isReplaced) {
+        throw loss;
+    }
+    (void)Report(loss.code(), loss);
+}
+
 // The command that the arguments name, with its options; none if help or a mistake has been printed.
 std::function<kesta::ExitCode()> Parse(std::vector<std::string> arguments, kesta::ExitCode& exitCode)
 {
@@ -43,7 +62,10 @@ std::function<kesta::ExitCode()> Parse(std::vector<std::string> arguments, kesta
     std::vector<std::pair<const CLI::App*, std::function<kesta::ExitCode()>>> commands;
     const auto add = [&](const kesta::Command& command) {
         CLI::App* subcommand = app.add_subcommand(command.name, command.about);
-        commands.emplace_back(subcommand, command.prepare(*subcommand));
+        commands.emplace_back(subcommand, [onLoss = command.onDatabaseLoss, run = command.prepare(*subcommand)] {
+            CheckDatabase(onLoss);
+            return run();
+        });
     };
 #define KESTA_ADD(NAME) add(kesta::NAME##Command());
     KESTA_COMMANDS(KESTA_ADD)
@@ -71,6 +93,7 @@ std::function<kesta::ExitCode()> Parse(std::vector<std::string> arguments, kesta
 
 int main(int argc, char** argv)
 {
+    kesta::os::EndStartupWatch();
     try {
         kesta::os::PrepareOutput();
         kesta::ExitCode exitCode = kesta::ExitCode::kSuccess;

@@ -13,12 +13,20 @@ class App;
 
 namespace kesta {
 
+/// What a command does when the database is not the one that the client knows.
+enum class OnDatabaseLoss {
+    kStop,   // says so, and does nothing else when the library has replaced it
+    kTell,   // does not need the database
+    kIgnore  // sees to it itself
+};
+
 /// What goes wrong beyond its exit code a command throws.
 struct Command {
     const char* name;
     const char* about;
     /// Adds the command's options, which the function that is returned runs it with.
     std::function<ExitCode()> (*prepare)(CLI::App& app);
+    OnDatabaseLoss onDatabaseLoss = OnDatabaseLoss::kStop;
 };
 
 /// The end of every command's help.

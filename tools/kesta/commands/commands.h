@@ -10,6 +10,7 @@
     COMMAND(Why)                \
     COMMAND(Restore)            \
     COMMAND(Settings)           \
+    COMMAND(Doctor)             \
     COMMAND(Trace)
 
 namespace kesta {

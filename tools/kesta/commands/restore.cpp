@@ -140,7 +140,8 @@ std::function<ExitCode()> Prepare(CLI::App& app)
 
 Command RestoreCommand()
 {
-    return {"restore", "list and bring back what syncs have removed or replaced on a phone", Prepare};
+    return {"restore", "list and bring back what syncs have removed or replaced on a phone", Prepare,
+            OnDatabaseLoss::kTell};
 }
 
 }  // namespace kesta

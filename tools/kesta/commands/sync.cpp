@@ -19,6 +19,7 @@
 #include "stages/pim/pim_stage.h"
 #include "stages/playlists/playlist_stage.h"
 #include "state/last_run.h"
+#include "state/snapshots.h"
 #include "sync/executor.h"
 #include "sync/preview.h"
 
@@ -67,6 +68,9 @@ public:
         }
         PhoneStage phoneStage(phone_, options_);
         Database database;
+        if (!options_.dryRun) {
+            takeSnapshot();
+        }
         Session session{database, {}, {}, false, runner_->phone(), phone_, options_, guard_, left_, report_};
         runStage(phoneStage, session);
         session.imei = phoneStage.marker().imei;
@@ -85,6 +89,7 @@ public:
         report_.progress.finish();
         if (!options_.dryRun) {
             recordEnd(database, session.imei);
+            Guarded(report_.summary, [&] { takeSnapshot(); });
         }
         const auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started_).count();
         report_.progress.say(Describe(report_.summary, options_.dryRun, seconds));
@@ -93,6 +98,19 @@ public:
 
 private:
     void runStage(Stage& stage, Session& session) { runner_->run(stage.plan(session)); }
+
+    // What there is to go back to when the database is lost.
+    void takeSnapshot()
+    {
+        const SnapshotResult taken = TakeSnapshot();
+        if (taken.outcome == SnapshotOutcome::kDamaged) {
+            throw StopRun(ExitCode::kDatabase,
+                          fmt::format("the database is damaged: {}; kesta doctor tells more", taken.reason));
+        }
+        if (taken.outcome == SnapshotOutcome::kFailed) {
+            report_.note("no snapshot of the database could be made: " + taken.reason);
+        }
+    }
 
     void greet(const Session& session)
     {

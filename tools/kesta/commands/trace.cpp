@@ -26,7 +26,7 @@ std::function<ExitCode()> Prepare(CLI::App& app)
 
 Command TraceCommand()
 {
-    return {"trace", "show the library's trace lines as they come", Prepare};
+    return {"trace", "show the library's trace lines as they come", Prepare, OnDatabaseLoss::kTell};
 }
 
 }  // namespace kesta

@@ -22,6 +22,7 @@
 #include "commands/trace.h"
 #include "os/files.h"
 #include "os/system.h"
+#include "os/trace_socket.h"
 
 namespace kesta {
 namespace {
@@ -43,15 +44,6 @@ private:
     int value_;
 };
 
-std::string SocketPath()
-{
-    const char* folder = std::getenv("XDG_RUNTIME_DIR");
-    if (folder != nullptr && folder[0] != '\0') {
-        return os::Join(folder, "kesta_db.trace");
-    }
-    return fmt::format("/tmp/kesta_db-{}.trace", getuid());
-}
-
 sockaddr_un AddressOf(const std::string& path)
 {
     sockaddr_un address{};
@@ -64,34 +56,33 @@ sockaddr_un AddressOf(const std::string& path)
 }
 
 // A socket file that nobody reads any more is what a killed viewer left.
-void RemoveStaleSocket(const std::string& path, const sockaddr_un& address)
+void RemoveStaleSocket(const std::string& path)
 {
-    struct stat info {};
-    if (lstat(path.c_str(), &info) != 0) {
-        return;
+    os::TraceSocket found = os::TraceSocket::kNone;
+    if (os::Status status = os::LookAtTraceSocket(path, found); !status.ok()) {
+        throw StopRun(ExitCode::kFailure, fmt::format("{} cannot be looked at: {}", path, status.text()));
     }
-    if (!S_ISSOCK(info.st_mode)) {
-        throw StopRun(ExitCode::kFailure, fmt::format("{} is not a socket; it is left alone", path));
+    if (found == os::TraceSocket::kForeign) {
+        throw StopRun(ExitCode::kFailure, fmt::format("{} is not a socket of this user; it is left alone", path));
     }
-    const Descriptor probe(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    if (connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+    if (found == os::TraceSocket::kViewer) {
         throw StopRun(ExitCode::kFailure, "another trace viewer is running");
     }
-    if (errno != ECONNREFUSED) {
-        throw StopRun(ExitCode::kFailure, fmt::format("{} cannot be looked at: {}", path, std::strerror(errno)));
+    if (found != os::TraceSocket::kStale) {
+        return;
     }
-    if (unlink(path.c_str()) != 0 && errno != ENOENT) {
-        throw StopRun(ExitCode::kFailure, fmt::format("the old {} cannot be removed: {}", path, std::strerror(errno)));
+    if (os::Status status = os::RemoveFile(path); !status.ok() && status.failure() != os::Failure::kMissing) {
+        throw StopRun(ExitCode::kFailure, fmt::format("the old {} cannot be removed: {}", path, status.text()));
     }
 }
 
 // The bound socket; its file goes with it.
 class Viewer {
 public:
-    Viewer() : path_(SocketPath()), socket_(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0))
+    Viewer() : path_(os::TraceSocketPath()), socket_(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0))
     {
         const sockaddr_un address = AddressOf(path_);
-        RemoveStaleSocket(path_, address);
+        RemoveStaleSocket(path_);
         constexpr int kOn = 1;
         if (setsockopt(socket_.get(), SOL_SOCKET, SO_PASSCRED, &kOn, sizeof kOn) != 0) {
             throw StopRun(ExitCode::kFailure, fmt::format("senders cannot be told apart: {}", std::strerror(errno)));

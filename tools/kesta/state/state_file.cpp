@@ -7,16 +7,6 @@
 namespace kesta {
 namespace {
 
-// Empty when there is no folder for application data.
-std::string StateFolder()
-{
-    const std::string data = os::DataDirectory();
-    if (data.empty()) {
-        return {};
-    }
-    return os::Join(os::Join(os::Join(data, "NORVIK"), "NORVIK Sync"), "Client");
-}
-
 std::string PathOf(const std::string& name)
 {
     return os::Join(StateFolder(), SafeName(name));
@@ -39,6 +29,15 @@ os::Status ReadState(const std::string& path, nlohmann::json& state)
 }
 
 }  // namespace
+
+std::string StateFolder()
+{
+    const std::string data = os::DataDirectory();
+    if (data.empty()) {
+        return {};
+    }
+    return os::Join(os::Join(os::Join(data, "NORVIK"), "NORVIK Sync"), "Client");
+}
 
 os::Status ReadStateFile(const std::string& name, const std::string& imei, nlohmann::json& state)
 {

@@ -13,6 +13,9 @@
 
 namespace kesta {
 
+/// Where they lie. Empty when there is no folder for application data.
+[[nodiscard]] std::string StateFolder();
+
 /// Leaves state null when there is no such file, or only one about another phone: file systems that ignore case mix up
 /// names. Fails for a file that cannot be read or is damaged.
 os::Status ReadStateFile(const std::string& name, const std::string& imei, nlohmann::json& state);
