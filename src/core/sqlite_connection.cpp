@@ -99,11 +99,11 @@ SqliteCode Connection::exec(const SqlText& text) noexcept
 SqliteCode Connection::exec(const Sql& sql)
 {
     char* buffer = textBuffer();
+    steps_.taken = 0;  // compiling counts too
     const StatementCache::Found found =
         cache_.find(handle_, sql, buffer, StatementCache::Lifetime::kUntilNextStatement);
     switch (found.verdict) {
         case StatementCache::Verdict::kCached: {
-            steps_.taken = 0;
             Statement statement(*this, *found.entry, found.code);
             while (statement.step()) {
             }
@@ -122,10 +122,10 @@ SqliteCode Connection::exec(const Sql& sql)
 Statement Connection::prepare(const Sql& sql)
 {
     char* buffer = textBuffer();
+    steps_.taken = 0;
     const StatementCache::Found found = cache_.find(handle_, sql, buffer, StatementCache::Lifetime::kUntilFinished);
     switch (found.verdict) {
         case StatementCache::Verdict::kCached:
-            steps_.taken = 0;
             return {*this, *found.entry, found.code};
         case StatementCache::Verdict::kRefused:
             return {nullptr, static_cast<SqliteCode>(found.code)};
@@ -142,7 +142,6 @@ Statement Connection::prepareText(const SqlText& text) noexcept
     if (text.tooLong()) {
         return {nullptr, SqliteCode::kTooBig};
     }
-    steps_.taken = 0;
     sqlite3_stmt* statement = nullptr;
     // The terminator counts, which spares SQLite a copy of the text.
     const int bytes = static_cast<int>(text.text().size()) + 1;
