@@ -54,4 +54,4 @@ cmake/clean-root run "$root" --bind "$packages" --bind "$PWD/examples" bash -euc
     gcc -std=c11 "$1/phone.c" $(pkg-config --cflags --libs kesta_db) -o /tmp/phone
     /tmp/phone | diff "$1/expected.txt" -
     [ ! -e /usr/bin/kesta ] || { kesta --version && kesta status >/dev/null; }' "$packages" "$PWD/examples"
-say "Debian packages: installed, example built and run, kesta run, removed"
+say "Debian packages: installed, example built and run, the client run where there is one, removed"

@@ -70,9 +70,9 @@ TEST_F(CodePageTexts, Bookmarks_AreThoseOfImeiUrlAndType)
     EXPECT_EQ(lib.DB_BOOKMARK_GetSyncedMarks(sign, &list), 0);
     ASSERT_EQ(list.Count, 1);
     EXPECT_EQ(Utf8(list.Items[0].Title), "t");
-    BookmarkRecord mark = {};
-    EXPECT_EQ(lib.DB_BOOKMARK_GetSyncedMark(sign, sign, &mark), 0);
-    EXPECT_EQ(ToString(mark), "t|" + std::string(kSign) + "|m|1|4|2");
+    BookmarkRecord bookmark = {};
+    EXPECT_EQ(lib.DB_BOOKMARK_GetSyncedMark(sign, sign, &bookmark), 0);
+    EXPECT_EQ(ToString(bookmark), "t|" + std::string(kSign) + "|m|1|4|2");
 }
 
 /// A playlist that is yet to be added to the phone goes at once, with its files; one that is not known is only marked.
