@@ -45,6 +45,14 @@ TEST_F(BackupRecords, AddBackup_NewPath_IsInsertedAndNumbered)
     EXPECT_THAT(trace.take(), ElementsAre(kEnterAdd, "Exit DB_BACKUP_AddBackup() with 0."));
 }
 
+TEST_F(BackupRecords, AddBackup_BehindAHighNumber_IsGivenTheNextOne)
+{
+    sql.exec("INSERT INTO tBackups ([bcID], [phoneID], [Path]) VALUES (2000000000, 1, 'C:\\0')");
+    Backup backup("C:\\1", "P:/1");
+    EXPECT_EQ(lib.DB_BACKUP_AddBackup(W(kImei), &backup), 0);
+    EXPECT_EQ(backup.bcID, 2000000001);
+}
+
 TEST_F(BackupRecords, AddBackup_KnownPath_IsRefreshedUnderItsNumber)
 {
     Backup first("C:\\1", "P:/1");

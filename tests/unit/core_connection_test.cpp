@@ -231,6 +231,44 @@ TEST_F(ConnectionParts, Bind_NoSuchParameter_FailsTheStepThoughALaterOneIsBound)
     EXPECT_EQ(sql.text("SELECT COUNT(*) FROM tPimInfo"), "0");
 }
 
+/// In a file that keeps texts in UTF-16 SQLite has no need to convert the text, and so to copy it, by itself.
+TEST_F(ConnectionParts, BindText_InAFileOfUtf16_OutlivesTheCall)
+{
+    const std::filesystem::path wide = data.databaseFolder() / "wide.db";
+    sqlite3* made = nullptr;
+    ASSERT_EQ(sqlite3_open(reinterpret_cast<const char*>(wide.u8string().c_str()), &made), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(made, "PRAGMA encoding = 'UTF-16le'; CREATE TABLE t(a)", nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    EXPECT_EQ(sqlite3_close(made), SQLITE_OK);
+    Connection connection;
+    StatementBuffer buffer;
+    ASSERT_EQ(connection.open(wide.c_str()), SqliteCode::kOk);
+    connection.makeStatementsIn(buffer);
+    const std::string text(300, 'x');
+    {
+        Statement insert = connection.prepare(NarrowSql("INSERT INTO t VALUES (?)"));
+        insert.bindText(1, W(text));
+        const std::vector<std::basic_string<DbChar>> others(100, std::basic_string<DbChar>(text.size(), DbChar{}));
+        EXPECT_FALSE(insert.step());
+        EXPECT_EQ(insert.last(), SqliteCode::kDone);
+    }
+    Statement rows = connection.prepare(NarrowSql("SELECT a FROM t"));
+    ASSERT_TRUE(rows.step());
+    DbChar* read = rows.newText(0);
+    EXPECT_EQ(test::Utf8(read), text);
+    FreeText(read);
+}
+
+/// What is cut would be a statement of its own here.
+TEST_F(ConnectionParts, QueryThatIsTooLong_IsNotRunCut)
+{
+    const std::string comment = "1 -- " + std::string(41000, 'x');
+    Statement rows = db().prepare(NarrowSql("SELECT %s", Name{comment.c_str()}));
+    EXPECT_FALSE(rows.prepared());
+    EXPECT_EQ(rows.last(), SqliteCode::kTooBig);
+    EXPECT_EQ(db().exec(NarrowSql("SELECT %s", Name{comment.c_str()})), SqliteCode::kTooBig);
+}
+
 /// A view that never ends is part of a schema that somebody else has written.
 TEST_F(ConnectionParts, EndlessStatement_IsInterrupted)
 {

@@ -91,11 +91,15 @@ TEST(Dates, ParseStoredDate_NeighboursOfTheDigits_AreNone)
 {
     const std::string valid = "2011-11-11 11:11:11";
     for (size_t place = 0; place < valid.size(); ++place) {
-        for (const char other : {'/', ':', '\0', '\x7F', '\xB2'}) {
+        std::string others = {'/', ':', '\0', '\x7F'};
+        for (int byte = 0x80; byte <= 0xFF; ++byte) {
+            others += static_cast<char>(byte);
+        }
+        for (const char other : others) {
             std::string text = valid;
             text[place] = other;
             DateValue date = {};
-            EXPECT_EQ(ParseStoredDate(text, date), text == valid) << text;
+            EXPECT_EQ(ParseStoredDate(text, date), text == valid) << place << ": " << static_cast<int>(other);
         }
     }
     for (const char* text :
