@@ -32,7 +32,7 @@ LAYERS = {
         (["sync"], "the engine: Session, Plan, Executor, Preview, journal, guard"),
         (["report", "state"], "progress and summary; what is kept on the PC"),
         (["phone"], "the phone's files and names"),
-        (["database"], "the library's exports as C++; the database as a file"),
+        (["database"], "the library as the client calls it; the database as a file"),
         (["formats/posix", "formats/windows"], "the system's character sets"),
         (["formats"], "foreign file formats"),
         (["os/posix", "os/windows"], "what implements the services, file for file"),

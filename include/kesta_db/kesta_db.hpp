@@ -11,8 +11,9 @@
  * Texts are UTF-8, dates std::optional points of std::chrono's local time, lists are vectors of values that own what
  * they hold. Every failure is a kesta_db::Error with a Code. Where the library would answer an empty list because it
  * could not read it, and success because it does not look, this interface looks again and throws; where that would cost
- * too much, the comment says so. Texts that go into statements unquoted (IMEIs, digests, PIM identifiers) are refused
- * unless they are ASCII without apostrophes.
+ * too much, the comment says so. Texts that go into statements as they are (IMEIs, digests, PIM identifiers) are
+ * refused unless they are ASCII without apostrophes; what another program has stored under others can be looked up on
+ * Linux.
  *
  * The classes hold nothing but an IMEI, may be copied, and may be used by several threads.
  */
@@ -47,8 +48,9 @@ public:
     {
         auto release = [](FolderList* list) { (void)DB_GALLERY_GetFolders(detail::kUnknown, list); };
         detail::OwnedList<FolderList, decltype(release)> list(release);
-        const detail::Utf16 identity = detail::Identifier(imei);
-        detail::ReadList("DB_GALLERY_GetFolders", [&] { return DB_GALLERY_GetFolders(identity.c_str(), list.get()); });
+        const detail::Utf16 identity = detail::KnownIdentifier(imei);
+        detail::ReadCountedList("DB_GALLERY_GetFolders", *list.get(),
+                                [&] { return DB_GALLERY_GetFolders(identity.c_str(), list.get()); });
         return list.records(detail::ToFolder);
     }
 };

@@ -122,6 +122,31 @@ TEST_F(CppInterface, Texts_NotUtf8OrUnquotedWithApostrophe_AreRefusedBeforeTheCa
     EXPECT_THAT(music.files(), IsEmpty());
 }
 
+// Another program may have announced it where texts do not pass a code page.
+TEST_F(CppInterface, Phone_NotAscii_IsLookedUpOnLinux)
+{
+    std::optional<Phone> found;
+    const std::optional<Code> code = codeOf([&] { found = db.phones().find("\xC3\xA9"); });
+    EXPECT_FALSE(found);
+#if defined(_WIN32)
+    EXPECT_EQ(code, Code::kInvalidText);
+#else
+    EXPECT_EQ(code, std::nullopt);
+#endif
+    EXPECT_EQ(codeOf([&] { (void)db.phones().find("a'b"); }), Code::kInvalidText);
+}
+
+TEST_F(CppInterface, Error_NamesTheCall)
+{
+    try {
+        db.media("nobody", Category::kVideos).addFile({"a", "b", "c", {}});
+        FAIL() << "an unknown phone has no files";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.call(), "DB_VIDEO_SetAddedFile");
+        EXPECT_TRUE(std::string_view(error.what()).starts_with("DB_VIDEO_SetAddedFile failed: ")) << error.what();
+    }
+}
+
 TEST_F(CppInterface, Playlist_ThroughItsLife_ChangesState)
 {
     Playlists lists = db.playlists(imei);
@@ -225,6 +250,15 @@ TEST(CppList, EmptyOnceThenFilled_IsReadAgain)
     });
     EXPECT_EQ(calls, 2);
     EXPECT_EQ(list.Count, 3);
+}
+
+TEST(CppList, EmptyTwiceWhileOthersCanBeRead_IsBelieved)
+{
+    Database db;
+    int calls = 0;
+    const MainFolderList list{};
+    detail::ReadCountedList("call", list, [&] { return ++calls, 0; });
+    EXPECT_EQ(calls, 2);
 }
 
 TEST(CppList, OneRowMoreThanCounted_IsReadAgain)

@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <thread>
 
-#include "base/text.h"
 #include "client_process.h"
+#include "os/windows/wide_text.h"
 
 namespace kesta::test {
 namespace {
@@ -34,7 +34,7 @@ std::wstring Quoted(const std::string& argument)
 {
     std::wstring text = L"\"";
     size_t backslashes = 0;
-    const DbText units = ToDbText(argument).value();
+    const std::wstring units = os::ToWide(argument).value();
     for (const wchar_t c : units) {
         if (c == L'"') {
             text.append(backslashes + 1, L'\\');
@@ -72,7 +72,7 @@ ClientProcess::ClientProcess(const std::filesystem::path& folder, const std::vec
         commandLine += L" " + Quoted(argument);
     }
     for (const auto& [key, value] : environment) {
-        (void)SetEnvironmentVariableW(ToDbText(key).value().c_str(), ToDbText(value).value().c_str());
+        (void)SetEnvironmentVariableW(os::ToWide(key).value().c_str(), os::ToWide(value).value().c_str());
     }
 
     STARTUPINFOW startup{};
@@ -86,7 +86,7 @@ ClientProcess::ClientProcess(const std::filesystem::path& folder, const std::vec
     (void)CloseHandle(startup.hStdOutput);
     (void)CloseHandle(startup.hStdError);
     for (const auto& [key, value] : environment) {
-        (void)SetEnvironmentVariableW(ToDbText(key).value().c_str(), nullptr);
+        (void)SetEnvironmentVariableW(os::ToWide(key).value().c_str(), nullptr);
     }
     if (!started) {
         throw std::runtime_error("the client cannot be started: error " + std::to_string(error));

@@ -85,8 +85,9 @@ TEST(PhoneSettingsTest, EachSetting_HasANameAndAValueOfItsOwn)
             continue;
         }
         PhoneSettings settings;
-        const bool isDate = std::holds_alternative<DateSetting>(taken.members);
-        EXPECT_EQ(TakeSetting(settings, taken, isDate ? "2026-01-31" : "1"), "") << taken.name;
+        const bool isDate = std::holds_alternative<DateSetting>(taken.member);
+        const bool isOn = ShowSetting(settings, taken) == "yes" || ShowSetting(settings, taken) == "1";
+        EXPECT_EQ(TakeSetting(settings, taken, isDate ? "2026-01-31" : isOn ? "0" : "1"), "") << taken.name;
         for (const Setting& other : kSettings) {
             const bool isUnchanged = ShowSetting(settings, other) == ShowSetting(PhoneSettings(), other);
             EXPECT_EQ(isUnchanged, &other != &taken) << taken.name << ", " << other.name;

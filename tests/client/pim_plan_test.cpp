@@ -356,10 +356,11 @@ TEST(PimPlan, FolderThatAnotherPhonesRunRemoved_GoesHereToo)
 TEST(PimPlan, RowsOfOthers_StayAsTheyAre)
 {
     World world(PimKind::kContacts);
-    world.log.push_back({"guid of another program", "luid", 1000, 2000});
+    world.log.push_back({"guid of another program", "luid", FromNumber(1000), FromNumber(2000)});
     world.sync({Contacts(CardText("1", "Ann"))});
     EXPECT_THAT(world.log, SizeIs(2));
-    EXPECT_THAT(world.log, testing::Contains(PimLogRow{"guid of another program", "luid", 1000, 2000}));
+    EXPECT_THAT(world.log,
+                testing::Contains(PimLogRow{"guid of another program", "luid", FromNumber(1000), FromNumber(2000)}));
 }
 
 TEST(PimPlan, Limits_AreSaid)

@@ -18,12 +18,12 @@ namespace kesta::test {
 
 [[nodiscard]] inline PimSource Contacts(const std::string& contents, const std::string& path = "/pc/friends.vcf")
 {
-    return MakePimSource(PimKind::kContacts, PcPath(path), contents, 3'900'000'000);
+    return MakePimSource(PimKind::kContacts, PcPath(path), contents, FromNumber(3'900'000'000));
 }
 
 [[nodiscard]] inline PimSource Calendars(const std::string& contents, const std::string& path = "/pc/cal.ics")
 {
-    return MakePimSource(PimKind::kCalendar, PcPath(path), contents, 3'900'000'000);
+    return MakePimSource(PimKind::kCalendar, PcPath(path), contents, FromNumber(3'900'000'000));
 }
 
 }  // namespace kesta::test

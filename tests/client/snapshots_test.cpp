@@ -11,17 +11,19 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr LocalTime kHour = 3600, kDay = 24 * kHour;
-constexpr LocalTime kNow = 46000 * kDay;
+// Seconds.
+constexpr int64_t kHour = 3600, kDay = 24 * kHour;
+constexpr int64_t kNow = 46000 * kDay;
 
 // Ages in, ages out, the youngest first.
-std::vector<LocalTime> Kept(const std::vector<LocalTime>& ages)
+std::vector<int64_t> Kept(const std::vector<int64_t>& ages)
 {
-    std::vector<LocalTime> times, kept;
-    for (const LocalTime age : ages) {
-        times.push_back(kNow - age);
+    std::vector<LocalTime> times;
+    std::vector<int64_t> kept;
+    for (const int64_t age : ages) {
+        times.push_back(FromNumber(kNow - age));
     }
-    const std::vector<bool> stays = ChooseSnapshots(times, kNow);
+    const std::vector<bool> stays = ChooseSnapshots(times, FromNumber(kNow));
     for (size_t i = 0; i < ages.size(); ++i) {
         if (stays[i]) {
             kept.push_back(ages[i]);
@@ -52,8 +54,8 @@ TEST(Snapshots, ManyOfOneDay_TheLatestAndTheOldestAreKept)
 TEST(Snapshots, OneADay_SpreadOverAMonth)
 {
     std::vector<LocalTime> times;
-    for (LocalTime day = 0; day < 200; ++day) {
-        const LocalTime now = kNow + day * kDay;
+    for (int64_t day = 0; day < 200; ++day) {
+        const LocalTime now = FromNumber(kNow + day * kDay);
         times.insert(times.begin(), now);
         const std::vector<bool> stays = ChooseSnapshots(times, now);
         std::vector<LocalTime> kept;
@@ -65,7 +67,7 @@ TEST(Snapshots, OneADay_SpreadOverAMonth)
         times = kept;
         EXPECT_LE(times.size(), kMostSnapshots);
         if (day > 40) {
-            EXPECT_GE(now - times.back(), 7 * kDay) << "day " << day;
+            EXPECT_GE(now - times.back(), std::chrono::days(7)) << "day " << day;
         }
     }
 }

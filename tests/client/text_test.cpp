@@ -2,6 +2,7 @@
 #include "base/text.h"
 
 #include <gtest/gtest.h>
+#include <kesta_db/cpp/base.hpp>
 
 #include "base/dates.h"
 #include "os/local_time.h"
@@ -9,38 +10,43 @@
 namespace kesta {
 namespace {
 
-DbText Units(std::initializer_list<unsigned> units)
+using kesta_db::detail::FromDateValue;
+using kesta_db::detail::Text;
+using kesta_db::detail::ToDateValue;
+using kesta_db::detail::Utf8;
+
+kesta_db::detail::Utf16 Units(std::initializer_list<unsigned> units)
 {
-    DbText text;
+    kesta_db::detail::Utf16 text;
     for (const unsigned unit : units) {
         text += static_cast<DbChar>(unit);
     }
     return text;
 }
 
-TEST(TextTest, ToDbText_ConvertsEveryLength)
+TEST(TextTest, Text_ConvertsEveryLength)
 {
-    EXPECT_EQ(ToDbText(""), DbText());
-    EXPECT_EQ(ToDbText("a\u00e4\u20ac\U0001F600"), Units({'a', 0xE4, 0x20AC, 0xD83D, 0xDE00}));
-    EXPECT_EQ(ToDbText("\uFFFF\U00010000\U0010FFFF"), Units({0xFFFF, 0xD800, 0xDC00, 0xDBFF, 0xDFFF}));
+    EXPECT_EQ(Text(""), Units({}));
+    EXPECT_EQ(Text("a\u00e4\u20ac\U0001F600"), Units({'a', 0xE4, 0x20AC, 0xD83D, 0xDE00}));
+    EXPECT_EQ(Text("\uFFFF\U00010000\U0010FFFF"), Units({0xFFFF, 0xD800, 0xDC00, 0xDBFF, 0xDFFF}));
 }
 
-TEST(TextTest, ToDbText_RefusesWhatIsNotUtf8)
+TEST(TextTest, Text_RefusesWhatIsNotUtf8)
 {
     for (const char* text :
          {"\x80", "\xff", "\xc3", "\xc0\x80", "\xc1\xbf", "\xe0\x80\x80", "\xed\xa0\x80", "\xed\xbf\xbf",
           "\xf0\x80\x80\x80", "\xf4\x90\x80\x80", "\xf5\x80\x80\x80", "\xe2\x82", "\xe2\x28\xa1"}) {
-        EXPECT_FALSE(ToDbText(text)) << Printable(text);
+        EXPECT_THROW((void)Text(text), kesta_db::Error) << Printable(text);
         EXPECT_FALSE(IsValidUtf8(text)) << Printable(text);
     }
-    EXPECT_FALSE(ToDbText(std::string_view("a\0b", 3)));
+    EXPECT_THROW((void)Text(std::string_view("a\0b", 3)), kesta_db::Error);
 }
 
-TEST(TextTest, FromDbText_ReplacesLoneSurrogates)
+TEST(TextTest, Utf8_ReplacesLoneSurrogates)
 {
-    EXPECT_EQ(FromDbText(nullptr), "");
-    EXPECT_EQ(FromDbText(Units({'a', 0xE4, 0x20AC, 0xD83D, 0xDE00}).c_str()), "a\u00e4\u20ac\U0001F600");
-    EXPECT_EQ(FromDbText(Units({0xD83D, 'a', 0xDE00, 0xD83D}).c_str()), "\uFFFDa\uFFFD\uFFFD");
+    EXPECT_EQ(Utf8(nullptr), "");
+    EXPECT_EQ(Utf8(Units({'a', 0xE4, 0x20AC, 0xD83D, 0xDE00}).c_str()), "a\u00e4\u20ac\U0001F600");
+    EXPECT_EQ(Utf8(Units({0xD83D, 'a', 0xDE00, 0xD83D}).c_str()), "\uFFFDa\uFFFD\uFFFD");
 }
 
 TEST(TextTest, Printable_ShowsWhatATerminalWouldObey)
@@ -61,19 +67,20 @@ TEST(TextTest, DisplayWidth_CountsColumns)
 
 TEST(DatesTest, DateValue_KeepsSecondsBothWays)
 {
-    const std::pair<LocalTime, double> table[] = {{0, 0.0},
-                                                  {86400, 1.0},
-                                                  {86400 + 21600, 1.25},
-                                                  {-86400, -1.0},
-                                                  {-86400 + 21600, -1.25},  // the fraction runs forward in the day
-                                                  {-1, -1.0 - 86399.0 / 86400}};
+    const std::pair<int64_t, double> table[] = {{0, 0.0},
+                                                {86400, 1.0},
+                                                {86400 + 21600, 1.25},
+                                                {-86400, -1.0},
+                                                {-86400 + 21600, -1.25},  // the fraction runs forward in the day
+                                                {-1, -1.0 - 86399.0 / 86400}};
     for (const auto& [time, days] : table) {
-        EXPECT_DOUBLE_EQ(ToDateValue(time).Days, days);
-        EXPECT_EQ(ToDateValue(time).Status, kDateValid);
-        EXPECT_EQ(FromDateValue(ToDateValue(time)), time);
+        const DateValue value = ToDateValue(FromNumber(time));
+        EXPECT_DOUBLE_EQ(value.Days, days);
+        EXPECT_EQ(value.Status, kDateValid);
+        EXPECT_EQ(FromDateValue(value), FromNumber(time));
     }
-    for (LocalTime time = 3'900'000'000; time < 3'900'000'000 + 100'000; time += 7) {
-        ASSERT_EQ(FromDateValue(ToDateValue(time)), time);
+    for (int64_t time = 3'900'000'000; time < 3'900'000'000 + 100'000; time += 7) {
+        ASSERT_EQ(FromDateValue(ToDateValue(FromNumber(time))), FromNumber(time));
     }
     EXPECT_EQ(ToDateValue(std::nullopt).Status, kDateNull);
     EXPECT_FALSE(FromDateValue({1.0, kDateInvalid}));
@@ -82,17 +89,17 @@ TEST(DatesTest, DateValue_KeepsSecondsBothWays)
 
 TEST(DatesTest, FormatLocalTime_WritesTheCalendar)
 {
-    EXPECT_EQ(FormatLocalTime(0), "1899-12-30 00:00:00");
-    EXPECT_EQ(FormatLocalTime(2 * 86400 + 3661), "1900-01-01 01:01:01");
-    EXPECT_EQ(FormatLocalTime(-1), "1899-12-29 23:59:59");
-    EXPECT_EQ(FormatLocalTime(45658LL * 86400), "2025-01-01 00:00:00");
+    EXPECT_EQ(FormatLocalTime(FromNumber(0)), "1899-12-30 00:00:00");
+    EXPECT_EQ(FormatLocalTime(FromNumber(2 * 86400 + 3661)), "1900-01-01 01:01:01");
+    EXPECT_EQ(FormatLocalTime(FromNumber(-1)), "1899-12-29 23:59:59");
+    EXPECT_EQ(FormatLocalTime(FromNumber(45658LL * 86400)), "2025-01-01 00:00:00");
 }
 
 TEST(DatesTest, ToLocalTime_KnowsItsYears)
 {
     const auto time = os::ToLocalTime(1'000'000'000);  // 9 September 2001, 01:46:40 UTC
     ASSERT_TRUE(time);
-    EXPECT_LE(std::abs(*time - (37143LL * 86400 + 6400)), 15 * 3600) << "no time zone is further away";
+    EXPECT_LE(std::abs(ToNumber(*time) - (37143LL * 86400 + 6400)), 15 * 3600) << "no time zone is further away";
     EXPECT_FALSE(os::ToLocalTime(400'000'000'000));
     EXPECT_FALSE(os::ToLocalTime(-70'000'000'000));
 }

@@ -16,7 +16,7 @@
 #include "base/stop_run.h"
 #include "base/text.h"
 #include "commands/commands.h"
-#include "database/database.h"
+#include "database/failures.h"
 #include "os/startup_watch.h"
 #include "os/system.h"
 #include "report/output.h"
@@ -107,8 +107,8 @@ int main(int argc, char** argv)
         return static_cast<int>(exitCode);
     } catch (const kesta::StopRun& stop) {
         return Report(stop.code(), stop);
-    } catch (const kesta::DatabaseError& failure) {
-        return Report(kesta::ExitCode::kDatabase, failure);
+    } catch (const kesta_db::Error& failure) {
+        return Report(kesta::ExitCode::kDatabase, kesta::StopRun(kesta::ExitCode::kDatabase, kesta::TextOf(failure)));
     } catch (const std::exception& failure) {
         return Report(kesta::ExitCode::kFailure, failure);
     }

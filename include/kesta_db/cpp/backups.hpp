@@ -23,7 +23,7 @@ public:
     /// Of one phone, which must be known.
     [[nodiscard]] std::vector<Backup> of(std::string_view imei)
     {
-        const detail::Utf16 identity = detail::Identifier(imei);
+        const detail::Utf16 identity = detail::KnownIdentifier(imei);
         return read([&](BackupList* list) { return DB_BACKUP_GetPhoneBackups(identity.c_str(), list); });
     }
     /// Of all phones.
@@ -38,7 +38,7 @@ public:
         detail::Utf16 path = detail::Text(backup.path);
         detail::Utf16 phonePath = detail::Text(backup.phonePath);
         BackupRecord record{-1, backup.size, detail::ToDateValue(backup.modified), path.data(), phonePath.data()};
-        const int32_t result = DB_BACKUP_AddBackup(detail::Identifier(imei).c_str(), &record);
+        const int32_t result = DB_BACKUP_AddBackup(detail::KnownIdentifier(imei).c_str(), &record);
         if (result != kRefreshed) detail::Require("DB_BACKUP_AddBackup", result);
         if (record.bcID == -1) throw Error("DB_BACKUP_AddBackup", Code::kNotStored);
         return record.bcID;
@@ -51,7 +51,7 @@ private:
     {
         auto release = [](BackupList* list) { (void)DB_BACKUP_GetPhoneBackups(detail::kUnknown, list); };
         detail::OwnedList<BackupList, decltype(release)> list(release);
-        detail::ReadCountedList("Listing backups", *list.get(), [&] { return read(list.get()); });
+        detail::ReadCountedList("DB_BACKUP_GetPhoneBackups", *list.get(), [&] { return read(list.get()); });
         return list.records([](const BackupRecord& record) {
             return Backup{record.bcID, detail::Utf8(record.Path), detail::Utf8(record.PhonePath), record.Size,
                           detail::FromDateValue(record.ModifiedTime)};

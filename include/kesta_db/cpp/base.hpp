@@ -87,17 +87,25 @@ namespace detail {
 class Error : public std::runtime_error {
 public:
     Error(std::string_view call, Code code)
-        : std::runtime_error(std::string(call) + " failed: " + detail::Describe(code)), code_(code)
+        : std::runtime_error(std::string(call) + " failed: " + detail::Describe(code)),
+          code_(code),
+          length_(call.size())
     {
     }
     [[nodiscard]] Code code() const noexcept { return code_; }
+    /// The function of the library, as a rule: "DB_LIB_GetAllPhones".
+    [[nodiscard]] std::string_view call() const noexcept { return std::string_view(what()).substr(0, length_); }
 
 private:
     Code code_;
+    size_t length_;  // of the call in what()
 };
 
 /// A point in the user's local time, to the second, as the database keeps it. Years 100 to 9999.
 using LocalTime = std::chrono::local_seconds;
+
+/// The day that the database numbers 0.
+inline constexpr std::chrono::local_days kDayZero{std::chrono::year(1899) / 12 / 30};
 
 namespace detail {
 
@@ -152,7 +160,8 @@ using Utf16 = std::basic_string<DbChar>;
     return text;
 }
 
-/// A text that goes into statements without quotes: printable ASCII without an apostrophe. Throws kInvalidText.
+/// A text that goes into statements as it is, and is to be stored: printable ASCII without an apostrophe. Throws
+/// kInvalidText.
 [[nodiscard]] inline Utf16 Identifier(std::string_view ascii)
 {
     for (const char c : ascii) {
@@ -160,6 +169,19 @@ using Utf16 = std::basic_string<DbChar>;
             throw Error("A call with an identifier that is not ASCII without apostrophes", Code::kInvalidText);
     }
     return Text(ascii);
+}
+
+/// The same for one by which something is looked up. Another program may have stored it; where the library does not
+/// take such texts through a code page it can be asked for, then.
+[[nodiscard]] inline Utf16 KnownIdentifier(std::string_view text)
+{
+#if defined(_WIN32)
+    return Identifier(text);
+#else
+    if (text.find('\'') != std::string_view::npos)
+        throw Error("A call with an identifier that has an apostrophe", Code::kInvalidText);
+    return Text(text);
+#endif
 }
 
 inline void AppendUtf8(std::string& utf8, char32_t c)
@@ -201,8 +223,6 @@ inline void AppendUtf8(std::string& utf8, char32_t c)
 }
 
 // ---- Dates
-
-inline constexpr std::chrono::local_days kDayZero{std::chrono::year(1899) / 12 / 30};
 
 /// std::nullopt is the null date.
 [[nodiscard]] inline DateValue ToDateValue(std::optional<LocalTime> time)
@@ -281,24 +301,41 @@ inline SharedList<MainFolderList>& SharedMainFolders()
     return shared;
 }
 
-/// Throws unless rows that every database has can be read now.
-inline void RequireReadable(std::string_view call)
+/// Whether rows that every database has can be read now.
+[[nodiscard]] inline bool CanKnownRowsBeRead()
 {
     auto& shared = SharedMainFolders();
     const std::scoped_lock lock(shared.mutex);
-    ReadList(call, [&] { return DB_LIB_GetAllMainFolders(&shared.list); });
-    if (shared.list.Count == 0) throw Error(call, Code::kUnreadable);
+    return DB_LIB_GetAllMainFolders(&shared.list) == 0 && shared.list.Count > 0;
 }
 
-/// Reads a list whose count may break off without a word: an empty one is believed only when it is empty once more
-/// after other rows could be read.
+/// Asks until the answer can be believed; ask says whether there was anything in it. When the library cannot look into
+/// the database - it is locked for too long, the disk fails - many calls answer as they do when there is nothing. An
+/// empty answer is believed when it came twice without waiting, and other rows can be read right after. Throws
+/// kUnreadable after a few attempts.
+template <class Ask>
+void AskUntilBelieved(std::string_view call, Ask&& ask)
+{
+    constexpr int kAttempts = 4;
+    constexpr std::chrono::milliseconds kNoWaiting{500};  // a call that meets a lock waits longer before it looks again
+    if (ask()) return;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        const auto before = std::chrono::steady_clock::now();
+        if (ask()) return;
+        const bool isTrue = CanKnownRowsBeRead();
+        if (isTrue && std::chrono::steady_clock::now() - before < kNoWaiting) return;
+    }
+    throw Error(call, Code::kUnreadable);
+}
+
+/// Reads a list whose emptiness is to be believed.
 template <class List, class Read>
 void ReadCountedList(std::string_view call, const List& list, Read&& read)
 {
-    ReadList(call, read);
-    if (list.Count != 0) return;
-    RequireReadable(call);
-    ReadList(call, read);
+    AskUntilBelieved(call, [&] {
+        ReadList(call, read);
+        return list.Count != 0;
+    });
 }
 
 }  // namespace detail

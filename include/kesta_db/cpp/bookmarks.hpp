@@ -20,7 +20,7 @@ struct Bookmark {
 /// The bookmarks of one phone, which must be known, of its present bookmark type.
 class Bookmarks {
 public:
-    explicit Bookmarks(std::string_view imei) : imei_(detail::Identifier(imei)) {}
+    explicit Bookmarks(std::string_view imei) : imei_(detail::KnownIdentifier(imei)) {}
 
     /// An empty answer is a true one.
     [[nodiscard]] std::vector<Bookmark> all()

@@ -77,6 +77,7 @@ private:
 
 /// The functions of one category.
 struct CategoryCalls {
+    const char* name;
     decltype(&DB_MUSIC_AddFolder) addFolder;
     decltype(&DB_MUSIC_GetFolder) getFolder;
     decltype(&DB_MUSIC_GetFolders) getFolders;
@@ -91,12 +92,13 @@ struct CategoryCalls {
 
 [[nodiscard]] inline const CategoryCalls& CallsOf(Category category)
 {
-#define KESTA_DB_CATEGORY(NAME)                                                                                  \
-    CategoryCalls                                                                                                \
-    {                                                                                                            \
-        &DB_##NAME##_AddFolder, &DB_##NAME##_GetFolder, &DB_##NAME##_GetFolders, &DB_##NAME##_SetFolderSelected, \
-            &DB_##NAME##_SetFolderDeleted, &DB_##NAME##_SetDeletedFolder, &DB_##NAME##_GetSyncedFiles,           \
-            &DB_##NAME##_SetAddedFile, &DB_##NAME##_SetUpdatedFile, &DB_##NAME##_SetDeletedFile                  \
+#define KESTA_DB_CATEGORY(NAME)                                                                           \
+    CategoryCalls                                                                                         \
+    {                                                                                                     \
+        "DB_" #NAME, &DB_##NAME##_AddFolder, &DB_##NAME##_GetFolder, &DB_##NAME##_GetFolders,             \
+            &DB_##NAME##_SetFolderSelected, &DB_##NAME##_SetFolderDeleted, &DB_##NAME##_SetDeletedFolder, \
+            &DB_##NAME##_GetSyncedFiles, &DB_##NAME##_SetAddedFile, &DB_##NAME##_SetUpdatedFile,          \
+            &DB_##NAME##_SetDeletedFile                                                                   \
     }
     static const CategoryCalls kCalls[] = {KESTA_DB_CATEGORY(MUSIC), KESTA_DB_CATEGORY(IMAGE), KESTA_DB_CATEGORY(VIDEO),
                                            KESTA_DB_CATEGORY(DOCUMENT)};
@@ -109,16 +111,18 @@ struct CategoryCalls {
 /// Folders and files of one category on one phone, which must be known.
 class Media {
 public:
-    Media(std::string_view imei, Category category) : imei_(detail::Identifier(imei)), calls_(detail::CallsOf(category))
+    Media(std::string_view imei, Category category)
+        : imei_(detail::KnownIdentifier(imei)), calls_(detail::CallsOf(category))
     {
     }
 
-    /// In the order in which they were added.
+    /// In the order in which they were added. An empty answer is a true one, here and below.
     [[nodiscard]] std::vector<Folder> folders()
     {
         auto release = [this](FolderList* list) { (void)calls_.getFolders(detail::kUnknown, list); };
         detail::OwnedList<FolderList, decltype(release)> list(release);
-        detail::ReadList("GetFolders", [&] { return calls_.getFolders(imei_.c_str(), list.get()); });
+        detail::ReadCountedList(name("GetFolders"), *list.get(),
+                                [&] { return calls_.getFolders(imei_.c_str(), list.get()); });
         return list.records(detail::ToFolder);
     }
 
@@ -133,58 +137,62 @@ public:
         record.Size = folder.size;
         record.TotalSize = folder.totalSize;
         record.Sized = folder.sized ? 1 : 0;
-        detail::Require("AddFolder", calls_.addFolder(imei_.c_str(), &record));
+        detail::Require(name("AddFolder"), calls_.addFolder(imei_.c_str(), &record));
         FolderRecord stored{};
         const bool isStored = calls_.getFolder(imei_.c_str(), path.c_str(), &stored) == 0 &&
                               stored.Count == record.Count && stored.Size == record.Size &&
                               stored.TotalSize == record.TotalSize && stored.Sized == record.Sized;
         (void)calls_.getFolder(detail::kUnknown, path.c_str(), &stored);  // gives the text back
-        if (!isStored) throw Error("AddFolder", Code::kNotStored);
+        if (!isStored) throw Error(name("AddFolder"), Code::kNotStored);
     }
     void selectFolder(std::string_view path, bool selected)
     {
-        detail::Require("SetFolderSelected",
+        detail::Require(name("SetFolderSelected"),
                         calls_.setFolderSelected(imei_.c_str(), detail::Text(path).c_str(), selected ? 1 : 0));
     }
     /// Gone from the PC, or back.
     void setFolderDeleted(std::string_view path, bool deleted)
     {
-        detail::Require("SetFolderDeleted",
+        detail::Require(name("SetFolderDeleted"),
                         calls_.setFolderDeleted(imei_.c_str(), detail::Text(path).c_str(), deleted ? 1 : 0));
     }
     /// With all files recorded under it.
     void removeFolder(std::string_view path)
     {
-        detail::Require("SetDeletedFolder", calls_.setDeletedFolder(imei_.c_str(), detail::Text(path).c_str()));
+        detail::Require(name("SetDeletedFolder"), calls_.setDeletedFolder(imei_.c_str(), detail::Text(path).c_str()));
     }
 
-    /// The files of all folders. An empty answer is a true one.
+    /// The files of all folders.
     [[nodiscard]] std::vector<File> files()
     {
         auto release = [this](SyncedFileList* list) { (void)calls_.getSyncedFiles(detail::kUnknown, nullptr, list); };
         detail::OwnedList<SyncedFileList, decltype(release)> list(release);
-        detail::ReadCountedList("GetSyncedFiles", *list.get(),
+        detail::ReadCountedList(name("GetSyncedFiles"), *list.get(),
                                 [&] { return calls_.getSyncedFiles(imei_.c_str(), nullptr, list.get()); });
         return list.records(detail::ToFile);
     }
     /// False when the file is recorded already; it is then left as it was.
     bool addFile(const File& file)
     {
-        return detail::Added("SetAddedFile", calls_.setAddedFile(imei_.c_str(), detail::FileArgument(file).get()));
+        return detail::Added(name("SetAddedFile"),
+                             calls_.setAddedFile(imei_.c_str(), detail::FileArgument(file).get()));
     }
     /// phonePath and modified of the file with that path.
     void updateFile(const File& file)
     {
-        detail::Require("SetUpdatedFile", calls_.setUpdatedFile(imei_.c_str(), detail::FileArgument(file).get()));
+        detail::Require(name("SetUpdatedFile"), calls_.setUpdatedFile(imei_.c_str(), detail::FileArgument(file).get()));
     }
     void removeFile(std::string_view path)
     {
         detail::Require(
-            "SetDeletedFile",
+            name("SetDeletedFile"),
             calls_.setDeletedFile(imei_.c_str(), detail::FileArgument({std::string(path), {}, {}, {}}).get()));
     }
 
 private:
+    /// "DB_MUSIC_GetFolders"
+    [[nodiscard]] std::string name(const char* call) const { return std::string(calls_.name) + '_' + call; }
+
     detail::Utf16 imei_;
     const detail::CategoryCalls& calls_;
 };

@@ -128,7 +128,7 @@ public:
     /// False for an unknown phone, and when it cannot be read: the library does not tell these apart.
     [[nodiscard]] bool read(std::string_view imei)
     {
-        return DB_LIB_GetPhoneSetting(Identifier(imei).c_str(), &record_) == 0;
+        return DB_LIB_GetPhoneSetting(KnownIdentifier(imei).c_str(), &record_) == 0;
     }
     [[nodiscard]] const PhoneSettingRecord& record() const { return record_; }
 
@@ -153,32 +153,32 @@ public:
     /// std::nullopt if the phone is not known.
     [[nodiscard]] std::optional<Phone> find(std::string_view imei)
     {
-        detail::OwnedPhone phone;
-        if (phone.read(imei)) return detail::ToPhone(phone.record());
-        detail::RequireReadable("DB_LIB_GetPhoneSetting");
-        if (phone.read(imei)) return detail::ToPhone(phone.record());
-        return std::nullopt;
+        std::optional<Phone> found;
+        detail::AskUntilBelieved("DB_LIB_GetPhoneSetting", [&] {
+            detail::OwnedPhone phone;
+            if (phone.read(imei)) found = detail::ToPhone(phone.record());
+            return found.has_value();
+        });
+        return found;
     }
 
     [[nodiscard]] std::vector<Phone> all()
     {
-        std::vector<std::string> imeis;
+        std::vector<Phone> phones;
         {
             static detail::SharedList<PhoneList> shared;
             const std::scoped_lock lock(shared.mutex);
             detail::ReadCountedList("DB_LIB_GetAllPhones", shared.list,
                                     [&] { return DB_LIB_GetAllPhones(&shared.list); });
-            for (int32_t i = 0; i < shared.list.Count; ++i) imeis.push_back(detail::Utf8(shared.list.Items[i].IMEI));
+            for (int32_t i = 0; i < shared.list.Count; ++i) phones.push_back(detail::ToPhone(shared.list.Items[i]));
         }
         // One by one, for the list leaves some fields out. Another program may have stored an IMEI that cannot be asked
         // for.
-        std::vector<Phone> phones;
-        for (const std::string& imei : imeis) {
+        for (Phone& phone : phones) {
             try {
-                if (std::optional<Phone> phone = find(imei)) phones.push_back(*std::move(phone));
+                if (std::optional<Phone> whole = find(phone.imei)) phone = *std::move(whole);
             } catch (const Error& error) {
                 if (error.code() != Code::kInvalidText) throw;
-                phones.emplace_back().imei = imei;
             }
         }
         return phones;
@@ -211,46 +211,48 @@ public:
     [[nodiscard]] std::optional<LocalTime> lastSync(std::string_view imei)
     {
         DateValue time{0.0, kDateNull};
-        detail::Require("DB_LIB_GetLastSyncTime", DB_LIB_GetLastSyncTime(detail::Identifier(imei).c_str(), &time));
+        detail::Require("DB_LIB_GetLastSyncTime", DB_LIB_GetLastSyncTime(detail::KnownIdentifier(imei).c_str(), &time));
         return detail::FromDateValue(time);
     }
     void setLastSync(std::string_view imei, LocalTime time, int32_t errorCode = 0, bool needMount = true)
     {
         const DateValue date = detail::ToDateValue(time);
-        detail::Require("DB_LIB_SetLastSyncTime",
-                        DB_LIB_SetLastSyncTime(detail::Identifier(imei).c_str(), &date, errorCode, needMount ? 1 : 0));
+        detail::Require("DB_LIB_SetLastSyncTime", DB_LIB_SetLastSyncTime(detail::KnownIdentifier(imei).c_str(), &date,
+                                                                         errorCode, needMount ? 1 : 0));
     }
 
     /// A folder of which nothing is stored for the phone counts as selected.
     [[nodiscard]] bool isSelected(std::string_view imei, MainFolder folder)
     {
-        return DB_LIB_IsFolderSelected(detail::Identifier(imei).c_str(), static_cast<int32_t>(folder)) != 0;
+        return DB_LIB_IsFolderSelected(detail::KnownIdentifier(imei).c_str(), static_cast<int32_t>(folder)) != 0;
     }
     void select(std::string_view imei, MainFolder folder, bool selected)
     {
-        detail::Require(
-            "DB_LIB_SetFolderSelected",
-            DB_LIB_SetFolderSelected(detail::Identifier(imei).c_str(), static_cast<int32_t>(folder), selected ? 1 : 0));
+        detail::Require("DB_LIB_SetFolderSelected",
+                        DB_LIB_SetFolderSelected(detail::KnownIdentifier(imei).c_str(), static_cast<int32_t>(folder),
+                                                 selected ? 1 : 0));
     }
 
     /// Forgets which files have been synced, of all categories and playlists.
     void forgetSyncedFiles(std::string_view imei)
     {
-        detail::Require("DB_LIB_ClearSyncHistory", DB_LIB_ClearSyncHistory(detail::Identifier(imei).c_str()));
+        detail::Require("DB_LIB_ClearSyncHistory", DB_LIB_ClearSyncHistory(detail::KnownIdentifier(imei).c_str()));
     }
 
     [[nodiscard]] std::vector<MainFolderFigures> mainFolders()
     {
-        auto& shared = detail::SharedMainFolders();
-        const std::scoped_lock lock(shared.mutex);
-        detail::ReadList("DB_LIB_GetAllMainFolders", [&] { return DB_LIB_GetAllMainFolders(&shared.list); });
-        if (shared.list.Count == 0) throw Error("DB_LIB_GetAllMainFolders", Code::kUnreadable);
         std::vector<MainFolderFigures> folders;
-        for (int32_t i = 0; i < shared.list.Count; ++i) {
-            const MainFolderRecord& record = shared.list.Items[i];
-            folders.push_back({static_cast<MainFolder>(record.ID), record.Number, record.Size,
-                               detail::Utf8(record.Setting), record.Changed != 0});
-        }
+        detail::AskUntilBelieved("DB_LIB_GetAllMainFolders", [&] {
+            auto& shared = detail::SharedMainFolders();
+            const std::scoped_lock lock(shared.mutex);
+            detail::ReadList("DB_LIB_GetAllMainFolders", [&] { return DB_LIB_GetAllMainFolders(&shared.list); });
+            for (int32_t i = 0; i < shared.list.Count; ++i) {
+                const MainFolderRecord& record = shared.list.Items[i];
+                folders.push_back({static_cast<MainFolder>(record.ID), record.Number, record.Size,
+                                   detail::Utf8(record.Setting), record.Changed != 0});
+            }
+            return !folders.empty();
+        });
         return folders;
     }
 };

@@ -42,7 +42,7 @@ public:
     /// most 1,023.
     [[nodiscard]] std::vector<PimFolder> folders(int32_t type, std::string_view parentId = {}, bool recursive = false)
     {
-        const detail::Utf16 parent = detail::Identifier(parentId);
+        const detail::Utf16 parent = detail::KnownIdentifier(parentId);
         auto release = [](PimFolderList* list) { (void)DB_PIM_GetFolders(list, detail::kUnknown, 0, 0); };
         detail::OwnedList<PimFolderList, decltype(release)> list(release);
         detail::ReadCountedList("DB_PIM_GetFolders", *list.get(),
@@ -77,7 +77,7 @@ public:
     /// The items of a folder, which must be known; of the folders of that type below it too when recursive.
     [[nodiscard]] std::vector<PimItem> items(std::string_view folderId, int32_t type = 0, bool recursive = false)
     {
-        const detail::Utf16 folder = detail::Identifier(folderId);
+        const detail::Utf16 folder = detail::KnownIdentifier(folderId);
         auto release = [](PimItemList* list) { (void)DB_PIM_GetItems(list, detail::kUnknown, 0, 0); };
         detail::OwnedList<PimItemList, decltype(release)> list(release);
         detail::ReadCountedList("DB_PIM_GetItems", *list.get(),
@@ -136,7 +136,7 @@ private:
 /// The log of one phone, which must be known, and one kind of data.
 class PimSyncLog {
 public:
-    PimSyncLog(std::string_view imei, int32_t type) : imei_(detail::Identifier(imei)), type_(type) {}
+    PimSyncLog(std::string_view imei, int32_t type) : imei_(detail::KnownIdentifier(imei)), type_(type) {}
 
     /// An empty answer is a true one.
     [[nodiscard]] std::vector<PimLogRow> rows()

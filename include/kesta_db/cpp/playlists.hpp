@@ -96,15 +96,15 @@ private:
 /// kNew then goes to the phone, what is still kUnconfirmed is removed from it.
 class Playlists {
 public:
-    explicit Playlists(std::string_view imei) : imei_(detail::Identifier(imei)) {}
+    explicit Playlists(std::string_view imei) : imei_(detail::KnownIdentifier(imei)) {}
 
-    /// By name.
+    /// By name. An empty answer is a true one, here and below.
     [[nodiscard]] std::vector<Playlist> all()
     {
         auto release = [](PlaylistList* list) { (void)DB_PLAYERMUSIC_GetPlaylists(detail::kUnknown, list); };
         detail::OwnedList<PlaylistList, decltype(release)> list(release);
-        detail::ReadList("DB_PLAYERMUSIC_GetPlaylists",
-                         [&] { return DB_PLAYERMUSIC_GetPlaylists(imei_.c_str(), list.get()); });
+        detail::ReadCountedList("DB_PLAYERMUSIC_GetPlaylists", *list.get(),
+                                [&] { return DB_PLAYERMUSIC_GetPlaylists(imei_.c_str(), list.get()); });
         return list.records(detail::ToPlaylist);
     }
     /// Every list but those deleted on the phone becomes kUnconfirmed.
@@ -161,8 +161,10 @@ public:
     [[nodiscard]] std::vector<std::string> members(std::string_view name)
     {
         detail::FileNames names;
-        detail::Require("DB_PLAYERMUSIC_GetListFilesname",
-                        DB_PLAYERMUSIC_GetListFilesname(imei_.c_str(), detail::Text(name).c_str(), names.get()));
+        const detail::Utf16 list = detail::Text(name);
+        detail::ReadCountedList("DB_PLAYERMUSIC_GetListFilesname", *names.get(), [&] {
+            return DB_PLAYERMUSIC_GetListFilesname(imei_.c_str(), list.c_str(), names.get());
+        });
         return names.texts();
     }
     /// Replaces them; a name given twice is stored once. Reads them back, for the library does not tell whether all

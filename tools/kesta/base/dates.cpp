@@ -4,25 +4,9 @@
 
 #include <charconv>
 #include <chrono>
-#include <cmath>
 
 namespace kesta {
 namespace {
-
-constexpr int64_t kSecondsPerDay = 86400;
-constexpr int64_t kFirstDay = -657434;  // 1 January 100
-constexpr int64_t kLastDay = 2958465;   // 31 December 9999
-
-struct DayAndTime {
-    int64_t day;
-    int64_t seconds;
-};
-
-DayAndTime Split(LocalTime time)
-{
-    const int64_t day = time / kSecondsPerDay - (time % kSecondsPerDay < 0 ? 1 : 0);
-    return {day, time - day * kSecondsPerDay};
-}
 
 // Takes so many digits off the text; std::nullopt when it begins with anything else.
 std::optional<unsigned> TakeDigits(std::string_view& text, size_t count)
@@ -48,8 +32,8 @@ bool TakeOne(std::string_view& text, std::string_view choice)
     return true;
 }
 
-// The time of day in seconds; std::nullopt when the text is no time to its end.
-std::optional<int64_t> ParseTimeOfDay(std::string_view text)
+// std::nullopt when the text is no time of day to its end.
+std::optional<std::chrono::seconds> ParseTimeOfDay(std::string_view text)
 {
     const auto hour = TakeDigits(text, 2);
     if (!hour || !TakeOne(text, ":")) {
@@ -63,41 +47,20 @@ std::optional<int64_t> ParseTimeOfDay(std::string_view text)
     if (!minute || !second || !text.empty() || *hour > 23 || *minute > 59 || *second > 59) {
         return std::nullopt;
     }
-    return *hour * 3600 + *minute * 60 + *second;
+    return std::chrono::hours(*hour) + std::chrono::minutes(*minute) + std::chrono::seconds(*second);
 }
 
 }  // namespace
 
-DateValue ToDateValue(std::optional<LocalTime> time)
-{
-    if (!time) {
-        return {0.0, kDateNull};
-    }
-    const auto [day, seconds] = Split(*time);
-    const double fraction = static_cast<double>(seconds) / kSecondsPerDay;
-    // The fraction runs forward in the day also where the day number is negative.
-    const auto days = static_cast<double>(day);
-    return {day < 0 ? days - fraction : days + fraction, kDateValid};
-}
-
-std::optional<LocalTime> FromDateValue(const DateValue& date)
-{
-    if (date.Status != kDateValid || !std::isfinite(date.Days) || std::fabs(date.Days) > 3e6) {
-        return std::nullopt;
-    }
-    const double day = std::trunc(date.Days);
-    const double fraction = std::fabs(date.Days - day);
-    return static_cast<LocalTime>(day) * kSecondsPerDay + std::llround(fraction * kSecondsPerDay);
-}
-
 std::string FormatLocalTime(LocalTime time)
 {
     using namespace std::chrono;
-    const auto [day, seconds] = Split(time);
-    const year_month_day date(sys_days(year(1899) / December / 30) + days(day));
+    const local_days day = std::chrono::floor<days>(time);
+    const year_month_day date(day);
+    const hh_mm_ss clock(time - day);
     return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", static_cast<int>(date.year()),
-                       static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), seconds / 3600,
-                       seconds / 60 % 60, seconds % 60);
+                       static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), clock.hours().count(),
+                       clock.minutes().count(), clock.seconds().count());
 }
 
 std::optional<LocalTime> ParseLocalTime(std::string_view text)
@@ -112,30 +75,27 @@ std::optional<LocalTime> ParseLocalTime(std::string_view text)
         return std::nullopt;
     }
     const auto dayNumber = TakeDigits(text, 2);
-    std::optional<int64_t> seconds = 0;
+    std::optional<seconds> timeOfDay = 0s;
     if (TakeOne(text, " T")) {
-        seconds = ParseTimeOfDay(text);
+        timeOfDay = ParseTimeOfDay(text);
     } else if (!text.empty()) {
         return std::nullopt;
     }
-    if (!dayNumber || !seconds) {
+    if (!dayNumber || !timeOfDay) {
         return std::nullopt;
     }
     const year_month_day date(year(static_cast<int>(*yearNumber)), month(*monthNumber), day(*dayNumber));
     if (!date.ok()) {
         return std::nullopt;
     }
-    const int64_t days = (sys_days(date) - sys_days(year(1899) / December / 30)).count();
-    if (days < kFirstDay || days > kLastDay) {
-        return std::nullopt;
-    }
-    return days * kSecondsPerDay + *seconds;
+    const LocalTime time = local_days(date) + *timeOfDay;
+    return IsStorable(time) ? std::optional(time) : std::nullopt;
 }
 
 bool IsStorable(LocalTime time)
 {
-    const int64_t day = Split(time).day;
-    return day >= kFirstDay && day <= kLastDay;
+    using namespace std::chrono;
+    return time >= local_days(year(100) / January / 1) && time < local_days(year(10000) / January / 1);
 }
 
 }  // namespace kesta

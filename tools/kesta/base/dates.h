@@ -1,7 +1,7 @@
-// Points in local time as the database keeps them: whole seconds since 30 December 1899 00:00.
+// Points in local time, as texts and as numbers.
 #pragma once
 
-#include <kesta_db/kesta_db.h>
+#include <kesta_db/cpp/base.hpp>
 
 #include <cstdint>
 #include <optional>
@@ -10,12 +10,17 @@
 
 namespace kesta {
 
-using LocalTime = int64_t;
+using kesta_db::LocalTime;
 
-/// std::nullopt gives the null date.
-[[nodiscard]] DateValue ToDateValue(std::optional<LocalTime> time);
-/// std::nullopt for an invalid or null date.
-[[nodiscard]] std::optional<LocalTime> FromDateValue(const DateValue& date);
+/// Seconds since 30 December 1899 00:00: as state files have them.
+[[nodiscard]] constexpr int64_t ToNumber(LocalTime time)
+{
+    return (time - LocalTime(kesta_db::kDayZero)).count();
+}
+[[nodiscard]] constexpr LocalTime FromNumber(int64_t seconds)
+{
+    return LocalTime(kesta_db::kDayZero) + std::chrono::seconds(seconds);
+}
 /// "2026-01-31 23:59:58"
 [[nodiscard]] std::string FormatLocalTime(LocalTime time);
 /// "2026-01-31", or with the time of day after a blank or T: "2026-01-31 23:59", "2026-01-31 23:59:58". std::nullopt

@@ -9,12 +9,6 @@ namespace kesta {
 namespace {
 
 constexpr char32_t kInvalidByte = kLastCharacter + 1;  // plus the byte
-constexpr char32_t kReplacement = 0xFFFD;
-
-bool IsSurrogate(char32_t character)
-{
-    return character >= 0xD800 && character <= 0xDFFF;
-}
 
 // Whether a terminal would act on the character instead of showing it: C0, C1, and what reorders text.
 bool IsControl(char32_t c)
@@ -68,39 +62,6 @@ void AppendCharacter(std::string& text, char32_t character)
 bool IsValidUtf8(std::string_view text)
 {
     return utf8::is_valid(text.begin(), text.end());
-}
-
-std::optional<DbText> ToDbText(std::string_view text)
-{
-    if (!IsValidUtf8(text) || text.find('\0') != std::string_view::npos) {
-        return std::nullopt;
-    }
-    DbText units;
-    units.reserve(text.size());
-    utf8::unchecked::utf8to16(text.begin(), text.end(), std::back_inserter(units));
-    return units;
-}
-
-// By hand: the library for UTF-8 stops at a lone surrogate, and a name of the database may hold one.
-std::string FromDbText(const DbChar* text)
-{
-    std::string result;
-    if (text == nullptr) {
-        return result;
-    }
-    while (*text != 0) {
-        char32_t c = static_cast<char32_t>(*text++);
-        if (IsSurrogate(c)) {
-            const char32_t next = static_cast<char32_t>(*text);
-            const bool isPair = c < 0xDC00 && next >= 0xDC00 && next <= 0xDFFF;
-            c = isPair ? 0x10000 + ((c - 0xD800) << 10) + (next - 0xDC00) : kReplacement;
-            if (isPair) {
-                ++text;
-            }
-        }
-        AppendCharacter(result, c);
-    }
-    return result;
 }
 
 std::string Printable(std::string_view text)

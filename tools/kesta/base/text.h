@@ -1,21 +1,12 @@
-// Text at the client's edges: UTF-8 inside, UTF-16 towards the library, nothing that moves the cursor on a terminal.
+// Text at the client's edges: valid UTF-8 inside, nothing that moves the cursor on a terminal.
 #pragma once
 
-#include <kesta_db/kesta_db.h>
-
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace kesta {
 
-using DbText = std::basic_string<DbChar>;
-
 [[nodiscard]] bool IsValidUtf8(std::string_view text);
-/// std::nullopt if the text is not valid UTF-8 or holds a zero character.
-[[nodiscard]] std::optional<DbText> ToDbText(std::string_view text);
-/// Null gives the empty text; a lone surrogate becomes U+FFFD.
-[[nodiscard]] std::string FromDbText(const DbChar* text);
 
 /// Takes the next character off the text; invalid bytes come out one by one as values above kLastCharacter.
 [[nodiscard]] char32_t NextCharacter(std::string_view& text);

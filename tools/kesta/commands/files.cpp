@@ -16,10 +16,7 @@
 #include "commands/pim_tree.h"
 #include "commands/states.h"
 #include "database/backups.h"
-#include "database/bookmarks.h"
 #include "database/database.h"
-#include "database/gallery.h"
-#include "database/playlists.h"
 #include "report/output.h"
 #include "report/summary.h"
 #include "report/table.h"
@@ -56,9 +53,9 @@ std::string EndOf(size_t count, const char* noun)
     return count == 0 ? std::string("Nothing is recorded here.\n") : Counted(count, noun) + "\n";
 }
 
-Listing ListMedia(Database& database, const FilesOptions& options, Category category)
+Listing ListMedia(const Database& database, const FilesOptions& options, Category category)
 {
-    std::vector<RecordedFile> files = database.files(options.imei, category);
+    std::vector<RecordedFile> files = database.media(options.imei, category).files();
     if (options.folder) {
         std::erase_if(files, [&](const RecordedFile& file) { return !IsNamed(file.basePath, *options.folder); });
     }
@@ -76,9 +73,9 @@ Listing ListMedia(Database& database, const FilesOptions& options, Category cate
     return listing;
 }
 
-Listing ListGallery(Database& database, const FilesOptions& options)
+Listing ListGallery(const Database& database, const FilesOptions& options)
 {
-    std::vector<RecordedFolder> folders = GalleryRecords(database).folders(options.imei);
+    std::vector<RecordedFolder> folders = database.gallery(options.imei);
     if (options.folder) {
         std::erase_if(folders, [&](const RecordedFolder& folder) { return !IsNamed(folder.path, *options.folder); });
     }
@@ -97,13 +94,13 @@ Listing ListGallery(Database& database, const FilesOptions& options)
     return listing;
 }
 
-Listing ListPlaylists(Database& database, const FilesOptions& options)
+Listing ListPlaylists(const Database& database, const FilesOptions& options)
 {
-    PlaylistRecords playlists(database, options.imei);
+    kesta_db::Playlists playlists = database.playlists(options.imei);
     Listing listing;
     listing.json["playlists"] = Json::array();
     size_t count = 0;
-    for (const RecordedPlaylist& list : playlists.lists()) {
+    for (const RecordedPlaylist& list : playlists.all()) {
         if (options.folder && list.name != *options.folder) {
             continue;
         }
@@ -136,10 +133,10 @@ Listing ListPlaylists(Database& database, const FilesOptions& options)
     return listing;
 }
 
-Listing ListBookmarks(Database& database, const FilesOptions& options)
+Listing ListBookmarks(const Database& database, const FilesOptions& options)
 {
-    const auto phone = database.phone(options.imei);
-    const std::vector<RecordedBookmark> bookmarks = BookmarkRecords(database, options.imei).bookmarks();
+    const auto phone = database.phones().find(options.imei);
+    const std::vector<RecordedBookmark> bookmarks = database.bookmarks(options.imei).all();
     Listing listing;
     listing.json["type"] = phone ? phone->bookmarkType : 0;
     listing.json["bookmarks"] = Json::array();
@@ -158,9 +155,9 @@ Listing ListBookmarks(Database& database, const FilesOptions& options)
     return listing;
 }
 
-Listing ListBackups(Database& database, const FilesOptions& options)
+Listing ListBackups(const Database& database, const FilesOptions& options)
 {
-    const auto backups = BackupRecords(database).of(options.imei);
+    const auto backups = BackupsOf(database, options.imei);
     Listing listing;
     listing.json["backups"] = nullptr;
     if (!backups) {
@@ -180,10 +177,10 @@ Listing ListBackups(Database& database, const FilesOptions& options)
     return listing;
 }
 
-Listing ListPim(Database& database, const FilesOptions& options, PimKind kind)
+Listing ListPim(const Database& database, const FilesOptions& options, PimKind kind)
 {
     std::set<std::string> onPhone;
-    for (PimLogRow& row : PimRecords(database).log(options.imei, kind)) {
+    for (PimLogRow& row : database.pimLog(options.imei, TypeOf(kind)).rows()) {
         onPhone.insert(std::move(row.guid));
     }
     Listing listing;
@@ -213,15 +210,15 @@ Listing ListPim(Database& database, const FilesOptions& options, PimKind kind)
     return listing;
 }
 
-Listing ListLog(Database& database, const FilesOptions& options)
+Listing ListLog(const Database& database, const FilesOptions& options)
 {
-    PimRecords pim(database);
     Listing listing;
     Table table({"Kind", "Entry", "On the phone as", "Changed on the PC", "Changed on the phone"});
     size_t count = 0;
     for (const PimKind kind : kPimKinds) {
         Json entries = Json::array();
-        for (const PimLogRow& row : pim.log(options.imei, kind)) {
+        kesta_db::PimSyncLog log = database.pimLog(options.imei, TypeOf(kind));
+        for (const PimLogRow& row : log.rows()) {
             ++count;
             entries.push_back({{"id", row.guid},
                                {"id_on_phone", row.luid},
@@ -229,8 +226,7 @@ Listing ListLog(Database& database, const FilesOptions& options)
                                {"phone_time", TimeJson(row.phoneTime)}});
             table.add({std::string(KeyOf(kind)), row.guid, row.luid, TimeText(row.pcTime), TimeText(row.phoneTime)});
         }
-        listing.json[std::string(KeyOf(kind))] = {{"profile", pim.logProfile(options.imei, kind)},
-                                                  {"entries", std::move(entries)}};
+        listing.json[std::string(KeyOf(kind))] = {{"profile", log.profile()}, {"entries", std::move(entries)}};
     }
     if (count > 0) {
         listing.text = table.text("");
@@ -239,7 +235,7 @@ Listing ListLog(Database& database, const FilesOptions& options)
     return listing;
 }
 
-Listing List(Database& database, const FilesOptions& options)
+Listing List(const Database& database, const FilesOptions& options)
 {
     if (const auto category = CategoryOfKey(options.category)) {
         return ListMedia(database, options, *category);

@@ -9,10 +9,10 @@ namespace {
 
 struct Value {
     const PhoneSettings& settings;
-    Json operator()(const TextSetting& setting) const { return settings.*setting.value; }
-    Json operator()(const TruthSetting& setting) const { return settings.*setting.value; }
-    Json operator()(const NumberSetting& setting) const { return settings.*setting.value; }
-    Json operator()(const DateSetting& setting) const { return TimeJson(settings.*setting.value); }
+    Json operator()(TextSetting member) const { return settings.*member; }
+    Json operator()(TruthSetting member) const { return settings.*member; }
+    Json operator()(NumberSetting member) const { return settings.*member; }
+    Json operator()(DateSetting member) const { return TimeJson(settings.*member); }
 };
 
 }  // namespace
@@ -29,17 +29,17 @@ Json SettingsJson(const PhoneSettings& settings)
 {
     Json json = Json::object();
     for (const Setting& setting : kSettings) {
-        json[std::string(setting.name)] = std::visit(Value{settings}, setting.members);
+        json[std::string(setting.name)] = std::visit(Value{settings}, setting.member);
     }
     return json;
 }
 
-Json MainFoldersJson(Database& database, const std::string& imei)
+Json MainFoldersJson(const Database& database, const std::string& imei)
 {
-    MainFolderRecords mainFolders(database);
+    kesta_db::Phones phones = database.phones();
     Json json = Json::object();
     for (const MainFolder folder : kMainFolders) {
-        json[std::string(KeyOf(folder))] = mainFolders.isSelected(imei, folder);
+        json[std::string(KeyOf(folder))] = phones.isSelected(imei, folder);
     }
     return json;
 }

@@ -14,7 +14,7 @@ using Json = nlohmann::ordered_json;
 [[nodiscard]] Json TimeJson(const std::optional<LocalTime>& time);
 [[nodiscard]] Json SettingsJson(const PhoneSettings& settings);
 /// Whether each main folder is selected for the phone.
-[[nodiscard]] Json MainFoldersJson(Database& database, const std::string& imei);
+[[nodiscard]] Json MainFoldersJson(const Database& database, const std::string& imei);
 [[nodiscard]] Json FileJson(const RecordedFile& file, const char* nameOfBase);
 void PrintJson(const Json& json);
 

@@ -12,12 +12,12 @@ namespace {
 
 struct Show {
     const PhoneSettings& settings;
-    std::string operator()(const TextSetting& setting) const { return settings.*setting.value; }
-    std::string operator()(const TruthSetting& setting) const { return settings.*setting.value ? "yes" : "no"; }
-    std::string operator()(const NumberSetting& setting) const { return std::to_string(settings.*setting.value); }
-    std::string operator()(const DateSetting& setting) const
+    std::string operator()(TextSetting member) const { return settings.*member; }
+    std::string operator()(TruthSetting member) const { return settings.*member ? "yes" : "no"; }
+    std::string operator()(NumberSetting member) const { return std::to_string(settings.*member); }
+    std::string operator()(DateSetting member) const
     {
-        return settings.*setting.value ? FormatLocalTime(*(settings.*setting.value)) : std::string();
+        return settings.*member ? FormatLocalTime(*(settings.*member)) : std::string();
     }
 };
 
@@ -25,24 +25,24 @@ struct Take {
     PhoneSettings& settings;
     const std::string& text;
 
-    std::string operator()(const TextSetting& setting) const
+    std::string operator()(TextSetting member) const
     {
-        if (!ToDbText(text)) {
+        if (!IsValidUtf8(text) || text.find('\0') != std::string::npos) {
             return "it is not valid text";
         }
-        settings.*setting.value = text;
+        settings.*member = text;
         return {};
     }
-    std::string operator()(const TruthSetting& setting) const
+    std::string operator()(TruthSetting member) const
     {
         const auto truth = ParseTruth(text);
         if (!truth) {
             return "it is yes or no";
         }
-        settings.*setting.value = *truth;
+        settings.*member = *truth;
         return {};
     }
-    std::string operator()(const NumberSetting& setting) const
+    std::string operator()(NumberSetting member) const
     {
         int32_t number = 0;
         const char* end = text.data() + text.size();
@@ -50,16 +50,16 @@ struct Take {
         if (error != std::errc() || stop != end) {
             return "it is a whole number from -2147483648 to 2147483647";
         }
-        settings.*setting.value = number;
+        settings.*member = number;
         return {};
     }
-    std::string operator()(const DateSetting& setting) const
+    std::string operator()(DateSetting member) const
     {
         const auto time = ParseLocalTime(text);
         if (!time && !text.empty()) {
             return "it is a date of the years 100 to 9999 such as 2026-01-31 or 2026-01-31 18:30:00";
         }
-        settings.*setting.value = time;
+        settings.*member = time;
         return {};
     }
 };
@@ -94,7 +94,7 @@ const Setting* FindSetting(std::string_view name)
 
 std::string ShowSetting(const PhoneSettings& settings, const Setting& setting)
 {
-    return std::visit(Show{settings}, setting.members);
+    return std::visit(Show{settings}, setting.member);
 }
 
 std::string TakeSetting(PhoneSettings& settings, const Setting& setting, const std::string& text)
@@ -102,7 +102,7 @@ std::string TakeSetting(PhoneSettings& settings, const Setting& setting, const s
     if (!setting.isWritable) {
         return "the end of each sync sets it; it cannot be changed by hand";
     }
-    return std::visit(Take{settings, text}, setting.members);
+    return std::visit(Take{settings, text}, setting.member);
 }
 
 std::optional<bool> ParseTruth(std::string_view text)

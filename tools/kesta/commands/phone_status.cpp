@@ -8,9 +8,7 @@
 
 #include "base/text.h"
 #include "commands/states.h"
-#include "database/bookmarks.h"
-#include "database/gallery.h"
-#include "database/pim.h"
+#include "database/backups.h"
 #include "report/summary.h"
 #include "report/table.h"
 
@@ -156,41 +154,43 @@ size_t CountLeftOut(const PhoneStatus& status)
 
 }  // namespace
 
-PhoneStatus Collect(Database& database, PhoneSettings settings)
+PhoneStatus Collect(const Database& database, PhoneSettings settings)
 {
     PhoneStatus status;
     status.settings = std::move(settings);
     const std::string& imei = status.settings.imei;
-    status.lastSync = database.lastSync(imei);
+    kesta_db::Phones phones = database.phones();
+    status.lastSync = phones.lastSync(imei);
     if (status.lastSync) {
         status.lastRun = LoadLastRun(imei, *status.lastSync);
     }
     for (const MainFolder folder : kMainFolders) {
-        status.mainFolders[folder] = MainFolderRecords(database).isSelected(imei, folder);
+        status.mainFolders[folder] = phones.isSelected(imei, folder);
     }
     for (const Category category : kCategories) {
         std::map<std::string, size_t> counts;
-        for (const RecordedFile& file : database.files(imei, category)) {
+        kesta_db::Media media = database.media(imei, category);
+        for (const RecordedFile& file : media.files()) {
             ++counts[file.basePath];
             ++status.files[category];
         }
         (void)status.files[category];  // A category without files has none.
         std::vector<FolderStatus>& folders = status.folders[category];
-        for (RecordedFolder& folder : database.folders(imei, category)) {
+        for (RecordedFolder& folder : media.folders()) {
             const size_t onPhone = counts[folder.path];
             folders.push_back({std::move(folder), onPhone});
         }
     }
-    status.gallery = GalleryRecords(database).folders(imei);
+    status.gallery = database.gallery(imei);
     status.galleryLeftOut = CountLeftOut(status);
-    PlaylistRecords playlists(database, imei);
-    status.playlists = playlists.lists();
+    kesta_db::Playlists playlists = database.playlists(imei);
+    status.playlists = playlists.all();
     status.playlistFiles = playlists.files().size();
-    status.bookmarks = BookmarkRecords(database, imei).bookmarks().size();
-    status.backups = BackupRecords(database).of(imei);
+    status.bookmarks = database.bookmarks(imei).all().size();
+    status.backups = BackupsOf(database, imei);
     for (const PimKind kind : kPimKinds) {
-        PimRecords pim(database);
-        status.logs[kind] = {pim.logProfile(imei, kind), pim.log(imei, kind).size()};
+        kesta_db::PimSyncLog log = database.pimLog(imei, TypeOf(kind));
+        status.logs[kind] = {log.profile(), log.rows().size()};
     }
     return status;
 }

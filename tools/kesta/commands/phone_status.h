@@ -7,11 +7,9 @@
 #include <vector>
 
 #include "commands/json.h"
-#include "database/backups.h"
 #include "database/database.h"
 #include "database/main_folders.h"
 #include "database/pim_kind.h"
-#include "database/playlists.h"
 #include "state/last_run.h"
 
 namespace kesta {
@@ -42,7 +40,7 @@ struct PhoneStatus {
     std::map<PimKind, LogStatus> logs;
 };
 
-[[nodiscard]] PhoneStatus Collect(Database& database, PhoneSettings settings);
+[[nodiscard]] PhoneStatus Collect(const Database& database, PhoneSettings settings);
 [[nodiscard]] Json ToJson(const PhoneStatus& status);
 [[nodiscard]] std::string ToText(const PhoneStatus& status);
 

@@ -7,19 +7,19 @@
 
 namespace kesta {
 
-PhoneSettings KnownPhone(Database& database, const std::string& imei)
+PhoneSettings KnownPhone(const Database& database, const std::string& imei)
 {
-    auto phone = database.phone(imei);
+    auto phone = database.phones().find(imei);
     if (!phone) {
         throw StopRun(ExitCode::kFailure, fmt::format("no phone with the IMEI {} is known", imei));
     }
     return *std::move(phone);
 }
 
-std::vector<PhoneSettings> ChosenPhones(Database& database, const std::optional<std::string>& imei)
+std::vector<PhoneSettings> ChosenPhones(const Database& database, const std::optional<std::string>& imei)
 {
     if (!imei) {
-        return database.phones();
+        return database.phones().all();
     }
     return {KnownPhone(database, *imei)};
 }

@@ -10,8 +10,8 @@
 namespace kesta {
 
 /// Throws when the database does not know the phone.
-[[nodiscard]] PhoneSettings KnownPhone(Database& database, const std::string& imei);
+[[nodiscard]] PhoneSettings KnownPhone(const Database& database, const std::string& imei);
 /// The phone that is named, else all of them.
-[[nodiscard]] std::vector<PhoneSettings> ChosenPhones(Database& database, const std::optional<std::string>& imei);
+[[nodiscard]] std::vector<PhoneSettings> ChosenPhones(const Database& database, const std::optional<std::string>& imei);
 
 }  // namespace kesta

@@ -7,27 +7,28 @@
 namespace kesta {
 namespace {
 
-void AddBelow(PimRecords& database, PimKind kind, const PimFolder& parent, size_t depth, std::vector<PimNode>& tree)
+void AddBelow(kesta_db::PimStore& store, PimKind kind, const PimFolder& parent, size_t depth,
+              std::vector<PimNode>& tree)
 {
-    for (const PimFolder& folder : database.folders(kind, parent.id, false)) {
+    for (const PimFolder& folder : store.folders(TypeOf(kind), parent.id)) {
         if (tree.size() >= kMostListedPimFolders) {
             return;  // A store that goes round in circles has no end.
         }
-        std::vector<PimItem> items = database.items(kind, folder.id);
+        std::vector<PimItem> items = store.items(folder.id, TypeOf(kind));
         const bool isLonger = !parent.path.empty() && folder.path.starts_with(parent.path + "/");
         std::string name = isLonger ? folder.path.substr(parent.path.size() + 1) : folder.path;
         tree.push_back({folder, std::move(name), depth, std::move(items)});
-        AddBelow(database, kind, folder, depth + 1, tree);
+        AddBelow(store, kind, folder, depth + 1, tree);
     }
 }
 
 }  // namespace
 
-std::vector<PimNode> ReadPimTree(Database& database, PimKind kind)
+std::vector<PimNode> ReadPimTree(const Database& database, PimKind kind)
 {
     std::vector<PimNode> tree;
-    PimRecords pim(database);
-    AddBelow(pim, kind, {}, 0, tree);
+    kesta_db::PimStore store = database.pimStore();
+    AddBelow(store, kind, {}, 0, tree);
     return tree;
 }
 

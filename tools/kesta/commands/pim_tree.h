@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "commands/json.h"
-#include "database/pim.h"
+#include "database/database.h"
+#include "database/pim_kind.h"
 
 namespace kesta {
 
@@ -17,7 +18,7 @@ struct PimNode {
 };
 
 /// Each folder before those below it.
-[[nodiscard]] std::vector<PimNode> ReadPimTree(Database& database, PimKind kind);
+[[nodiscard]] std::vector<PimNode> ReadPimTree(const Database& database, PimKind kind);
 [[nodiscard]] Json PimTreeJson(const std::vector<PimNode>& tree);
 /// With a line for each folder and the number of its entries.
 [[nodiscard]] std::string PimTreeText(const std::vector<PimNode>& tree, const std::string& indent);

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -15,9 +16,8 @@
 #include "commands/phone_settings.h"
 #include "commands/phones.h"
 #include "database/database.h"
+#include "database/failures.h"
 #include "database/main_folders.h"
-#include "database/playlists.h"
-#include "database/settings.h"
 #include "report/output.h"
 
 namespace kesta {
@@ -113,11 +113,11 @@ void ReadChange(const std::string& change, Changes& changes)
     changes.names.push_back(name);
 }
 
-void ReadFolder(Database& database, const std::string& imei, const Selection& selection, Changes& changes)
+void ReadFolder(const Database& database, const std::string& imei, const Selection& selection, Changes& changes)
 {
     bool isKnown = false;
     for (const Category category : kCategories) {
-        for (const RecordedFolder& folder : database.folders(imei, category)) {
+        for (const RecordedFolder& folder : database.media(imei, category).folders()) {
             if (!IsNamed(folder.path, selection.what)) {
                 continue;
             }
@@ -157,7 +157,7 @@ void ReadPlaylist(const std::vector<RecordedPlaylist>& lists, const Selection& s
     changes.playlists.push_back(selection);
 }
 
-Changes ReadChanges(Database& database, const SettingsOptions& options, const PhoneSettings& present)
+Changes ReadChanges(const Database& database, const SettingsOptions& options, const PhoneSettings& present)
 {
     Changes changes;
     changes.settings = present;
@@ -168,7 +168,7 @@ Changes ReadChanges(Database& database, const SettingsOptions& options, const Ph
         ReadFolder(database, options.imei, selection, changes);
     }
     if (!options.playlists.empty()) {
-        const std::vector<RecordedPlaylist> lists = PlaylistRecords(database, options.imei).lists();
+        const std::vector<RecordedPlaylist> lists = database.playlists(options.imei).all();
         for (const Selection& selection : options.playlists) {
             ReadPlaylist(lists, selection, changes);
         }
@@ -176,41 +176,52 @@ Changes ReadChanges(Database& database, const SettingsOptions& options, const Ph
     return changes;
 }
 
-void Expect(bool isStored, const std::string& what, Result result)
+void Try(const std::string& what, const std::function<void()>& change)
 {
-    if (isStored) {
-        return;
+    try {
+        change();
+    } catch (const kesta_db::Error& failure) {
+        throw StopRun(ExitCode::kDatabase,
+                      fmt::format("{} could not be changed: {}", Printable(what), SentenceOf(failure.code())));
     }
-    throw DatabaseError(
-        fmt::format("{} could not be changed{}", Printable(what), result.ok() ? std::string() : ": " + result.text()));
+}
+
+void Expect(bool isStored, const std::string& what)
+{
+    if (!isStored) {
+        throw StopRun(ExitCode::kDatabase, fmt::format("{} could not be changed", Printable(what)));
+    }
 }
 
 // The library says of some of these that they went well when they did not, so the database has to tell.
-void Make(Database& database, const Changes& changes, const PhoneSettings& before)
+void Make(const Database& database, const Changes& changes, const std::string& imei)
 {
-    const std::string& imei = before.imei;
-    SettingsRecords settings(database, imei);
+    kesta_db::Phones phones = database.phones();
     if (!changes.names.empty()) {
-        const Result result = settings.write(before, changes.settings);
-        const auto after = database.phone(imei);
+        Try(changes.names.front(), [&] {
+            PhoneSettings settings = KnownPhone(database, imei);  // as they are now: another program may change others
+            for (const std::string& name : changes.names) {
+                std::visit([&](auto member) { settings.*member = changes.settings.*member; },
+                           FindSetting(name)->member);
+            }
+            phones.update(settings);
+        });
+        const auto after = phones.find(imei);
         for (const std::string& name : changes.names) {
             const Setting& setting = *FindSetting(name);
-            Expect(result.ok() && after && ShowSetting(*after, setting) == ShowSetting(changes.settings, setting), name,
-                   result);
+            Expect(after && ShowSetting(*after, setting) == ShowSetting(changes.settings, setting), name);
         }
     }
-    MainFolderRecords mainFolders(database);
     for (const auto& [folder, selected] : changes.mainFolders) {
-        const Result result = mainFolders.select(imei, folder, selected);
-        Expect(result.ok() && mainFolders.isSelected(imei, folder) == selected, SelectNameOf(folder), result);
+        const std::string name = SelectNameOf(folder);
+        Try(name, [&, folder = folder, selected = selected] { phones.select(imei, folder, selected); });
+        Expect(phones.isSelected(imei, folder) == selected, name);
     }
     for (const FolderChange& change : changes.folders) {
-        const Result result = settings.selectFolder(change.category, change.path, change.selected);
-        Expect(result.ok(), change.path, result);
+        Try(change.path, [&] { database.media(imei, change.category).selectFolder(change.path, change.selected); });
     }
     for (const Selection& selection : changes.playlists) {
-        const Result result = settings.selectPlaylist(selection.what, selection.selected);
-        Expect(result.ok(), selection.what, result);
+        Try(selection.what, [&] { database.playlists(imei).select(selection.what, selection.selected); });
     }
 }
 
@@ -224,7 +235,7 @@ const char* SelectedText(bool selected)
     return selected ? "selected" : "not selected";
 }
 
-void ShowAll(Database& database, const PhoneSettings& phone)
+void ShowAll(const Database& database, const PhoneSettings& phone)
 {
     std::string text = fmt::format("{} (IMEI {})\n", Printable(phone.name), Printable(phone.imei));
     for (const Setting& setting : kSettings) {
@@ -232,7 +243,7 @@ void ShowAll(Database& database, const PhoneSettings& phone)
     }
     for (const MainFolder folder : kMainFolders) {
         text += fmt::format("  {:<27} {}\n", SelectNameOf(folder),
-                            MainFolderRecords(database).isSelected(phone.imei, folder) ? "yes" : "no");
+                            database.phones().isSelected(phone.imei, folder) ? "yes" : "no");
     }
     Print(text);
 }
@@ -265,7 +276,7 @@ ExitCode Run(const SettingsOptions& options)
     const bool isToChange = !options.changes.empty() || !options.folders.empty() || !options.playlists.empty();
     if (isToChange) {
         const Changes changes = ReadChanges(database, options, phone);
-        Make(database, changes, phone);
+        Make(database, changes, phone.imei);
         if (!options.json) {
             ShowChanges(changes, phone);
         }
@@ -303,7 +314,7 @@ std::string SettingsHelp()
     std::string text = "Settings:\n";
     for (const Setting& setting : kSettings) {
         text += fmt::format("  {:<27} {}: {}\n", setting.name,
-                            setting.isWritable ? kKinds[setting.members.index()] : "shown only", setting.meaning);
+                            setting.isWritable ? kKinds[setting.member.index()] : "shown only", setting.meaning);
     }
     return text + "\n";
 }

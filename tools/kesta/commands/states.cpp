@@ -43,7 +43,7 @@ std::string StateOf(const RecordedPlaylist& list)
             return "to be added";
         case PlaylistState::kUnconfirmed:
             return "gone from the PC, to be removed";
-        case PlaylistState::kDeletedOnPhone:
+        case PlaylistState::kDeleted:
             return "deleted on the phone, kept off it";
     }
     return fmt::format("state {}", static_cast<int32_t>(list.state));

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "database/database.h"
-#include "database/playlists.h"
 
 namespace kesta {
 

@@ -22,10 +22,13 @@ struct StatusOptions {
     bool json = false;
 };
 
-Json LibraryJson(Database& database)
+Json LibraryJson(const Database& database)
 {
     Json folders = Json::array();
-    for (const MainFolderFigures& figures : MainFolderRecords(database).all()) {
+    for (const kesta_db::MainFolderFigures& figures : database.phones().mainFolders()) {
+        if (KeyOf(figures.folder).empty()) {
+            continue;
+        }
         folders.push_back({{"folder", KeyOf(figures.folder)},
                            {"items", figures.items},
                            {"size", figures.size},
@@ -34,7 +37,7 @@ Json LibraryJson(Database& database)
     return folders;
 }
 
-void PrintAsJson(Database& database, std::vector<PhoneSettings> phones)
+void PrintAsJson(const Database& database, std::vector<PhoneSettings> phones)
 {
     Json json{{"phones", Json::array()}, {"library", LibraryJson(database)}, {"store", Json::object()}};
     for (PhoneSettings& phone : phones) {
@@ -46,7 +49,7 @@ void PrintAsJson(Database& database, std::vector<PhoneSettings> phones)
     PrintJson(json);
 }
 
-void PrintAsText(Database& database, std::vector<PhoneSettings> phones)
+void PrintAsText(const Database& database, std::vector<PhoneSettings> phones)
 {
     if (phones.empty()) {
         Print("No phone has been synced yet. Begin with: kesta sync --help\n");

@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "commands/command.h"
 #include "commands/phone_access.h"
+#include "database/failures.h"
 #include "os/local_time.h"
 #include "os/system.h"
 #include "phone/marker.h"
@@ -42,8 +43,8 @@ void Guarded(Summary& summary, const Work& work)
         work();
     } catch (const StopRun& stop) {
         summary.stopWith(stop.code(), stop.what());
-    } catch (const DatabaseError& failure) {
-        summary.stopWith(ExitCode::kDatabase, failure.what());
+    } catch (const kesta_db::Error& failure) {
+        summary.stopWith(ExitCode::kDatabase, TextOf(failure));
     }
 }
 
@@ -75,7 +76,7 @@ public:
         runStage(phoneStage, session);
         session.imei = phoneStage.marker().imei;
         session.name = phoneStage.marker().name;
-        session.isKnown = !session.imei.empty() && database.phone(session.imei);
+        session.isKnown = !session.imei.empty() && database.phones().find(session.imei);
         guard_ = DeletionGuard(session.imei, options_.force);
         left_ = LeftFiles(session.imei);
         greet(session);
@@ -120,7 +121,7 @@ private:
     }
 
     // In the order of their turn. The backup comes last, to hold it all.
-    std::vector<std::unique_ptr<Stage>> stagesOf(Database& database, const std::string& imei)
+    std::vector<std::unique_ptr<Stage>> stagesOf(const Database& database, const std::string& imei)
     {
         std::vector<std::unique_ptr<Stage>> stages;
         stages.push_back(std::make_unique<LeftoverStage>(media_, phone_));
@@ -143,16 +144,19 @@ private:
         return stages;
     }
 
-    void recordEnd(Database& database, const std::string& imei)
+    void recordEnd(const Database& database, const std::string& imei)
     {
         const auto now = os::ToLocalTime(os::Now());
         const int code = static_cast<int>(report_.summary.exitCode());
-        const Result result = now ? database.setLastSync(imei, *now, code) : Result(1);
-        if (!result.ok()) {
-            report_.summary.stopWith(ExitCode::kDatabase, "the end of the run cannot be recorded: " + result.text());
-        }
         if (!now) {
+            report_.summary.stopWith(ExitCode::kDatabase, "the end of the run cannot be recorded: it has no date");
             return;
+        }
+        try {
+            database.phones().setLastSync(imei, *now, code);
+        } catch (const kesta_db::Error& failure) {
+            report_.summary.stopWith(ExitCode::kDatabase,
+                                     "the end of the run cannot be recorded: " + SentenceOf(failure.code()));
         }
         if (os::Status saved = SaveLastRun(imei, {*now, code, reason()}); !saved.ok()) {
             report_.note("how the run ended cannot be noted for kesta status: " + saved.text());

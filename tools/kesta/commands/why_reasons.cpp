@@ -10,8 +10,6 @@
 #include "commands/states.h"
 #include "database/backups.h"
 #include "database/main_folders.h"
-#include "database/pim.h"
-#include "database/playlists.h"
 #include "os/local_time.h"
 #include "report/summary.h"
 #include "stages/pim/pim_entry.h"
@@ -27,8 +25,8 @@ std::string TimeText(const std::optional<LocalTime>& time)
 
 class Explainer {
 public:
-    Explainer(Database& database, const std::string& imei, const PcEntry& entry)
-        : database_(database), imei_(imei), entry_(entry), playlists_(database, imei)
+    Explainer(const Database& database, const std::string& imei, const PcEntry& entry)
+        : database_(database), imei_(imei), entry_(entry), playlists_(database.playlists(imei))
     {
     }
 
@@ -52,8 +50,8 @@ private:
 
     void explain(Category category)
     {
-        const std::vector<RecordedFolder> folders = database_.folders(imei_, category);
-        const std::vector<RecordedFile> files = database_.files(imei_, category);
+        const std::vector<RecordedFolder> folders = database_.media(imei_, category).folders();
+        const std::vector<RecordedFile> files = database_.media(imei_, category).files();
         if (const auto file = find(files)) {
             return explainRecorded(category, *file, folders);
         }
@@ -100,7 +98,7 @@ private:
     bool explainSkipped(Category category, const RecordedFolder& folder)
     {
         const MainFolder mainFolder = MainFolderOf(category);
-        if (!MainFolderRecords(database_).isSelected(imei_, mainFolder)) {
+        if (!database_.phones().isSelected(imei_, mainFolder)) {
             say("main_folder_not_selected",
                 fmt::format("The main folder {} is not selected for this phone, so a sync skips all {}. "
                             "kesta settings --imei {} select.{}=yes selects it.",
@@ -237,7 +235,7 @@ private:
 
     void explainPlaylists()
     {
-        for (const RecordedPlaylist& list : playlists_.lists()) {
+        for (const RecordedPlaylist& list : playlists_.all()) {
             const std::vector<std::string> members = playlists_.members(list.name);
             if (std::find(members.begin(), members.end(), entry_.path) == members.end()) {
                 continue;
@@ -254,8 +252,7 @@ private:
                             file->basePath, TimeText(file->modified)));
             compare(*file, "a sync of the playlists");
         }
-        if ((file || !result_.playlists.empty()) &&
-            !MainFolderRecords(database_).isSelected(imei_, MainFolder::kMusic)) {
+        if ((file || !result_.playlists.empty()) && !database_.phones().isSelected(imei_, MainFolder::kMusic)) {
             say("main_folder_not_selected",
                 "The main folder music is not selected for this phone, so a sync skips "
                 "the playlists.");
@@ -273,7 +270,7 @@ private:
                     continue;
                 }
                 if (!isLogRead) {
-                    log = PimRecords(database_).log(imei_, kind);
+                    log = database_.pimLog(imei_, TypeOf(kind)).rows();
                 }
                 isLogRead = true;
                 const auto onPhone = static_cast<size_t>(std::count_if(log.begin(), log.end(), [&](const auto& row) {
@@ -288,7 +285,7 @@ private:
 
     void explainBackups()
     {
-        const auto backups = BackupRecords(database_).of(imei_);
+        const auto backups = BackupsOf(database_, imei_);
         if (!backups) {
             return;
         }
@@ -319,10 +316,10 @@ private:
         say("in_no_folder", "It lies in no folder that is synced to this phone, and nothing of it is recorded.");
     }
 
-    Database& database_;
+    const Database& database_;
     const std::string& imei_;
     const PcEntry& entry_;
-    PlaylistRecords playlists_;
+    kesta_db::Playlists playlists_;
     Explanation result_;
 };
 
@@ -346,7 +343,7 @@ PcEntry ReadPcEntry(const std::string& given)
     return entry;
 }
 
-Explanation Explain(Database& database, const std::string& imei, const PcEntry& entry)
+Explanation Explain(const Database& database, const std::string& imei, const PcEntry& entry)
 {
     return Explainer(database, imei, entry).run();
 }

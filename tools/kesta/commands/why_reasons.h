@@ -39,6 +39,6 @@ struct Explanation {
     std::vector<NamingPlaylist> playlists;
 };
 
-[[nodiscard]] Explanation Explain(Database& database, const std::string& imei, const PcEntry& entry);
+[[nodiscard]] Explanation Explain(const Database& database, const std::string& imei, const PcEntry& entry);
 
 }  // namespace kesta

@@ -1,8 +1,6 @@
-// The database's records of backups. A database made by the library has no table for them; one that another program has
-// given the table keeps them.
+// The backups that the database has of a phone, where it has any.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,24 +9,19 @@
 
 namespace kesta {
 
-struct RecordedBackup {
-    int32_t id = -1;
-    std::string path;       // of the archive on the PC
-    std::string phonePath;  // what of the phone it holds
-    int64_t size = 0;
-    std::optional<LocalTime> modified;
-};
-
-class BackupRecords {
-public:
-    explicit BackupRecords(Database&) {}
-
-    /// std::nullopt if the database has no table for backups, or it cannot be read: the library does not tell these
-    /// apart.
-    [[nodiscard]] std::optional<std::vector<RecordedBackup>> all();
-    [[nodiscard]] std::optional<std::vector<RecordedBackup>> of(const std::string& imei);
-    /// Records the backup, or refreshes the record of that path; true when it is in the database.
-    [[nodiscard]] bool add(const std::string& imei, const RecordedBackup& backup);
-};
+/// std::nullopt if the database has no table for backups, or it cannot be read: the library does not tell these apart.
+/// A database made by the library has none; one that another program has given the table keeps them.
+[[nodiscard]] inline std::optional<std::vector<RecordedBackup>> BackupsOf(const Database& database,
+                                                                          const std::string& imei)
+{
+    try {
+        return database.backups().of(imei);
+    } catch (const kesta_db::Error& failure) {
+        if (failure.code() == kesta_db::Code::kUnreadable) {
+            throw;
+        }
+        return std::nullopt;
+    }
+}
 
 }  // namespace kesta

@@ -1,13 +1,15 @@
 // The four kinds of media: what the user calls them, and where they go on the phone.
 #pragma once
 
+#include <kesta_db/cpp/media.hpp>
+
 #include <array>
 #include <optional>
 #include <string_view>
 
 namespace kesta {
 
-enum class Category { kMusic, kImages, kVideos, kDocuments };
+using kesta_db::Category;
 
 inline constexpr std::array kCategories{Category::kMusic, Category::kImages, Category::kVideos, Category::kDocuments};
 

@@ -1,30 +1,41 @@
-// The main folders of the library and which of them each phone takes part in.
+// The main folders of the library: what the user calls them, and what belongs to them.
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <kesta_db/cpp/phones.hpp>
 
-#include "database/database.h"
+#include <array>
+#include <string_view>
+
+#include "database/category.h"
 
 namespace kesta {
 
-enum class MainFolder { kMusic, kGallery, kDocuments, kContacts, kCalendar, kBookmarks, kMap };
+using kesta_db::MainFolder;
 
 inline constexpr std::array kMainFolders{MainFolder::kMusic,    MainFolder::kGallery,  MainFolder::kDocuments,
                                          MainFolder::kContacts, MainFolder::kCalendar, MainFolder::kBookmarks,
                                          MainFolder::kMap};
 
-/// As in settings and in JSON: "music".
+/// As in settings and in JSON: "music". Empty for a folder that this client has no name for.
 [[nodiscard]] constexpr std::string_view KeyOf(MainFolder folder)
 {
-    constexpr std::array<std::string_view, kMainFolders.size()> kKeys{"music",    "gallery",   "documents", "contacts",
-                                                                      "calendar", "bookmarks", "map"};
-    return kKeys[static_cast<size_t>(folder)];
+    switch (folder) {
+        case MainFolder::kMusic:
+            return "music";
+        case MainFolder::kGallery:
+            return "gallery";
+        case MainFolder::kDocuments:
+            return "documents";
+        case MainFolder::kContacts:
+            return "contacts";
+        case MainFolder::kCalendar:
+            return "calendar";
+        case MainFolder::kBookmarks:
+            return "bookmarks";
+        case MainFolder::kMap:
+            return "map";
+    }
+    return {};
 }
 
 /// The main folder that a category of media belongs to.
@@ -34,25 +45,5 @@ inline constexpr std::array kMainFolders{MainFolder::kMusic,    MainFolder::kGal
                                   MainFolder::kDocuments};
     return kFolders[static_cast<size_t>(category)];
 }
-
-/// What the database holds of one main folder, whichever the phone.
-struct MainFolderFigures {
-    MainFolder folder = MainFolder::kMusic;
-    int32_t items = 0;
-    int64_t size = 0;
-    std::string setting;
-};
-
-class MainFolderRecords {
-public:
-    explicit MainFolderRecords(Database& /*opened*/) {}
-
-    /// Leaves out folders that this client has no name for.
-    [[nodiscard]] std::vector<MainFolderFigures> all();
-    /// A folder of which nothing is stored for the phone counts as selected.
-    [[nodiscard]] bool isSelected(const std::string& imei, MainFolder folder);
-    /// The phone must be known. 0 is success.
-    Result select(const std::string& imei, MainFolder folder, bool selected);
-};
 
 }  // namespace kesta

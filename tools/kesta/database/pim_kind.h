@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -11,6 +12,10 @@ namespace kesta {
 enum class PimKind { kContacts, kCalendar };
 
 inline constexpr std::array kPimKinds{PimKind::kContacts, PimKind::kCalendar};
+
+/// A listing of the store ends at so many folders or items without a word.
+inline constexpr size_t kMostListedPimFolders = 1023;
+inline constexpr size_t kMostListedPimItems = 1'048'575;
 
 /// As in options, in JSON and in the database's identifiers: "contacts".
 [[nodiscard]] constexpr std::string_view KeyOf(PimKind kind)

@@ -6,7 +6,8 @@ namespace kesta::os {
 
 std::optional<LocalTime> ToLocalTime(int64_t utcSeconds)
 {
-    const auto time = LocalSeconds(utcSeconds);
+    const auto seconds = LocalSeconds(utcSeconds);
+    const auto time = seconds ? std::optional(FromNumber(*seconds)) : std::nullopt;
     return time && IsStorable(*time) ? time : std::nullopt;
 }
 

@@ -21,9 +21,6 @@ std::optional<int64_t> LocalSeconds(int64_t utcSeconds);
 char32_t UpperCase(char32_t character);
 uint64_t RandomNumber();
 
-/// Frees memory that passes from one module of the process to another.
-void FreeShared(void* memory);
-
 /// The folder for the user's application data, where the library keeps its database too; empty when there is none.
 std::string DataDirectory();
 /// Creates the folder and those above it, for this user alone.

@@ -12,7 +12,6 @@ namespace kesta {
 namespace {
 
 constexpr size_t kDayLength = 10;  // of "2026-01-31"
-constexpr LocalTime kSecondsOfADay = 86400;
 
 std::optional<LocalTime> TimeOf(const std::string& day)
 {
@@ -49,7 +48,7 @@ os::Status Trash::expire()
     const auto now = os::ToLocalTime(os::Now());
     for (const std::string& day : days()) {
         const auto time = TimeOf(day);
-        if (!now || !time || *now - *time <= (kTrashDays + 1) * kSecondsOfADay) {
+        if (!now || !time || *now - *time <= std::chrono::days(kTrashDays + 1)) {
             continue;
         }
         std::vector<TrashedFile> files;

@@ -36,8 +36,9 @@ Plan LeftoverStage::plan(Session& session)
     if (session.isKnown) {
         for (const Category category : kCategories) {
             MediaState::OfCategory& state = state_.categories[static_cast<size_t>(category)];
-            state.known = session.database.folders(session.imei, category);
-            state.recorded = session.database.files(session.imei, category);
+            kesta_db::Media media = session.database.media(session.imei, category);
+            state.known = media.folders();
+            state.recorded = media.files();
             for (const RecordedFile& file : state.recorded) {
                 phonePaths.push_back(file.phonePath);
             }
@@ -71,7 +72,6 @@ Plan LeftoverStage::plan(Session& session)
                           "what the last run left on the phone cannot be removed: " + status.text());
         }
         report.note(fmt::format("the last run was cut short; {} of it removed.", counted));
-        return Result();
     };
     plan.add(std::move(change));
     return plan;

@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <utility>
+#include <array>
 
 #include "base/text.h"
+#include "database/failures.h"
 
 namespace kesta {
 namespace {
@@ -21,12 +21,13 @@ Plan MainFolderStage::plan(Session& session)
     Plan plan(session.report.summary.files);
     bool isChosen = false;
     if (session.isKnown) {
-        MainFolderRecords mainFolders(session.database);
+        kesta_db::Phones phones = session.database.phones();
         for (const MainFolder folder : kMainFolders) {
-            selected_[static_cast<size_t>(folder)] = mainFolders.isSelected(session.imei, folder);
+            if (phones.isSelected(session.imei, folder)) {
+                selected_.insert(folder);
+            }
         }
-        isChosen = std::find(selected_.begin(), selected_.end(), true) != selected_.end() && !hasBegun_;
-        isChosen = isChosen || session.database.lastSync(session.imei);
+        isChosen = (!selected_.empty() && !hasBegun_) || phones.lastSync(session.imei);
     }
     if (!isChosen) {
         selectAll(session, plan);
@@ -38,18 +39,17 @@ Plan MainFolderStage::plan(Session& session)
 void MainFolderStage::selectAll(Session& session, Plan& plan)
 {
     for (const MainFolder folder : kSynced) {
-        bool& isSelected = selected_[static_cast<size_t>(folder)];
-        if (std::exchange(isSelected, true)) {
+        if (!selected_.insert(folder).second) {
             continue;
         }
         Change change;
         change.record = [&session, folder](const Written&) {
-            const Result result = MainFolderRecords(session.database).select(session.imei, folder, true);
-            if (!result.ok()) {
-                throw DatabaseError(
-                    fmt::format("the main folder {} cannot be selected: {}", KeyOf(folder), result.text()));
+            try {
+                session.database.phones().select(session.imei, folder, true);
+            } catch (const kesta_db::Error& failure) {
+                throw StopRun(ExitCode::kDatabase, fmt::format("the main folder {} cannot be selected: {}",
+                                                               KeyOf(folder), SentenceOf(failure.code())));
             }
-            return result;
         };
         plan.add(std::move(change));
     }
@@ -58,7 +58,7 @@ void MainFolderStage::selectAll(Session& session, Plan& plan)
 void MainFolderStage::skipUnselected(const Session& session)
 {
     const auto isSkipped = [&](MainFolder folder, bool isGiven, std::string_view what) {
-        if (!isGiven || selected_[static_cast<size_t>(folder)]) {
+        if (!isGiven || selected_.contains(folder)) {
             return false;
         }
         session.report.note(

@@ -1,8 +1,7 @@
 // Which parts of a sync the phone takes part in: a family whose main folder is not selected for it is skipped.
 #pragma once
 
-#include <array>
-#include <string>
+#include <set>
 
 #include "database/main_folders.h"
 #include "stages/media/media_stage.h"
@@ -29,7 +28,7 @@ private:
     bool hasBegun_;
     SyncOptions& options_;
     ChosenFolders& folders_;
-    std::array<bool, kMainFolders.size()> selected_{};
+    std::set<MainFolder> selected_;
 };
 
 }  // namespace kesta

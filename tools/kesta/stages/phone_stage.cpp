@@ -45,7 +45,7 @@ PhoneStage::PhoneStage(const PhoneFolder& phone, const SyncOptions& options) : p
 Plan PhoneStage::plan(Session& session)
 {
     Plan plan(session.report.summary.files);
-    const auto known = marker_.imei.empty() ? std::nullopt : session.database.phone(marker_.imei);
+    const auto known = marker_.imei.empty() ? std::nullopt : session.database.phones().find(marker_.imei);
     if (!isMarked_ && !options_.acceptFolder) {
         refuseStrangeFolder(known, session.database);
     }
@@ -54,16 +54,13 @@ Plan PhoneStage::plan(Session& session)
         marker_.name = known->name;
     }
     Change change;
-    change.record = [this, &session, isKnown = known.has_value()](const Written&) {
-        announce(session, isKnown);
-        return Result();
-    };
+    change.record = [this, &session, isKnown = known.has_value()](const Written&) { announce(session, isKnown); };
     plan.add(std::move(change));
     return plan;
 }
 
 // An empty mount point would become a second phone, and take all files to the PC's own disk.
-void PhoneStage::refuseStrangeFolder(const std::optional<PhoneSettings>& known, Database& database) const
+void PhoneStage::refuseStrangeFolder(const std::optional<PhoneSettings>& known, const Database& database) const
 {
     const std::string path = Printable(phone_.root());
     const std::vector<SeenPhone> seen = ReadSeenPhones();
@@ -72,7 +69,7 @@ void PhoneStage::refuseStrangeFolder(const std::optional<PhoneSettings>& known, 
     const auto here =
         std::find_if(seen.begin(), seen.end(), [&](const SeenPhone& phone) { return phone.path == path; });
     // One that another program has announced, but nobody has synced yet, cannot be marked.
-    const bool isKnown = named != seen.end() || (known && database.lastSync(marker_.imei));
+    const bool isKnown = named != seen.end() || (known && database.phones().lastSync(marker_.imei));
     if (!isKnown && here == seen.end()) {
         return;
     }
@@ -103,10 +100,14 @@ void PhoneStage::announce(Session& session, bool isKnown)
             throw StopRun(ExitCodeOf(status), "the phone cannot be marked: " + status.text());
         }
     }
-    session.database.announce(marker_.imei, marker_.name);
+    kesta_db::Phones phones = session.database.phones();
+    phones.announce(marker_.imei, marker_.name);
     rememberFolder(session.report);
     if (isKnown && options_.name) {
-        session.database.rename(marker_.imei, *options_.name);
+        if (auto phone = phones.find(marker_.imei)) {
+            phone->name = *options_.name;
+            phones.update(*phone);
+        }
     }
 }
 

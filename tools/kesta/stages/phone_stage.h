@@ -18,7 +18,7 @@ public:
     [[nodiscard]] bool isMarked() const { return isMarked_; }
 
 private:
-    void refuseStrangeFolder(const std::optional<PhoneSettings>& known, Database& database) const;
+    void refuseStrangeFolder(const std::optional<PhoneSettings>& known, const Database& database) const;
     void announce(Session& session, bool isKnown);
     void rememberFolder(Report& report) const;
 

@@ -11,7 +11,7 @@
 namespace kesta {
 
 struct LastRun {
-    LocalTime time = 0;
+    LocalTime time;
     int code = 0;
     std::string reason;  // empty when the run went well
 };

@@ -22,7 +22,7 @@ KeptFile KeptFrom(const json& value)
     KeptFile file{value.at("path").get<std::string>(), value.at("phone_path").get<std::string>(),
                   value.at("kept_as").get<std::string>(), std::nullopt};
     if (!value.at("time").is_null()) {
-        file.time = value.at("time").get<LocalTime>();
+        file.time = FromNumber(value.at("time").get<int64_t>());
     }
     return file;
 }
@@ -93,7 +93,7 @@ os::Status LeftFiles::save()
         kept.push_back({{"path", file.path},
                         {"phone_path", file.phonePath},
                         {"kept_as", file.keptAs},
-                        {"time", file.time ? json(*file.time) : json(nullptr)}});
+                        {"time", file.time ? json(ToNumber(*file.time)) : json(nullptr)}});
     }
     os::Status status = WriteStateFile(FileOf(imei_), imei_, {{"left", std::move(left)}, {"kept", std::move(kept)}});
     hasChanged_ = !status.ok();

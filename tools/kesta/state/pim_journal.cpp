@@ -15,12 +15,12 @@ std::string FileOf(const std::string& imei)
 
 json ToJson(const std::optional<LocalTime>& time)
 {
-    return time ? json(*time) : json(nullptr);
+    return time ? json(ToNumber(*time)) : json(nullptr);
 }
 
 std::optional<LocalTime> TimeFrom(const json& value)
 {
-    return value.is_null() ? std::nullopt : std::optional(value.get<LocalTime>());
+    return value.is_null() ? std::nullopt : std::optional(FromNumber(value.get<int64_t>()));
 }
 
 std::vector<PimLogRow> RowsFrom(const json& values)

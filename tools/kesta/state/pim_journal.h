@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "database/pim.h"
+#include "database/database.h"
+#include "database/pim_kind.h"
 #include "os/status.h"
 
 namespace kesta {

@@ -55,13 +55,13 @@ std::optional<LocalTime> TimeOf(std::string_view stamp)
 
 LocalTime Now()
 {
-    return os::ToLocalTime(os::Now()).value_or(0);
+    return os::ToLocalTime(os::Now()).value_or(LocalTime());
 }
 
 // A name of the second, or of the next one that no file has yet: it is later than all there are.
 std::string FreePath(std::string_view prefix, LocalTime time)
 {
-    for (;; ++time) {
+    for (;; time += std::chrono::seconds(1)) {
         std::string path = os::Join(Folder(), fmt::format("{}{}{}", prefix, Stamp(time), kEnding));
         os::FileInfo info;
         if (!os::ReadInfoOfLink(path, info).ok()) {
@@ -158,13 +158,13 @@ SnapshotResult MakeSnapshot(const os::FileInfo& file)
 
 std::vector<bool> ChooseSnapshots(const std::vector<LocalTime>& latestFirst, LocalTime now)
 {
-    constexpr LocalTime kDay = 86400;
+    using std::chrono::days;
     constexpr size_t kLatest = 2;
     std::vector<bool> stays(latestFirst.size(), false);
     for (size_t i = 0; i < std::min(kLatest, stays.size()); ++i) {
         stays[i] = true;
     }
-    for (const LocalTime age : {kDay, 7 * kDay, 30 * kDay}) {
+    for (const days age : {days(1), days(7), days(30)}) {
         const auto older =
             std::find_if(latestFirst.begin(), latestFirst.end(), [&](LocalTime time) { return now - time > age; });
         if (older != latestFirst.begin()) {

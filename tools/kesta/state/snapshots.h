@@ -16,7 +16,7 @@ inline constexpr size_t kMostSnapshots = 5;
 
 struct Snapshot {
     std::string path;
-    LocalTime time = 0;
+    LocalTime time;
 };
 
 /// Which of them stay, told by their times, which are in order: the two latest, and of the last day, week and month the

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "database/failures.h"
 #include "formats/digest.h"
 #include "os/local_time.h"
 #include "os/system.h"
@@ -306,18 +307,25 @@ bool Executor::record(const Change& change, const Written& written)
     }
     const bool wasLeftBehind = isLeftBehind_;
     isLeftBehind_ = isLeftBehind_ || change.kind == ChangeKind::kPut;  // as long as it can throw
-    const Result result = change.record(written);
-    isLeftBehind_ = wasLeftBehind;
-    if (result.ok()) {
+    kesta_db::Code code{};
+    try {
+        change.record(written);
+        isLeftBehind_ = wasLeftBehind;
         return true;
+    } catch (const kesta_db::Error& failure) {
+        code = failure.code();
+        if (code == kesta_db::Code::kUnreadable) {
+            throw;  // what was written may be recorded or not
+        }
     }
+    isLeftBehind_ = wasLeftBehind;
     fail(change, fmt::format("it cannot be {} the database: {}",
-                             change.kind == ChangeKind::kRemove ? "removed from" : "recorded in", result.text()));
+                             change.kind == ChangeKind::kRemove ? "removed from" : "recorded in", SentenceOf(code)));
     if (change.kind == ChangeKind::kPut) {
         takeBack(change);
     }
     // A text that is too long is that item's own matter; anything else would fail again for the next one.
-    if (!result.isTooLong()) {
+    if (code != kesta_db::Code::kTooLong) {
         throw StopRun(ExitCode::kDatabase, "the database cannot be written");
     }
     return false;

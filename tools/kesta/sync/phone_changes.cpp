@@ -27,7 +27,7 @@ std::optional<int64_t> Difference(const PhoneFile& there, std::optional<LocalTim
     if (!local || !recorded) {
         return std::nullopt;
     }
-    return *local - *recorded;
+    return (*local - *recorded).count();
 }
 
 }  // namespace

@@ -14,7 +14,6 @@
 #include <vector>
 
 #include "base/dates.h"
-#include "database/result.h"
 #include "report/summary.h"
 
 namespace kesta {
@@ -48,8 +47,9 @@ struct Written {
     std::optional<LocalTime> modified;  // of a copy the PC's time
 };
 
-/// Writes the row that follows, or takes it out. May throw what ends the run.
-using Record = std::function<Result(const Written&)>;
+/// Writes the row that follows, or takes it out. Throws a kesta_db::Error when the database refuses it, or what ends
+/// the run.
+using Record = std::function<void(const Written&)>;
 
 struct Change {
     ChangeKind kind = ChangeKind::kRecord;

@@ -22,7 +22,7 @@
 namespace kesta {
 
 struct Session {
-    Database& database;
+    const Database& database;
     std::string imei;
     std::string name;           // of the phone
     bool isKnown = false;       // to the database; not so a phone that only a preview has met

@@ -69,11 +69,6 @@ uint64_t RandomNumber()
     return (uint64_t{device()} << 32) | device();
 }
 
-void FreeShared(void* memory)
-{
-    std::free(memory);
-}
-
 std::string DataDirectory()
 {
     const char* data = std::getenv("XDG_DATA_HOME");

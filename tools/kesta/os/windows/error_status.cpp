@@ -1,8 +1,7 @@
 #include "os/windows/error_status.h"
+#include "os/windows/wide_text.h"
 
 #include <algorithm>
-
-#include "base/text.h"
 
 namespace kesta::os {
 namespace {
@@ -48,7 +47,7 @@ std::string TextOf(DWORD code)
     wchar_t buffer[512];
     const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
                                         buffer, 512, nullptr);
-    std::string text = FromDbText(std::wstring(buffer, length).c_str());
+    std::string text = FromWide(std::wstring(buffer, length).c_str());
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r' || text.back() == ' ' || text.back() == '.')) {
         text.pop_back();
     }
@@ -70,7 +69,7 @@ Status LastError()
 std::wstring ToNative(const std::string& path)
 {
     // Invalid text gives a name that nothing can have.
-    std::wstring native = ToDbText(path).value_or(L"?");
+    std::wstring native = ToWide(path).value_or(L"?");
     std::replace(native.begin(), native.end(), L'/', L'\\');
     if (native.starts_with(kPrefix)) {
         return native;
@@ -97,7 +96,7 @@ std::string FromNative(std::wstring path)
     } else if (path.starts_with(kPrefix)) {
         path.erase(0, kPrefix.size());
     }
-    return FromDbText(path.c_str());
+    return FromWide(path.c_str());
 }
 
 }  // namespace kesta::os

@@ -2,9 +2,9 @@
 
 #include <windows.h>
 
-#include "base/text.h"
 #include "os/windows/error_status.h"
 #include "os/windows/file_info.h"
+#include "os/windows/wide_text.h"
 
 namespace kesta::os {
 namespace {
@@ -76,8 +76,8 @@ Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entri
         if (name == L"." || name == L"..") {
             continue;
         }
-        std::string utf8 = FromDbText(data.cFileName);
-        const auto back = ToDbText(utf8);
+        std::string utf8 = FromWide(data.cFileName);
+        const auto back = ToWide(utf8);
         const bool isLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
         entries.push_back({std::move(utf8), back && *back == name, isLink});
     } while (FindNextFileW(search, &data));

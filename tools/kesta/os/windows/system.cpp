@@ -10,9 +10,9 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "base/text.h"
 #include "os/files.h"
 #include "os/windows/error_status.h"
+#include "os/windows/wide_text.h"
 
 namespace kesta::os {
 namespace {
@@ -36,7 +36,7 @@ std::vector<std::string> Arguments(int, char**)
     }
     std::vector<std::string> arguments;
     for (int i = 1; i < count; ++i) {
-        arguments.push_back(FromDbText(texts[i]));
+        arguments.push_back(FromWide(texts[i]));
     }
     (void)LocalFree(texts);
     return arguments;
@@ -88,11 +88,6 @@ uint64_t RandomNumber()
         throw std::runtime_error("the system gives no random numbers");
     }
     return number;
-}
-
-void FreeShared(void* memory)
-{
-    CoTaskMemFree(memory);
 }
 
 std::string DataDirectory()

@@ -66,10 +66,7 @@ Plan BackupStage::plan(Session& session)
     Change change;
     change.verb = {"", "backup"};
     change.shown = Line(archive_, contents_.files.size(), contents_.bytes);
-    change.record = [this, &session](const Written&) {
-        pack(session);
-        return Result();
-    };
+    change.record = [this, &session](const Written&) { pack(session); };
     plan.add(std::move(change));
     return plan;
 }
@@ -154,18 +151,19 @@ void BackupStage::pack(Session& session) const
 
 void BackupStage::record(Session& session) const
 {
-    BackupRecords backups(session.database);
     os::FileInfo info;
     if (os::Status status = os::ReadInfo(archive_, info); !status.ok()) {
         return session.report.fail(archive_, "it cannot be found again: " + status.text());
     }
-    if (!backups.of(session.imei)) {
+    if (!BackupsOf(session.database, session.imei)) {
         return session.report.note("the database has no table for backups; the archive itself is complete.");
     }
     constexpr const char* kWholePhone = "/";
     const RecordedBackup backup{-1, archive_, kWholePhone, static_cast<int64_t>(info.size),
                                 os::ToLocalTime(info.modified.seconds)};
-    if (!backups.add(session.imei, backup)) {
+    try {
+        (void)session.database.backups().add(session.imei, backup);
+    } catch (const kesta_db::Error&) {
         session.report.fail(archive_, "it is complete, but cannot be recorded in the database");
     }
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "database/bookmarks.h"
+#include "database/database.h"
 #include "formats/bookmarks.h"
 #include "stages/bookmarks/bookmark_file.h"
 #include "sync/deletion_guard.h"

@@ -18,9 +18,9 @@ constexpr uint64_t kLargestFile = 64'000'000;
 Plan BookmarkStage::plan(Session& session)
 {
     Plan plan(session.report.summary.beginFamily("Bookmarks", "bookmark"));
-    if (const auto settings = session.database.phone(session.imei)) {
+    if (const auto settings = session.database.phones().find(session.imei)) {
         type_ = settings->bookmarkType;
-        recorded_ = records_.bookmarks();
+        recorded_ = records_.all();
     }
     if (!readFile(session)) {
         return plan;
@@ -126,20 +126,21 @@ Change BookmarkStage::toChange(ChangeKind kind, const RecordedBookmark& bookmark
             change.verb = kAdded;
             change.counts.added = 1;
             change.record = [this, bookmark](const Written&) {
-                const Result added = records_.add(bookmark);
-                return added.isRecordedAlready() ? records_.update(bookmark) : added;
+                if (!records_.add(bookmark)) {
+                    records_.update(bookmark);
+                }
             };
             break;
         case ChangeKind::kReplace:
             change.verb = kUpdated;
             change.counts.updated = 1;
-            change.record = [this, bookmark](const Written&) { return records_.update(bookmark); };
+            change.record = [this, bookmark](const Written&) { records_.update(bookmark); };
             break;
         default:
             change.kind = ChangeKind::kRemove;
             change.verb = kRemoved;
             change.counts.removed = 1;
-            change.record = [this, url = bookmark.url](const Written&) { return records_.remove(url); };
+            change.record = [this, url = bookmark.url](const Written&) { records_.remove(url); };
     }
     return change;
 }
@@ -189,10 +190,10 @@ void BookmarkStage::addChanges(BookmarkPlan bookmarks, std::string text, Session
     plan.changes.insert(plan.changes.end(), std::make_move_iterator(next), std::make_move_iterator(rows.end()));
 }
 
-std::vector<std::string> PhonePathsOfBookmarks(Database& database, const std::string& imei)
+std::vector<std::string> PhonePathsOfBookmarks(const Database& database, const std::string& imei)
 {
     std::vector<std::string> paths;
-    for (const RecordedBookmark& bookmark : BookmarkRecords(database, imei).bookmarks()) {
+    for (const RecordedBookmark& bookmark : database.bookmarks(imei).all()) {
         std::string path = PhonePathOf(bookmark);
         if (!path.empty() && (paths.empty() || paths.back() != path)) {
             paths.push_back(std::move(path));

@@ -12,7 +12,7 @@ namespace kesta {
 /// Brings the phone's bookmark file in line with the file that the options name.
 class BookmarkStage : public Stage {
 public:
-    BookmarkStage(Database& database, const std::string& imei) : records_(database, imei) {}
+    BookmarkStage(const Database& database, const std::string& imei) : records_(database.bookmarks(imei)) {}
     [[nodiscard]] Plan plan(Session& session) override;
 
 private:
@@ -24,7 +24,7 @@ private:
     void addChanges(BookmarkPlan bookmarks, std::string text, Session& session, Plan& plan);
     [[nodiscard]] Change toChange(ChangeKind kind, const RecordedBookmark& bookmark);
 
-    BookmarkRecords records_;
+    kesta_db::Bookmarks records_;
     int32_t type_ = 1;  // of a phone that is new to the database
     std::vector<RecordedBookmark> recorded_;
     formats::Bookmarks file_, onPhone_;
@@ -34,6 +34,6 @@ private:
 };
 
 /// The phone paths that the database has of bookmark files.
-[[nodiscard]] std::vector<std::string> PhonePathsOfBookmarks(Database& database, const std::string& imei);
+[[nodiscard]] std::vector<std::string> PhonePathsOfBookmarks(const Database& database, const std::string& imei);
 
 }  // namespace kesta

@@ -5,7 +5,7 @@
 namespace kesta {
 namespace {
 
-Result Enter(FileChange file, FileRecords& records, const Written& written)
+void Enter(FileChange file, FileRecords& records, const Written& written)
 {
     if (written.isWritten) {
         file.size = written.size;
@@ -17,36 +17,37 @@ Result Enter(FileChange file, FileRecords& records, const Written& written)
     if (file.kind == ChangeKind::kReplace || file.kind == ChangeKind::kRecord) {
         return records.update(file);
     }
-    const Result added = records.add(file);
-    if (!added.isRecordedAlready()) {
-        return added;
+    if (records.add(file)) {
+        return;
     }
     // Recorded in the meantime by somebody else, as a rule: what counts is what lies on the phone now. But the row can
     // also have been refused for another reason, and updating a row that is not there succeeds.
-    const Result updated = records.update(file);
-    return !updated.ok() || records.holds(file) ? updated : added;
+    records.update(file);
+    if (!records.holds(file)) {
+        throw kesta_db::Error("SetAddedFile", kesta_db::Code::kExists);
+    }
 }
 
 }  // namespace
 
-Result MediaRecords::add(const FileChange& change)
+bool MediaRecords::add(const FileChange& change)
 {
-    return database_.addFile(imei_, change.category, change.file);
+    return database_.media(imei_, change.category).addFile(change.file);
 }
 
-Result MediaRecords::update(const FileChange& change)
+void MediaRecords::update(const FileChange& change)
 {
-    return database_.updateFile(imei_, change.category, change.file);
+    database_.media(imei_, change.category).updateFile(change.file);
 }
 
-Result MediaRecords::remove(const FileChange& change)
+void MediaRecords::remove(const FileChange& change)
 {
-    return database_.removeFile(imei_, change.category, change.file.path);
+    database_.media(imei_, change.category).removeFile(change.file.path);
 }
 
 bool MediaRecords::holds(const FileChange& change)
 {
-    return IsAmong(change.file, database_.files(imei_, change.category));
+    return IsAmong(change.file, database_.media(imei_, change.category).files());
 }
 
 bool IsAmong(const RecordedFile& row, const std::vector<RecordedFile>& recorded)
@@ -88,7 +89,7 @@ Change ToChange(const FileChange& file, FileRecords& records)
         change.pcFile = file.file.path;
         change.size = file.size;
     }
-    change.record = [file, &records](const Written& written) { return Enter(file, records, written); };
+    change.record = [file, &records](const Written& written) { Enter(file, records, written); };
     return change;
 }
 

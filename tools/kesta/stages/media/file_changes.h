@@ -13,9 +13,10 @@ namespace kesta {
 class FileRecords {
 public:
     virtual ~FileRecords() = default;
-    virtual Result add(const FileChange& change) = 0;
-    virtual Result update(const FileChange& change) = 0;
-    virtual Result remove(const FileChange& change) = 0;
+    /// False when it is recorded already.
+    virtual bool add(const FileChange& change) = 0;
+    virtual void update(const FileChange& change) = 0;
+    virtual void remove(const FileChange& change) = 0;
     /// Whether exactly this is recorded. For doubtful cases only.
     [[nodiscard]] virtual bool holds(const FileChange& change) = 0;
 };
@@ -23,14 +24,14 @@ public:
 /// The files of the media folders.
 class MediaRecords : public FileRecords {
 public:
-    MediaRecords(Database& database, std::string imei) : database_(database), imei_(std::move(imei)) {}
-    Result add(const FileChange& change) override;
-    Result update(const FileChange& change) override;
-    Result remove(const FileChange& change) override;
+    MediaRecords(const Database& database, std::string imei) : database_(database), imei_(std::move(imei)) {}
+    bool add(const FileChange& change) override;
+    void update(const FileChange& change) override;
+    void remove(const FileChange& change) override;
     [[nodiscard]] bool holds(const FileChange& change) override;
 
 private:
-    Database& database_;
+    const Database& database_;
     std::string imei_;
 };
 

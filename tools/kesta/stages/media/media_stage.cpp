@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "base/text.h"
+#include "database/failures.h"
 #include "os/system.h"
 #include "phone/names.h"
 
@@ -72,15 +73,21 @@ void ScanChosen(Category category, const std::vector<std::string>& folders, Medi
     }
 }
 
-// The library does not say whether a folder's row was written, so the rows have to tell.
+// A folder whose row was not stored is left out of this run.
 void RecordFolders(Category category, MediaState::OfCategory& state, Session& session)
 {
+    kesta_db::Media media = session.database.media(session.imei, category);
     for (const FolderScan& scan : state.scans) {
-        if (const Result result = session.database.addFolder(session.imei, category, ToRecord(scan)); !result.ok()) {
-            throw DatabaseError(fmt::format("the folder {} cannot be recorded: {}", scan.path, result.text()));
+        try {
+            media.addFolder(ToRecord(scan));
+        } catch (const kesta_db::Error& failure) {
+            if (failure.code() != kesta_db::Code::kNotStored) {
+                throw StopRun(ExitCode::kDatabase, fmt::format("the folder {} cannot be recorded: {}", scan.path,
+                                                               SentenceOf(failure.code())));
+            }
         }
     }
-    state.known = session.database.folders(session.imei, category);
+    state.known = media.folders();
     std::erase_if(state.scans, [&](const FolderScan& scan) {
         const RecordedFolder wanted = ToRecord(scan);
         const bool isThere = std::any_of(state.known.begin(), state.known.end(), [&](const RecordedFolder& row) {
@@ -123,10 +130,7 @@ Plan MediaFolderStage::plan(Session& session)
             continue;
         }
         Change change;
-        change.record = [category, &state, &session](const Written&) {
-            RecordFolders(category, state, session);
-            return Result();
-        };
+        change.record = [category, &state, &session](const Written&) { RecordFolders(category, state, session); };
         plan.add(std::move(change));
     }
     return plan;

@@ -42,7 +42,8 @@ private:
 /// Brings the files of the chosen folders to the phone.
 class MediaStage : public Stage {
 public:
-    MediaStage(MediaState& state, Database& database, const std::string& imei) : state_(state), records_(database, imei)
+    MediaStage(MediaState& state, const Database& database, const std::string& imei)
+        : state_(state), records_(database, imei)
     {
     }
     [[nodiscard]] Plan plan(Session& session) override;

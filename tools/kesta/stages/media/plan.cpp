@@ -88,7 +88,7 @@ PcFile ToPcFile(const ScannedFile& file)
 // The database keeps local times, which a journey changes.
 bool IsInOtherTimeZone(const RecordedFile& record, const PcFile& pc)
 {
-    return record.modified && pc.localTime && IsZoneDifference(*record.modified - *pc.localTime);
+    return record.modified && pc.localTime && IsZoneDifference((*record.modified - *pc.localTime).count());
 }
 
 // The guard looks at each chosen folder, too, and not at the category alone: a folder that would lose most of its files

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "database/pim.h"
+#include "database/database.h"
 #include "database/pim_kind.h"
 
 namespace kesta {

@@ -127,7 +127,6 @@ void AddPimFileChanges(PimWork& work, Tally& tally, const PhoneFolder& phone, Pl
                 }
             }
             file.isDone = true;
-            return Result();
         };
         plan.add(std::move(change));
     }

@@ -103,19 +103,20 @@ void PimLogKeeper::saveLog(const PimWork& work)
                              const auto found = std::lower_bound(after.begin(), after.end(), row, byGuid);
                              return found != after.end() && *found == row;
                          });
+    kesta_db::PimSyncLog log = database_.pimLog(imei_, TypeOf(work.kind));
     std::vector<PimLogRow> rows = after;
     if (onlyNew) {
         std::erase_if(
             rows, [&](const PimLogRow& row) { return std::binary_search(before.begin(), before.end(), row, byGuid); });
     } else {
-        Require("DB_PIMLOG_ClearAll", records_.clearLog(imei_, work.kind));
+        log.clear();
     }
-    Require("DB_PIMLOG_SaveLog", records_.appendToLog(imei_, work.kind, rows));
-    if (SortedPimRows(records_.log(imei_, work.kind)) != after) {
-        throw DatabaseError("DB_PIMLOG_SaveLog failed: the log does not hold what was saved");
+    log.append(rows);
+    if (SortedPimRows(log.rows()) != after) {
+        throw StopRun(ExitCode::kDatabase, "DB_PIMLOG_SaveLog failed: the log does not hold what was saved");
     }
     if (!onlyNew || before.empty()) {
-        Require("DB_PIMLOG_SetPimProfile", records_.setLogProfile(imei_, work.kind, PimLogProfile(work.kind)));
+        log.setProfile(PimLogProfile(work.kind));
     }
 }
 

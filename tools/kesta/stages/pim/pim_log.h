@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "database/pim.h"
+#include "database/database.h"
 #include "stages/pim/pim_phone_plan.h"
 #include "stages/pim/pim_store_plan.h"
 #include "state/pim_journal.h"
@@ -37,7 +37,7 @@ class PimLogKeeper : public Journal {
 public:
     /// hasJournal: the last run has left one.
     PimLogKeeper(const Session& session, std::shared_ptr<std::vector<PimWork>> works, bool hasJournal)
-        : records_(session.database),
+        : database_(session.database),
           imei_(session.imei),
           report_(session.report),
           works_(std::move(works)),
@@ -53,7 +53,7 @@ private:
     void saveLog(const PimWork& work);
     [[nodiscard]] PimJournal plannedPaths() const;
 
-    PimRecords records_;
+    const Database& database_;
     std::string imei_;
     Report& report_;
     std::shared_ptr<std::vector<PimWork>> works_;

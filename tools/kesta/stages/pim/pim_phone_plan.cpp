@@ -243,7 +243,7 @@ private:
             recorded = std::max(recorded, row.phoneTime);
         }
         const auto time = os::ToLocalTime(there.modifiedSeconds);
-        return recorded && time && std::abs(*recorded - *time) <= kPhoneTimeTolerance;
+        return recorded && time && std::abs((*recorded - *time).count()) <= kPhoneTimeTolerance;
     }
 
     static void recordPlace(const PimStorePlan& folder, bool evenUnchangedRows, PimPhonePlan& plan)

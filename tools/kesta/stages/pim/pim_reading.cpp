@@ -13,10 +13,11 @@ const std::vector<std::string>& FilesOf(PimKind kind, const SyncOptions& options
     return kind == PimKind::kContacts ? options.contacts : options.calendars;
 }
 
-bool ReadPimLog(PimRecords& records, const std::optional<PimJournal>& journal, Session& session, PimWork& work)
+bool ReadPimLog(const std::optional<PimJournal>& journal, Session& session, PimWork& work)
 {
-    const std::vector<PimLogRow> rows = records.log(session.imei, work.kind);
-    const bool isOurs = rows.empty() || records.logProfile(session.imei, work.kind) == PimLogProfile(work.kind);
+    kesta_db::PimSyncLog log = session.database.pimLog(session.imei, TypeOf(work.kind));
+    const std::vector<PimLogRow> rows = log.rows();
+    const bool isOurs = rows.empty() || log.profile() == PimLogProfile(work.kind);
     if (!isOurs && !journal) {
         session.report.fail(std::string(TitleOf(work.kind)),
                             "another program keeps this phone's log of them; they are left alone");
@@ -60,16 +61,16 @@ void ReadPimSources(Session& session, PimWork& work)
     }
 }
 
-void ReadPimStore(PimRecords& records, PimWork& work)
+void ReadPimStore(kesta_db::PimStore& store, PimWork& work)
 {
     const std::string root = PimRootFolder(work.kind).id;
-    for (const PimFolder& folder : records.folders(work.kind, {}, false)) {
+    for (const PimFolder& folder : store.folders(TypeOf(work.kind))) {
         work.rootIsStored = work.rootIsStored || folder.id == root;
     }
     if (!work.rootIsStored) {
         return;
     }
-    for (PimFolder& folder : records.folders(work.kind, root, false)) {
+    for (PimFolder& folder : store.folders(TypeOf(work.kind), root)) {
         StoredPimFolder& stored = work.stored.emplace_back();
         stored.folder = std::move(folder);
         const bool isWanted = std::any_of(work.sources.begin(), work.sources.end(), [&](const PimSource& source) {
@@ -78,7 +79,7 @@ void ReadPimStore(PimRecords& records, PimWork& work)
         if (!isWanted) {
             continue;
         }
-        for (PimItem& item : records.items(work.kind, stored.folder.id)) {
+        for (PimItem& item : store.items(stored.folder.id, TypeOf(work.kind))) {
             stored.entries.push_back(ReadStored(work.kind, std::move(item)));
         }
     }

@@ -13,10 +13,9 @@ namespace kesta {
 [[nodiscard]] const std::vector<std::string>& FilesOf(PimKind kind, const SyncOptions& options);
 
 /// False when the log is not this program's: the user has been told. journal: of a run that was cut short.
-[[nodiscard]] bool ReadPimLog(PimRecords& records, const std::optional<PimJournal>& journal, Session& session,
-                              PimWork& work);
+[[nodiscard]] bool ReadPimLog(const std::optional<PimJournal>& journal, Session& session, PimWork& work);
 void ReadPimSources(Session& session, PimWork& work);
 /// The folders of the sources with their entries, of all others the names.
-void ReadPimStore(PimRecords& records, PimWork& work);
+void ReadPimStore(kesta_db::PimStore& store, PimWork& work);
 
 }  // namespace kesta

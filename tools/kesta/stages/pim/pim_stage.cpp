@@ -24,7 +24,7 @@ Plan PimStage::plan(Session& session)
     }
     // The store of both kinds first: the phone gets what it holds.
     for (const PimWork& work : *works_) {
-        AddPimStoreChanges(work, records_, session, plan);
+        AddPimStoreChanges(work, store_, session, plan);
     }
     for (size_t i = 0; i < works_->size(); ++i) {
         AddPimFileChanges((*works_)[i], *tallies_[i], phone_, plan);
@@ -56,7 +56,6 @@ void PimStage::takeUpJournal(Session& session, Plan& plan)
             if (os::Status removed = phone_.removeFile(temporary); !removed.ok()) {
                 report.fail(temporary, "what the last run left cannot be removed: " + removed.text());
             }
-            return Result();
         };
         plan.add(std::move(change));
     }
@@ -66,7 +65,7 @@ void PimStage::prepare(PimKind kind, Session& session)
 {
     PimWork work;
     work.kind = kind;
-    if (session.isKnown && !ReadPimLog(records_, journal_, session, work)) {
+    if (session.isKnown && !ReadPimLog(journal_, session, work)) {
         return;
     }
     // Where no file is given only the log is put in order.
@@ -75,7 +74,7 @@ void PimStage::prepare(PimKind kind, Session& session)
                                  std::string(TitleOf(kind)), kind == PimKind::kContacts ? "contact" : "calendar item")
                            : session.report.summary.files;
     ReadPimSources(session, work);
-    ReadPimStore(records_, work);
+    ReadPimStore(store_, work);
     work.store = PlanPimStore({kind, work.sources, work.stored, session.guard});
     for (const FailedItem& refusal : work.store.refusals) {
         session.report.fail(refusal.path, refusal.reason);

@@ -13,14 +13,14 @@ namespace kesta {
 class PimStage : public Stage {
 public:
     /// The folder of the phone is for what a run that was cut short has left.
-    PimStage(Database& database, PhoneFolder& phone) : records_(database), phone_(phone) {}
+    PimStage(const Database& database, PhoneFolder& phone) : store_(database.pimStore()), phone_(phone) {}
     [[nodiscard]] Plan plan(Session& session) override;
 
 private:
     void takeUpJournal(Session& session, Plan& plan);
     void prepare(PimKind kind, Session& session);
 
-    PimRecords records_;
+    kesta_db::PimStore store_;
     PhoneFolder& phone_;
     bool hasJournal_ = false;
     std::optional<PimJournal> journal_;  // none as well when it cannot be read: the run writes another one

@@ -9,57 +9,74 @@
 #include <string>
 #include <utility>
 
+#include "database/failures.h"
 #include "sync/compare.h"
 
 namespace kesta {
 namespace {
 
+// Whatever fails here ends the run: the entries that follow would fail, too.
 void AddStep(Plan& plan, std::function<void()> step)
 {
     Change change;
     change.record = [step = std::move(step)](const Written&) {
-        step();
-        return Result();
+        try {
+            step();
+        } catch (const kesta_db::Error& failure) {
+            throw StopRun(ExitCode::kDatabase, TextOf(failure));
+        }
     };
     plan.add(std::move(change));
 }
 
-void AddItem(PimRecords& records, PimKind kind, const PimFolder& folder, const PimEntry& entry)
+bool Removes(kesta_db::PimStore& store, const std::string& id)
 {
-    const PimItem item{entry.id, entry.bytes};
-    Result result = records.addItem(kind, folder.path, item);
-    // An item that hangs in the air, since somebody removed its folder, keeps its id from being used again.
-    if (!result.ok() && records.removeItem(entry.id).ok()) {
-        result = records.addItem(kind, folder.path, item);
+    try {
+        store.removeItem(id);
+        return true;
+    } catch (const kesta_db::Error&) {
+        return false;
     }
-    Require("DB_PIM_AddItem", result);
+}
+
+void AddItem(kesta_db::PimStore& store, const PimFolder& folder, const PimEntry& entry)
+{
+    const PimItem item{entry.id, folder.type, entry.bytes};
+    try {
+        store.addItem(folder.path, item);
+    } catch (const kesta_db::Error&) {
+        // An item that hangs in the air, since somebody removed its folder, keeps its id from being used again.
+        if (!Removes(store, entry.id)) {
+            throw;
+        }
+        store.addItem(folder.path, item);
+    }
 }
 
 // Items are added by a folder's path, which another program's folder may share.
-void CheckStored(PimRecords& records, PimKind kind, const PimStorePlan& folder, const std::string& failure)
+void CheckStored(kesta_db::PimStore& store, const PimStorePlan& folder, const std::string& failure)
 {
     std::set<std::string> wanted, stored;
     for (const PlannedPimEntry& planned : folder.entries) {
         wanted.insert(planned.entry.id);
     }
-    for (const PimItem& item : records.items(kind, folder.folder.id)) {
+    for (const PimItem& item : store.items(folder.folder.id, folder.folder.type)) {
         stored.insert(item.id);
     }
     if (stored == wanted) {
         return;
     }
     if (!failure.empty()) {
-        throw DatabaseError(failure);
+        throw StopRun(ExitCode::kDatabase, failure);
     }
-    throw DatabaseError(fmt::format("the database's folder '{}' holds {} entries instead of {}", folder.folder.path,
-                                    stored.size(), wanted.size()));
+    throw StopRun(ExitCode::kDatabase, fmt::format("the database's folder '{}' holds {} entries instead of {}",
+                                                   folder.folder.path, stored.size(), wanted.size()));
 }
 
-void AddFolderChanges(PimKind kind, const PimStorePlan& folder, PimRecords& records, Session& session, Plan& plan)
+void AddFolderChanges(PimKind kind, const PimStorePlan& folder, kesta_db::PimStore& store, Session& session, Plan& plan)
 {
     if (folder.isNew) {
-        AddStep(plan,
-                [&records, kind, &folder] { Require("DB_PIM_AddFolder", records.addFolder(kind, folder.folder)); });
+        AddStep(plan, [&store, &folder] { store.addFolder(folder.folder); });
     }
     const size_t all = folder.changes();
     size_t done = 0;
@@ -72,47 +89,46 @@ void AddFolderChanges(PimKind kind, const PimStorePlan& folder, PimRecords& reco
     };
     for (const PlannedPimEntry& planned : folder.entries) {
         if (planned.state == Comparison::kNew) {
-            addCounted(
-                [&records, kind, &folder, &entry = planned.entry] { AddItem(records, kind, folder.folder, entry); });
+            addCounted([&store, &folder, &entry = planned.entry] { AddItem(store, folder.folder, entry); });
         }
     }
     for (const PlannedPimEntry& planned : folder.entries) {
         if (planned.state == Comparison::kChanged) {
-            addCounted([&records, kind, &entry = planned.entry] {
-                Require("DB_PIM_UpdateItem", records.updateItem(kind, {entry.id, entry.bytes}));
+            addCounted([&store, kind, &entry = planned.entry] {
+                store.updateItem({entry.id, TypeOf(kind), entry.bytes});
             });
         }
     }
     const auto failure = std::make_shared<std::string>();
     for (const std::string& id : folder.removed) {
         // Another program may have removed it in the meantime: what counts is that it is gone.
-        addCounted([&records, &id, failure] {
-            if (const Result result = records.removeItem(id); !result.ok()) {
-                *failure = "DB_PIM_DeleteItem failed: " + result.text();
+        addCounted([&store, &id, failure] {
+            try {
+                store.removeItem(id);
+            } catch (const kesta_db::Error& error) {
+                *failure = TextOf(error);
             }
         });
     }
     if (all > 0) {
-        AddStep(plan, [&records, kind, &folder, failure] { CheckStored(records, kind, folder, *failure); });
+        AddStep(plan, [&store, &folder, failure] { CheckStored(store, folder, *failure); });
     }
     if (folder.isObsolete) {
-        AddStep(plan, [&records, &folder] { Require("DB_PIM_DeleteFolder", records.removeFolder(folder.folder.id)); });
+        AddStep(plan, [&store, &folder] { store.removeFolder(folder.folder.id); });
     }
 }
 
 }  // namespace
 
-void AddPimStoreChanges(const PimWork& work, PimRecords& records, Session& session, Plan& plan)
+void AddPimStoreChanges(const PimWork& work, kesta_db::PimStore& store, Session& session, Plan& plan)
 {
     const bool hasNew = std::any_of(work.store.folders.begin(), work.store.folders.end(),
                                     [](const PimStorePlan& folder) { return folder.isNew; });
     if (hasNew && !work.rootIsStored) {
-        AddStep(plan, [&records, kind = work.kind] {
-            Require("DB_PIM_AddFolder", records.addFolder(kind, PimRootFolder(kind)));
-        });
+        AddStep(plan, [&store, kind = work.kind] { store.addFolder(PimRootFolder(kind)); });
     }
     for (const PimStorePlan& folder : work.store.folders) {
-        AddFolderChanges(work.kind, folder, records, session, plan);
+        AddFolderChanges(work.kind, folder, store, session, plan);
     }
 }
 

@@ -6,6 +6,6 @@
 namespace kesta {
 
 /// All that is passed in lives as long as the plan.
-void AddPimStoreChanges(const PimWork& work, PimRecords& records, Session& session, Plan& plan);
+void AddPimStoreChanges(const PimWork& work, kesta_db::PimStore& store, Session& session, Plan& plan);
 
 }  // namespace kesta

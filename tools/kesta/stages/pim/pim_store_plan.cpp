@@ -114,7 +114,8 @@ private:
                 return refuse(source, wanted);
             }
             ++folderCount_;
-            plan.folder = {wanted.id, PimRootFolder(input_.kind).id, paths_.allocate(wanted.name, wanted.id)};
+            plan.folder = {wanted.id, PimRootFolder(input_.kind).id, paths_.allocate(wanted.name, wanted.id),
+                           TypeOf(input_.kind)};
         }
         planEntries(known.entries, wanted.entries, plan);
         plan.isObsolete = !plan.isNew && source.complete && plan.entries.empty();
@@ -179,7 +180,7 @@ private:
 
 PimFolder PimRootFolder(PimKind kind)
 {
-    return {std::string(KeyOf(kind)), {}, std::string(TitleOf(kind))};
+    return {std::string(KeyOf(kind)), {}, std::string(TitleOf(kind)), TypeOf(kind)};
 }
 
 PimStorePlans PlanPimStore(const PimStoreInput& input)

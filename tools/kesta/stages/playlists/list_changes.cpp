@@ -25,19 +25,16 @@ std::vector<std::string> MembersToRecord(const PcPlaylist& list, const std::vect
 }
 
 // The digest comes last: it says that everything before it has been done.
-Result RecordList(PlaylistRecords& records, RecordedPlaylist list, const std::vector<std::string>& members,
-                  const std::optional<std::string>& newPath)
+void RecordList(kesta_db::Playlists& records, const RecordedPlaylist& list, const std::vector<std::string>& members,
+                const std::optional<std::string>& newPath)
 {
-    if (const Result result = records.setMembers(list.name, members); !result.ok()) {
-        return result;
+    records.setMembers(list.name, members);
+    if (newPath) {
+        records.setAdded(list.name, *newPath);
+    } else {
+        records.setUpdated(list.name);
     }
-    // The library does not say whether each name was taken.
-    const std::vector<std::string> stored = records.members(list.name);
-    if (std::set<std::string>(stored.begin(), stored.end()) != std::set<std::string>(members.begin(), members.end())) {
-        return 1;
-    }
-    const Result result = newPath ? records.setAdded(list.name, *newPath) : records.setUpdated(list.name);
-    return result.ok() ? records.confirm(list) : result;
+    records.confirm(list);
 }
 
 }  // namespace
@@ -171,7 +168,7 @@ Change ListChanges::toChange(const Work& work)
         [records = &state_.records, record,
          members = MembersToRecord(list, former == state_.members.end() ? std::vector<std::string>() : former->second),
          newPath = work.isNew ? std::optional(work.phonePath) : std::nullopt](const Written&) {
-            return RecordList(*records, record, members, newPath);
+            RecordList(*records, record, members, newPath);
         };
     return change;
 }
@@ -192,8 +189,8 @@ void ListChanges::addRemoval(const RecordedPlaylist& list)
         change.shown = path;
     }
     change.record = [&records = state_.records, name = list.name](const Written&) {
-        const Result result = records.setMembers(name, {});
-        return result.ok() ? records.setDeleted(name) : result;
+        records.setMembers(name, {});
+        records.setDeleted(name);
     };
     plan_.add(std::move(change));
 }
@@ -203,8 +200,8 @@ void ListChanges::addForgetting(const RecordedPlaylist& list)
     Change change;
     change.subject = list.name;
     change.record = [&records = state_.records, name = list.name](const Written&) {
-        const Result result = records.setMembers(name, {});
-        return result.ok() ? records.forget(name) : result;
+        records.setMembers(name, {});
+        records.forget(name);
     };
     plan_.add(std::move(change));
 }

@@ -64,7 +64,7 @@ private:
             const auto found = listOfName.find(record.name);
             if (found == listOfName.end()) {
                 sortOutGone(record);
-            } else if (record.state == PlaylistState::kDeletedOnPhone) {
+            } else if (record.state == PlaylistState::kDeleted) {
                 plan_.deletedOnPhone.push_back(&record);
             } else if (!record.selected) {
                 skip(record);
@@ -80,7 +80,7 @@ private:
 
     void sortOutGone(const RecordedPlaylist& record)
     {
-        if (record.state == PlaylistState::kDeletedOnPhone) {
+        if (record.state == PlaylistState::kDeleted) {
             plan_.forgotten.push_back(&record);
         } else if (record.state == PlaylistState::kUnconfirmed) {
             plan_.obsolete.push_back(&record);

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "database/playlists.h"
+#include "database/database.h"
 #include "stages/media/plan.h"
 #include "stages/playlists/pc_playlists.h"
 #include "sync/deletion_guard.h"

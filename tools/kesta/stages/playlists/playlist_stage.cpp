@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "database/failures.h"
 #include "os/system.h"
 #include "stages/playlists/list_changes.h"
 
@@ -16,6 +17,12 @@ RecordedPlaylist* FindList(std::vector<RecordedPlaylist>& lists, const std::stri
     const auto found =
         std::find_if(lists.begin(), lists.end(), [&](const RecordedPlaylist& list) { return list.name == name; });
     return found == lists.end() ? nullptr : &*found;
+}
+
+// The library takes it into its statements as it is. What another program has stored may hold anything.
+bool IsStorableDigest(const std::string& digest)
+{
+    return std::all_of(digest.begin(), digest.end(), [](char c) { return c >= ' ' && c <= '~' && c != '\''; });
 }
 
 void Measure(const PcPlaylist& list, RecordedPlaylist& record)
@@ -39,7 +46,7 @@ Plan PlaylistFileStage::plan(Session& session)
         return plan;
     }
     if (session.isKnown) {
-        state_.recorded = state_.records.lists();
+        state_.recorded = state_.records.all();
     }
     std::vector<RecordedPlaylist> lists = listsToConfirm();
     predictConfirmed(lists);
@@ -64,18 +71,12 @@ Plan PlaylistFileStage::plan(Session& session)
     }
 
     Change confirmation;
-    confirmation.record = [this, lists = std::move(lists)](const Written&) {
-        confirm(lists);
-        return Result();
-    };
+    confirmation.record = [this, lists = std::move(lists)](const Written&) { confirm(lists); };
     plan.add(std::move(confirmation));
     for (const RecordedFile& file : state_.plan.reassigned) {
         Change change;
         change.phonePath = file.phonePath;  // to be found by the journal if the run ends between the two steps
-        change.record = [this, file](const Written&) {
-            reassign(file);
-            return Result();
-        };
+        change.record = [this, file](const Written&) { reassign(file); };
         plan.add(std::move(change));
     }
     plan.found.unchanged = state_.plan.files.unchanged;
@@ -134,25 +135,31 @@ std::vector<RecordedPlaylist> PlaylistFileStage::listsToConfirm()
             lists.push_back(record);
         }
     }
+    for (RecordedPlaylist& list : lists) {
+        if (!IsStorableDigest(list.digest)) {
+            list.digest.clear();
+        }
+    }
     return lists;
 }
 
 void PlaylistFileStage::confirm(const std::vector<RecordedPlaylist>& lists)
 {
-    const auto require = [](Result result) {
-        if (!result.ok()) {
-            throw DatabaseError("the playlists cannot be recorded in the database: " + result.text());
+    try {
+        state_.records.beginConfirming();
+        for (const RecordedPlaylist& list : lists) {
+            state_.records.confirm(list);
         }
-    };
-    require(state_.records.beginConfirming());
-    for (const RecordedPlaylist& list : lists) {
-        require(state_.records.confirm(list));
+    } catch (const kesta_db::Error& failure) {
+        throw StopRun(ExitCode::kDatabase,
+                      "the playlists cannot be recorded in the database: " + SentenceOf(failure.code()));
     }
-    std::vector<RecordedPlaylist> recorded = state_.records.lists();
+    std::vector<RecordedPlaylist> recorded = state_.records.all();
     for (const RecordedPlaylist& list : lists) {
         const RecordedPlaylist* row = FindList(recorded, list.name);
         if (row == nullptr || row->state == PlaylistState::kUnconfirmed || row->count != list.count) {
-            throw DatabaseError(fmt::format("the playlist {} could not be recorded in the database", list.name));
+            throw StopRun(ExitCode::kDatabase,
+                          fmt::format("the playlist {} could not be recorded in the database", list.name));
         }
     }
 }
@@ -161,7 +168,7 @@ void PlaylistFileStage::confirm(const std::vector<RecordedPlaylist>& lists)
 void PlaylistFileStage::predictConfirmed(const std::vector<RecordedPlaylist>& lists)
 {
     for (RecordedPlaylist& row : state_.recorded) {
-        if (row.state != PlaylistState::kDeletedOnPhone) {
+        if (row.state != PlaylistState::kDeleted) {
             row.state = PlaylistState::kUnconfirmed;
         }
     }
@@ -195,12 +202,14 @@ void PlaylistFileStage::takeInFilesOfThePhone(const PhoneFolder& phone)
 // The library cannot give a record to another list: it is taken out and entered anew.
 void PlaylistFileStage::reassign(const RecordedFile& file)
 {
-    Result result = state_.records.removeFile(file.path);
-    if (result.ok()) {
-        result = state_.records.addFile(file);
-    }
-    if (!result.ok()) {
-        throw DatabaseError("the database cannot be written: " + result.text());
+    try {
+        state_.records.removeFile(file.path);
+        if (state_.records.addFile(file)) {
+            return;
+        }
+        throw kesta_db::Error("DB_PLAYERMUSIC_SetAddedFile", kesta_db::Code::kExists);
+    } catch (const kesta_db::Error& failure) {
+        throw StopRun(ExitCode::kDatabase, "the database cannot be written: " + SentenceOf(failure.code()));
     }
 }
 
@@ -222,11 +231,11 @@ Plan PlaylistStage::plan(Session& session)
     return plan;
 }
 
-std::vector<std::string> PhonePathsOfPlaylists(Database& database, const std::string& imei)
+std::vector<std::string> PhonePathsOfPlaylists(const Database& database, const std::string& imei)
 {
-    PlaylistRecords playlists(database, imei);
+    kesta_db::Playlists playlists = database.playlists(imei);
     std::vector<std::string> paths;
-    for (const RecordedPlaylist& list : playlists.lists()) {
+    for (const RecordedPlaylist& list : playlists.all()) {
         if (list.idInPhone) {
             paths.push_back(*list.idInPhone);
         }

@@ -14,21 +14,21 @@ namespace kesta {
 /// The music that goes along with playlists.
 class MemberRecords : public FileRecords {
 public:
-    explicit MemberRecords(PlaylistRecords& playlists) : playlists_(playlists) {}
-    Result add(const FileChange& change) override { return playlists_.addFile(change.file); }
-    Result update(const FileChange& change) override { return playlists_.updateFile(change.file); }
-    Result remove(const FileChange& change) override { return playlists_.removeFile(change.file.path); }
+    explicit MemberRecords(kesta_db::Playlists& playlists) : playlists_(playlists) {}
+    bool add(const FileChange& change) override { return playlists_.addFile(change.file); }
+    void update(const FileChange& change) override { playlists_.updateFile(change.file); }
+    void remove(const FileChange& change) override { playlists_.removeFile(change.file.path); }
     [[nodiscard]] bool holds(const FileChange& change) override { return IsAmong(change.file, playlists_.files()); }
 
 private:
-    PlaylistRecords& playlists_;
+    kesta_db::Playlists& playlists_;
 };
 
 /// What the stages of playlists know of one run.
 struct PlaylistRun {
-    PlaylistRun(Database& database, const std::string& imei) : records(database, imei) {}
+    PlaylistRun(const Database& database, const std::string& imei) : records(database.playlists(imei)) {}
 
-    PlaylistRecords records;
+    kesta_db::Playlists records;
     MemberRecords fileRecords{records};
     PcPlaylists pc;
     std::vector<RecordedPlaylist> recorded;                   // once the lists of the PC have been confirmed
@@ -67,6 +67,6 @@ private:
 };
 
 /// The phone paths that the database has of lists and of their music.
-[[nodiscard]] std::vector<std::string> PhonePathsOfPlaylists(Database& database, const std::string& imei);
+[[nodiscard]] std::vector<std::string> PhonePathsOfPlaylists(const Database& database, const std::string& imei);
 
 }  // namespace kesta
