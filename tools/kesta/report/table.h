@@ -1,5 +1,5 @@
-// Plain text tables for the terminal. By hand: no packaged library for C++ knows both how wide characters are and what a
-// terminal would obey.
+// Plain text tables for the terminal. By hand: no packaged library for C++ knows both how wide characters are and what
+// a terminal would obey.
 #pragma once
 
 #include <string>
