@@ -234,15 +234,16 @@ TEST_F(ConnectionParts, Bind_NoSuchParameter_FailsTheStepThoughALaterOneIsBound)
 /// In a file that keeps texts in UTF-16 SQLite has no need to convert the text, and so to copy it, by itself.
 TEST_F(ConnectionParts, BindText_InAFileOfUtf16_OutlivesTheCall)
 {
-    const std::filesystem::path wide = data.databaseFolder() / "wide.db";
+    const std::u8string file = (data.databaseFolder() / "wide.db").u8string();
+    const auto* const name = reinterpret_cast<const char*>(file.c_str());
     sqlite3* made = nullptr;
-    ASSERT_EQ(sqlite3_open(reinterpret_cast<const char*>(wide.u8string().c_str()), &made), SQLITE_OK);
+    ASSERT_EQ(sqlite3_open(name, &made), SQLITE_OK);
     EXPECT_EQ(sqlite3_exec(made, "PRAGMA encoding = 'UTF-16le'; CREATE TABLE t(a)", nullptr, nullptr, nullptr),
               SQLITE_OK);
     EXPECT_EQ(sqlite3_close(made), SQLITE_OK);
     Connection connection;
     StatementBuffer buffer;
-    ASSERT_EQ(connection.open(wide.c_str()), SqliteCode::kOk);
+    ASSERT_EQ(connection.open(name), SqliteCode::kOk);
     connection.makeStatementsIn(buffer);
     const std::string text(300, 'x');
     {
