@@ -269,5 +269,56 @@ TEST_F(SyncChangedTest, OldTrash_Goes)
     expectInOrder();
 }
 
+// The database keeps whole seconds.
+TEST_F(SyncChangedTest, PcFileChangedWithinTheSecond_IsCopied)
+{
+    using std::chrono::milliseconds;
+    givenFile("Rock/a.mp3", "one");
+    const fs::path file = Path(pc("Rock/a.mp3"));
+    const auto second = std::chrono::floor<std::chrono::seconds>(fs::last_write_time(file));
+    fs::last_write_time(file, second + milliseconds(100));
+    ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("1 unchanged"));
+    givenFile("Rock/a.mp3", "two");
+    fs::last_write_time(file, second + milliseconds(350));
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("0 copied, 1 updated, 0 removed, 0 unchanged"));
+    EXPECT_EQ(phoneFiles().at("Music/Rock/a.mp3"), "two");
+    // A file system that keeps whole seconds only is no change.
+    fs::last_write_time(file, second);
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("1 unchanged"));
+}
+
+TEST_F(SyncChangedTest, EditedBetweenAKilledRunAndTheNext_IsKept)
+{
+    givenSynced();
+    // So a run leaves the phone that was to replace all of them, and was killed behind the first one.
+    std::ofstream(Path(phone(".kesta-journal")), std::ios::binary)
+        << "Music/Rock/a.mp3\nMusic/Rock/b.mp3\nMusic/Rock/c.mp3\n";
+    changeFile("Rock/a.mp3", "replaced by the run");
+    std::ofstream(Path(phone("Music/Rock/a.mp3")), std::ios::binary) << "replaced by the run";
+    fs::last_write_time(Path(phone("Music/Rock/a.mp3")), fs::last_write_time(Path(pc("Rock/a.mp3"))));
+    changeOnPhone("Music/Rock/b.mp3", "edited on the phone");
+    changeOnPhoneKeepingTime("Music/Rock/c.mp3", "edited, with the same time");
+    const Ended run = sync({"--music", pc("Rock")});
+    EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+    const auto files = phoneFiles();
+    EXPECT_EQ(files.at("Music/Rock/a.mp3"), "replaced by the run");
+    EXPECT_EQ(files.at("Music/Rock/b (changed on the phone).mp3"), "edited on the phone");
+    EXPECT_EQ(files.at("Music/Rock/c (changed on the phone).mp3"), "edited, with the same time");
+    EXPECT_EQ(files.size(), 7u);
+}
+
+TEST_F(SyncChangedTest, ListEditedBetweenAKilledRunAndTheNext_IsKept)
+{
+    givenFile("lists/Mix.m3u8", "http://a/\n");
+    ASSERT_EQ(sync({"--playlists", pc("lists")}).exitCode, 0);
+    std::ofstream(Path(phone(".kesta-journal")), std::ios::binary)
+        << "Playlists/Mix.m3u8\t0123456789abcdef0123456789abcdef\n";
+    changeOnPhone("Playlists/Mix.m3u8", "http://mine/\n");
+    changeFile("lists/Mix.m3u8", "http://b/\n");
+    EXPECT_EQ(sync({"--playlists", pc("lists")}).exitCode, 0);
+    EXPECT_EQ(phoneFiles().at("Playlists/Mix (changed on the phone).m3u8"), "http://mine/\n");
+}
+
 }  // namespace
 }  // namespace kesta::test

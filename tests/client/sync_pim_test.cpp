@@ -426,5 +426,27 @@ TEST_F(SyncPimTest, KilledAtRandomMoments_EndsInOrder)
     EXPECT_GT(cutShort, 0) << "the test itself came too late";
 }
 
+TEST_F(SyncPimTest, Latin1_ReachesThePhoneAsUtf8)
+{
+    givenFile("Friends.vcf",
+              "BEGIN:VCARD\nVERSION:3.0\nUID:1\nFN:J\xF6rg\nEND:VCARD\n"
+              "BEGIN:VCARD\nVERSION:3.0\nUID:2\nFN:Zo\xC3\xAB\nEND:VCARD\n"
+              "BEGIN:VCARD\nVERSION:2.1\nUID:3\nFN;CHARSET=ISO-8859-1:Ren\xE9\n"
+              "NOTE;ENCODING=QUOTED-PRINTABLE;CHARSET=ISO-8859-1:=E9\nEND:VCARD\n");
+    ASSERT_EQ(syncContacts({"Friends.vcf"}).exitCode, 0);
+    const std::string cards = phoneFiles().at("Contacts/Friends.vcf");
+    EXPECT_THAT(cards, HasSubstr("FN:J\u00f6rg\n"));
+    EXPECT_THAT(cards, HasSubstr("FN:Zo\u00eb\n"));
+    EXPECT_THAT(cards, HasSubstr("FN;CHARSET=UTF-8:Ren\u00e9\n"));
+    EXPECT_THAT(cards, HasSubstr("NOTE;ENCODING=QUOTED-PRINTABLE;CHARSET=ISO-8859-1:=E9\n"));
+    EXPECT_THAT(syncContacts({"Friends.vcf"}).out, HasSubstr("0 added, 0 updated, 0 removed, 3 unchanged"));
+
+    givenFile("Home.ics",
+              "BEGIN:VCALENDAR\nVERSION:2.0\nBEGIN:VEVENT\nUID:1\nDTSTAMP:20260101T000000Z\n"
+              "DTSTART:20260101T100000Z\nSUMMARY:Caf\xE9\nEND:VEVENT\nEND:VCALENDAR\n");
+    ASSERT_EQ(sync({"--calendar", pc("Home.ics")}).exitCode, 0);
+    EXPECT_THAT(phoneFiles().at("Calendar/Home.ics"), HasSubstr("SUMMARY:Caf\u00e9\n"));
+}
+
 }  // namespace
 }  // namespace kesta::test

@@ -386,5 +386,25 @@ TEST_F(SyncPlaylistsTest, DryRunOfANewPhone_SeesWhatMediaSyncWouldCarry)
     EXPECT_THAT(phonePaths(), IsEmpty());
 }
 
+TEST_F(SyncPlaylistsTest, EntriesAsInUrlsOrPaddedWithBlanks_AreResolved)
+{
+    givenMusic({"my song.mp3", "100%25.mp3", "caf\u00e9.mp3", "plain.mp3"});
+    givenList("Odd.m3u8",
+              "../Extra/my%20song.mp3\n"
+              "../Extra/100%25.mp3\n"
+              "  ../Extra/caf%C3%A9.mp3  \n"
+              " ../Extra/plain.mp3\t\n");
+    const Ended run = syncLists();
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_THAT(list("Odd.m3u8"), AllOf(HasSubstr("Media/Extra/my song.mp3\n"), HasSubstr("Media/Extra/100%25.mp3\n"),
+                                        HasSubstr("Media/Extra/caf\u00e9.mp3\n"), HasSubstr("Media/Extra/plain.mp3\n")));
+    EXPECT_EQ(members("Odd"), "4");
+    EXPECT_THAT(syncLists().out, HasSubstr("1 unchanged"));
+    // What a list names stays on the phone while it is missing on the PC.
+    removeFile("Extra/my song.mp3");
+    EXPECT_EQ(syncLists().exitCode, 3);
+    EXPECT_TRUE(phoneFiles().contains("Playlists/Media/Extra/my song.mp3"));
+}
+
 }  // namespace
 }  // namespace kesta::test

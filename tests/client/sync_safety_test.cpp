@@ -202,6 +202,24 @@ TEST_F(SyncSafetyTest, FileThatTheUserBrought_IsNoLeftoverOfARunKilledWhileCopyi
     EXPECT_THAT(ownFiles(), testing::IsEmpty());
 }
 
+TEST_F(SyncSafetyTest, EmptiedFolderInAChosenOne_IsDeferred)
+{
+    for (const char* name : {"Rock/a", "Rock/b", "Rock/c", "Disk/Old/d", "Disk/e"}) {
+        givenFile(std::string("Music/") + name, name);
+    }
+    ASSERT_EQ(sync({"--music", pc("Music")}).exitCode, 0);
+    // As the mount point of a disk that has been unmounted.
+    fs::remove_all(Path(pc("Music/Disk")));
+    fs::create_directories(Path(pc("Music/Disk")));
+    const Ended run = sync({"--music", pc("Music")});
+    EXPECT_EQ(run.exitCode, 4) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("2 of 2 recorded files are gone from it"));
+    EXPECT_EQ(phoneFiles().size(), 5u);
+    // A folder that is gone was removed by somebody.
+    fs::remove_all(Path(pc("Music/Disk")));
+    EXPECT_THAT(sync({"--music", pc("Music")}).out, HasSubstr("2 removed"));
+}
+
 TEST_F(SyncSafetyTest, FolderChosenByItsParentLater_LosesWhatIsGone)
 {
     for (const char* name : {"a", "b", "c"}) {
@@ -269,16 +287,20 @@ TEST_F(SyncSafetyTest, Bookmarks_FolderInTheirPlace_IsSaid)
 }
 
 #if !defined(_WIN32)
-TEST_F(SyncSafetyTest, PathThatIsNoText_FailsAloneAndTheRestGoesOn)
+TEST_F(SyncSafetyTest, ChosenFolderAndMemberWhosePathsAreNoText_GoAlong)
 {
     givenFile("Good/a.mp3", "a");
     givenFile("M\xfcsik/b.mp3", "b");
+    givenFile("Other/c\xfc.mp3", "c");
     givenFile("Lists/A.m3u8", "two.mp3\n../Good/a.mp3\n");
-    fs::create_symlink("../M\xfcsik/b.mp3", pc("Lists/two.mp3"));
+    fs::create_symlink("../Other/c\xfc.mp3", pc("Lists/two.mp3"));
     const Ended run = sync({"--music", pc("M\xfcsik"), "--music", pc("Good"), "--playlists", pc("Lists")});
-    EXPECT_EQ(run.exitCode, 3) << run.out << run.err;
-    EXPECT_THAT(run.out, HasSubstr("its path is not valid text"));
-    EXPECT_THAT(phonePaths(), ElementsAre("Music/Good/a.mp3", "Playlists/A.m3u8"));
+    EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+    const auto files = phoneFiles();
+    EXPECT_EQ(files.at("Music/M\xfcsik/b.mp3"), "b");
+    EXPECT_EQ(files.at("Playlists/Media/Other/c\xfc.mp3"), "c");
+    EXPECT_THAT(files.at("Playlists/A.m3u8"), HasSubstr("Media/Other/c\xfc.mp3\n"));
+    EXPECT_THAT(sync({"--music", pc("M\xfcsik"), "--playlists", pc("Lists")}).out, HasSubstr("1 unchanged"));
     const Ended why = client({"why", pc("M\xfcsik"), "--json"});
     EXPECT_EQ(why.exitCode, 0) << why.err;
     EXPECT_TRUE(nlohmann::json::accept(why.out));

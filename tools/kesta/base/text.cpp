@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <iterator>
 
+#include "base/byte_escapes.h"
+
 namespace kesta {
 namespace {
 
@@ -73,6 +75,9 @@ std::string Printable(std::string_view text)
         if (c > kLastCharacter) {
             shown += "\\x";
             AppendHex(shown, c - kInvalidByte, 2);
+        } else if (const unsigned byte = EscapedByte(c); byte != 0) {
+            shown += "\\x";
+            AppendHex(shown, byte, 2);
         } else if (IsControl(c)) {
             shown += "\\u";
             AppendHex(shown, c, 4);

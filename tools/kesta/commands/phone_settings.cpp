@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "base/byte_escapes.h"
 #include "base/text.h"
 
 namespace kesta {
@@ -27,7 +28,7 @@ struct Take {
 
     std::string operator()(TextSetting member) const
     {
-        if (!IsValidUtf8(text) || text.find('\0') != std::string::npos) {
+        if (!IsValidUtf8(text) || text.find('\0') != std::string::npos || HasEscapedBytes(text)) {
             return "it is not valid text";
         }
         settings.*member = text;

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <memory>
 
+#include "base/byte_escapes.h"
 #include "base/text.h"
 #include "commands/command.h"
 #include "commands/phone_access.h"
@@ -216,7 +217,7 @@ std::string NameProblem(const std::string& name)
     if (name.size() > kLongest) {
         return "the name is too long";
     }
-    return IsValidUtf8(name) ? "" : "the name is not valid text";
+    return IsValidUtf8(name) && !HasEscapedBytes(name) ? "" : "the name is not valid text";
 }
 
 std::function<ExitCode()> Prepare(CLI::App& app)

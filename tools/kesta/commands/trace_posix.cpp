@@ -21,6 +21,7 @@
 #include "base/text.h"
 #include "commands/trace.h"
 #include "os/files.h"
+#include "os/native_path.h"
 #include "os/system.h"
 #include "os/trace_socket.h"
 
@@ -79,9 +80,12 @@ void RemoveStaleSocket(const std::string& path)
 // The bound socket; its file goes with it.
 class Viewer {
 public:
-    Viewer() : path_(os::TraceSocketPath()), socket_(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0))
+    Viewer()
+        : path_(os::TraceSocketPath()),
+          native_(os::ToNativePath(path_)),
+          socket_(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0))
     {
-        const sockaddr_un address = AddressOf(path_);
+        const sockaddr_un address = AddressOf(native_);
         RemoveStaleSocket(path_);
         constexpr int kOn = 1;
         if (setsockopt(socket_.get(), SOL_SOCKET, SO_PASSCRED, &kOn, sizeof kOn) != 0) {
@@ -99,7 +103,7 @@ public:
         if (bound != 0) {
             throw StopRun(ExitCode::kFailure, fmt::format("{} cannot be bound: {}", path_, std::strerror(code)));
         }
-        (void)lstat(path_.c_str(), &file_);
+        (void)lstat(native_.c_str(), &file_);
     }
     Viewer(const Viewer&) = delete;
     Viewer& operator=(const Viewer&) = delete;
@@ -107,8 +111,8 @@ public:
     {
         struct stat now {};
         // Another viewer may have taken this one for dead and put its own socket here.
-        if (lstat(path_.c_str(), &now) == 0 && now.st_ino == file_.st_ino) {
-            (void)unlink(path_.c_str());
+        if (lstat(native_.c_str(), &now) == 0 && now.st_ino == file_.st_ino) {
+            (void)unlink(native_.c_str());
         }
     }
 
@@ -148,6 +152,7 @@ public:
 
 private:
     std::string path_;
+    std::string native_;  // as the system has it
     Descriptor socket_;
     struct stat file_ {};
     std::array<char, size_t{256} * 1024> buffer_{};

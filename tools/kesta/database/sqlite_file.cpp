@@ -5,6 +5,7 @@
 #include <chrono>
 #include <memory>
 
+#include "os/native_path.h"
 #include "os/system.h"
 
 namespace kesta {
@@ -86,7 +87,7 @@ os::Status SqliteFile::open(const std::string& path, Access access)
     const int flags = access == Access::kRead    ? SQLITE_OPEN_READONLY
                       : access == Access::kWrite ? SQLITE_OPEN_READWRITE
                                                  : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-    os::Status status = result(sqlite3_open_v2(path.c_str(), &handle_, flags, nullptr));
+    os::Status status = result(sqlite3_open_v2(os::ToNativePath(path).c_str(), &handle_, flags, nullptr));
     if (!status.ok()) {
         close();
         return status;

@@ -2,29 +2,69 @@
 
 #include <fmt/format.h>
 
-#include <unordered_set>
+#include <unordered_map>
 
-#include "phone/names.h"
-#include "phone/phone_layout.h"
+#include "os/local_time.h"
+#include "phone/phone_paths.h"
 #include "stages/bookmarks/bookmark_stage.h"
 #include "stages/playlists/playlist_stage.h"
 
 namespace kesta {
+namespace {
+
+// As far as a phone keeps times.
+bool IsSameTime(int64_t a, int64_t b)
+{
+    return IsSameFile({PhoneEntry::kFile, 0, a}, 0, b);
+}
+
+}  // namespace
+
+// Whether what lies there can be that run's: somebody may have changed it on the phone since.
+bool LeftoverStage::hasWritten(const RecordedFile& file, const PhoneFile& there, const LeftFile* left) const
+{
+    if (left != nullptr && IsSameTime(left->modifiedSeconds, there.modifiedSeconds)) {
+        return false;  // It is what an earlier run has left, or an edit that kept the time.
+    }
+    os::FileInfo pc;
+    const bool isOnPc = os::ReadInfo(file.path, pc).ok();
+    if (isOnPc && IsSameFile(there, pc.size, pc.modified.seconds)) {
+        return true;
+    }
+    const auto local = os::ToLocalTime(there.modifiedSeconds);
+    if (local && file.modified && IsSameTime(ToNumber(*local), ToNumber(*file.modified))) {
+        return true;
+    }
+    return isOnPc && there.size == pc.size && phone_.holdsFile(file.phonePath, file.path);
+}
 
 // A file that was replaced, but not yet recorded so, would look as if somebody had changed it on the phone.
-void LeftoverStage::settle(const Leftovers& leftovers, LeftFiles& left) const
+void LeftoverStage::settle(const Leftovers& leftovers, Session& session) const
 {
-    std::unordered_set<std::string> media;
+    std::unordered_map<std::string, RecordedFile> media;
     for (const MediaState::OfCategory& category : state_.categories) {
         for (const RecordedFile& file : category.recorded) {
-            media.insert(file.phonePath);
+            media.emplace(file.phonePath, file);
         }
+    }
+    for (const RecordedFile& file : session.database.playlists(session.imei).files()) {
+        media.emplace(file.phonePath, file);
     }
     for (const std::string& path : leftovers.recordedFiles) {
         const PhoneFile there = phone_.find(path);
-        if (there.entry == PhoneEntry::kFile) {
-            const bool isText = !media.contains(path) && !IsPhonePath(path, kPlaylistMediaFolder);
-            left.leave(path, {there.size, there.modifiedSeconds, isText ? phone_.digest(path) : std::string()});
+        if (there.entry != PhoneEntry::kFile) {
+            continue;
+        }
+        if (const auto file = media.find(path); file != media.end()) {
+            if (hasWritten(file->second, there, session.left.find(path))) {
+                session.left.leave(path, {there.size, there.modifiedSeconds, {}});
+            }
+            continue;
+        }
+        const auto expected = leftovers.digests.find(path);
+        const std::string digest = phone_.digest(path);
+        if (expected == leftovers.digests.end() || expected->second == digest) {
+            session.left.leave(path, {there.size, there.modifiedSeconds, digest});
         }
     }
 }
@@ -57,7 +97,9 @@ Plan LeftoverStage::plan(Session& session)
     if (!leftovers.journalFound && leftovers.temporaryFiles.empty()) {
         return plan;
     }
-    settle(leftovers, session.left);
+    if (session.isKnown) {
+        settle(leftovers, session);
+    }
     const size_t files = leftovers.temporaryFiles.size() + leftovers.unknownFiles.size();
     const std::string counted = Counted(files, "leftover");
     Change change;

@@ -14,7 +14,8 @@ public:
     [[nodiscard]] Plan plan(Session& session) override;
 
 private:
-    void settle(const Leftovers& leftovers, LeftFiles& left) const;
+    void settle(const Leftovers& leftovers, Session& session) const;
+    [[nodiscard]] bool hasWritten(const RecordedFile& file, const PhoneFile& there, const LeftFile* left) const;
 
     MediaState& state_;
     PhoneFolder& phone_;

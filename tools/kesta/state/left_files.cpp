@@ -38,7 +38,8 @@ LeftFiles::LeftFiles(const std::string& imei) : imei_(imei)
     try {
         for (const auto& [phonePath, file] : state.at("left").items()) {
             left_[phonePath] = {file.at(0).get<uint64_t>(), file.at(1).get<int64_t>(),
-                                file.size() > 2 ? file.at(2).get<std::string>() : std::string()};
+                                file.size() > 2 ? file.at(2).get<std::string>() : std::string(),
+                                file.size() > 3 ? std::optional(file.at(3).get<int32_t>()) : std::nullopt};
         }
         for (const json& file : state.at("kept")) {
             kept_.push_back(KeptFrom(file));
@@ -85,8 +86,11 @@ os::Status LeftFiles::save()
     nlohmann::ordered_json left = json::object(), kept = json::array();
     for (const auto& [phonePath, file] : left_) {
         left[phonePath] = {file.size, file.modifiedSeconds};
-        if (!file.digest.empty()) {
+        if (!file.digest.empty() || file.pcNanoseconds) {
             left[phonePath].push_back(file.digest);
+        }
+        if (file.pcNanoseconds) {
+            left[phonePath].push_back(*file.pcNanoseconds);
         }
     }
     for (const KeptFile& file : kept_) {

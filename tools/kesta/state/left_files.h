@@ -28,6 +28,8 @@ struct LeftFile {
     uint64_t size = 0;
     int64_t modifiedSeconds = 0;
     std::string digest;  // of a text's contents; empty for any other file
+    /// The part of a second of the time that the PC's file had: the database keeps whole seconds.
+    std::optional<int32_t> pcNanoseconds = {};
 
     bool operator==(const LeftFile&) const = default;
 };

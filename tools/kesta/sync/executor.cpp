@@ -92,7 +92,7 @@ void Executor::makeAll(const Plan& plan, Journal& journal)
     std::vector<std::string> paths;
     for (const Change& change : plan.changes) {
         if (!change.phonePath.empty() && change.kind != ChangeKind::kRemove) {
-            paths.push_back(change.phonePath);
+            paths.push_back(plan.journal ? change.phonePath : JournalLine(change));
         }
     }
     bool areAllMade = true, hasBegun = paths.empty();
@@ -200,10 +200,11 @@ os::Status Executor::makeWay(const Change& change)
 }
 
 // For the next run, which is to notice what somebody changes there.
-void Executor::noteLeft(const Change& change, uint64_t size, int64_t modifiedSeconds)
+void Executor::noteLeft(const Change& change, const os::FileInfo& copy, std::optional<int32_t> pcNanoseconds)
 {
     left_.leave(change.phonePath,
-                {size, modifiedSeconds, change.pcFile.empty() ? formats::Digest(change.text) : std::string()});
+                {copy.size, copy.modified.seconds, change.pcFile.empty() ? formats::Digest(change.text) : std::string(),
+                 pcNanoseconds});
 }
 
 bool Executor::write(const Change& change, Written& written)
@@ -231,7 +232,7 @@ bool Executor::writeText(const Change& change, Written& written)
     written.size = change.text.size();
     if (os::ReadInfo(path, info).ok()) {
         written.modified = os::ToLocalTime(info.modified.seconds);
-        noteLeft(change, info.size, info.modified.seconds);
+        noteLeft(change, info, std::nullopt);
     }
     return true;
 }
@@ -274,7 +275,7 @@ bool Executor::copy(const Change& change, Written& written)
         timesLost_ += result.timeKept ? 0u : 1u;
         written.size = result.source.size;
         written.modified = os::ToLocalTime(result.source.modified.seconds);
-        noteLeft(change, result.copy.size, result.copy.modified.seconds);
+        noteLeft(change, result.copy, result.source.modified.nanoseconds);
         return true;
     }
     if (!request.mayReplace) {

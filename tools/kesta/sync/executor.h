@@ -36,7 +36,7 @@ private:
     [[nodiscard]] bool make(const Change& change, const Plan& plan);
     [[nodiscard]] bool remove(const Change& change);
     [[nodiscard]] os::Status makeWay(const Change& change);
-    void noteLeft(const Change& change, uint64_t size, int64_t modifiedSeconds);
+    void noteLeft(const Change& change, const os::FileInfo& copy, std::optional<int32_t> pcNanoseconds);
     [[nodiscard]] bool write(const Change& change, Written& written);
     [[nodiscard]] bool hasRoomFor(const Change& change);
     [[nodiscard]] bool copy(const Change& change, Written& written);

@@ -6,11 +6,14 @@
 #include <unordered_set>
 #include <utility>
 
+#include "formats/digest.h"
 #include "phone/names.h"
 #include "phone/phone_layout.h"
 
 namespace kesta {
 namespace {
+
+constexpr char kDigestFollows = '\t';  // no path on a phone holds it
 
 std::string JournalPath(const PhoneFolder& phone)
 {
@@ -30,6 +33,12 @@ bool IsOfJournal(const std::string& line)
 }
 
 }  // namespace
+
+std::string JournalLine(const Change& change)
+{
+    const bool isText = change.isToWrite() && change.pcFile.empty();
+    return isText ? change.phonePath + kDigestFollows + formats::Digest(change.text) : change.phonePath;
+}
 
 void PhoneJournal::begin(const std::vector<std::string>& phonePaths)
 {
@@ -70,6 +79,12 @@ os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string
     const std::unordered_set<std::string> recorded(recordedPaths.begin(), recordedPaths.end());
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
+        const auto tab = line.find(kDigestFollows);
+        const std::string digest = tab == std::string::npos ? std::string() : line.substr(tab + 1);
+        line.erase(std::min(tab, line.size()));
+        if (!digest.empty()) {
+            leftovers.digests[line] = digest;
+        }
         if (!IsOfJournal(line)) {
             continue;
         }

@@ -3,6 +3,7 @@
 // here.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,9 +19,14 @@ struct Leftovers {
     std::vector<std::string> temporaryFiles;  // native paths
     std::vector<std::string> unknownFiles;    // phone paths
     std::vector<std::string> recordedFiles;   // phone paths of what that run may have written anew
-    std::vector<std::string> foldersOf;       // phone paths whose folders may have been made for nothing
+    /// Of the texts among them, as that run would have written them.
+    std::map<std::string, std::string> digests;
+    std::vector<std::string> foldersOf;  // phone paths whose folders may have been made for nothing
     bool journalFound = false;
 };
+
+/// The phone path, for a text with the digest of what is going to be written.
+[[nodiscard]] std::string JournalLine(const Change& change);
 
 class PhoneJournal : public Journal {
 public:

@@ -41,6 +41,31 @@ bool IsZoneDifference(int64_t seconds)
            (rest <= kPhoneTimeTolerance || rest >= kQuarter - kPhoneTimeTolerance);
 }
 
+bool IsSameFraction(int32_t nanoseconds, int32_t other)
+{
+    for (const int32_t unit : {1, 100, 1'000, 1'000'000, 10'000'000, 1'000'000'000}) {
+        if (nanoseconds / unit * unit == other || other / unit * unit == nanoseconds) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool PhoneChanges::isPcChanged(const std::string& phonePath, const PcFile& pc) const
+{
+    const LeftFile* left = left_.find(phonePath);
+    return left != nullptr && left->pcNanoseconds && !IsSameFraction(*left->pcNanoseconds, pc.modifiedNanoseconds);
+}
+
+void PhoneChanges::notePc(const std::string& phonePath, const PhoneFile& there, const PcFile& pc) const
+{
+    const LeftFile* left = left_.find(phonePath);
+    if (left == nullptr || !left->pcNanoseconds) {
+        left_.leave(phonePath, {there.size, there.modifiedSeconds, left == nullptr ? std::string() : left->digest,
+                                pc.modifiedNanoseconds});
+    }
+}
+
 void PhoneChanges::learn(const PhoneFile& there, std::optional<LocalTime> recorded, const PcFile& pc)
 {
     const auto difference = Difference(there, recorded);
@@ -66,6 +91,10 @@ bool PhoneChanges::isChanged(const std::string& phonePath, const PhoneFile& ther
     if (isPcAsCopied && isSizeAsOnPc && difference && (isTimeKept || IsZoneDifference(*difference))) {
         return false;
     }
+    // A run that was killed may have written it without a note.
+    if (pc != nullptr && IsSameFile(there, pc->size, pc->modifiedSeconds)) {
+        return false;
+    }
     if (const LeftFile* left = left_.find(phonePath)) {
         if (IsAsLeft(there, *left)) {
             return false;
@@ -81,13 +110,12 @@ bool PhoneChanges::isChanged(const std::string& phonePath, const PhoneFile& ther
         if (!isSizeAsOnPc || !holdsFile_(phonePath, pc->path)) {
             return true;
         }
-        left_.leave(phonePath, {there.size, there.modifiedSeconds, {}});
+        left_.leave(phonePath, {there.size, there.modifiedSeconds, {}, pc->modifiedNanoseconds});
         return false;
     }
-    const bool isWanted = pc != nullptr && IsSameFile(there, pc->size, pc->modifiedSeconds);
     const bool isClockOff = std::any_of(zoneDifferences_.begin(), zoneDifferences_.end(),
                                         [&](int64_t zone) { return IsSameTime(*difference, zone); });
-    return !isTimeKept && !isWanted && !isClockOff;
+    return !isTimeKept && !isClockOff;
 }
 
 bool PhoneChanges::isChanged(const std::string& phonePath, const PhoneFile& there) const
@@ -100,7 +128,7 @@ bool PhoneChanges::isChanged(const std::string& phonePath, const PhoneFile& ther
     if (there.size != left->size || left->digest.empty() || digestOf_(phonePath) != left->digest) {
         return true;
     }
-    left_.leave(phonePath, {there.size, there.modifiedSeconds, left->digest});
+    left_.leave(phonePath, {there.size, there.modifiedSeconds, left->digest, left->pcNanoseconds});
     return false;
 }
 

@@ -18,10 +18,14 @@ struct PcFile {
     uint64_t size = 0;
     int64_t modifiedSeconds = 0;
     std::optional<LocalTime> localTime;
+    int32_t modifiedNanoseconds = 0;
 };
 
 /// Whether two local times of one moment can differ so, told in different time zones.
 [[nodiscard]] bool IsZoneDifference(int64_t seconds);
+
+/// Whether two parts of a second can be of one time, kept by file systems of which one cuts it off earlier.
+[[nodiscard]] bool IsSameFraction(int32_t nanoseconds, int32_t other);
 
 class PhoneChanges {
 public:
@@ -42,6 +46,10 @@ public:
     /// pc: null for a file that is gone. recorded: the time with which it was copied.
     [[nodiscard]] bool isChanged(const std::string& phonePath, const PhoneFile& there,
                                  std::optional<LocalTime> recorded, const PcFile* pc) const;
+    /// Whether the file of the PC has changed within the second in which it was when it was copied.
+    [[nodiscard]] bool isPcChanged(const std::string& phonePath, const PcFile& pc) const;
+    /// Notes what that is told by, for a file that is on the phone as it is on the PC.
+    void notePc(const std::string& phonePath, const PhoneFile& there, const PcFile& pc) const;
     /// For what has no time in the database: nothing can be told without a note.
     [[nodiscard]] bool isChanged(const std::string& phonePath, const PhoneFile& there) const;
 

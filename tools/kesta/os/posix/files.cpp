@@ -13,7 +13,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "base/text.h"
+#include "os/native_path.h"
 #include "os/posix/errno_status.h"
 
 namespace kesta::os {
@@ -34,7 +34,7 @@ FileInfo ToInfo(const struct stat& raw)
 Status ReadInfo(const std::string& path, FileInfo& info)
 {
     struct stat raw {};
-    if (stat(path.c_str(), &raw) != 0) {
+    if (stat(ToNativePath(path).c_str(), &raw) != 0) {
         return LastError();
     }
     info = ToInfo(raw);
@@ -44,7 +44,7 @@ Status ReadInfo(const std::string& path, FileInfo& info)
 Status ReadInfoOfLink(const std::string& path, FileInfo& info)
 {
     struct stat raw {};
-    if (lstat(path.c_str(), &raw) != 0) {
+    if (lstat(ToNativePath(path).c_str(), &raw) != 0) {
         return LastError();
     }
     info = ToInfo(raw);
@@ -54,7 +54,7 @@ Status ReadInfoOfLink(const std::string& path, FileInfo& info)
 Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entries)
 {
     entries.clear();
-    const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), closedir);
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(ToNativePath(path).c_str()), closedir);
     if (!directory) {
         return LastError();
     }
@@ -64,25 +64,24 @@ Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entri
         if (raw == nullptr) {
             break;
         }
-        std::string name = raw->d_name;
+        const std::string_view name = raw->d_name;
         if (name == "." || name == "..") {
             continue;
         }
-        const bool valid = IsValidUtf8(name);
         bool isLink = raw->d_type == DT_LNK;
         if (raw->d_type == DT_UNKNOWN) {
             struct stat info {};
             isLink =
                 fstatat(dirfd(directory.get()), raw->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(info.st_mode);
         }
-        entries.push_back({std::move(name), valid, isLink});
+        entries.push_back({FromNativePath(name), true, isLink});
     }
     return errno == 0 ? Status() : LastError();
 }
 
 bool IsEmptyDirectory(const std::string& path)
 {
-    const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), closedir);
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(ToNativePath(path).c_str()), closedir);
     if (!directory) {
         return false;
     }
@@ -98,11 +97,11 @@ bool IsEmptyDirectory(const std::string& path)
 
 Status CanonicalPath(const std::string& path, std::string& canonical)
 {
-    const std::unique_ptr<char, void (*)(void*)> resolved(realpath(path.c_str(), nullptr), std::free);
+    const std::unique_ptr<char, void (*)(void*)> resolved(realpath(ToNativePath(path).c_str(), nullptr), std::free);
     if (!resolved) {
         return LastError();
     }
-    canonical = resolved.get();
+    canonical = FromNativePath(resolved.get());
     return {};
 }
 
@@ -112,14 +111,14 @@ std::string AbsolutePath(const std::string& path)
         return path;
     }
     const std::unique_ptr<char, void (*)(void*)> here(getcwd(nullptr, 0), std::free);
-    return here ? Join(here.get(), path) : path;
+    return here ? Join(FromNativePath(here.get()), path) : path;
 }
 
 Status ReadFreeSpace(const std::string& path, std::optional<uint64_t>& bytes)
 {
     bytes.reset();
     struct statvfs raw {};
-    if (statvfs(path.c_str(), &raw) != 0) {
+    if (statvfs(ToNativePath(path).c_str(), &raw) != 0) {
         return LastError();
     }
     // Some file systems for phones know of no sizes at all.
@@ -132,7 +131,7 @@ Status ReadFreeSpace(const std::string& path, std::optional<uint64_t>& bytes)
 Status ReadFileSystemId(const std::string& path, std::string& id)
 {
     struct statvfs raw {};
-    if (statvfs(path.c_str(), &raw) != 0) {
+    if (statvfs(ToNativePath(path).c_str(), &raw) != 0) {
         return LastError();
     }
     std::array<char, 2 * sizeof raw.f_fsid + 1> digits{};
@@ -143,32 +142,32 @@ Status ReadFileSystemId(const std::string& path, std::string& id)
 
 Status CheckWritable(const std::string& directory)
 {
-    return access(directory.c_str(), W_OK | X_OK) == 0 ? Status() : LastError();
+    return access(ToNativePath(directory).c_str(), W_OK | X_OK) == 0 ? Status() : LastError();
 }
 
 Status MakeDirectory(const std::string& path)
 {
-    return mkdir(path.c_str(), 0777) == 0 ? Status() : LastError();
+    return mkdir(ToNativePath(path).c_str(), 0777) == 0 ? Status() : LastError();
 }
 
 Status RemoveFile(const std::string& path)
 {
-    return unlink(path.c_str()) == 0 ? Status() : LastError();
+    return unlink(ToNativePath(path).c_str()) == 0 ? Status() : LastError();
 }
 
 Status RemoveEmptyDirectory(const std::string& path)
 {
-    return rmdir(path.c_str()) == 0 ? Status() : LastError();
+    return rmdir(ToNativePath(path).c_str()) == 0 ? Status() : LastError();
 }
 
 Status Rename(const std::string& from, const std::string& to)
 {
-    return std::rename(from.c_str(), to.c_str()) == 0 ? Status() : LastError();
+    return std::rename(ToNativePath(from).c_str(), ToNativePath(to).c_str()) == 0 ? Status() : LastError();
 }
 
 Status FlushDirectory(const std::string& path)
 {
-    const int handle = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int handle = open(ToNativePath(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (handle < 0) {
         return LastError();
     }

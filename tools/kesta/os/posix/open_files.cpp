@@ -6,6 +6,7 @@
 #include <cerrno>
 
 #include "os/files.h"
+#include "os/native_path.h"
 #include "os/posix/errno_status.h"
 
 namespace kesta::os {
@@ -28,7 +29,7 @@ InputFile::~InputFile()
 Status InputFile::open(const std::string& path)
 {
     // Without O_NONBLOCK a named pipe put in the file's place would hold the run up for ever.
-    handle_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    handle_ = ::open(ToNativePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     return handle_ >= 0 ? Status() : LastError();
 }
 
@@ -73,7 +74,7 @@ OutputFile::~OutputFile()
 
 Status OutputFile::create(const std::string& path)
 {
-    handle_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+    handle_ = ::open(ToNativePath(path).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
     return handle_ >= 0 ? Status() : LastError();
 }
 
@@ -119,7 +120,7 @@ DirectoryLock::~DirectoryLock()
 
 Status DirectoryLock::acquire(const std::string& directory)
 {
-    handle_ = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    handle_ = ::open(ToNativePath(directory).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (handle_ < 0) {
         return LastError();
     }

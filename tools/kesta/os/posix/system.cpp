@@ -14,6 +14,7 @@
 #include <random>
 
 #include "os/files.h"
+#include "os/native_path.h"
 
 namespace kesta::os {
 namespace {
@@ -29,7 +30,11 @@ void NoteInterrupt(int)
 
 std::vector<std::string> Arguments(int argc, char** argv)
 {
-    return {argv + 1, argv + argc};
+    std::vector<std::string> arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.push_back(FromNativePath(argv[i]));
+    }
+    return arguments;
 }
 
 int64_t Now()
@@ -73,20 +78,20 @@ std::string DataDirectory()
 {
     const char* data = std::getenv("XDG_DATA_HOME");
     if (data != nullptr && data[0] == '/') {
-        return data;
+        return FromNativePath(data);
     }
     const char* home = std::getenv("HOME");
-    return home == nullptr ? std::string() : Join(home, ".local/share");
+    return home == nullptr ? std::string() : Join(FromNativePath(home), ".local/share");
 }
 
 bool MakePrivateDirectories(const std::string& path)
 {
     struct stat info {};
-    if (stat(path.c_str(), &info) == 0) {
+    if (stat(ToNativePath(path).c_str(), &info) == 0) {
         return S_ISDIR(info.st_mode);
     }
     const std::string parent = ParentOf(path);
-    return parent != path && MakePrivateDirectories(parent) && mkdir(path.c_str(), 0700) == 0;
+    return parent != path && MakePrivateDirectories(parent) && mkdir(ToNativePath(path).c_str(), 0700) == 0;
 }
 
 void CatchInterrupts()

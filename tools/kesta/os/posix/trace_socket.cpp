@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "os/files.h"
+#include "os/native_path.h"
 #include "os/posix/errno_status.h"
 
 namespace kesta::os {
@@ -18,7 +19,7 @@ std::string TraceSocketPath()
 {
     const char* folder = std::getenv("XDG_RUNTIME_DIR");
     if (folder != nullptr && folder[0] != '\0') {
-        return Join(folder, "kesta_db.trace");
+        return Join(FromNativePath(folder), "kesta_db.trace");
     }
     return "/tmp/kesta_db-" + std::to_string(getuid()) + ".trace";
 }
@@ -27,7 +28,7 @@ Status LookAtTraceSocket(const std::string& path, TraceSocket& socket)
 {
     socket = TraceSocket::kNone;
     struct stat info {};
-    if (lstat(path.c_str(), &info) != 0) {
+    if (lstat(ToNativePath(path).c_str(), &info) != 0) {
         return errno == ENOENT || errno == ENOTDIR ? Status() : LastError();
     }
     if (!S_ISSOCK(info.st_mode) || info.st_uid != geteuid()) {
@@ -36,10 +37,11 @@ Status LookAtTraceSocket(const std::string& path, TraceSocket& socket)
     }
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) {
+    const std::string native = ToNativePath(path);
+    if (native.size() >= sizeof address.sun_path) {
         return FromErrno(ENAMETOOLONG);
     }
-    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+    std::memcpy(address.sun_path, native.c_str(), native.size() + 1);
     const int probe = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (probe < 0) {
         return LastError();

@@ -82,7 +82,7 @@ using FileDiff = Diff<RecordedFile, WantedFile>;
 
 PcFile ToPcFile(const ScannedFile& file)
 {
-    return {file.path, file.size, file.modified.seconds, file.localTime};
+    return {file.path, file.size, file.modified.seconds, file.localTime, file.modified.nanoseconds};
 }
 
 // The database keeps local times, which a journey changes.
@@ -100,6 +100,11 @@ public:
         for (const FolderScan* folder : input.folders) {
             if (folder->complete && folder->files.empty()) {
                 emptyFolders_.push_back(folder->path);
+            }
+            for (const std::string& inside : folder->emptyFolders) {
+                if (heldSeveral(inside)) {
+                    emptyFolders_.push_back(inside);
+                }
             }
         }
     }
@@ -152,6 +157,13 @@ private:
         return empty == emptyFolders_.end() ? file.basePath : *empty;
     }
 
+    // The last file of a folder is often removed without the folder.
+    [[nodiscard]] bool heldSeveral(const std::string& folder) const
+    {
+        return std::count_if(input_.recorded.begin(), input_.recorded.end(),
+                             [&](const RecordedFile& file) { return os::LiesIn(file.path, folder); }) > 1;
+    }
+
     const PlanInput& input_;
     std::vector<std::string> emptyFolders_;
     std::map<std::string, Folder> folders_;
@@ -188,7 +200,8 @@ std::optional<FileChange> PlanFile(const ComparedFile& file, Category category, 
         const RecordedFile& record = *file.record;
         const bool isChanged = changes.isChanged(record.phonePath, file.there, record.modified, &pc);
         const bool isSameSize = file.there.entry == PhoneEntry::kFile && file.there.size == pc.size;
-        if (isSameSize && !isChanged && file.state == Comparison::kSame) {
+        if (isSameSize && !isChanged && file.state == Comparison::kSame && !changes.isPcChanged(record.phonePath, pc)) {
+            changes.notePc(record.phonePath, file.there, pc);
             return std::nullopt;
         }
         const bool isOnlyTimeZone = isSameSize && !isChanged && IsInOtherTimeZone(record, pc) &&

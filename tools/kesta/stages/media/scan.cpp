@@ -43,6 +43,7 @@ public:
         }
         std::sort(scan_.files.begin(), scan_.files.end(),
                   [](const ScannedFile& a, const ScannedFile& b) { return a.path < b.path; });
+        findEmptyFolders();
     }
 
 private:
@@ -66,6 +67,7 @@ private:
         if (folder.relative.empty()) {
             scan_.found = true;
         }
+        read_.push_back(folder.path);
         std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
         for (const os::DirectoryEntry& entry : entries) {
             readEntry(folder, entry);
@@ -106,6 +108,27 @@ private:
         }
     }
 
+    // Such a folder may be where a disk belongs that is not mounted.
+    void findEmptyFolders()
+    {
+        std::set<std::string> used{scan_.path};
+        const auto use = [&](const std::string& path) {
+            for (std::string folder = os::ParentOf(path); used.insert(folder).second; folder = os::ParentOf(folder)) {
+            }
+        };
+        for (const ScannedFile& file : scan_.files) {
+            use(file.path);
+        }
+        for (const ScanProblem& problem : scan_.problems) {
+            use(problem.path);
+        }
+        for (const std::string& folder : read_) {
+            if (!used.contains(folder) && used.contains(os::ParentOf(folder))) {
+                scan_.emptyFolders.push_back(folder);
+            }
+        }
+    }
+
     // A link upwards would pull in everything around the chosen folder.
     [[nodiscard]] bool holdsChosenFolder(const std::string& link) const
     {
@@ -121,6 +144,7 @@ private:
     std::deque<PendingFolder> folders_;
     std::deque<PendingFolder> links_;
     std::set<os::FileId> seen_;
+    std::vector<std::string> read_;
 };
 
 }  // namespace

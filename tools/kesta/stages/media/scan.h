@@ -32,6 +32,7 @@ struct FolderScan {
     bool complete = false;  // every folder below it could be read, so that what was not seen is gone
     std::vector<ScannedFile> files;
     std::vector<ScanProblem> problems;
+    std::vector<std::string> emptyFolders;  // below the chosen one, without a file at any depth; the outermost of them
     uint64_t totalSize = 0;
     size_t repeatedLinks = 0;  // links to folders that were read already, or that hold the chosen folder itself
 };

@@ -8,6 +8,7 @@
 
 #include "formats/content_line.h"
 #include "formats/icalendar_reader.h"
+#include "formats/utf8_lines.h"
 
 namespace kesta {
 namespace {
@@ -138,9 +139,10 @@ std::string CalendarText(const std::string& name, std::span<const std::string_vi
     CalendarMerger merger;
     std::string unknown;  // contents that another program left in the database
     for (const std::string_view entry : entries) {
-        const formats::RawCalendars read = formats::ReadCalendars(entry);
+        const std::string bytes = formats::WithUtf8Lines(entry);
+        const formats::RawCalendars read = formats::ReadCalendars(bytes);
         if (!read.problems.empty()) {
-            AppendLines(unknown, entry);
+            AppendLines(unknown, bytes);
             continue;
         }
         for (const formats::RawCalendar& part : read.calendars) {
@@ -163,7 +165,7 @@ std::string PhoneFileText(PimKind kind, const std::string& name, std::span<const
     }
     std::string text;
     for (const std::string_view entry : entries) {
-        AppendLines(text, entry);
+        AppendLines(text, formats::WithUtf8Lines(entry));
     }
     return text;
 }

@@ -2,6 +2,7 @@
 
 #include <unordered_set>
 
+#include "base/byte_escapes.h"
 #include "formats/digest.h"
 #include "phone/phone_layout.h"
 
@@ -39,7 +40,8 @@ std::optional<ListText> MakeListText(const PcPlaylist& list,
         return std::nullopt;
     }
     std::string digest = formats::Digest(*text + '\0' + sources);
-    return ListText{*std::move(text), std::move(digest)};
+    // A player looks for the bytes of a name, also where they are no text.
+    return ListText{UnescapeBytes(*text), std::move(digest)};
 }
 
 std::vector<std::string> MemberNames(const PcPlaylist& list)

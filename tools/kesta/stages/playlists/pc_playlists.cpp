@@ -7,6 +7,7 @@
 
 #include "base/text.h"
 #include "formats/ascii.h"
+#include "formats/charset.h"
 #include "os/local_time.h"
 
 namespace kesta {
@@ -52,6 +53,24 @@ bool HasPath(formats::LocationKind kind)
     return (kind == formats::LocationKind::kAbsolute) == (os::kSeparator == '/');
 }
 
+// What a list may mean by an entry, best first: some players write names as in a URL, others pad lines with blanks. A
+// file that is there by the name as it stands is what is meant.
+std::vector<formats::Location> Candidates(const formats::Location& location)
+{
+    std::vector<formats::Location> candidates{location};
+    const std::string trimmed(formats::Trimmed(location.text));
+    for (const std::string& text : {trimmed, formats::FromUtf8OrLatin1(formats::HexDecoded(location.text, '%')),
+                                    formats::FromUtf8OrLatin1(formats::HexDecoded(trimmed, '%'))}) {
+        const auto other = formats::ParseLocation(text);
+        const bool isNew = other && other->kind != formats::LocationKind::kUrl &&
+                           std::find(candidates.begin(), candidates.end(), *other) == candidates.end();
+        if (isNew) {
+            candidates.push_back(*other);
+        }
+    }
+    return candidates;
+}
+
 class ListReader {
 public:
     ListReader(PcPlaylists& result, std::string folder) : result_(result), folder_(std::move(folder)) {}
@@ -95,7 +114,7 @@ private:
         if (member.isUrl()) {
             return member;
         }
-        const formats::Location& location = member.entry.location;
+        const formats::Location location = find(member.entry.location);
         member.path = member.namedPath = Native(*formats::PathOf(location, folder_));
         if (!HasPath(location.kind)) {
             report(list, member.entry.line, fmt::format("{} is a path of another system", location.text));
@@ -115,6 +134,9 @@ private:
         }
         if (!status.ok()) {
             member.path = withoutFile(member.path);
+            for (const formats::Location& other : Candidates(location)) {
+                member.otherPaths.push_back(withoutFile(Native(*formats::PathOf(other, folder_))));
+            }
             report(list, member.entry.line, fmt::format("{}: {}", member.path, status.text()));
             return member;
         }
@@ -124,6 +146,19 @@ private:
         member.modified = info.modified;
         member.localTime = os::ToLocalTime(info.modified.seconds);
         return member;
+    }
+
+    // As it is meant, as far as that shows; else as it stands there.
+    [[nodiscard]] formats::Location find(const formats::Location& named) const
+    {
+        for (const formats::Location& location : Candidates(named)) {
+            os::FileInfo info;
+            if (HasPath(location.kind) && os::ReadInfo(Native(*formats::PathOf(location, folder_)), info).ok() &&
+                info.kind == os::FileKind::kFile) {
+                return location;
+            }
+        }
+        return named;
     }
 
     // A missing file's path as it was when the file was there, as far as its folder still is.

@@ -18,6 +18,8 @@ struct ListMember {
     std::string path;              // canonical where there is a file; empty for a URL
     std::string namedPath;         // as the list names it, without links resolved
     bool found = false;            // it is a file that is there
+    /// What else the list may mean by it, while there is no such file.
+    std::vector<std::string> otherPaths;
     uint64_t size = 0;
     os::FileTime modified;
     std::optional<LocalTime> localTime;

@@ -154,6 +154,9 @@ private:
             }
             if (PathInMedia(member, input_.media, phone_).empty()) {
                 needs_.try_emplace(member.path, Need{&member, bring.list->name});
+                for (const std::string& path : member.otherPaths) {
+                    kept_.emplace(path, bring.list->name);
+                }
             } else {
                 carried_.insert(member.path);
             }
@@ -231,9 +234,12 @@ private:
             return paths_.allocate({os::NameOf(os::ParentOf(member.path)), os::NameOf(member.path)}, member.path,
                                    isSame);
         };
-        auto change =
-            PlanFile({{member.path, member.size, member.modified.seconds, member.localTime}, state, record, there},
-                     Category::kMusic, need.owner, input_.changes, paths_, allocate);
+        auto change = PlanFile(
+            {{member.path, member.size, member.modified.seconds, member.localTime, member.modified.nanoseconds},
+             state,
+             record,
+             there},
+            Category::kMusic, need.owner, input_.changes, paths_, allocate);
         if (!change) {
             ++plan_.files.unchanged;
             return;
