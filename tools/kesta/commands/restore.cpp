@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "commands/command.h"
 #include "commands/phone_access.h"
+#include "commands/restore_archive.h"
 #include "phone/trash.h"
 #include "phone/unique_name.h"
 #include "report/output.h"
@@ -15,28 +16,32 @@
 #include "report/table.h"
 
 namespace kesta {
-namespace {
 
-struct RestoreOptions {
-    std::string phone;
-    std::vector<std::string> paths;  // on the phone
-    std::optional<std::string> day;
-    bool all = false;
-    bool dryRun = false;
-};
+bool IsNamed(const RestoreOptions& options, const std::string& phonePath)
+{
+    return std::any_of(options.paths.begin(), options.paths.end(), [&](std::string path) {
+        std::replace(path.begin(), path.end(), os::kSeparator, '/');
+        while (path.ends_with('/')) {
+            path.pop_back();
+        }
+        return phonePath == path || phonePath.starts_with(path + '/');
+    });
+}
+
+std::string PlaceFor(const std::string& phonePath, const std::string& seed, const PhoneFolder& phone)
+{
+    const auto slash = phonePath.rfind('/') + 1;  // 0 without one
+    const std::string folder = phonePath.substr(0, slash);
+    return folder + UniqueName(phonePath.substr(slash), seed, [&](const std::string& name) {
+               return phone.find(folder + name).entry == PhoneEntry::kNothing;
+           });
+}
+
+namespace {
 
 bool IsWanted(const TrashedFile& file, const RestoreOptions& options)
 {
-    if (options.day && file.day != *options.day) {
-        return false;
-    }
-    return options.all || std::any_of(options.paths.begin(), options.paths.end(), [&](std::string path) {
-               std::replace(path.begin(), path.end(), os::kSeparator, '/');
-               while (path.ends_with('/')) {
-                   path.pop_back();
-               }
-               return file.phonePath == path || file.phonePath.starts_with(path + '/');
-           });
+    return (!options.day || file.day == *options.day) && (options.all || IsNamed(options, file.phonePath));
 }
 
 void List(const std::vector<TrashedFile>& files)
@@ -56,18 +61,11 @@ void List(const std::vector<TrashedFile>& files)
                       FormatSize(bytes), kTrashDays));
 }
 
-// Its own place, or one beside it where something else lies by now.
-std::string PlaceFor(const TrashedFile& file, const PhoneFolder& phone)
-{
-    const auto slash = file.phonePath.rfind('/') + 1;  // 0 without one
-    const std::string folder = file.phonePath.substr(0, slash);
-    return folder + UniqueName(file.phonePath.substr(slash), file.trashPath, [&](const std::string& name) {
-               return phone.find(folder + name).entry == PhoneEntry::kNothing;
-           });
-}
-
 ExitCode Run(const RestoreOptions& options)
 {
+    if (options.backup) {
+        return RestoreFromArchives(options);
+    }
     PhoneFolder phone = OpenPhone(options.phone);
     const Trash trash(phone);
     const std::vector<TrashedFile> files = trash.files();
@@ -92,7 +90,7 @@ ExitCode Run(const RestoreOptions& options)
     }
     size_t failed = 0;
     for (const auto& [path, file] : latest) {
-        const std::string place = PlaceFor(file, phone);
+        const std::string place = PlaceFor(file.phonePath, file.trashPath, phone);
         if (options.dryRun) {
             Print(fmt::format("{:<9} {}\n", "restore", Printable(place)));
             continue;
@@ -114,9 +112,12 @@ constexpr const char* kRestoreExamples =
     "  kesta restore --phone /media/me/phone Music/Rock/song.mp3\n"
     "  kesta restore --phone /media/me/phone Music/Rock --dry-run\n"
     "  kesta restore --phone /media/me/phone --day 2026-01-31\n"
+    "  kesta restore --phone /media/me/phone --backup ~/Backups       which archives there are\n"
+    "  kesta restore --phone /media/me/phone --backup ~/Backups Pictures\n"
     "\n"
     "What a sync removes or replaces on the phone goes to the phone's trash and stays there for 30 days, or until the\n"
-    "room is needed. What comes back is yours: a sync neither overwrites nor removes it.\n"
+    "room is needed. What comes back is yours: a sync neither overwrites nor removes it. From the archives of backups\n"
+    "the latest of each file comes back, and with --all the whole latest archive; nothing is overwritten.\n"
     "\n";
 
 std::function<ExitCode()> Prepare(CLI::App& app)
@@ -129,7 +130,11 @@ std::function<ExitCode()> Prepare(CLI::App& app)
     app.add_option("path", options->paths, "files and folders of the phone to bring back; the latest of each")
         ->type_name("PATH...")
         ->check([](const std::string& path) { return EmptyPathProblem(path); });
-    app.add_option("--day", options->day, "only what went there on that day, as it is listed")->type_name("DAY");
+    app.add_option("--backup", options->backup,
+                   "from an archive that sync --backup has made, or from a folder of them, instead of the trash")
+        ->type_name("PATH")
+        ->check([](const std::string& path) { return EmptyPathProblem(path); });
+    app.add_option("--day", options->day, "only what went there, or was archived, on that day")->type_name("DAY");
     app.add_flag("--all", options->all, "bring back all there is");
     app.add_flag("--dry-run", options->dryRun, "only say what would be brought back");
     app.footer(std::string(kRestoreExamples) + kExitCodeHelp);
