@@ -9,6 +9,7 @@
     COMMAND(Files)              \
     COMMAND(Why)                \
     COMMAND(Restore)            \
+    COMMAND(Report)             \
     COMMAND(Settings)           \
     COMMAND(Doctor)             \
     COMMAND(Trace)

@@ -21,6 +21,7 @@
 #include "stages/pim/pim_stage.h"
 #include "stages/playlists/playlist_stage.h"
 #include "state/last_run.h"
+#include "state/run_history.h"
 #include "state/snapshots.h"
 #include "sync/executor.h"
 #include "sync/preview.h"
@@ -162,6 +163,25 @@ private:
         if (os::Status saved = SaveLastRun(imei, {*now, code, reason()}); !saved.ok()) {
             report_.note("how the run ended cannot be noted for kesta status: " + saved.text());
         }
+        if (os::Status saved = AddRun(imei, runRecord(*now, code)); !saved.ok()) {
+            report_.note("the run cannot be noted for kesta report: " + saved.text());
+        }
+    }
+
+    [[nodiscard]] RunRecord runRecord(LocalTime time, int code) const
+    {
+        const Summary& summary = report_.summary;
+        Tally all = summary.files;
+        for (const FamilyTally& family : summary.families) {
+            all += family.tally;
+        }
+        RunRecord run{time,         code,        reason(),      all.added,
+                      all.updated,  all.removed, all.unchanged, summary.failures.size(),
+                      all.deferred, {}};
+        for (const FailedItem& failure : summary.failures) {
+            run.failures.emplace_back(failure.path, failure.reason);
+        }
+        return run;
     }
 
     [[nodiscard]] std::string reason() const
