@@ -204,6 +204,19 @@ TEST_F(DoctorTest, AcceptedDatabase_IsTheKnownOne)
     EXPECT_THAT(snapshots(), Contains(snapshot));
 }
 
+TEST_F(DoctorTest, ReplacedBeforeTheClientMadeSnapshots_IsNoLoss)
+{
+    givenSynced();
+    fs::remove_all(note("Snapshots"));
+    fs::remove(note("known database.json"));
+    std::ofstream(data().databaseFolder() / "KESTA_DB.s3db.replaced-20200101-000000") << "of years ago";
+    const Ended run = client({"status"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_THAT(run.err, IsEmpty());
+    EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    EXPECT_EQ(doctor().exitCode, 0);
+}
+
 // Whoever removes it may mean to begin anew.
 TEST_F(DoctorTest, RemovedDatabase_IsSaidByEveryCommand)
 {

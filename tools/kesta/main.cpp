@@ -46,7 +46,7 @@ void CheckDatabase(kesta::OnDatabaseLoss onLoss)
         return;
     }
     const kesta::StopRun loss(kesta::ExitCode::kDatabase, notice->text + '\n' + notice->advice);
-    if (onLoss == kesta::OnDatabaseLoss::kStop && notice->isReplaced) {
+    if (onLoss == kesta::OnDatabaseLoss::kStop && notice->isToStop) {
         throw loss;
     }
     (void)Report(loss.code(), loss);

@@ -21,8 +21,7 @@ std::optional<DatabaseNotice> FindDatabaseNotice()
     for (const std::string& name : loss.replaced) {
         notice.files.push_back(os::Join(folder, name));
     }
-    notice.isReplaced = !notice.files.empty();
-    if (!notice.isReplaced) {
+    if (notice.files.empty()) {
         notice.text = fmt::format("the database {} is not the one that was synced: it does not know the phone {}.",
                                   DatabasePath(), fmt::join(loss.missingPhones, ", "));
     } else {
@@ -32,6 +31,7 @@ std::optional<DatabaseNotice> FindDatabaseNotice()
             notice.files.back());
     }
     const std::vector<Snapshot> snapshots = ReadSnapshots();
+    notice.isToStop = !notice.files.empty() && !snapshots.empty();
     if (!snapshots.empty()) {
         notice.text += fmt::format("\nThe latest snapshot is {}, of {}.", snapshots.front().path,
                                    FormatLocalTime(snapshots.front().time));

@@ -11,9 +11,9 @@ struct DatabaseNotice {
     std::string text;                // what has happened, and which snapshot there is
     std::string advice;              // the commands that help
     std::vector<std::string> files;  // what the library keeps of the former database
-    /// By the library, which takes a file that it cannot use for none. Otherwise somebody has removed the database, and
-    /// may mean to begin anew.
-    bool isReplaced = false;
+    /// Whether the library has replaced it, and there is something to go back to. Whoever has removed the database may
+    /// mean to begin anew.
+    bool isToStop = false;
 };
 
 /// std::nullopt if the database is the known one.

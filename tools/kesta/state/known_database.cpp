@@ -65,6 +65,10 @@ DatabaseLoss FindDatabaseLoss()
 {
     const json state = Load();
     DatabaseLoss loss;
+    // One that nobody has taken note of yet may have been replaced long before it was filled.
+    if (state.is_null() && !PhonesOfDatabase().value_or(std::vector<std::string>()).empty()) {
+        return loss;
+    }
     loss.replaced = NotAmong(ReplacedDatabases(), TextsOf(state, "replaced"));
     // The library has no way to remove a phone.
     if (const std::vector<std::string> known = TextsOf(state, "phones"); !known.empty()) {
