@@ -396,8 +396,9 @@ TEST_F(SyncPlaylistsTest, EntriesAsInUrlsOrPaddedWithBlanks_AreResolved)
               " ../Extra/plain.mp3\t\n");
     const Ended run = syncLists();
     EXPECT_EQ(run.exitCode, 0) << run.out;
-    EXPECT_THAT(list("Odd.m3u8"), AllOf(HasSubstr("Media/Extra/my song.mp3\n"), HasSubstr("Media/Extra/100%25.mp3\n"),
-                                        HasSubstr("Media/Extra/caf\u00e9.mp3\n"), HasSubstr("Media/Extra/plain.mp3\n")));
+    EXPECT_THAT(list("Odd.m3u8"),
+                AllOf(HasSubstr("Media/Extra/my song.mp3\n"), HasSubstr("Media/Extra/100%25.mp3\n"),
+                      HasSubstr("Media/Extra/caf\u00e9.mp3\n"), HasSubstr("Media/Extra/plain.mp3\n")));
     EXPECT_EQ(members("Odd"), "4");
     EXPECT_THAT(syncLists().out, HasSubstr("1 unchanged"));
     // What a list names stays on the phone while it is missing on the PC.
