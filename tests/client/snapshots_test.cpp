@@ -56,15 +56,17 @@ TEST(Snapshots, OneADay_SpreadOverAMonth)
     std::vector<LocalTime> times;
     for (int64_t day = 0; day < 200; ++day) {
         const LocalTime now = FromNumber(kNow + day * kDay);
-        times.insert(times.begin(), now);
-        const std::vector<bool> stays = ChooseSnapshots(times, now);
-        std::vector<LocalTime> kept;
-        for (size_t i = 0; i < times.size(); ++i) {
+        std::vector<LocalTime> all = {now};
+        for (const LocalTime& time : times) {
+            all.push_back(time);
+        }
+        const std::vector<bool> stays = ChooseSnapshots(all, now);
+        times.clear();
+        for (size_t i = 0; i < all.size(); ++i) {
             if (stays[i]) {
-                kept.push_back(times[i]);
+                times.push_back(all[i]);
             }
         }
-        times = kept;
         EXPECT_LE(times.size(), kMostSnapshots);
         if (day > 40) {
             EXPECT_GE(now - times.back(), std::chrono::days(7)) << "day " << day;
