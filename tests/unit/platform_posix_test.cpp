@@ -100,11 +100,47 @@ TEST_F(PosixFolders, NamedFolderCannotBeMade_False)
     fs::create_directory_symlink(data.applicationData() / "gone", nowhere);
     const fs::path itself = data.applicationData() / "loop";
     fs::create_directory_symlink(itself, itself);
-    for (const fs::path& named : {fs::path("/dev/null"), fs::path("/dev/null/data"), nowhere, itself}) {
+    const fs::path tooLong = data.applicationData() / std::string(300, 'x');
+    for (const fs::path& named : {fs::path("/dev/null"), fs::path("/dev/null/data"), nowhere, itself, tooLong}) {
         const Variable folder("XDG_DATA_HOME", named.c_str());
         Path found;
         EXPECT_FALSE(ApplicationDataFolder(found)) << named;
     }
+}
+
+TEST_F(PosixFolders, HomeIsNoFullPath_ThatOfTheUsersEntryIsTaken)
+{
+    const Variable named("XDG_DATA_HOME", nullptr);
+    const Variable home("HOME", "relative");
+    Path found;
+    ASSERT_TRUE(ApplicationDataFolder(found));
+    EXPECT_TRUE(found.is_absolute()) << found;
+    EXPECT_FALSE(fs::exists("relative"));
+}
+
+TEST_F(PosixFolders, FileInAFolderThatMayNotBeEntered_IsOutOfReach)
+{
+    const fs::path closed = data.applicationData() / "closed";
+    fs::create_directory(closed);
+    ASSERT_EQ(chmod(closed.c_str(), 0), 0);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const bool isSomebody = geteuid() != 0 || setresuid(65534, 65534, 65534) == 0;
+        _exit(isSomebody && Find(closed / "file") == Presence::kOutOfReach ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    chmod(closed.c_str(), 0700);
+}
+
+TEST_F(PosixFolders, PipeInTheFilesPlace_CannotBeRead)
+{
+    const fs::path pipe = data.applicationData() / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(CanReadAll(pipe));
+    EXPECT_TRUE(CanReadAll("/proc/self/exe"));
 }
 
 class HomeFolder : public PosixFolders, public ::testing::WithParamInterface<const char*> {};

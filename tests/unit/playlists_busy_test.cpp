@@ -22,6 +22,7 @@ namespace {
 using test::W;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
 
 // What the replaced services note; functions without a state of their own can reach nothing else.
 std::vector<uint32_t> pauses;
@@ -159,6 +160,7 @@ TEST_F(PlaylistsBusy, AddPlaylist_FreeAfterTheThirdAttempt_GoesOnAtOnce)
     withoutBusyRetry();
     givenWriteLock();
     duringPause = [this] {
+        EXPECT_THAT(lines.back(), HasSubstr("Busy when update synced record."));  // the line comes first
         if (pauses.size() == 3) {
             endWriteLock();
         }
