@@ -22,6 +22,7 @@
 #include "state/last_run.h"
 #include "state/snapshots.h"
 #include "sync/executor.h"
+#include "sync/mount.h"
 #include "sync/preview.h"
 
 namespace kesta {
@@ -89,6 +90,7 @@ public:
         });
         report_.progress.finish();
         if (!options_.dryRun) {
+            RememberMount(phone_, session.imei);
             recordEnd(database, session.imei);
             Guarded(report_.summary, [&] { takeSnapshot(); });
         }

@@ -32,10 +32,19 @@ public:
 private:
     void makeAll(const Plan& plan, Journal& journal);
     void checkPhone() const;
+    void checkPhoneAnswers() const;
     /// False when it failed.
     [[nodiscard]] bool make(const Change& change, const Plan& plan);
+    [[nodiscard]] bool makeNoted(const Change& change, const Plan& plan);
+    /// What follows once the phone holds it.
+    [[nodiscard]] bool finish(const Change& change, const Plan& plan, const Written& written);
     [[nodiscard]] bool remove(const Change& change);
+    /// To be called as often as it takes: the way is made once.
+    [[nodiscard]] std::function<os::Status()> wayMaker(const Change& change);
     [[nodiscard]] os::Status makeWay(const Change& change);
+    /// What does not get to its path in one step is noted there.
+    [[nodiscard]] os::Status notePlacing(const Change& change);
+    void forgetPlacing();
     void noteLeft(const Change& change, uint64_t size, int64_t modifiedSeconds);
     [[nodiscard]] bool write(const Change& change, Written& written);
     [[nodiscard]] bool hasRoomFor(const Change& change);
@@ -59,6 +68,7 @@ private:
     size_t next_ = 0;            // the change that is being made
     bool hasFailed_ = false;     // that change
     size_t timesLost_ = 0;
+    bool hasPlacedNote_ = false;
 };
 
 }  // namespace kesta

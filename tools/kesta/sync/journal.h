@@ -19,7 +19,14 @@ struct Leftovers {
     std::vector<std::string> unknownFiles;    // phone paths
     std::vector<std::string> recordedFiles;   // phone paths of what that run may have written anew
     std::vector<std::string> foldersOf;       // phone paths whose folders may have been made for nothing
+    std::vector<std::string> notes;           // native paths of the notes about files on their way
     bool journalFound = false;
+    bool isMoveUnfinished = false;
+
+    [[nodiscard]] bool areAny() const
+    {
+        return journalFound || isMoveUnfinished || !temporaryFiles.empty() || !notes.empty();
+    }
 };
 
 class PhoneJournal : public Journal {
