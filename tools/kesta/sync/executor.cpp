@@ -70,6 +70,7 @@ void Executor::run(const Plan& plan)
             report_.summary.notReached += plan.changes[i].isSilent() ? 0u : 1u;
         }
     }
+    discardAhead(plan);
     if (os::Status status = left_.save(); !status.ok()) {
         report_.note("what the phone was left with cannot be noted for the next run: " + status.text());
     }
@@ -111,7 +112,11 @@ void Executor::makeAll(const Plan& plan, Journal& journal)
             journal.begin(paths);
             hasBegun = true;
         }
-        areAllMade = make(change, plan) && areAllMade;
+        if (hasBegun) {
+            copyAhead(plan);
+        }
+        const bool isAhead = !batches_.empty() && batches_.front().first == next_;
+        areAllMade = (isAhead ? makeBatch(plan) : make(change, plan)) && areAllMade;
     }
 }
 

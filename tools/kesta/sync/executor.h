@@ -5,6 +5,7 @@
 
 #include "phone/copy_file.h"
 #include "phone/trash.h"
+#include "sync/copy_ahead.h"
 #include "sync/journal.h"
 #include "sync/room.h"
 #include "sync/session.h"
@@ -55,6 +56,22 @@ private:
     void fail(const Change& change, const std::string& reason);
     void stopIfNothingCanBeWritten(const os::Status& status) const;
 
+    // Copying ahead: executor_batches.cpp.
+    struct Placed {
+        size_t change = 0;
+        Written written;
+    };
+    void copyAhead(const Plan& plan);
+    [[nodiscard]] std::vector<StagedFile> nextBatch(const Plan& plan);
+    [[nodiscard]] bool hasRoomAhead(uint64_t bytes) const;
+    /// Makes the changes from the next one on that were copied ahead; false when one has failed.
+    [[nodiscard]] bool makeBatch(const Plan& plan);
+    [[nodiscard]] bool makeBatch(const Plan& plan, StagedBatch& batch);
+    [[nodiscard]] bool place(const Change& change, StagedFile& file, std::vector<Placed>& placed);
+    [[nodiscard]] bool recordPlaced(const Plan& plan, std::vector<Placed>& placed);
+    void discard(const Plan& plan, const StagedBatch& batch);
+    void discardAhead(const Plan& plan);
+
     PhoneFolder& phone_;
     const SyncOptions& options_;
     DeletionGuard& guard_;
@@ -68,6 +85,9 @@ private:
     size_t next_ = 0;            // the change that is being made
     bool hasFailed_ = false;     // that change
     size_t timesLost_ = 0;
+    std::optional<CopyAhead> ahead_;
+    std::deque<std::pair<size_t, uint64_t>> batches_;  // that are copied ahead: first change, bytes
+    size_t aheadFrom_ = 0;                             // the first change that nothing has been decided for
     bool hasPlacedNote_ = false;
 };
 

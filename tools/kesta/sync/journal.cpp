@@ -31,6 +31,19 @@ bool IsOfJournal(const std::string& line)
            std::any_of(kCategories.begin(), kCategories.end(), [&](Category c) { return IsPhonePath(line, c); });
 }
 
+// Files under temporary names of their own.
+void FindCopiedAhead(const std::string& folder, Leftovers& leftovers)
+{
+    std::vector<os::DirectoryEntry> entries;
+    (void)os::ListDirectory(folder, entries);  // It may not have been made yet.
+    const std::string prefix = std::string(kTemporaryName) + '-';
+    for (const os::DirectoryEntry& entry : entries) {
+        if (entry.valid && entry.name.starts_with(prefix)) {
+            leftovers.temporaryFiles.push_back(os::Join(folder, entry.name));
+        }
+    }
+}
+
 // What files are known to have been on their way, and those of them that lie there unrecorded: one of another size is
 // somebody else's.
 os::Status FindPlaced(const PhoneFolder& phone, const std::unordered_set<std::string>& recorded,
@@ -119,6 +132,9 @@ os::Status FindLeftovers(const PhoneFolder& phone, const std::vector<std::string
         if (os::ReadInfoOfLink(path, info).ok()) {
             leftovers.temporaryFiles.push_back(path);
             wasCopying = true;
+        }
+        if (leftovers.journalFound) {
+            FindCopiedAhead(folder, leftovers);
         }
     }
     // A killed run leaves at most one without a note, and none if it was still copying. More mean that these are not
