@@ -4,6 +4,7 @@
 #   bench/run.sh BUILD-FOLDER [OPTIONS]            times beside the baseline; OPTIONS are those of Google Benchmark
 #   bench/run.sh BUILD-FOLDER --instructions [ENTRIES...]   instructions instead of times
 #   bench/run.sh BUILD-FOLDER --allocations        what the library allocates beyond SQLite
+#   bench/run.sh BUILD-FOLDER --client [OPTIONS]   the client beside rsync and rclone; see bench/client.py
 #   bench/run.sh BUILD-FOLDER --callers [ENTRIES]  load, callers beside each other, a million files, peers
 #   bench/run.sh BUILD-FOLDER --growth             how the work of the client's readers grows with a file
 set -eu
@@ -17,6 +18,10 @@ case ${1-} in
         exec "$here/instructions.sh" "$build" "$@"
         ;;
     --allocations) exec "$build/kesta_allocations" ;;
+    --client)
+        shift
+        exec python3 "$here/client.py" "$build" "$@"
+        ;;
     --callers)
         shift
         "$build/kesta_callers" "$@"

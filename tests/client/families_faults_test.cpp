@@ -218,10 +218,14 @@ TEST_F(FamiliesFaultsTest, ListOrMusicThatCannotBeWritten_IsReported_TheRestGoes
     }
     givenFile("lists/One.m3u8", "../Extra/a\n../Extra/b\n");
     givenFile("lists/Two.m3u8", "../Extra/a\n");
-    const Ended music = sync({"--playlists", pc("lists")}, failing("rename", EIO, "Media/Extra/b"));
+    // Neither renamed nor written there.
+    const auto refused = [](const char* path) {
+        return Faults({{"KESTA_FAULT_ERRNO", std::to_string(EIO)}, {"KESTA_FAULT_PATH", path}});
+    };
+    const Ended music = sync({"--playlists", pc("lists")}, refused("Media/Extra/b"));
     EXPECT_EQ(music.exitCode, 3) << music.out;
     EXPECT_EQ(phoneFiles().at("Playlists/One.m3u8"), "#EXTM3U\n#PLAYLIST:One\nMedia/Extra/a\n");
-    const Ended list = sync({"--playlists", pc("lists")}, failing("rename", EIO, "One.m3u8"));
+    const Ended list = sync({"--playlists", pc("lists")}, refused("Playlists/One.m3u8"));
     EXPECT_EQ(list.exitCode, 3) << list.out;
     EXPECT_THAT(list.out, HasSubstr("One.m3u8: it cannot be written to the phone"));
     EXPECT_EQ(phoneFiles().at("Playlists/One.m3u8"), "#EXTM3U\n#PLAYLIST:One\nMedia/Extra/a\n");

@@ -1,9 +1,9 @@
 // Preloaded into the client by the tests: makes system calls that change something fail, or ends the process at one.
 //
-//   KESTA_FAULT_KILL_AT=N       dies by SIGKILL at the Nth call that changes a file or folder, before it is made
-//   out;
-//                               of a write half of the data still gets through
+//   KESTA_FAULT_KILL_AT=N       dies by SIGKILL at the Nth call that changes a file or folder, before it is made; of a
+//                               write half of the data still gets through
 //   KESTA_FAULT_COUNT_FILE=F    writes the number of such calls to the file when the process ends
+//   KESTA_FAULT_FLUSH_FILE=F    appends a line to the file for each flush, with what was flushed
 //   KESTA_FAULT_ERRNO=E         calls on paths that hold KESTA_FAULT_PATH fail with this error, but for the first
 //   KESTA_FAULT_SKIP=N          N of them; with KESTA_FAULT_CALL=C only the calls of that name
 //   KESTA_FAULT_VANISH=P        the file goes at the moment when it is opened
@@ -14,6 +14,7 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -38,7 +39,7 @@ long Number(const char* name)
     return text == nullptr ? 0 : std::atol(text);
 }
 
-long calls = 0;
+std::atomic<long> calls = 0;  // of all threads
 
 // Whether this is the call at which the process dies.
 bool IsLastCall()
@@ -60,7 +61,7 @@ bool Fails(const char* call, const char* path)
     static const long code = Number("KESTA_FAULT_ERRNO");
     static const char* part = std::getenv("KESTA_FAULT_PATH");
     static const char* only = std::getenv("KESTA_FAULT_CALL");
-    static long skip = Number("KESTA_FAULT_SKIP");
+    static std::atomic<long> skip = Number("KESTA_FAULT_SKIP");
     if (only != nullptr && std::strcmp(only, call) != 0) {
         return false;
     }
@@ -87,7 +88,7 @@ struct AtEnd {
             return;
         }
         if (std::FILE* file = std::fopen(path, "w"); file != nullptr) {
-            (void)std::fprintf(file, "%ld", calls);
+            (void)std::fprintf(file, "%ld", calls.load());
             (void)std::fclose(file);
         }
     }
@@ -106,6 +107,18 @@ int Open(const char* name, const char* path, int flags, mode_t mode)
         }
     }
     return Next<int (*)(const char*, int, ...)>(name)(path, flags, mode);
+}
+
+void NoteFlush(int descriptor)
+{
+    static const char* path = std::getenv("KESTA_FAULT_FLUSH_FILE");
+    if (path == nullptr) {
+        return;
+    }
+    if (std::FILE* file = std::fopen(path, "a"); file != nullptr) {
+        (void)std::fprintf(file, "%s\n", PathOf(descriptor).c_str());
+        (void)std::fclose(file);
+    }
 }
 
 ssize_t Die(ssize_t result)
@@ -181,9 +194,24 @@ ssize_t pwrite(int descriptor, const void* data, size_t size, off_t offset)
     return pwrite64(descriptor, data, size, offset);
 }
 
+int fdatasync(int descriptor)
+{
+    DieIfLast();
+    NoteFlush(descriptor);
+    return Fails("fdatasync", PathOf(descriptor).c_str()) ? -1 : Next<int (*)(int)>("fdatasync")(descriptor);
+}
+
+int syncfs(int descriptor)
+{
+    DieIfLast();
+    NoteFlush(descriptor);
+    return Fails("syncfs", PathOf(descriptor).c_str()) ? -1 : Next<int (*)(int)>("syncfs")(descriptor);
+}
+
 int fsync(int descriptor)
 {
     DieIfLast();
+    NoteFlush(descriptor);
     return Fails("fsync", PathOf(descriptor).c_str()) ? -1 : Next<int (*)(int)>("fsync")(descriptor);
 }
 
@@ -193,6 +221,14 @@ int futimens(int descriptor, const timespec times[2])
     return Fails("futimens", PathOf(descriptor).c_str())
                ? -1
                : Next<int (*)(int, const timespec*)>("futimens")(descriptor, times);
+}
+
+int utimensat(int folder, const char* path, const timespec times[2], int flags)
+{
+    DieIfLast();
+    return Fails("utimensat", path)
+               ? -1
+               : Next<int (*)(int, const char*, const timespec*, int)>("utimensat")(folder, path, times, flags);
 }
 
 int rename(const char* from, const char* to)

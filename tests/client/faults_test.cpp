@@ -53,7 +53,9 @@ TEST_F(FaultsTest, KilledAtEachCall_TheNextRunEndsInOrder)
         SCOPED_TRACE("killed at call " + std::to_string(call) + " of " + std::to_string(calls));
         givenWork();
         const Ended killed = sync({"--music", pc("Rock")}, Faults({{"KESTA_FAULT_KILL_AT", std::to_string(call)}}));
-        ASSERT_EQ(killed.exitCode, -SIGKILL) << killed.out << killed.err;
+        // The end of a run is not written again within the second of the one before.
+        const bool isWhole = killed.exitCode == 0 && call > calls - 20;
+        ASSERT_TRUE(killed.exitCode == -SIGKILL || isWhole) << killed.exitCode << killed.out << killed.err;
         // What was on its way may be gone or changed by the time of the next run.
         if (call % 3 == 1) {
             removeFile("Rock/new/er");

@@ -61,9 +61,10 @@ fs::path PimTest::journal(const std::string& imei) const
 
 void PimTest::expectDatabaseInOrder(const Entries& contacts, const Entries& events, const std::string& imei)
 {
+    // Of an entry the last row counts.
     const std::string ofLog =
         " FROM tPimLogItem i, tPimLog l, tPhone p WHERE i.plID = l.plID AND l.phoneID = p.ID AND p.IMEI = '" + imei +
-        "'";
+        "' AND i.Luid <> 'gone' AND i.ptID = (SELECT MAX(ptID) FROM tPimLogItem WHERE plID = i.plID AND Guid = i.Guid)";
     for (const auto& [type, expected] : {std::pair("1500", &contacts), std::pair("1600", &events)}) {
         SCOPED_TRACE(type);
         const std::string count = std::to_string(expected->size());

@@ -21,6 +21,7 @@
 #include "report/summary.h"
 #include "report/table.h"
 #include "stages/pim/pim_entry.h"
+#include "stages/pim/pim_log_rows.h"
 
 namespace kesta {
 namespace {
@@ -180,7 +181,7 @@ Listing ListBackups(const Database& database, const FilesOptions& options)
 Listing ListPim(const Database& database, const FilesOptions& options, PimKind kind)
 {
     std::set<std::string> onPhone;
-    for (PimLogRow& row : database.pimLog(options.imei, TypeOf(kind)).rows()) {
+    for (PimLogRow& row : ReadPimPhoneLog(database, options.imei, kind).rows) {
         onPhone.insert(std::move(row.guid));
     }
     Listing listing;
@@ -217,8 +218,8 @@ Listing ListLog(const Database& database, const FilesOptions& options)
     size_t count = 0;
     for (const PimKind kind : kPimKinds) {
         Json entries = Json::array();
-        kesta_db::PimSyncLog log = database.pimLog(options.imei, TypeOf(kind));
-        for (const PimLogRow& row : log.rows()) {
+        const PimPhoneLog log = ReadPimPhoneLog(database, options.imei, kind);
+        for (const PimLogRow& row : log.rows) {
             ++count;
             entries.push_back({{"id", row.guid},
                                {"id_on_phone", row.luid},
@@ -226,7 +227,7 @@ Listing ListLog(const Database& database, const FilesOptions& options)
                                {"phone_time", TimeJson(row.phoneTime)}});
             table.add({std::string(KeyOf(kind)), row.guid, row.luid, TimeText(row.pcTime), TimeText(row.phoneTime)});
         }
-        listing.json[std::string(KeyOf(kind))] = {{"profile", log.profile()}, {"entries", std::move(entries)}};
+        listing.json[std::string(KeyOf(kind))] = {{"profile", log.profile}, {"entries", std::move(entries)}};
     }
     if (count > 0) {
         listing.text = table.text("");

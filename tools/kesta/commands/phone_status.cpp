@@ -11,6 +11,7 @@
 #include "database/backups.h"
 #include "report/summary.h"
 #include "report/table.h"
+#include "stages/pim/pim_log_rows.h"
 
 namespace kesta {
 namespace {
@@ -189,8 +190,8 @@ PhoneStatus Collect(const Database& database, PhoneSettings settings)
     status.bookmarks = database.bookmarks(imei).all().size();
     status.backups = BackupsOf(database, imei);
     for (const PimKind kind : kPimKinds) {
-        kesta_db::PimSyncLog log = database.pimLog(imei, TypeOf(kind));
-        status.logs[kind] = {log.profile(), log.rows().size()};
+        const PimPhoneLog log = ReadPimPhoneLog(database, imei, kind);
+        status.logs[kind] = {log.profile, log.rows.size()};
     }
     return status;
 }

@@ -24,6 +24,7 @@
 #include "state/run_history.h"
 #include "state/snapshots.h"
 #include "sync/executor.h"
+#include "sync/mount.h"
 #include "sync/preview.h"
 
 namespace kesta {
@@ -91,6 +92,7 @@ public:
         });
         report_.progress.finish();
         if (!options_.dryRun) {
+            RememberMount(phone_, session.imei);
             recordEnd(database, session.imei);
             Guarded(report_.summary, [&] { takeSnapshot(); });
         }

@@ -13,6 +13,7 @@
 #include "os/local_time.h"
 #include "report/summary.h"
 #include "stages/pim/pim_entry.h"
+#include "stages/pim/pim_log_rows.h"
 #include "state/left_files.h"
 
 namespace kesta {
@@ -270,7 +271,7 @@ private:
                     continue;
                 }
                 if (!isLogRead) {
-                    log = database_.pimLog(imei_, TypeOf(kind)).rows();
+                    log = ReadPimPhoneLog(database_, imei_, kind).rows;
                 }
                 isLogRead = true;
                 const auto onPhone = static_cast<size_t>(std::count_if(log.begin(), log.end(), [&](const auto& row) {

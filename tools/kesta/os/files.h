@@ -71,9 +71,13 @@ Status CheckWritable(const std::string& directory);
 
 Status MakeDirectory(const std::string& path);
 Status RemoveFile(const std::string& path);
+/// It is no failure when there is none.
+Status RemoveFileIfThere(const std::string& path);
 Status RemoveEmptyDirectory(const std::string& path);
 /// Replaces the target when it is there. Both must lie on the same file system.
 Status Rename(const std::string& from, const std::string& to);
+/// Sets the time of the last change, and of the last access with it.
+Status SetModified(const std::string& path, FileTime time);
 /// Makes what was created, renamed or removed in the folder survive a power failure, where the system has a way to.
 Status FlushDirectory(const std::string& path);
 
@@ -115,6 +119,7 @@ public:
     /// Fails with kExists when something is at the path.
     Status create(const std::string& path);
     Status write(std::span<const std::byte> data);
+    /// And the time of the last access with it: some drivers ignore a change of one alone.
     Status setModified(FileTime time);
     /// Makes the contents survive a power failure.
     Status flush();
@@ -144,6 +149,12 @@ Status ReadText(const std::string& path, std::string& text);
 /// The same for what a user says is a playlist, say: fails for what is no file, and for one that is larger than any
 /// playlist. what: with its article.
 Status ReadTextOf(std::string_view what, uint64_t largest, const std::string& path, std::string& text);
+struct FileComparison {
+    uint64_t common = 0;  // bytes at their beginnings
+    bool areSame = false;
+};
+/// Fails when either cannot be read.
+Status CompareFiles(const std::string& path, const std::string& otherPath, FileComparison& comparison);
 /// Whether two files hold the same. False when either cannot be read.
 bool HoldSameBytes(const std::string& path, const std::string& otherPath);
 /// Replaces the file's contents in one step: a reader sees the old or the new ones, also after a power failure.

@@ -38,6 +38,12 @@ bool LiesIn(std::string_view path, std::string_view folder)
     return path == folder || path.starts_with(Join(folder, ""));
 }
 
+Status RemoveFileIfThere(const std::string& path)
+{
+    Status status = RemoveFile(path);
+    return status.failure() == Failure::kMissing ? Status() : status;
+}
+
 Status ReadText(const std::string& path, std::string& text)
 {
     text.clear();
@@ -73,40 +79,57 @@ Status ReadTextOf(std::string_view what, uint64_t largest, const std::string& pa
     return ReadText(path, text);
 }
 
-bool HoldSameBytes(const std::string& path, const std::string& otherPath)
+Status CompareFiles(const std::string& path, const std::string& otherPath, FileComparison& comparison)
 {
+    comparison = {};
     InputFile file, other;
-    if (!file.open(path).ok() || !other.open(otherPath).ok()) {
-        return false;
+    if (Status status = file.open(path); !status.ok()) {
+        return status;
+    }
+    if (Status status = other.open(otherPath); !status.ok()) {
+        return status;
     }
     // A read may give less than was asked for, and not the same of both.
-    const auto fill = [](InputFile& input, std::span<std::byte> buffer, size_t& size) {
+    const auto fill = [](InputFile& input, std::span<std::byte> buffer, size_t& size) -> Status {
         for (size = 0; size < buffer.size();) {
             size_t count = 0;
-            if (!input.read(buffer.subspan(size), count).ok()) {
-                return false;
+            if (Status status = input.read(buffer.subspan(size), count); !status.ok()) {
+                return status;
             }
             if (count == 0) {
                 break;
             }
             size += count;
         }
-        return true;
+        return {};
     };
     constexpr size_t kBlock = size_t{1} << 17;
     std::vector<std::byte> bytes(kBlock), otherBytes(kBlock);
     for (;;) {
         size_t size = 0, otherSize = 0;
-        if (!fill(file, bytes, size) || !fill(other, otherBytes, otherSize) || size != otherSize) {
-            return false;
+        if (Status status = fill(file, bytes, size); !status.ok()) {
+            return status;
+        }
+        if (Status status = fill(other, otherBytes, otherSize); !status.ok()) {
+            return status;
+        }
+        const auto end = bytes.begin() + static_cast<std::ptrdiff_t>(std::min(size, otherSize));
+        const auto common = std::mismatch(bytes.begin(), end, otherBytes.begin()).first - bytes.begin();
+        comparison.common += static_cast<uint64_t>(common);
+        if (size != otherSize || static_cast<size_t>(common) < size) {
+            return {};
         }
         if (size == 0) {
-            return true;
-        }
-        if (!std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size), otherBytes.begin())) {
-            return false;
+            comparison.areSame = true;
+            return {};
         }
     }
+}
+
+bool HoldSameBytes(const std::string& path, const std::string& otherPath)
+{
+    FileComparison comparison;
+    return CompareFiles(path, otherPath, comparison).ok() && comparison.areSame;
 }
 
 Status WriteText(const std::string& path, const std::string& temporary, std::string_view text,

@@ -16,6 +16,7 @@ enum class Failure {
     kFull,      // no space, or the quota is used up
     kTooLong,   // the path is longer than the system takes
     kBusy,      // another program holds it
+    kGone,      // the device, or the program that serves the mount, is no longer there
     kOther
 };
 

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "phone/names.h"
+#include "phone/put_text.h"
 
 namespace kesta {
 namespace {
@@ -29,13 +30,11 @@ char CheckDigit(const std::string& digits)
     return static_cast<char>('0' + (10 - sum % 10) % 10);
 }
 
-}  // namespace
-
-os::Status ReadMarker(const PhoneFolder& phone, std::optional<Marker>& marker)
+os::Status ReadMarkerAt(const std::string& path, std::optional<Marker>& marker)
 {
     marker.reset();
     std::string text;
-    if (os::Status status = os::ReadText(MarkerPath(phone), text); !status.ok()) {
+    if (os::Status status = os::ReadText(path, text); !status.ok()) {
         return status.failure() == os::Failure::kMissing ? os::Status() : status;
     }
     const auto json = nlohmann::json::parse(text, nullptr, false);
@@ -53,10 +52,28 @@ os::Status ReadMarker(const PhoneFolder& phone, std::optional<Marker>& marker)
     return {};
 }
 
+}  // namespace
+
+os::Status ReadMarker(const PhoneFolder& phone, std::optional<Marker>& marker)
+{
+    os::Status status = ReadMarkerAt(MarkerPath(phone), marker);
+    if (!marker) {
+        // Where the mount does not replace files, a killed run can have left it under the temporary name alone.
+        std::optional<Marker> unsaved;
+        if (ReadMarkerAt(phone.native(std::string(kTemporaryName)), unsaved).ok() && unsaved) {
+            marker = std::move(unsaved);
+            marker->isUnsaved = true;
+            return {};
+        }
+    }
+    return status;
+}
+
 os::Status WriteMarker(const PhoneFolder& phone, const Marker& marker)
 {
     const nlohmann::ordered_json json{{"imei", marker.imei}, {"name", marker.name}};
-    return os::WriteText(MarkerPath(phone), phone.native(std::string(kTemporaryName)), json.dump(4) + "\n");
+    const std::string text = json.dump(4) + "\n";
+    return PutText({.target = MarkerPath(phone), .text = text, .abilities = phone.abilities()});
 }
 
 std::string ImeiProblem(const std::string& imei)

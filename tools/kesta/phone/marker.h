@@ -13,6 +13,7 @@ inline constexpr std::string_view kMarkerName = ".kesta-phone";
 struct Marker {
     std::string imei;
     std::string name;
+    bool isUnsaved = false;  // found beside its place, as a killed run can leave it
 };
 
 /// The marker is std::nullopt if the phone has none. Fails when there is one that cannot be read or understood.

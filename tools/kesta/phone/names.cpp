@@ -86,7 +86,8 @@ std::string SafeName(std::string_view name)
     for (auto last = safe.size(); last > 0 && (safe[last - 1] == '.' || safe[last - 1] == ' '); --last) {
         safe[last - 1] = '_';
     }
-    if (IsDeviceName(safe) || CaseKey(safe).starts_with(CaseKey(kOwnPrefix))) {
+    static const std::string kOwnKey = CaseKey(kOwnPrefix);
+    if (IsDeviceName(safe) || CaseKey(safe).starts_with(kOwnKey)) {
         safe.insert(safe.begin(), '_');
     }
     // The suffix tells apart what the cut would make equal.
@@ -98,6 +99,12 @@ std::string CaseKey(std::string_view path)
     std::string key;
     key.reserve(path.size());
     while (!path.empty()) {
+        // Nearly all there is, and every file of a sync comes along here several times.
+        if (const char first = path.front(); static_cast<uint8_t>(first) < 0x80) {
+            key += first >= 'a' && first <= 'z' ? static_cast<char>(first - 'a' + 'A') : first;
+            path.remove_prefix(1);
+            continue;
+        }
         const char32_t c = NextCharacter(path);
         AppendCharacter(key, c <= kLastCharacter ? os::UpperCase(c) : U'\uFFFD');
     }

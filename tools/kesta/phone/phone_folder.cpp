@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "formats/digest.h"
+#include "phone/move_file.h"
 
 namespace kesta {
 namespace {
@@ -38,6 +39,8 @@ ExitCode ExitCodeOf(const os::Status& status)
             return ExitCode::kPhoneReadOnly;
         case os::Failure::kFull:
             return ExitCode::kPhoneFull;
+        case os::Failure::kGone:
+            return ExitCode::kPhoneGone;
         default:
             return ExitCode::kFailure;
     }
@@ -60,6 +63,12 @@ bool PhoneFolder::isStillThere() const
 {
     os::FileInfo info;
     return os::ReadInfo(root_, info).ok() && info.id == id_;
+}
+
+bool PhoneFolder::isAnswering() const
+{
+    std::vector<os::DirectoryEntry> entries;
+    return isStillThere() && os::ListDirectory(root_, entries).ok();
 }
 
 std::string PhoneFolder::native(const std::string& phonePath) const
@@ -122,7 +131,7 @@ std::string PhoneFolder::digest(const std::string& phonePath) const
 
 std::optional<StopRun> PhoneFolder::whyNothingCanBeWritten(const os::Status& status) const
 {
-    if (!isStillThere()) {
+    if (status.failure() == os::Failure::kGone || !isAnswering()) {
         return StopRun(ExitCode::kPhoneGone, "the phone went away");
     }
     if (status.failure() == os::Failure::kFull) {
@@ -155,9 +164,24 @@ os::Status PhoneFolder::checkWay(const std::string& phonePath, Way& way) const
     return result;
 }
 
-os::Status PhoneFolder::makeFolders(const std::string& phonePath)
+os::Status PhoneFolder::flushFolders(const std::vector<std::string>& folders) const
+{
+    os::Volume volume;
+    if (folders.size() > 1 && volume.open(root_)) {
+        return volume.flush();
+    }
+    for (const std::string& folder : folders) {
+        if (os::Status status = os::FlushDirectory(folder); !status.ok()) {
+            return status;
+        }
+    }
+    return {};
+}
+
+os::Status PhoneFolder::makeFolders(const std::string& phonePath, os::Flush flush)
 {
     os::Status result;
+    std::vector<std::string> changed;
     VisitFolders(phonePath, [&](const std::string& folder) {
         if (checkedFolders_.contains(folder)) {
             return true;
@@ -165,7 +189,7 @@ os::Status PhoneFolder::makeFolders(const std::string& phonePath)
         const std::string path = native(folder);
         result = os::MakeDirectory(path);
         if (result.ok()) {
-            result = os::FlushDirectory(os::ParentOf(path));
+            changed.push_back(os::ParentOf(path));
         } else if (result.failure() == os::Failure::kExists) {
             os::FileInfo info;
             result = os::ReadInfoOfLink(path, info);
@@ -178,6 +202,9 @@ os::Status PhoneFolder::makeFolders(const std::string& phonePath)
         }
         return result.ok();
     });
+    if (result.ok() && flush == os::Flush::kNow) {
+        result = flushFolders(changed);
+    }
     return result;
 }
 
@@ -197,7 +224,7 @@ os::Status PhoneFolder::removeFile(const std::string& phonePath)
     return os::FlushDirectory(os::ParentOf(path));
 }
 
-os::Status PhoneFolder::move(const std::string& phonePath, const std::string& newPath)
+os::Status PhoneFolder::move(const std::string& phonePath, const std::string& newPath, os::Flush flush)
 {
     Way way = Way::kPlain;
     if (os::Status status = checkWay(phonePath, way); !status.ok()) {
@@ -206,20 +233,27 @@ os::Status PhoneFolder::move(const std::string& phonePath, const std::string& ne
     if (way == Way::kMissing || find(phonePath).entry == PhoneEntry::kNothing) {
         return {};
     }
-    if (os::Status status = makeFolders(newPath); !status.ok()) {
+    if (os::Status status = makeFolders(newPath, flush); !status.ok()) {
         return status;
     }
     if (find(newPath).entry != PhoneEntry::kNothing) {
         return {os::Failure::kExists, fmt::format("{} is there already", Printable(newPath))};
     }
     const std::string from = native(phonePath), to = native(newPath);
-    if (os::Status status = os::Rename(from, to); !status.ok()) {
-        return status;
+    os::Status moved(os::Failure::kOther, {});
+    if (abilities_.renames) {
+        moved = os::Rename(from, to);
+    }
+    if (CanMeanNoRename(moved)) {
+        moved = MoveByCopying(*this, phonePath, newPath);
+    }
+    if (!moved.ok()) {
+        return moved;
     }
     if (os::Status status = os::FlushDirectory(os::ParentOf(to)); !status.ok()) {
         return status;
     }
-    return os::FlushDirectory(os::ParentOf(from));
+    return flush == os::Flush::kNow ? os::FlushDirectory(os::ParentOf(from)) : os::Status();
 }
 
 os::Status PhoneFolder::tidyAbove(const std::string& phonePath)

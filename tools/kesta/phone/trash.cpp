@@ -20,7 +20,7 @@ std::optional<LocalTime> TimeOf(const std::string& day)
 
 }  // namespace
 
-os::Status Trash::take(const std::string& phonePath)
+os::Status Trash::take(const std::string& phonePath, os::Flush flush)
 {
     const auto now = os::ToLocalTime(os::Now());
     const std::string today = now ? FormatLocalTime(*now).substr(0, kDayLength) : "1970-01-01";
@@ -30,7 +30,7 @@ os::Status Trash::take(const std::string& phonePath)
         if (phone_.find(trashPath).entry != PhoneEntry::kNothing) {
             continue;
         }
-        return phone_.move(phonePath, trashPath);
+        return phone_.move(phonePath, trashPath, flush);
     }
 }
 

@@ -23,8 +23,8 @@ class Trash {
 public:
     explicit Trash(PhoneFolder& phone) : phone_(phone) {}
 
-    /// Moves a file there; it is no failure when there is none.
-    os::Status take(const std::string& phonePath);
+    /// Moves a file there; it is no failure when there is none. flush: of the folder in which it was.
+    os::Status take(const std::string& phonePath, os::Flush flush);
     /// Oldest first.
     [[nodiscard]] std::vector<TrashedFile> files() const;
     /// Removes what has been there for more than kTrashDays.

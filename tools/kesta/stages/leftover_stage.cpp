@@ -94,7 +94,7 @@ Plan LeftoverStage::plan(Session& session)
     if (os::Status status = FindLeftovers(phone_, phonePaths, leftovers); !status.ok()) {
         throw StopRun(ExitCodeOf(status), "the phone's journal cannot be read: " + status.text());
     }
-    if (!leftovers.journalFound && leftovers.temporaryFiles.empty()) {
+    if (!leftovers.areAny()) {
         return plan;
     }
     if (session.isKnown) {

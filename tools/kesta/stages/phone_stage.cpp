@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "os/system.h"
 #include "state/seen_phone.h"
+#include "sync/mount.h"
 
 namespace kesta {
 namespace {
@@ -21,7 +22,7 @@ std::string FileSystemOf(const PhoneFolder& phone)
 
 }  // namespace
 
-PhoneStage::PhoneStage(const PhoneFolder& phone, const SyncOptions& options) : phone_(phone), options_(options)
+PhoneStage::PhoneStage(PhoneFolder& phone, const SyncOptions& options) : phone_(phone), options_(options)
 {
     std::optional<Marker> found;
     if (os::Status status = ReadMarker(phone, found); !status.ok()) {
@@ -95,7 +96,8 @@ void PhoneStage::announce(Session& session, bool isKnown)
     if (isRenamed) {
         marker_.name = *options_.name;
     }
-    if (!isMarked_ || isRenamed) {
+    LearnMount(phone_, marker_.imei, session.report);
+    if (!isMarked_ || isRenamed || marker_.isUnsaved) {
         if (os::Status status = WriteMarker(phone_, marker_); !status.ok()) {
             throw StopRun(ExitCodeOf(status), "the phone cannot be marked: " + status.text());
         }

@@ -10,7 +10,7 @@ class PhoneStage : public Stage {
 public:
     /// Throws when that cannot be told. So does plan() for a folder where another phone is expected than it seems to
     /// be.
-    PhoneStage(const PhoneFolder& phone, const SyncOptions& options);
+    PhoneStage(PhoneFolder& phone, const SyncOptions& options);
     [[nodiscard]] Plan plan(Session& session) override;
 
     [[nodiscard]] const Marker& marker() const { return marker_; }
@@ -22,7 +22,7 @@ private:
     void announce(Session& session, bool isKnown);
     void rememberFolder(Report& report) const;
 
-    const PhoneFolder& phone_;
+    PhoneFolder& phone_;
     const SyncOptions& options_;
     Marker marker_;  // without an IMEI until one has been made up
     bool isMarked_ = false;

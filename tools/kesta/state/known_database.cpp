@@ -87,7 +87,8 @@ os::Status RememberDatabase(const std::string& snapshot, const os::FileInfo& fil
                                  {"nanoseconds", file.modified.nanoseconds},
                                  {"replaced", ReplacedDatabases()},
                                  {"phones", PhonesOfDatabase().value_or(std::vector<std::string>())}};
-    return WriteStateFile(kFile, kNoImei, std::move(state));
+    // Without it the next run makes a snapshot that it need not make.
+    return WriteStateFile(kFile, kNoImei, std::move(state), StateFlush::kNothing);
 }
 
 bool IsAsInSnapshot(const std::string& snapshot, const os::FileInfo& file)

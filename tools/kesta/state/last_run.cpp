@@ -14,8 +14,10 @@ std::string FileOf(const std::string& imei)
 
 os::Status SaveLastRun(const std::string& imei, const LastRun& run)
 {
+    // Nothing depends on it: a state file about another run counts as none.
     return WriteStateFile(FileOf(imei), imei,
-                          {{"time", FormatLocalTime(run.time)}, {"code", run.code}, {"reason", run.reason}});
+                          {{"time", FormatLocalTime(run.time)}, {"code", run.code}, {"reason", run.reason}},
+                          StateFlush::kNothing);
 }
 
 std::optional<LastRun> LoadLastRun(const std::string& imei, LocalTime time)

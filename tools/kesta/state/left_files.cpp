@@ -99,7 +99,9 @@ os::Status LeftFiles::save()
                         {"kept_as", file.keptAs},
                         {"time", file.time ? json(ToNumber(*file.time)) : json(nullptr)}});
     }
-    os::Status status = WriteStateFile(FileOf(imei_), imei_, {{"left", std::move(left)}, {"kept", std::move(kept)}});
+    // Its name survives with the end of the run in the database.
+    os::Status status = WriteStateFile(FileOf(imei_), imei_, {{"left", std::move(left)}, {"kept", std::move(kept)}},
+                                       StateFlush::kContents);
     hasChanged_ = !status.ok();
     return status;
 }

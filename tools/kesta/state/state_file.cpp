@@ -28,6 +28,31 @@ os::Status ReadState(const std::string& path, nlohmann::json& state)
     return {};
 }
 
+os::Status Replace(const std::string& path, const std::string& temporary, const std::string& text, StateFlush flush)
+{
+    if (os::Status status = os::RemoveFileIfThere(temporary); !status.ok()) {
+        return status;
+    }
+    os::OutputFile file;
+    if (os::Status status = file.create(temporary); !status.ok()) {
+        return status;
+    }
+    os::Status status = file.write(std::as_bytes(std::span(text)));
+    if (status.ok() && flush == StateFlush::kContents) {
+        status = file.flush();
+    }
+    if (status.ok()) {
+        status = file.close();
+    }
+    if (status.ok()) {
+        status = os::Rename(temporary, path);
+    }
+    if (!status.ok()) {
+        (void)os::RemoveFile(temporary);
+    }
+    return status;
+}
+
 }  // namespace
 
 std::string StateFolder()
@@ -65,7 +90,8 @@ std::vector<nlohmann::json> ReadStateFiles(std::string_view prefix)
     return states;
 }
 
-os::Status WriteStateFile(const std::string& name, const std::string& imei, nlohmann::ordered_json state)
+os::Status WriteStateFile(const std::string& name, const std::string& imei, nlohmann::ordered_json state,
+                          StateFlush flush)
 {
     const std::string folder = StateFolder();
     if (folder.empty() || !os::MakePrivateDirectories(folder)) {
@@ -74,7 +100,8 @@ os::Status WriteStateFile(const std::string& name, const std::string& imei, nloh
     state["imei"] = imei;
     constexpr auto kReplace = nlohmann::json::error_handler_t::replace;
     const std::string path = PathOf(name);
-    return os::WriteText(path, path + ".new", state.dump(-1, ' ', false, kReplace) + "\n");
+    const std::string text = state.dump(-1, ' ', false, kReplace) + "\n", temporary = path + ".new";
+    return flush == StateFlush::kAll ? os::WriteText(path, temporary, text) : Replace(path, temporary, text, flush);
 }
 
 os::Status RemoveStateFile(const std::string& name)

@@ -19,8 +19,12 @@ namespace kesta {
 /// Leaves state null when there is no such file, or only one about another phone: file systems that ignore case mix up
 /// names. Fails for a file that cannot be read or is damaged.
 os::Status ReadStateFile(const std::string& name, const std::string& imei, nlohmann::json& state);
+/// What of a state file survives a power failure from now on. Without its name it may be the one before.
+enum class StateFlush { kAll, kContents, kNothing };
+
 /// Replaces the file. The phone is added to what it says.
-os::Status WriteStateFile(const std::string& name, const std::string& imei, nlohmann::ordered_json state);
+os::Status WriteStateFile(const std::string& name, const std::string& imei, nlohmann::ordered_json state,
+                          StateFlush flush = StateFlush::kAll);
 /// What all files hold whose names begin so, without those that cannot be read or are damaged. Each says by "imei"
 /// which phone it is about.
 [[nodiscard]] std::vector<nlohmann::json> ReadStateFiles(std::string_view prefix);

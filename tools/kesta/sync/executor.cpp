@@ -12,6 +12,8 @@
 #include "os/local_time.h"
 #include "os/system.h"
 #include "phone/names.h"
+#include "phone/put_text.h"
+#include "sync/placed_note.h"
 
 namespace kesta {
 
@@ -68,6 +70,7 @@ void Executor::run(const Plan& plan)
             report_.summary.notReached += plan.changes[i].isSilent() ? 0u : 1u;
         }
     }
+    discardAhead(plan);
     if (os::Status status = left_.save(); !status.ok()) {
         report_.note("what the phone was left with cannot be noted for the next run: " + status.text());
     }
@@ -109,7 +112,11 @@ void Executor::makeAll(const Plan& plan, Journal& journal)
             journal.begin(paths);
             hasBegun = true;
         }
-        areAllMade = make(change, plan) && areAllMade;
+        if (hasBegun) {
+            copyAhead(plan);
+        }
+        const bool isAhead = !batches_.empty() && batches_.front().first == next_;
+        areAllMade = (isAhead ? makeBatch(plan) : make(change, plan)) && areAllMade;
     }
 }
 
@@ -120,7 +127,22 @@ void Executor::checkPhone() const
     }
 }
 
+// A mount that dies may leave its root known for a while.
+void Executor::checkPhoneAnswers() const
+{
+    if (!phone_.isAnswering()) {
+        throw StopRun(ExitCode::kPhoneGone, "the phone went away");
+    }
+}
+
 bool Executor::make(const Change& change, const Plan& plan)
+{
+    const bool isMade = makeNoted(change, plan);
+    forgetPlacing();
+    return isMade;
+}
+
+bool Executor::makeNoted(const Change& change, const Plan& plan)
 {
     Written written;
     if (change.kind == ChangeKind::kRemove && !remove(change)) {
@@ -135,6 +157,11 @@ bool Executor::make(const Change& change, const Plan& plan)
         left_.leave(change.phonePath,
                     {there.size, there.modifiedSeconds, isText ? phone_.digest(change.phonePath) : std::string()});
     }
+    return finish(change, plan, written);
+}
+
+bool Executor::finish(const Change& change, const Plan& plan, const Written& written)
+{
     if (!record(change, written)) {
         return false;
     }
@@ -171,6 +198,31 @@ bool Executor::remove(const Change& change)
     return true;
 }
 
+std::function<os::Status()> Executor::wayMaker(const Change& change)
+{
+    return [this, &change, isMade = false]() mutable -> os::Status {
+        if (isMade) {
+            return {};
+        }
+        os::Status status = makeWay(change);
+        isMade = status.ok();
+        return status;
+    };
+}
+
+os::Status Executor::notePlacing(const Change& change)
+{
+    hasPlacedNote_ = true;
+    return WritePlacedNote(phone_, 0, {{change.phonePath, std::nullopt}});
+}
+
+void Executor::forgetPlacing()
+{
+    if (std::exchange(hasPlacedNote_, false) && !isLeftBehind_) {
+        (void)RemovePlacedNote(phone_, 0);  // The next run finds the file recorded, or gone.
+    }
+}
+
 // What is in the place of a change leaves it. What cannot go to the trash is overwritten or removed by the change.
 os::Status Executor::makeWay(const Change& change)
 {
@@ -178,6 +230,9 @@ os::Status Executor::makeWay(const Change& change)
         return {};
     }
     if (!change.keepAs.empty()) {
+        if (phone_.find(change.phonePath).entry == PhoneEntry::kNothing) {
+            return {};  // It has made way already.
+        }
         if (os::Status status = phone_.move(change.phonePath, change.keepAs); !status.ok()) {
             return status;
         }
@@ -192,7 +247,13 @@ os::Status Executor::makeWay(const Change& change)
     if (options_.noTrash || isTrashRefused_) {
         return {};
     }
-    if (os::Status status = trash_.take(change.phonePath); !status.ok()) {
+    // What takes the file's place has its folder flushed.
+    const os::Flush flush = change.kind == ChangeKind::kReplace ? os::Flush::kLater : os::Flush::kNow;
+    if (os::Status status = trash_.take(change.phonePath, flush); !status.ok()) {
+        if (const auto reason = phone_.whyNothingCanBeWritten(status);
+            reason && status.failure() != os::Failure::kFull) {
+            throw *reason;
+        }
         isTrashRefused_ = true;
         report_.note("the phone does not let files be moved to the trash, they are removed: " + status.text());
     }
@@ -221,8 +282,11 @@ bool Executor::write(const Change& change, Written& written)
 bool Executor::writeText(const Change& change, Written& written)
 {
     const std::string path = phone_.native(change.phonePath);
-    const std::string temporary = os::Join(os::ParentOf(path), kTemporaryName);
-    if (os::Status status = os::WriteText(path, temporary, change.text, [&] { return makeWay(change); });
+    if (os::Status status = PutText({.target = path,
+                                     .text = change.text,
+                                     .abilities = phone_.abilities(),
+                                     .makeWay = wayMaker(change),
+                                     .beforeInPlace = [&] { return notePlacing(change); }});
         !status.ok()) {
         fail(change, "it cannot be written to the phone: " + status.text());
         stopIfNothingCanBeWritten(status);
@@ -259,7 +323,9 @@ bool Executor::copy(const Change& change, Written& written)
     request.source = change.pcFile;
     request.target = phone_.native(change.phonePath);
     request.mayReplace = change.kind == ChangeKind::kReplace;
-    request.makeWay = [&] { return makeWay(change); };
+    request.abilities = phone_.abilities();
+    request.makeWay = wayMaker(change);
+    request.beforeInPlace = [&] { return notePlacing(change); };
     request.onBytes = [&](size_t bytes) {
         report_.progress.addBytes(bytes);
         return !os::Interrupted();
@@ -272,6 +338,13 @@ bool Executor::copy(const Change& change, Written& written)
         result = CopySafely(request);
     }
     if (result.outcome == CopyOutcome::kDone) {
+        if (result.isInPlace && phone_.abilities().renames) {
+            // The mount is not what it was, or this was one file's own matter.
+            MountAbilities abilities = phone_.abilities();
+            if (ProbeMount(phone_.root(), abilities).ok()) {
+                phone_.setAbilities(abilities);
+            }
+        }
         timesLost_ += result.timeKept ? 0u : 1u;
         written.size = result.source.size;
         written.modified = os::ToLocalTime(result.source.modified.seconds);
@@ -290,14 +363,14 @@ bool Executor::copy(const Change& change, Written& written)
         // Smaller files may still fit, and so may lists and contacts.
         fail(change, fmt::format("the phone is full: there is no room for {}", FormatSize(change.size)));
         report_.summary.stopWith(ExitCode::kPhoneFull, "the phone is full");
-        checkPhone();
+        checkPhoneAnswers();
         return false;
     }
     fail(change, result.reason);
     if (result.outcome == CopyOutcome::kPhoneReadOnly) {
         throw StopRun(ExitCode::kPhoneReadOnly, result.reason);
     }
-    checkPhone();
+    checkPhoneAnswers();
     return false;
 }
 

@@ -5,6 +5,7 @@
 
 #include "phone/copy_file.h"
 #include "phone/trash.h"
+#include "sync/copy_ahead.h"
 #include "sync/journal.h"
 #include "sync/room.h"
 #include "sync/session.h"
@@ -32,10 +33,19 @@ public:
 private:
     void makeAll(const Plan& plan, Journal& journal);
     void checkPhone() const;
+    void checkPhoneAnswers() const;
     /// False when it failed.
     [[nodiscard]] bool make(const Change& change, const Plan& plan);
+    [[nodiscard]] bool makeNoted(const Change& change, const Plan& plan);
+    /// What follows once the phone holds it.
+    [[nodiscard]] bool finish(const Change& change, const Plan& plan, const Written& written);
     [[nodiscard]] bool remove(const Change& change);
+    /// To be called as often as it takes: the way is made once.
+    [[nodiscard]] std::function<os::Status()> wayMaker(const Change& change);
     [[nodiscard]] os::Status makeWay(const Change& change);
+    /// What does not get to its path in one step is noted there.
+    [[nodiscard]] os::Status notePlacing(const Change& change);
+    void forgetPlacing();
     void noteLeft(const Change& change, const os::FileInfo& copy, std::optional<int32_t> pcNanoseconds);
     [[nodiscard]] bool write(const Change& change, Written& written);
     [[nodiscard]] bool hasRoomFor(const Change& change);
@@ -45,6 +55,22 @@ private:
     void takeBack(const Change& change);
     void fail(const Change& change, const std::string& reason);
     void stopIfNothingCanBeWritten(const os::Status& status) const;
+
+    // Copying ahead: executor_batches.cpp.
+    struct Placed {
+        size_t change = 0;
+        Written written;
+    };
+    void copyAhead(const Plan& plan);
+    [[nodiscard]] std::vector<StagedFile> nextBatch(const Plan& plan);
+    [[nodiscard]] bool hasRoomAhead(uint64_t bytes) const;
+    /// Makes the changes from the next one on that were copied ahead; false when one has failed.
+    [[nodiscard]] bool makeBatch(const Plan& plan);
+    [[nodiscard]] bool makeBatch(const Plan& plan, StagedBatch& batch);
+    [[nodiscard]] bool place(const Change& change, StagedFile& file, std::vector<Placed>& placed);
+    [[nodiscard]] bool recordPlaced(const Plan& plan, std::vector<Placed>& placed);
+    void discard(const Plan& plan, const StagedBatch& batch);
+    void discardAhead(const Plan& plan);
 
     PhoneFolder& phone_;
     const SyncOptions& options_;
@@ -59,6 +85,10 @@ private:
     size_t next_ = 0;            // the change that is being made
     bool hasFailed_ = false;     // that change
     size_t timesLost_ = 0;
+    std::optional<CopyAhead> ahead_;
+    std::deque<std::pair<size_t, uint64_t>> batches_;  // that are copied ahead: first change, bytes
+    size_t aheadFrom_ = 0;                             // the first change that nothing has been decided for
+    bool hasPlacedNote_ = false;
 };
 
 }  // namespace kesta

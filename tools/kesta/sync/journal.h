@@ -22,7 +22,14 @@ struct Leftovers {
     /// Of the texts among them, as that run would have written them.
     std::map<std::string, std::string> digests;
     std::vector<std::string> foldersOf;  // phone paths whose folders may have been made for nothing
+    std::vector<std::string> notes;      // native paths of the notes about files on their way
     bool journalFound = false;
+    bool isMoveUnfinished = false;
+
+    [[nodiscard]] bool areAny() const
+    {
+        return journalFound || isMoveUnfinished || !temporaryFiles.empty() || !notes.empty();
+    }
 };
 
 /// The phone path, for a text with the digest of what is going to be written.

@@ -30,6 +30,11 @@ Failure KindOf(int code)
         case EBUSY:
         case ETXTBSY:
             return Failure::kBusy;
+        case ENOTCONN:
+        case ENODEV:
+        case ENXIO:
+        case ESHUTDOWN:
+            return Failure::kGone;
         default:
             return Failure::kOther;
     }

@@ -165,6 +165,13 @@ Status Rename(const std::string& from, const std::string& to)
     return std::rename(ToNativePath(from).c_str(), ToNativePath(to).c_str()) == 0 ? Status() : LastError();
 }
 
+Status SetModified(const std::string& path, FileTime time)
+{
+    const timespec moment{time.seconds, time.nanoseconds};
+    const timespec times[2] = {moment, moment};
+    return utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW) == 0 ? Status() : LastError();
+}
+
 Status FlushDirectory(const std::string& path)
 {
     const int handle = open(ToNativePath(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

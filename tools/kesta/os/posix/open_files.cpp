@@ -88,6 +88,9 @@ Status OutputFile::write(std::span<const std::byte> data)
         if (put < 0) {
             return LastError();
         }
+        if (put == 0) {
+            return FromErrno(EIO);  // It would take nothing for ever.
+        }
         data = data.subspan(static_cast<size_t>(put));
     }
     return {};
@@ -95,7 +98,8 @@ Status OutputFile::write(std::span<const std::byte> data)
 
 Status OutputFile::setModified(FileTime time)
 {
-    const timespec times[2] = {{0, UTIME_OMIT}, {time.seconds, time.nanoseconds}};
+    const timespec moment{time.seconds, time.nanoseconds};
+    const timespec times[2] = {moment, moment};
     return futimens(Descriptor(handle_), times) == 0 ? Status() : LastError();
 }
 

@@ -7,6 +7,7 @@
 #include <unistd.h>
 #include <wctype.h>
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -19,11 +20,11 @@
 namespace kesta::os {
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+std::atomic<bool> interrupted = false;  // lock-free, so that a signal may set it
 
 void NoteInterrupt(int)
 {
-    interrupted = 1;
+    interrupted = true;
 }
 
 }  // namespace
@@ -107,7 +108,7 @@ void CatchInterrupts()
 
 bool Interrupted()
 {
-    return interrupted != 0;
+    return interrupted;
 }
 
 void PrepareOutput()

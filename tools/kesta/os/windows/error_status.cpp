@@ -37,6 +37,12 @@ Failure KindOf(DWORD code)
         case ERROR_SHARING_VIOLATION:
         case ERROR_LOCK_VIOLATION:
             return Failure::kBusy;
+        case ERROR_DEV_NOT_EXIST:
+        case ERROR_DEVICE_NOT_CONNECTED:
+        case ERROR_DEVICE_REMOVED:
+        case ERROR_NOT_READY:
+        case ERROR_NO_MEDIA_IN_DRIVE:
+            return Failure::kGone;
         default:
             return Failure::kOther;
     }

@@ -181,6 +181,15 @@ Status Rename(const std::string& from, const std::string& to)
     return MoveFileExW(ToNative(from).c_str(), ToNative(to).c_str(), kFlags) ? Status() : LastError();
 }
 
+Status SetModified(const std::string& path, FileTime time)
+{
+    const Handle handle(CreateFileW(ToNative(path).c_str(), FILE_WRITE_ATTRIBUTES,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    const FILETIME fileTime = ToFileTime(time);
+    return handle.valid() && SetFileTime(handle.get(), nullptr, &fileTime, &fileTime) ? Status() : LastError();
+}
+
 Status FlushDirectory(const std::string&)
 {
     return {};  // Windows has no such call: renames are written through, and the file system's log keeps the rest.

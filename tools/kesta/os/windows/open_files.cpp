@@ -85,6 +85,9 @@ Status OutputFile::write(std::span<const std::byte> data)
         if (!WriteFile(ToHandle(handle_), data.data(), size, &put, nullptr)) {
             return LastError();
         }
+        if (put == 0) {
+            return FromErrorCode(ERROR_WRITE_FAULT);  // It would take nothing for ever.
+        }
         data = data.subspan(put);
     }
     return {};
@@ -93,7 +96,7 @@ Status OutputFile::write(std::span<const std::byte> data)
 Status OutputFile::setModified(FileTime time)
 {
     const FILETIME fileTime = ToFileTime(time);
-    return SetFileTime(ToHandle(handle_), nullptr, nullptr, &fileTime) ? Status() : LastError();
+    return SetFileTime(ToHandle(handle_), nullptr, &fileTime, &fileTime) ? Status() : LastError();
 }
 
 Status OutputFile::flush()

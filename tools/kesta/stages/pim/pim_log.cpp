@@ -1,7 +1,5 @@
 #include "stages/pim/pim_log.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 namespace kesta {
@@ -20,21 +18,21 @@ std::vector<PimLogRow> RowsAfter(const PimWork& work)
 
 bool IsLogAsPlanned(const PimWork& work)
 {
-    return work.logIsInOrder && RowsAfter(work) == SortedPimRows(work.log);
+    return work.logIsOurs && RowsAfter(work) == work.storedLog.rows;
+}
+
+// Also when it is not in order, or would be more than half stale.
+bool IsLogToBeWrittenAnew(const PimWork& work)
+{
+    if (IsLogAsPlanned(work)) {
+        return false;
+    }
+    const size_t current = RowsAfter(work).size();
+    const size_t all = work.storedLog.stored + PimRowsToAppend(work.storedLog.rows, RowsAfter(work)).size();
+    return !work.logIsOurs || (all - current) * 2 > all;
 }
 
 }  // namespace
-
-std::vector<PimLogRow> SortedPimRows(std::vector<PimLogRow> rows)
-{
-    std::sort(rows.begin(), rows.end(), [](const PimLogRow& a, const PimLogRow& b) { return a.guid < b.guid; });
-    return rows;
-}
-
-std::string PimLogProfile(PimKind kind)
-{
-    return fmt::format("kesta 1 {}", KeyOf(kind));
-}
 
 PimJournal PimLogKeeper::plannedPaths() const
 {
@@ -51,7 +49,13 @@ PimJournal PimLogKeeper::plannedPaths() const
 
 void PimLogKeeper::begin(const std::vector<std::string>& /*phonePaths*/)
 {
-    write(plannedPaths());
+    PimJournal journal = plannedPaths();
+    for (const PimWork& work : *works_) {
+        if (hasJournal_) {
+            journal.rowsOf(work.kind) = work.log;  // The database need not hold them.
+        }
+    }
+    write(journal);
     hasBegun_ = true;
 }
 
@@ -77,10 +81,14 @@ void PimLogKeeper::end(bool /*isInOrder*/)
     }
     const PimJournal paths = plannedPaths();
     PimJournal withRows = paths;
+    bool isAnyAnew = hasJournal_;
     for (const PimWork& work : *works_) {
         withRows.rowsOf(work.kind) = RowsAfter(work);
+        isAnyAnew = isAnyAnew || IsLogToBeWrittenAnew(work);
     }
-    write(withRows);
+    if (isAnyAnew) {
+        write(withRows);  // Rows that are appended, or not yet, are made good by the next run without it.
+    }
     for (const PimWork& work : *works_) {
         saveLog(work);
     }
@@ -91,31 +99,24 @@ void PimLogKeeper::end(bool /*isInOrder*/)
     }
 }
 
-// A log cannot be changed, only cleared and appended to; where nothing old changes, appending will do.
 void PimLogKeeper::saveLog(const PimWork& work)
 {
-    const std::vector<PimLogRow> after = RowsAfter(work), before = SortedPimRows(work.log);
     if (IsLogAsPlanned(work)) {
         return;
     }
-    const auto byGuid = [](const PimLogRow& a, const PimLogRow& b) { return a.guid < b.guid; };
-    const bool onlyNew = work.logIsInOrder && std::all_of(before.begin(), before.end(), [&](const PimLogRow& row) {
-                             const auto found = std::lower_bound(after.begin(), after.end(), row, byGuid);
-                             return found != after.end() && *found == row;
-                         });
+    const std::vector<PimLogRow> after = RowsAfter(work);
+    std::vector<PimLogRow> rows = PimRowsToAppend(work.storedLog.rows, after);
+    const bool isAnew = IsLogToBeWrittenAnew(work);
     kesta_db::PimSyncLog log = database_.pimLog(imei_, TypeOf(work.kind));
-    std::vector<PimLogRow> rows = after;
-    if (onlyNew) {
-        std::erase_if(
-            rows, [&](const PimLogRow& row) { return std::binary_search(before.begin(), before.end(), row, byGuid); });
-    } else {
+    if (isAnew) {
         log.clear();
+        rows = after;
     }
     log.append(rows);
-    if (SortedPimRows(log.rows()) != after) {
+    if (CurrentPimRows(log.rows()) != after) {
         throw StopRun(ExitCode::kDatabase, "DB_PIMLOG_SaveLog failed: the log does not hold what was saved");
     }
-    if (!onlyNew || before.empty()) {
+    if (isAnew || work.storedLog.profile.empty()) {
         log.setProfile(PimLogProfile(work.kind));
     }
 }

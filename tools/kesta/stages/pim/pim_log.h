@@ -1,5 +1,5 @@
-// A phone's log of contacts and calendars: what is on the phone. It is replaced when the files are written; a journal
-// on the PC makes the run after a killed one able to finish that.
+// A phone's log of contacts and calendars: what is on the phone. It is appended to when the files have been written,
+// and replaced when too much of it is stale; a journal on the PC makes the run after a killed one able to finish that.
 #pragma once
 
 #include <memory>
@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "database/database.h"
+#include "stages/pim/pim_log_rows.h"
 #include "stages/pim/pim_phone_plan.h"
 #include "stages/pim/pim_store_plan.h"
 #include "state/pim_journal.h"
@@ -22,15 +23,10 @@ struct PimWork {
     bool rootIsStored = false;
     PimStorePlans store;
     std::vector<PimLogRow> log;  // each entry once
-    bool logIsInOrder = true;    // false: the database holds something else, and is to get the log as a whole
+    PimPhoneLog storedLog;       // what the database says, which a killed run may have left behind that
+    bool logIsOurs = true;       // false: the database is to get the log as a whole
     PimPhonePlans phone;         // a file that does not get there keeps its old rows
 };
-
-/// By their entries' ids.
-[[nodiscard]] std::vector<PimLogRow> SortedPimRows(std::vector<PimLogRow> rows);
-
-/// What a log's profile says: that it is this program's, and in which form.
-[[nodiscard]] std::string PimLogProfile(PimKind kind);
 
 /// Notes what is about to be written on the PC, and saves the logs at the end.
 class PimLogKeeper : public Journal {

@@ -217,7 +217,7 @@ private:
         if (!isChanged && !holdsIt) {
             plan.updated = std::exchange(plan.unchanged, 0);  // all of them are written again
         }
-        recordPlace(folder, !isAsRecorded || plan.added + plan.updated == 0, plan);
+        recordPlace(folder, !isAsRecorded, plan);
     }
 
     // A file that the last run was about to write may be the client's, whatever its time.
@@ -254,6 +254,12 @@ private:
             if (evenUnchangedRows) {
                 plan.rows[i].phoneTime.reset();
             }
+        }
+        // The latest row tells when the file was written.
+        const bool isTimeToCome =
+            std::any_of(plan.rows.begin(), plan.rows.end(), [](const PimLogRow& row) { return !row.phoneTime; });
+        if (!isTimeToCome && !plan.rows.empty()) {
+            plan.rows.front().phoneTime.reset();
         }
     }
 

@@ -1,7 +1,6 @@
 #include "stages/pim/pim_reading.h"
 
 #include <algorithm>
-#include <map>
 #include <set>
 
 #include "base/text.h"
@@ -15,23 +14,15 @@ const std::vector<std::string>& FilesOf(PimKind kind, const SyncOptions& options
 
 bool ReadPimLog(const std::optional<PimJournal>& journal, Session& session, PimWork& work)
 {
-    kesta_db::PimSyncLog log = session.database.pimLog(session.imei, TypeOf(work.kind));
-    const std::vector<PimLogRow> rows = log.rows();
-    const bool isOurs = rows.empty() || log.profile() == PimLogProfile(work.kind);
-    if (!isOurs && !journal) {
+    work.storedLog = ReadPimPhoneLog(session.database, session.imei, work.kind);
+    work.logIsOurs = work.storedLog.stored == 0 || work.storedLog.profile == PimLogProfile(work.kind);
+    if (!work.logIsOurs && !journal) {
         session.report.fail(std::string(TitleOf(work.kind)),
                             "another program keeps this phone's log of them; they are left alone");
         return false;
     }
-    const std::vector<PimLogRow> settled = journal ? journal->rowsOf(work.kind).value_or(rows) : rows;
-    std::map<std::string, PimLogRow> byGuid;
-    for (const PimLogRow& row : settled) {
-        byGuid[row.guid] = row;
-    }
-    for (auto& [guid, row] : byGuid) {
-        work.log.push_back(std::move(row));
-    }
-    work.logIsInOrder = isOurs && work.log == SortedPimRows(rows);
+    const std::vector<PimLogRow>& stored = work.storedLog.rows;
+    work.log = CurrentPimRows(journal ? journal->rowsOf(work.kind).value_or(stored) : stored);
     return true;
 }
 
