@@ -129,7 +129,9 @@ TEST_F(PimFaultsTest, FullPhone_KeepsTheFileThatIsThere)
 TEST_F(PimFaultsTest, FileThatCannotBeWritten_IsReportedAndTheRestGoesOn)
 {
     givenWork();
-    const Ended run = client(arguments(), failing(EIO, "Calendar/New.ics", "rename"));
+    // Neither renamed nor written there.
+    const Ended run = client(
+        arguments(), Faults({{"KESTA_FAULT_ERRNO", std::to_string(EIO)}, {"KESTA_FAULT_PATH", "Calendar/New.ics"}}));
     EXPECT_EQ(run.exitCode, 3);
     EXPECT_THAT(run.out, HasSubstr("Calendar/New.ics: it cannot be written to the phone"));
     EXPECT_EQ(contactsIn("Contacts/Friends.vcf").size(), 3u);

@@ -1,4 +1,7 @@
 // The phone's log of contacts and calendars is appended to: of an entry the last row counts.
+#include <fstream>
+#include <sstream>
+
 #include "pim_fixture.h"
 
 #if !defined(_WIN32)
@@ -89,7 +92,9 @@ TEST_F(PimLogTest, OneChangedCard_TakesFewFlushes)
     const std::vector<std::string> arguments = syncArguments({"--contacts", pc("Friends.vcf")});
     ASSERT_EQ(client(arguments, Faults({{"KESTA_FAULT_FLUSH_FILE", flushes.string()}})).exitCode, 0);
     std::ifstream file(flushes);
-    const std::string all(std::istreambuf_iterator<char>(file), {});
+    std::ostringstream read;
+    read << file.rdbuf();
+    const std::string all = read.str();
     EXPECT_GT(std::count(all.begin(), all.end(), '\n'), 5) << "the flushes are not seen";
     EXPECT_LE(std::count(all.begin(), all.end(), '\n'), 20) << all;
 }

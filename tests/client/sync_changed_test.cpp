@@ -277,6 +277,9 @@ TEST_F(SyncChangedTest, PcFileChangedWithinTheSecond_IsCopied)
     const fs::path file = Path(pc("Rock/a.mp3"));
     const auto second = std::chrono::floor<std::chrono::seconds>(fs::last_write_time(file));
     fs::last_write_time(file, second + milliseconds(100));
+    if (fs::last_write_time(file) == second) {
+        GTEST_SKIP() << "the C++ library sets whole seconds here";
+    }
     ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
     EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("1 unchanged"));
     givenFile("Rock/a.mp3", "two");

@@ -1,6 +1,7 @@
 // Syncs over mounts that refuse what disks allow, as phones do.
 #include <csignal>
 #include <memory>
+#include <sstream>
 
 #include "client_fixture.h"
 #include "fault_environment.h"
@@ -54,7 +55,9 @@ protected:
             const auto path = row.at("phone_path").get<std::string>();
             ASSERT_TRUE(onPhone.contains(path)) << path;
             std::ifstream source(Path(row.at("path").get<std::string>()), std::ios::binary);
-            EXPECT_EQ(onPhone.at(path), std::string(std::istreambuf_iterator<char>(source), {})) << path;
+            std::ostringstream read;
+            read << source.rdbuf();
+            EXPECT_EQ(onPhone.at(path), read.str()) << path;
             ++count;
         }
         const auto of = fs::recursive_directory_iterator(Path(pc("Rock")));
