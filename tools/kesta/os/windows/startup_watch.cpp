@@ -3,6 +3,8 @@
 namespace kesta::os {
 
 // Nothing of the program runs before its libraries have been loaded.
-void EndStartupWatch() {}
+void EndStartupWatch()
+{
+}
 
 }  // namespace kesta::os
