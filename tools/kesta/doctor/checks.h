@@ -2,8 +2,10 @@
 // and its calls wait for other programs without limit.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "database/database_file.h"
@@ -17,6 +19,13 @@ struct DoctorContext {
     std::vector<PhoneRow> phones;      // of the database, once it has been checked
     bool isReadable = false;           // the database
 };
+
+/// A table of files, and the folder of the phone in which the client keeps what it records there.
+struct FileTable {
+    const char* table;
+    std::string_view folder;
+};
+[[nodiscard]] std::array<FileTable, 5> FileTables();
 
 /// Whether the file is the database that is known, and intact.
 void CheckDatabase(DoctorContext& context, Findings& findings);

@@ -101,19 +101,10 @@ void AddRows(SqliteFile& database, const List& references, const char* what, Fin
 // Files of which the client would neither replace nor remove anything: another program has recorded them.
 void CheckPhonePaths(SqliteFile& database, Findings& findings)
 {
-    struct FileTable {
-        const char* table;
-        std::string_view folder;
-    };
-    const std::array<FileTable, 5> tables{{{"tMFile", PhoneFolderOf(Category::kMusic)},
-                                           {"tIFile", PhoneFolderOf(Category::kImages)},
-                                           {"tVFile", PhoneFolderOf(Category::kVideos)},
-                                           {"tDFile", PhoneFolderOf(Category::kDocuments)},
-                                           {"tPFile", kPlaylistMediaFolder}}};
     Finding finding{.severity = Severity::kNote,
                     .advice = "Another program has recorded them. They are left alone until their files are synced."};
     size_t count = 0;
-    for (const FileTable& files : tables) {
+    for (const FileTable& files : FileTables()) {
         (void)database.query(fmt::format("SELECT [PhonePath] FROM {}", files.table), [&](const SqliteRow& row) {
             const std::string path = row.text(0);
             const bool isOfMedia = std::string_view(files.table) == "tPFile" && IsPhonePath(path, Category::kMusic);
@@ -190,6 +181,15 @@ void CheckRows(const DoctorContext& context, Findings& findings)
     AddRows(database, std::array{kListOfNoPhone}, "of playlists of phones that are not in the database",
             {.severity = Severity::kNote, .advice = "They are left as they are: the phone may come yet."}, false,
             findings);
+}
+
+std::array<FileTable, 5> FileTables()
+{
+    return {{{"tMFile", PhoneFolderOf(Category::kMusic)},
+             {"tIFile", PhoneFolderOf(Category::kImages)},
+             {"tVFile", PhoneFolderOf(Category::kVideos)},
+             {"tDFile", PhoneFolderOf(Category::kDocuments)},
+             {"tPFile", kPlaylistMediaFolder}}};
 }
 
 }  // namespace kesta

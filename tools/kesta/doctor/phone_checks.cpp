@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <map>
 
 #include "doctor/checks.h"
@@ -29,17 +28,8 @@ struct RecordedCopy {
 // Of the phone paths that the client may touch.
 std::vector<RecordedCopy> ReadCopies(SqliteFile& database, int64_t phoneId)
 {
-    struct FileTable {
-        const char* table;
-        std::string_view folder;
-    };
-    const std::array<FileTable, 5> tables{{{"tMFile", PhoneFolderOf(Category::kMusic)},
-                                           {"tIFile", PhoneFolderOf(Category::kImages)},
-                                           {"tVFile", PhoneFolderOf(Category::kVideos)},
-                                           {"tDFile", PhoneFolderOf(Category::kDocuments)},
-                                           {"tPFile", kPlaylistMediaFolder}}};
     std::vector<RecordedCopy> copies;
-    for (const FileTable& files : tables) {
+    for (const FileTable& files : FileTables()) {
         (void)database.query(fmt::format("SELECT [Path], [PhonePath], [ModifiedTime] FROM {} WHERE [PhoneID] = {}",
                                          files.table, phoneId),
                              [&](const SqliteRow& row) {
