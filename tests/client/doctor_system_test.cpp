@@ -103,6 +103,13 @@ TEST_F(DoctorSystemTest, ProgramThatStaysInACall_IsNamed)
     EXPECT_THAT(findingOf("mutex").at("text").get<std::string>(), HasSubstr(self));
 }
 
+TEST_F(DoctorSystemTest, NobodyInACall_TheMutexIsFree)
+{
+    ASSERT_EQ(client({"status"}).exitCode, 0);
+    EXPECT_THAT(nlohmann::json::parse(client({"doctor", "--json"}).out).at("checks"),
+                testing::Contains(nlohmann::json{{"check", "mutex"}, {"state", "ok"}}));
+}
+
 TEST_F(DoctorSystemTest, CommandThatWaitsForAnotherProgram_SaysForWhich)
 {
     ASSERT_EQ(client({"status"}).exitCode, 0);

@@ -270,9 +270,11 @@ TEST_F(DoctorTest, NothingWrong_EveryCheckIsOk)
     const Findings found = doctor();
     EXPECT_EQ(found.exitCode, 0) << found.json;
     for (const char* check : {"replaced", "integrity", "foreign_rows", "rows_without_phone", "phones", "state_files",
-                              "disk_space", "permissions", "trace_socket", "mutex"}) {
+                              "disk_space", "permissions", "trace_socket"}) {
         EXPECT_EQ(found.state(check), "ok") << check;
     }
+    // A note where a test beside this one is in a call.
+    EXPECT_THAT(found.state("mutex"), testing::AnyOf("ok", "note"));
     EXPECT_THAT(found.json.at("snapshots"), SizeIs(2));
     EXPECT_THAT(client({"doctor"}).out, AllOf(HasSubstr("integrity             ok"), HasSubstr("Snapshots")));
 }
