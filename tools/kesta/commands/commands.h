@@ -11,7 +11,8 @@
     COMMAND(Restore)            \
     COMMAND(Settings)           \
     COMMAND(Doctor)             \
-    COMMAND(Trace)
+    COMMAND(Trace)              \
+    COMMAND(Generate)
 
 namespace kesta {
 
