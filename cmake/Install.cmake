@@ -24,4 +24,10 @@ install(FILES ${PROJECT_BINARY_DIR}/kesta_db.pc DESTINATION ${CMAKE_INSTALL_LIBD
 
 if(KESTA_BUILD_TOOLS)
     install(TARGETS kesta COMPONENT client)
+    if(NOT CMAKE_CROSSCOMPILING)
+        install(DIRECTORY ${PROJECT_BINARY_DIR}/generated/share/ DESTINATION ${CMAKE_INSTALL_DATADIR} COMPONENT client)
+    endif()
+    if(NOT WIN32)
+        install(DIRECTORY ${PROJECT_SOURCE_DIR}/contrib/systemd/ DESTINATION lib/systemd/user COMPONENT client)
+    endif()
 endif()

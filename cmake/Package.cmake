@@ -73,7 +73,4 @@ endforeach()
 # Debian brings the linker's cache up to date by this.
 file(WRITE ${documents}/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${documents}/triggers)
-if(KESTA_BUILD_TOOLS)
-    install(FILES ${PROJECT_SOURCE_DIR}/packaging/kesta.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT client)
-endif()
 include(CPack)

@@ -27,6 +27,11 @@ done
 if [ -e "$prefix/bin/kesta" ]; then
     "$prefix/bin/kesta" --version | grep -q "^kesta .*, SQLite "
     say "archive: kesta --version"
+    for file in man/man1/kesta.1 man/man1/kesta-sync.1 bash-completion/completions/kesta zsh/vendor-completions/_kesta \
+        fish/vendor_completions.d/kesta.fish ../lib/systemd/user/kesta-sync@.service; do
+        [ -s "$prefix/share/$file" ]
+    done
+    say "archive: manual pages, completions, units of systemd"
 fi
 /usr/bin/python3 -m venv --without-pip "$prefix/venv"
 /usr/bin/python3 -m pip --python "$prefix/venv/bin/python" install --quiet --no-index --no-deps "$packages"/kesta_db-*.whl

@@ -106,6 +106,14 @@ Ended ClientTest::sync(std::vector<std::string> arguments, const Environment& en
     return client(syncArguments(std::move(arguments)), environment);
 }
 
+Ended ClientTest::meet(std::vector<std::string> arguments)
+{
+    const fs::path noLists = work() / "no lists";
+    fs::create_directories(noLists);
+    arguments.insert(arguments.end(), {"--playlists", Utf8(noLists)});
+    return sync(std::move(arguments));
+}
+
 nlohmann::json ClientTest::recorded(const std::string& category)
 {
     const Ended run = client({"files", "--imei", kImei, "--category", category, "--json"});

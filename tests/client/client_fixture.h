@@ -39,6 +39,8 @@ protected:
     Ended client(const std::vector<std::string>& arguments, const Environment& environment = {});
     /// "sync --phone PHONE --imei 351111" and the arguments.
     Ended sync(std::vector<std::string> arguments, const Environment& environment = {});
+    /// Makes the phone known, with nothing on it.
+    Ended meet(std::vector<std::string> arguments = {});
     [[nodiscard]] std::vector<std::string> syncArguments(std::vector<std::string> arguments) const;
 
     /// What the client says that the database holds.

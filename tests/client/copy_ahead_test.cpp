@@ -58,7 +58,7 @@ TEST_F(CopyAheadTest, ManyFiles_ArriveAndAreRecordedInTheirOrder)
 TEST_F(CopyAheadTest, RecordThatIsRefused_StopsTheRunAndLeavesNothingUnrecorded)
 {
     givenFiles(100);
-    ASSERT_EQ(sync({}).exitCode, 0);
+    meet();
     database().exec(
         "CREATE TRIGGER no BEFORE INSERT ON tMFile WHEN (SELECT COUNT(*) FROM tMFile) >= 10 BEGIN SELECT RAISE(ABORT, "
         "'no'); END");
@@ -122,7 +122,7 @@ TEST_F(CopyAheadTest, FileThatCannotBeRead_IsReportedInItsTurn)
 TEST_F(CopyAheadTest, Phone_IsFlushedOnceForManyFiles)
 {
     givenFiles(200);
-    ASSERT_EQ(sync({}).exitCode, 0);
+    meet();
     const fs::path flushes = work() / "flushes";
     ASSERT_EQ(
         client(syncArguments({"--music", pc("Rock")}), Faults({{"KESTA_FAULT_FLUSH_FILE", flushes.string()}})).exitCode,

@@ -91,7 +91,7 @@ TEST_F(FamiliesFaultsTest, FirstPlaylists_KilledAtEachCall_EndTheSame)
 {
     givenFile("Extra/a", "a");
     givenFile("lists/One.m3u8", "../Extra/a\n");
-    ASSERT_EQ(sync({}).exitCode, 0);
+    ASSERT_EQ(meet().exitCode, 0);
     expectSameAfterAnyKill({"--playlists", pc("lists")});
 }
 
@@ -111,7 +111,7 @@ TEST_F(FamiliesFaultsTest, ChangedPlaylists_KilledAtEachCall_EndTheSame)
 TEST_F(FamiliesFaultsTest, FirstBookmarks_KilledAtEachCall_EndTheSame)
 {
     givenBookmarks("abc");
-    ASSERT_EQ(sync({}).exitCode, 0);
+    ASSERT_EQ(meet().exitCode, 0);
     expectSameAfterAnyKill({"--bookmarks", pc("bookmarks.html")});
 }
 
@@ -129,7 +129,7 @@ TEST_F(FamiliesFaultsTest, Backup_KilledAtEachCall_LeavesWholeArchivesOnly)
     fs::create_directories(Path(phone("DCIM")));
     std::ofstream(Path(phone("DCIM/a.jpg"))) << std::string(300'000, 'j');
     const std::vector<std::string> arguments{"--backup", Utf8(work() / "backups")};
-    ASSERT_EQ(sync({}).exitCode, 0);
+    ASSERT_EQ(meet().exitCode, 0);
     const std::string counted = (work() / "count").string();
     ASSERT_EQ(sync(arguments, Faults({{"KESTA_FAULT_COUNT_FILE", counted}})).exitCode, 0);
     const auto whole = fs::file_size(fs::directory_iterator(work() / "backups")->path());
@@ -238,7 +238,7 @@ TEST_F(FamiliesFaultsTest, FullPhone_StopsTheRunAndLeavesNoParts)
 {
     givenFile("lists/One.m3u8", "http://radio.example/\n");
     givenBookmarks("ab");
-    ASSERT_EQ(sync({}).exitCode, 0);
+    ASSERT_EQ(meet().exitCode, 0);
     const Ended list = sync({"--playlists", pc("lists")}, failing("write", ENOSPC, "Playlists/.kesta-part"));
     EXPECT_EQ(list.exitCode, 5) << list.out;
     const Ended bookmarks =
@@ -255,7 +255,7 @@ TEST_F(FamiliesFaultsTest, DatabaseThatCannotBeWritten_StopsTheRun)
     givenFile("Extra/a", "a");
     givenFile("lists/One.m3u8", "../Extra/a\n");
     givenBookmarks("ab");
-    ASSERT_EQ(sync({}).exitCode, 0);
+    ASSERT_EQ(meet().exitCode, 0);
     for (int skip = 0; skip < 40; skip += 3) {
         const Ended run = sync({"--playlists", pc("lists"), "--bookmarks", pc("bookmarks.html")},
                                failing("pwrite", ENOSPC, "KESTA_DB.s3db-journal", skip));

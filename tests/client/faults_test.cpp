@@ -115,7 +115,7 @@ TEST_F(FaultsTest, PhoneFullInTheMiddleOfAFile_LeavesNoPartOfIt)
 TEST_F(FaultsTest, PhoneFullForTheJournal_StopsBeforeCopying)
 {
     givenFile("Rock/a", "a");
-    ASSERT_EQ(sync({}).exitCode, 0);
+    ASSERT_EQ(meet().exitCode, 0);
     Environment full = failing(ENOSPC, ".kesta-part");
     full["KESTA_FAULT_CALL"] = "write";
     const Ended run = sync({"--music", pc("Rock")}, full);

@@ -11,7 +11,7 @@ using testing::SizeIs;
 
 class FilesTest : public ClientTest {
 protected:
-    FilesTest() { EXPECT_EQ(sync({"--name", "Ann"}).exitCode, 0); }
+    FilesTest() { EXPECT_EQ(meet({"--name", "Ann"}).exitCode, 0); }
     nlohmann::json files(const std::string& category, std::vector<std::string> arguments = {})
     {
         arguments.insert(arguments.begin(), {"files", "--imei", kImei, "--category", category, "--json"});

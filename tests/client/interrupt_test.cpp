@@ -51,6 +51,41 @@ TEST_F(InterruptTest, LargeFile_IsNotFinishedFirst)
     expectInOrder();
 }
 
+// As another program's transaction does, for as long as it lives.
+class LockedDatabase {
+public:
+    explicit LockedDatabase(const fs::path& file) : descriptor_(open(file.c_str(), O_RDWR | O_CLOEXEC))
+    {
+        constexpr off_t kSharedLocks = 0x40000002;
+        constexpr off_t kHowMany = 510;
+        struct flock lock {};
+        lock.l_type = F_WRLCK;
+        lock.l_whence = SEEK_SET;
+        lock.l_start = kSharedLocks;
+        lock.l_len = kHowMany;
+        EXPECT_EQ(fcntl(descriptor_, F_SETLK, &lock), 0);
+    }
+    LockedDatabase(const LockedDatabase&) = delete;
+    LockedDatabase& operator=(const LockedDatabase&) = delete;
+    ~LockedDatabase() { (void)close(descriptor_); }
+
+private:
+    int descriptor_;
+};
+
+TEST_F(InterruptTest, CallThatWaitsForAnotherProgram_SaysSoAndCanBeEnded)
+{
+    givenFile("Rock/a.mp3", "a");
+    ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    const LockedDatabase locked(data().databasePath());
+    ClientProcess client(work(), syncArguments({"--music", pc("Rock"), "--json"}));
+    ASSERT_TRUE(client.waitForOutput("kesta: waiting: another program"));
+    client.interrupt();
+    const Ended run = client.wait();
+    EXPECT_EQ(run.exitCode, 130);
+    EXPECT_THAT(run.err, HasSubstr("kesta: interrupted\n"));
+}
+
 // Runs the client on a terminal of its own and returns what came there.
 std::string OnTerminal(const std::vector<std::string>& arguments)
 {

@@ -91,7 +91,7 @@ TEST_F(StatusTest, States_AreSaidInWords)
 
 TEST_F(StatusTest, ErrorOfARunByAnotherProgram_IsUnknown)
 {
-    (void)sync({});
+    (void)meet();
     EXPECT_EQ(status().at("last_error").at("code"), 0);
     database().exec("UPDATE tPhone SET [LastTime] = '2020-02-02 02:02:02', [ErrCode] = 77");
     EXPECT_EQ(status().at("last_sync"), "2020-02-02 02:02:02");
@@ -100,7 +100,7 @@ TEST_F(StatusTest, ErrorOfARunByAnotherProgram_IsUnknown)
 
 TEST_F(StatusTest, DamagedNoteOfTheLastRun_MeansThatItsErrorIsUnknown)
 {
-    (void)sync({});
+    (void)meet();
     const std::string start = R"({"imei": "351111", "time": ")" + status().at("last_sync").get<std::string>() + '"';
     for (const std::string& text :
          {std::string(R"({"imei": 351111})"), start + '}', start + R"(, "code": "0", "reason": ""})",
@@ -143,7 +143,6 @@ TEST_F(StatusTest, MistakesOnTheCommandLine_AreUsageErrors)
 {
     for (const auto& arguments : {std::vector<std::string>{},
                                   {"dance"},
-                                  {"sync"},
                                   {"sync", "--phone", phone(), "stray"},
                                   {"files", "--imei", "1", "--category", "songs"},
                                   {"files", "--category", "music"},

@@ -242,7 +242,7 @@ TEST_F(SyncBookmarksTest, WhatIsNoUseOrTooLong_IsLeftOutAndSaid)
     givenBookmarks(bookmark("J", "javascript:alert(1)") + bookmark("L", longUrl) + bookmark("B", "https://b.example/"));
     const Ended run = syncBookmarks();
     EXPECT_EQ(run.exitCode, 3);
-    EXPECT_THAT(run.out, AllOf(HasSubstr("1 bookmark left out that is no page of the web"),
+    EXPECT_THAT(run.out, AllOf(HasSubstr("Left out of Bookmarks: 1 with addresses outside the web"),
                                HasSubstr("too long for the database")));
     EXPECT_THAT(urlsOnPhone(), ElementsAre("https://b.example/"));
 }
@@ -260,6 +260,18 @@ TEST_F(SyncBookmarksTest, DryRun_PreviewsAndChangesNothing)
                                HasSubstr("remove    https://b.example/"), HasSubstr("1 added, 1 updated, 1 removed")));
     EXPECT_EQ(rows(), before);
     EXPECT_THAT(urlsOnPhone(), ElementsAre("https://a.example/", "https://b.example/"));
+}
+
+TEST_F(SyncBookmarksTest, FirefoxJson_IsRead)
+{
+    givenFile(
+        "firefox.json",
+        R"({"type":"text/x-moz-place-container","root":"placesRoot","children":[{"type":"text/x-moz-place-container",)"
+        R"("title":"toolbar","children":[{"type":"text/x-moz-place","title":"A","uri":"http://a.example/"}]}]})");
+    const Ended run = sync({"--bookmarks", pc("firefox.json")});
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("Bookmarks: 1 added"));
+    EXPECT_THAT(phoneFiles().at("Bookmarks/bookmarks.html"), HasSubstr("http://a.example/"));
 }
 
 }  // namespace

@@ -62,12 +62,12 @@ TEST_F(SyncPhoneTest, DamagedMarker_IsReportedAndKept)
 
 TEST_F(SyncPhoneTest, NewName_IsTakenOver)
 {
-    (void)sync({"--name", "Ann"});
+    (void)meet({"--name", "Ann"});
     database().exec("UPDATE tPhone SET [PhotoPath] = 'C:\\Photos', [AutoSync] = 1");
-    EXPECT_EQ(sync({"--name", "Bob's"}).exitCode, 0);
+    EXPECT_EQ(meet({"--name", "Bob's"}).exitCode, 0);
     EXPECT_EQ(Marker(phone(".kesta-phone")).at("name"), "Bob's");
     EXPECT_EQ(database().text("SELECT [Name], [PhotoPath], [AutoSync] FROM tPhone"), "Bob's|C:\\Photos|1");
-    EXPECT_EQ(sync({}).exitCode, 0);
+    EXPECT_EQ(meet().exitCode, 0);
     EXPECT_EQ(status().at("name"), "Bob's");
 }
 

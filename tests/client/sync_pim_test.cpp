@@ -448,5 +448,38 @@ TEST_F(SyncPimTest, Latin1_ReachesThePhoneAsUtf8)
     EXPECT_THAT(phoneFiles().at("Calendar/Home.ics"), HasSubstr("SUMMARY:Caf\u00e9\n"));
 }
 
+TEST_F(SyncPimTest, FolderOfCards_IsOneAddressBook)
+{
+    givenFile("cards/a.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nFN:Ann\r\nN:;Ann;;;\r\nEND:VCARD\r\n");
+    givenFile("cards/b.VCF", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:b\r\nFN:Ben\r\nN:;Ben;;;\r\nEND:VCARD\r\n");
+    givenFile("cards/readme.txt", "no card");
+    const Ended run = syncContacts({"cards"});
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("Contacts: 2 added"));
+    EXPECT_THAT(run.out, HasSubstr("Left out of Contacts: 1 that are no entries"));
+    EXPECT_EQ(contactsIn("Contacts/cards.vcf").size(), 2u);
+    changeFile("cards/b.VCF", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:b\r\nFN:Bea\r\nN:;Bea;;;\r\nEND:VCARD\r\n");
+    givenFile("cards/c.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:c\r\nFN:Cia\r\nN:;Cia;;;\r\nEND:VCARD\r\n");
+    EXPECT_THAT(syncContacts({"cards"}).out, HasSubstr("Contacts: 1 added, 1 updated, 0 removed, 1 unchanged"));
+    givenFile("cards/d.vcf", "BEGIN:VCARD\r\nFN:cut");
+    removeFile("cards/a.vcf");
+    const Ended damaged = syncContacts({"cards"});
+    EXPECT_EQ(damaged.exitCode, 3);
+    EXPECT_THAT(damaged.out, HasSubstr("d.vcf"));
+    EXPECT_EQ(contactsIn("Contacts/cards.vcf").size(), 3u);
+}
+
+TEST_F(SyncPimTest, FreeBusyTimes_GoAlong)
+{
+    givenFile("busy.ics",
+              "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:x\r\nBEGIN:VFREEBUSY\r\nUID:busy\r\n"
+              "FREEBUSY:20260102T080000Z/PT1H\r\nEND:VFREEBUSY\r\nBEGIN:X-OTHER\r\nEND:X-OTHER\r\nEND:VCALENDAR\r\n");
+    const Ended run = syncCalendars({"busy.ics"});
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("Calendar: 1 added"));
+    EXPECT_THAT(run.out, HasSubstr("Left out of Calendar: 1 that are no entries"));
+    EXPECT_THAT(phoneText("Calendar/busy.ics"), HasSubstr("BEGIN:VFREEBUSY"));
+}
+
 }  // namespace
 }  // namespace kesta::test

@@ -407,5 +407,21 @@ TEST_F(SyncPlaylistsTest, EntriesAsInUrlsOrPaddedWithBlanks_AreResolved)
     EXPECT_TRUE(phoneFiles().contains("Playlists/Media/Extra/my song.mp3"));
 }
 
+TEST_F(SyncPlaylistsTest, OtherFormats_BecomeListsOnThePhone)
+{
+    givenFile("Extra/a.mp3", "a");
+    givenFile("lists/Pls.pls", "[playlist]\nFile1=../Extra/a.mp3\nTitle1=Song\nLength1=5\n");
+    givenFile("lists/Xspf.xspf",
+              "<playlist><trackList><track><location>../Extra/a.mp3</location></track></trackList></playlist>");
+    givenFile("lists/Asx.asx", "<asx><entry><ref href=\"..\\Extra\\a.mp3\"/></entry></asx>");
+    givenFile("lists/Other.wpl", "<smil/>");
+    const Ended run = sync({"--playlists", pc("lists")});
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_EQ(phoneFiles().at("Playlists/Pls.m3u8"), "#EXTM3U\n#PLAYLIST:Pls\n#EXTINF:5,Song\nMedia/Extra/a.mp3\n");
+    EXPECT_EQ(phoneFiles().at("Playlists/Xspf.m3u8"), "#EXTM3U\n#PLAYLIST:Xspf\nMedia/Extra/a.mp3\n");
+    EXPECT_EQ(phoneFiles().at("Playlists/Asx.m3u8"), "#EXTM3U\n#PLAYLIST:Asx\nMedia/Extra/a.mp3\n");
+    EXPECT_THAT(run.out, HasSubstr("Left out of Playlists: 1 in other formats"));
+}
+
 }  // namespace
 }  // namespace kesta::test

@@ -262,7 +262,11 @@ TEST_F(WhyTest, WithoutImei_AllPhonesAnswer)
 {
     givenSyncedMusic();
     fs::create_directories(work() / "other");
-    ASSERT_EQ(client({"sync", "--phone", Utf8(work() / "other"), "--imei", "352222", "--name", "Ben"}).exitCode, 0);
+    fs::create_directories(Path(pc("Other")));
+    ASSERT_EQ(
+        client({"sync", "--phone", Utf8(work() / "other"), "--imei", "352222", "--name", "Ben", "--music", pc("Other")})
+            .exitCode,
+        0);
     const std::string words = text(pc("Rock/a.mp3"));
     EXPECT_THAT(words, HasSubstr("Ann's phone (IMEI 351111): on the phone"));
     EXPECT_THAT(words, HasSubstr("Ben (IMEI 352222): not on the phone"));

@@ -29,8 +29,11 @@ TEST(WordsTest, FormatSize_UsesTheUnitThatFits)
 TEST(WordsTest, BarText_ShowsFilesBytesRateAndTimeLeft)
 {
     EXPECT_EQ(BarText(0, 4, 0, 1000, 0, 0.0, 60), "[" + std::string(30, '.') + "] 0/4 files  0 B/1.0 kB");
-    EXPECT_EQ(BarText(1, 4, 500, 1000, 500, 1.0, 55), "[####....] 1/4 files  500 B/1.0 kB  500 B/s  0:01 left");
-    EXPECT_THAT(BarText(1, 4, 1'000'000, 100'000'000, 1'000'000, 60.0, 100), HasSubstr("  1:39:00 left"));
+    EXPECT_EQ(BarText(1, 4, 500, 1000, 500, 1.0, 55), "[##......] 1/4 files  500 B/1.0 kB  500 B/s  0:03 left");
+    EXPECT_THAT(BarText(1, 4, 1'500'000, 100'000'000, 1'500'000, 60.0, 100), HasSubstr("  50:00 left"));
+    // Small files: their number tells, not their bytes.
+    EXPECT_THAT(BarText(100, 10'000, 100, 1'000'000'000, 100, 1.0, 100), HasSubstr("  1:59 left"));
+    EXPECT_THAT(BarText(5'000, 10'000, 0, 0, 0, 60.0, 100), HasSubstr("  1:00 left"));
     EXPECT_THAT(BarText(2, 4, 0, 0, 0, 1.0, 100), HasSubstr("[" + std::string(15, '#') + std::string(15, '.') + "]"));
     for (size_t width = 1; width < 100; ++width) {
         EXPECT_LE(BarText(100, 400, 500, 100'000, 500, 2.0, width).size(), width);

@@ -222,5 +222,23 @@ TEST(BookmarksJson, NoBookmarkFile)
     EXPECT_THAT(ParseBookmarks(deep + "}}").problems, ElementsAre(Problem{0, "folders are nested too deeply"}));
 }
 
+TEST(BookmarksJson, FirefoxTree_IsReadWithoutItsTags)
+{
+    const Bookmarks read = ParseBookmarks(
+        R"({"type":"text/x-moz-place-container","root":"placesRoot","title":"","children":[)"
+        R"({"type":"text/x-moz-place-container","title":"menu","children":[)"
+        R"({"type":"text/x-moz-place","title":"A  page","uri":"https://a.example/","dateAdded":1500000001000000},)"
+        R"({"type":"text/x-moz-place-separator","title":""},)"
+        R"({"type":"text/x-moz-place-container","title":"Empty"},)"
+        R"({"type":"text/x-moz-place","title":"Query","uri":"place:sort=8"}]},)"
+        R"({"type":"text/x-moz-place-container","title":"tags","root":"tagsFolder","children":[)"
+        R"({"type":"text/x-moz-place","title":"A page","uri":"https://a.example/"}]}]})");
+    EXPECT_THAT(read.problems, testing::IsEmpty());
+    ASSERT_EQ(read.bookmarks.size(), 2u);
+    EXPECT_EQ(read.bookmarks[0], (Bookmark{"A page", "https://a.example/", LinkKind::kWeb, {"menu"}, 1'500'000'001}));
+    EXPECT_EQ(read.bookmarks[1].kind, LinkKind::kPlace);
+    EXPECT_EQ(ParseBookmarks("mozLz40\x01").problems.size(), 1u);
+}
+
 }  // namespace
 }  // namespace kesta::formats

@@ -98,9 +98,10 @@ TEST(Calendars, KindsAndBareEntries)
     const Calendars result = ParseCalendars(
         "BEGIN:VTODO\nUID:t\nEND:VTODO\nBEGIN:VJOURNAL\nUID:j\nEND:VJOURNAL\nBEGIN:VFREEBUSY\nUID:f\nEND:VFREEBUSY");
     EXPECT_THAT(result.problems, IsEmpty());
-    ASSERT_THAT(result.entries, SizeIs(2));
+    ASSERT_THAT(result.entries, SizeIs(3));
     EXPECT_EQ(result.entries[0].kind, CalendarEntryKind::kTask);
     EXPECT_EQ(result.entries[1].kind, CalendarEntryKind::kJournal);
+    EXPECT_EQ(result.entries[2].kind, CalendarEntryKind::kFreeBusy);
     EXPECT_EQ(
         result.entries[0].bytes,
         "BEGIN:VCALENDAR\nVERSION:2.0\nPRODID:-//KESTA//KESTA//EN\nBEGIN:VTODO\nUID:t\nEND:VTODO\nEND:VCALENDAR\n");
@@ -139,6 +140,18 @@ TEST(Calendars, DamagedFiles_AreReportedAndTheRestIsRead)
     EXPECT_THAT(ParseCalendars("END:VEVENT\n").problems, ElementsAre(Problem{1, "an end without a beginning"}));
     EXPECT_THAT(ParseCalendars("x\ny\n").problems, ElementsAre(Problem{1, "text outside of any calendar"}));
     EXPECT_THAT(ParseCalendars("").problems, ElementsAre(Problem{0, "no calendar in the file"}));
+}
+
+TEST(Calendars, FreeBusyTimesAreEntries_UnknownPartsAreCounted)
+{
+    const Calendars read = ParseCalendars(
+        "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:x\r\nBEGIN:VFREEBUSY\r\nUID:busy\r\n"
+        "FREEBUSY:20260102T080000Z/PT1H\r\nEND:VFREEBUSY\r\nBEGIN:X-OTHER\r\nX-THING:1\r\nEND:X-OTHER\r\nEND:VCALENDAR\r\n");
+    EXPECT_TRUE(read.problems.empty());
+    ASSERT_EQ(read.entries.size(), 1u);
+    EXPECT_EQ(read.entries[0].kind, CalendarEntryKind::kFreeBusy);
+    EXPECT_EQ(read.entries[0].uid, "busy");
+    EXPECT_EQ(read.unknownParts, 1u);
 }
 
 }  // namespace

@@ -30,9 +30,8 @@ bool IsText(std::string_view text)
     return IsUtf8(text) && text.find('\0') == std::string_view::npos;
 }
 
-void CheckPlaylist(std::string_view file)
+void CheckList(const Playlist& playlist, std::string_view file)
 {
-    const Playlist playlist = ParsePlaylist(file, PlaylistEncoding::kByValidity);
     for (const PlaylistEntry& entry : playlist.entries) {
         Require(IsText(entry.location.text) && IsText(entry.title), "locations and titles are text", file);
     }
@@ -55,6 +54,26 @@ void CheckPlaylist(std::string_view file)
         expected.line = again.entries[i].line;
         Require(again.entries[i] == expected, "an entry is read back as it was written", file);
     }
+}
+
+void CheckPlaylist(std::string_view file)
+{
+    CheckList(ParsePlaylist(file, PlaylistEncoding::kByValidity), file);
+}
+
+void CheckPls(std::string_view file)
+{
+    CheckList(ParsePlaylistFile("a.pls", file), file);
+}
+
+void CheckXspf(std::string_view file)
+{
+    CheckList(ParsePlaylistFile("a.xspf", file), file);
+}
+
+void CheckAsx(std::string_view file)
+{
+    CheckList(ParsePlaylistFile("a.asx", file), file);
 }
 
 void CheckBookmarks(std::string_view file)
@@ -108,6 +127,12 @@ std::span<const Format> Formats()
         {"playlist",
          CheckPlaylist,
          {"\n", "\r", "#EXTINF:1,", "file:///", "C:\\", "\\\\", "//", "./", "%0A", "#", " ", "\xFF\xFE"}},
+        {"pls", CheckPls, {"\n", "File1=", "File2=a.mp3\n", "Title1=", "Length1=-1", "[playlist]", "=", "\xFF\xFE"}},
+        {"xspf",
+         CheckXspf,
+         {"<track>", "</track>", "<location>", "</location>", "<title/>", "<![CDATA[", "]]>", "&#0;", "&amp;", "<!--",
+          "%00", "%0A"}},
+        {"asx", CheckAsx, {"<ENTRY>", "</entry>", "<ref href=", "\"", "'", "/>", "&", "<asx", "<", ">"}},
         {"bookmarks",
          CheckBookmarks,
          {"<DL>", "</DL>", "<DT>", "<A HREF=x>", "</A>", "<H3>", "</H3>", "&#0;", "{", "}", "[", "\"", "<template>",

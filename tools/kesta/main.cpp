@@ -10,15 +10,15 @@
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "base/stop_run.h"
 #include "base/text.h"
-#include "commands/commands.h"
+#include "commands/application.h"
 #include "database/failures.h"
 #include "os/startup_watch.h"
 #include "os/system.h"
+#include "os/watch.h"
 #include "report/output.h"
 #include "state/database_notice.h"
 
@@ -53,23 +53,18 @@ void CheckDatabase(kesta::OnDatabaseLoss onLoss)
 }
 
 // The command that the arguments name, with its options; none if help or a mistake has been printed.
-std::function<kesta::ExitCode()> Parse(std::vector<std::string> arguments, kesta::ExitCode& exitCode)
+std::function<kesta::ExitCode()> Parse(CLI::App& app, std::vector<std::string> arguments, kesta::ExitCode& exitCode)
 {
-    CLI::App app("Brings a phone up to date with the PC and records what is on it.", "kesta");
     app.require_subcommand(1);
     app.set_version_flag("--version", "kesta " KESTA_DB_VERSION ", SQLite " KESTA_SQLITE_VERSION);
     app.footer(std::string("kesta COMMAND --help shows a command's options and examples.\n\n") + kesta::kExitCodeHelp);
-    std::vector<std::pair<const CLI::App*, std::function<kesta::ExitCode()>>> commands;
-    const auto add = [&](const kesta::Command& command) {
-        CLI::App* subcommand = app.add_subcommand(command.name, command.about);
-        commands.emplace_back(subcommand, [onLoss = command.onDatabaseLoss, run = command.prepare(*subcommand)] {
-            CheckDatabase(onLoss);
-            return run();
-        });
-    };
-#define KESTA_ADD(NAME) add(kesta::NAME##Command());
-    KESTA_COMMANDS(KESTA_ADD)
-#undef KESTA_ADD
+    kesta::CommandRuns commands;
+    kesta::AddCommands(app, commands);
+    if (const std::string problem = kesta::UnknownWord(app, arguments); !problem.empty()) {
+        exitCode = kesta::ExitCode::kUsage;
+        std::cerr << "kesta: " << problem << "\nTry kesta --help, or kesta COMMAND --help.\n";
+        return {};
+    }
     try {
         std::reverse(arguments.begin(), arguments.end());  // The parser takes them from the back.
         app.parse(std::move(arguments));
@@ -81,9 +76,17 @@ std::function<kesta::ExitCode()> Parse(std::vector<std::string> arguments, kesta
         std::cerr << "kesta: " << kesta::Printable(mistake.what()) << "\nTry kesta --help, or kesta COMMAND --help.\n";
         return {};
     }
-    for (const auto& [command, run] : commands) {
-        if (command->parsed()) {
-            return run;
+    for (const kesta::CommandRun& command : commands) {
+        if (command.app->parsed()) {
+            return [command] {
+                CheckDatabase(command.onDatabaseLoss);
+                // Under the eyes of the watch: who has to wait for the database hears of it. Whether it opened the
+                // command's own calls tell.
+                if (command.onDatabaseLoss != kesta::OnDatabaseLoss::kIgnore) {
+                    (void)kesta::os::Call(DB_Open)();
+                }
+                return command.run();
+            };
         }
     }
     return {};
@@ -95,9 +98,12 @@ int main(int argc, char** argv)
 {
     kesta::os::EndStartupWatch();
     try {
+        kesta::os::StartWatch();
         kesta::os::PrepareOutput();
         kesta::ExitCode exitCode = kesta::ExitCode::kSuccess;
-        if (const auto run = Parse(kesta::os::Arguments(argc, argv), exitCode)) {
+        // Outlives the command, which asks it in which order its options came.
+        CLI::App app("Brings a phone up to date with the PC and records what is on it.", "kesta");
+        if (const auto run = Parse(app, kesta::os::Arguments(argc, argv), exitCode)) {
             exitCode = run();
         }
         if (kesta::outputHasFailed && exitCode == kesta::ExitCode::kSuccess) {

@@ -27,6 +27,7 @@ struct Command {
     /// Adds the command's options, which the function that is returned runs it with.
     std::function<ExitCode()> (*prepare)(CLI::App& app);
     OnDatabaseLoss onDatabaseLoss = OnDatabaseLoss::kStop;
+    bool isHidden = false;  // from help, manual and completions
 };
 
 /// The end of every command's help.

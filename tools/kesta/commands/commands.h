@@ -12,7 +12,8 @@
     COMMAND(Report)             \
     COMMAND(Settings)           \
     COMMAND(Doctor)             \
-    COMMAND(Trace)
+    COMMAND(Trace)              \
+    COMMAND(Generate)
 
 namespace kesta {
 

@@ -15,6 +15,8 @@
 #include "commands/pc_path.h"
 #include "commands/phone_settings.h"
 #include "commands/phones.h"
+#include "commands/remembered.h"
+#include "commands/source_options.h"
 #include "database/database.h"
 #include "database/failures.h"
 #include "database/main_folders.h"
@@ -34,6 +36,8 @@ struct SettingsOptions {
     std::vector<std::string> changes;  // name=value
     std::vector<Selection> folders;    // of media
     std::vector<Selection> playlists;
+    SyncSources sources;               // to be remembered
+    std::vector<std::string> dropped;  // no longer to be
     bool json = false;
 };
 
@@ -245,6 +249,9 @@ void ShowAll(const Database& database, const PhoneSettings& phone)
         text += fmt::format("  {:<27} {}\n", SelectNameOf(folder),
                             database.phones().isSelected(phone.imei, folder) ? "yes" : "no");
     }
+    const std::string remembered = DescribeRemembered(RememberedOf(phone.imei));
+    text +=
+        remembered.empty() ? "Nothing is remembered for kesta sync.\n" : "Remembered for kesta sync:\n" + remembered;
     Print(text);
 }
 
@@ -273,19 +280,28 @@ ExitCode Run(const SettingsOptions& options)
 {
     Database database;
     PhoneSettings phone = KnownPhone(database, options.imei);
-    const bool isToChange = !options.changes.empty() || !options.folders.empty() || !options.playlists.empty();
+    const bool isToRemember = options.sources.hasAny() || !options.sources.rules.empty() || !options.dropped.empty();
+    const bool isToChange =
+        !options.changes.empty() || !options.folders.empty() || !options.playlists.empty() || isToRemember;
     if (isToChange) {
         const Changes changes = ReadChanges(database, options, phone);
+        if (isToRemember) {
+            ChangeRemembered(options.imei, options.sources, options.dropped);
+        }
         Make(database, changes, phone.imei);
         if (!options.json) {
             ShowChanges(changes, phone);
+            if (isToRemember) {
+                Print("Remembered for kesta sync:\n" + DescribeRemembered(RememberedOf(options.imei)));
+            }
         }
         phone = KnownPhone(database, options.imei);
     }
     if (options.json) {
         PrintJson({{"imei", phone.imei},
                    {"settings", SettingsJson(phone)},
-                   {"main_folders", MainFoldersJson(database, phone.imei)}});
+                   {"main_folders", MainFoldersJson(database, phone.imei)},
+                   {"remembered", RememberedJson(RememberedOf(phone.imei))}});
     } else if (!isToChange) {
         ShowAll(database, phone);
     }
@@ -298,12 +314,15 @@ constexpr const char* kSettingsExamples =
     "  kesta settings --imei 004999010640000 auto_sync=yes calendar_start=2026-01-01 wifi_mac=\n"
     "  kesta settings --imei 004999010640000 select.gallery=no\n"
     "  kesta settings --imei 004999010640000 --deselect ~/Music/Audiobooks --deselect-playlist Party\n"
+    "  kesta settings --imei 004999010640000 --music ~/Audiobooks --exclude \"*.wav\" --drop ~/Music\n"
     "\n"
     "Without changes the settings are shown. Values are text, yes or no, whole numbers, and dates such as 2026-01-31 "
     "or\n"
     "\"2026-01-31 18:30:00\"; a text or date without a value is emptied. Either all changes are made, or none.\n"
     "select.NAME chooses the main folders: music (playlists too), gallery (images and videos), documents, contacts,\n"
     "calendar, bookmarks, map. What is not selected is skipped by kesta sync and stays on the phone as it is.\n"
+    "Sources, globs and the backup folder given here are remembered as if kesta sync had been given them; --drop takes one\n"
+    "out. What is on the phone already stays.\n"
     "Numbers mean what the program says that sets them.\n"
     "\n";
 
@@ -343,9 +362,17 @@ std::function<ExitCode()> Prepare(CLI::App& app)
     app.add_option("changes", options->changes, "what to change")->type_name("NAME=VALUE");
     AddSelections(app, "", options->folders, "this folder of media, in all its categories", "DIR");
     AddSelections(app, "-playlist", options->playlists, "the playlist of this name", "NAME");
+    const auto sources = std::make_shared<SourceOptions>();
+    sources->addTo(app);
+    app.add_option("--drop", options->dropped, "a source, a glob or the backup folder: no longer remembered")
+        ->type_name("PATH|GLOB")
+        ->allow_extra_args(false);
     app.add_flag("--json", options->json, "as JSON");
     app.footer(kSettingsExamples + SettingsHelp() + kExitCodeHelp);
-    return [options] { return Run(*options); };
+    return [options, sources] {
+        options->sources = sources->given();
+        return Run(*options);
+    };
 }
 
 }  // namespace

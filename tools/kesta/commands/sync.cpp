@@ -8,10 +8,15 @@
 #include "base/text.h"
 #include "commands/command.h"
 #include "commands/phone_access.h"
+#include "commands/seen_phones.h"
+#include "commands/source_options.h"
 #include "database/failures.h"
 #include "os/local_time.h"
 #include "os/system.h"
+#include "os/watch.h"
 #include "phone/marker.h"
+#include "report/output.h"
+#include "report/summary_json.h"
 #include "stages/backup/backup_stage.h"
 #include "stages/bookmarks/bookmark_stage.h"
 #include "stages/leftover_stage.h"
@@ -32,6 +37,9 @@ namespace {
 
 Progress::Style StyleOf(const SyncOptions& options)
 {
+    if (options.json) {
+        return options.quiet ? Progress::Style::kQuietJson : Progress::Style::kJson;
+    }
     if (os::IsTerminal()) {
         return Progress::Style::kBar;
     }
@@ -53,8 +61,12 @@ void Guarded(Summary& summary, const Work& work)
 
 class SyncRun {
 public:
-    SyncRun(const SyncOptions& options, PhoneFolder& phone)
-        : options_(options), phone_(phone), report_(StyleOf(options), options.quiet), guard_(options.force)
+    SyncRun(const SyncOptions& options, PhoneFolder& phone, RunLog& log)
+        : options_(options),
+          phone_(phone),
+          log_(log),
+          report_(StyleOf(options), options.quiet, &log),
+          guard_(options.force)
     {
         if (options.dryRun) {
             runner_ = std::make_unique<Preview>(phone, options_, report_);
@@ -65,7 +77,7 @@ public:
 
     ExitCode run()
     {
-        media_.chosen = ChooseFolders(options_, phone_);
+        (void)ChooseFolders(options_, phone_);  // which throws before anything is changed
         os::DirectoryLock lock;
         if (!options_.dryRun) {
             LockPhone(lock, phone_);
@@ -76,12 +88,16 @@ public:
             takeSnapshot();
         }
         Session session{database, {}, {}, false, runner_->phone(), phone_, options_, guard_, left_, report_};
-        runStage(phoneStage, session);
+        const Plan phonePlan = phoneStage.plan(session);
+        takeRemembered(phoneStage.marker().imei);
+        media_.chosen = ChooseFolders(options_, phone_);
+        runner_->run(phonePlan);
         session.imei = phoneStage.marker().imei;
         session.name = phoneStage.marker().name;
         session.isKnown = !session.imei.empty() && database.phones().find(session.imei);
         guard_ = DeletionGuard(session.imei, options_.force);
         left_ = LeftFiles(session.imei);
+        remember(session.imei);
         greet(session);
         Guarded(report_.summary, [&] {
             MainFolderStage mainFolders(phoneStage.isMarked(), options_, media_.chosen);
@@ -98,6 +114,12 @@ public:
         }
         const auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started_).count();
         report_.progress.say(Describe(report_.summary, options_.dryRun, seconds));
+        if (options_.json) {
+            Print(SummaryJsonLine(report_.summary, options_.dryRun, seconds) + '\n');
+        }
+        if (log_.hasFailed()) {
+            (void)std::fprintf(stderr, "kesta: the log %s could not be written completely\n", options_.log->c_str());
+        }
         return report_.summary.exitCode();
     }
 
@@ -117,11 +139,46 @@ private:
         }
     }
 
+    // What is not given again is what was given before. The rules add up.
+    void takeRemembered(const std::string& imei)
+    {
+        if (!imei.empty()) {
+            const os::Status status = ReadSyncSources(imei, remembered_);
+            mayRemember_ = status.ok();
+            if (!mayRemember_) {
+                report_.note("what was given for this phone before cannot be read: " + status.text());
+            }
+        }
+        remembered_.add(WithRecordedPaths(options_));
+        if (!options_.hasAny()) {
+            static_cast<SyncSources&>(options_) = remembered_;
+        }
+        options_.rules = remembered_.rules;
+        if (!options_.hasAny()) {
+            throw StopRun(ExitCode::kUsage,
+                          "there is nothing to sync: give --music, --images, --videos, --documents, --playlists, "
+                          "--bookmarks, --contacts, --calendar or --backup. It is remembered for the next time.");
+        }
+    }
+
+    void remember(const std::string& imei)
+    {
+        if (options_.dryRun || !mayRemember_) {
+            return;
+        }
+        if (os::Status saved = WriteSyncSources(imei, remembered_); !saved.ok()) {
+            report_.note("what was given cannot be remembered for the next run: " + saved.text());
+        }
+    }
+
     void greet(const Session& session)
     {
         const std::string imei = session.imei.empty() ? "new, its IMEI is made up by the first sync" : session.imei;
-        report_.progress.say(fmt::format("Phone     {} ({}){}", Printable(session.name), Printable(imei),
-                                         options_.dryRun ? ", dry run: nothing is changed" : ""));
+        report_.progress.say(
+            fmt::format("Phone     {} ({}){}", Printable(session.name), Printable(imei),
+                        options_.dryRun ? ", dry run: nothing is changed" : ""),
+            {"phone",
+             {{"imei", session.imei}, {"name", session.name}, {"path", phone_.root()}, {"dry_run", options_.dryRun}}});
     }
 
     // In the order of their turn. The backup comes last, to hold it all.
@@ -201,20 +258,86 @@ private:
 
     SyncOptions options_;  // without what the phone takes no part in
     PhoneFolder& phone_;
+    RunLog& log_;
     Report report_;
     DeletionGuard guard_;  // the phone's own, once it is known which phone it is
     LeftFiles left_;       // likewise
     std::unique_ptr<Runner> runner_;
+    SyncSources remembered_;
+    bool mayRemember_ = true;
     MediaState media_;
     std::unique_ptr<PlaylistRun> playlists_;
     std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
 };
 
+// A run that ends before it has begun: programs get their summary, the log its reason.
+void TellEarlyEnd(const SyncOptions& options, RunLog& log, ExitCode code, const char* reason)
+{
+    log.add(fmt::format("Stopped: {}", Printable(reason)));
+    if (options.json) {
+        Summary summary;
+        summary.stopWith(code, reason);
+        Print(SummaryJsonLine(summary, options.dryRun, 0) + '\n');
+    }
+}
+
 ExitCode Run(const SyncOptions& options)
 {
-    PhoneFolder phone = OpenPhone(options.phone);
-    os::CatchInterrupts();
-    return SyncRun(options, phone).run();
+    RunLog log;
+    if (options.json) {
+        Summary interrupted;
+        interrupted.stopWith(ExitCode::kInterrupted, "interrupted in the middle of a call");
+        os::SetLastWords(SummaryJsonLine(interrupted, options.dryRun, 0) + '\n');
+    }
+    try {
+        if (options.log) {
+            if (os::Status status = log.open(*options.log); !status.ok()) {
+                throw StopRun(ExitCode::kFailure,
+                              fmt::format("the log {} cannot be opened: {}", *options.log, status.text()));
+            }
+        }
+        PhoneFolder phone = OpenPhone(options.phone);
+        return SyncRun(options, phone, log).run();
+    } catch (const StopRun& stop) {
+        TellEarlyEnd(options, log, stop.code(), stop.what());
+        throw;
+    } catch (const kesta_db::Error& failure) {
+        TellEarlyEnd(options, log, ExitCode::kDatabase, TextOf(failure).c_str());
+        throw;
+    }
+}
+
+// One after the other: what ends one of them does not concern the next.
+ExitCode RunWhereSeen(SyncOptions options)
+{
+    std::vector<SeenPhone> phones;
+    try {
+        phones = PhonesInPlace(options.imei);
+    } catch (const StopRun& stop) {
+        RunLog none;
+        TellEarlyEnd(options, none, stop.code(), stop.what());
+        throw;
+    }
+    ExitCode worst = ExitCode::kSuccess;
+    for (const SeenPhone& seen : phones) {
+        options.phone = seen.path;
+        ExitCode code = ExitCode::kSuccess;
+        if (&seen == &phones.back() && worst == ExitCode::kSuccess) {
+            return Run(options);
+        }
+        try {
+            code = Run(options);
+        } catch (const StopRun& stop) {
+            code = stop.code();
+            (void)std::fprintf(stderr, "kesta: %s (%s): %s\n", Printable(seen.name).c_str(), seen.imei.c_str(),
+                               Printable(stop.what()).c_str());
+        }
+        worst = worst == ExitCode::kSuccess ? code : worst;
+        if (os::Interrupted()) {
+            break;
+        }
+    }
+    return worst;
 }
 
 constexpr const char* kSyncExamples =
@@ -226,11 +349,19 @@ constexpr const char* kSyncExamples =
     "  kesta sync --phone /media/me/phone --playlists ~/Music/Playlists --bookmarks ~/bookmarks.html\n"
     "  kesta sync --phone /media/me/phone --contacts ~/friends.vcf ~/work.vcf --calendar ~/home.ics\n"
     "  kesta sync --phone /media/me/phone --backup ~/Backups\n"
+    "  kesta sync --phone /media/me/phone --music ~/Music --exclude Live --exclude \"*.wav\" --include \"cover.jpg\"\n"
+    "  kesta sync\n"
     "\n"
     "The first run marks the folder as that phone; later runs recognise it. Files that are new or changed on the PC "
     "are\n"
     "copied, files gone from a folder that is given are removed from the phone, everything else stays as it is.\n"
     "Playlists take their music along. A backup is one archive of all that is on the phone after the other steps.\n"
+    "What is given is remembered for the phone: without it a sync does the same again, and without --phone it finds the\n"
+    "phones where they were last seen. kesta settings shows and changes what is remembered.\n"
+    "\n"
+    "Globs: * stands for any characters but /, ** for any, ? for one, [a-z] for one of a set. Without a / a glob is about\n"
+    "names, else about paths below the folder. The last one that fits decides. Files .kestaignore in the folders hold\n"
+    "further ones, a line each, with ! in front for --include.\n"
     "\n";
 
 std::string NameProblem(const std::string& name)
@@ -245,8 +376,7 @@ std::string NameProblem(const std::string& name)
 std::function<ExitCode()> Prepare(CLI::App& app)
 {
     const auto options = std::make_shared<SyncOptions>();
-    app.add_option("--phone", options->phone, "the mounted folder of the phone")
-        ->required()
+    app.add_option("--phone", options->phone, "the mounted folder of the phone; else where phones were last seen")
         ->type_name("DIR")
         ->check([](const std::string& path) { return EmptyPathProblem(path); });
     app.add_option("--imei", options->imei,
@@ -256,29 +386,8 @@ std::function<ExitCode()> Prepare(CLI::App& app)
     app.add_option("--name", options->name, "the phone's display name")
         ->type_name("NAME")
         ->check([](const std::string& name) { return NameProblem(name); });
-    std::vector<CLI::Option*> paths;
-    for (const Category category : kCategories) {
-        const std::string key(KeyOf(category));
-        paths.push_back(app.add_option("--" + key, options->folders[static_cast<size_t>(category)],
-                                       "a folder of " + key + "; may be given again")
-                            ->type_name("DIR")
-                            ->allow_extra_args(false));
-    }
-    paths.push_back(
-        app.add_option("--playlists", options->playlists, "a folder of playlists (.m3u, .m3u8)")->type_name("DIR"));
-    paths.push_back(
-        app.add_option("--bookmarks", options->bookmarks, "a bookmark file of a browser (HTML, or Chromium's JSON)")
-            ->type_name("FILE"));
-    // Several behind one option, too: that is what a shell makes of *.vcf.
-    paths.push_back(app.add_option("--contacts", options->contacts, "files of contacts (.vcf)")->type_name("FILE..."));
-    paths.push_back(
-        app.add_option("--calendar", options->calendars, "files of calendar entries (.ics)")->type_name("FILE..."));
-    paths.push_back(
-        app.add_option("--backup", options->backup, "a folder of the PC for an archive of the phone's contents")
-            ->type_name("DIR"));
-    for (CLI::Option* path : paths) {
-        path->check([](const std::string& text) { return EmptyPathProblem(text); });
-    }
+    const auto sources = std::make_shared<SourceOptions>();
+    sources->addTo(app);
     app.add_flag("--no-trash", options->noTrash,
                  "what is removed or replaced on the phone does not go to its trash for 30 days");
     app.add_flag("--accept-folder", options->acceptFolder,
@@ -286,9 +395,16 @@ std::function<ExitCode()> Prepare(CLI::App& app)
     app.add_flag("--dry-run", options->dryRun, "only say what would be done; change nothing");
     app.add_flag("--force", options->force,
                  "remove even if it is more than half of a category or folder, or of the lists, bookmarks or entries");
+    app.add_flag("--json", options->json, "one line of JSON for each event, a summary last");
+    app.add_option("--log", options->log, "add what the run says to this file, each line with its time")
+        ->type_name("FILE")
+        ->check([](const std::string& path) { return EmptyPathProblem(path); });
     app.add_flag("--quiet,-q", options->quiet, "no line for each file");
     app.footer(std::string(kSyncExamples) + kExitCodeHelp);
-    return [options] { return Run(*options); };
+    return [options, sources] {
+        static_cast<SyncSources&>(*options) = sources->given();
+        return options->phone.empty() ? RunWhereSeen(*options) : Run(*options);
+    };
 }
 
 }  // namespace

@@ -12,9 +12,11 @@
 #include "database/main_folders.h"
 #include "os/local_time.h"
 #include "report/summary.h"
+#include "stages/media/file_filter.h"
 #include "stages/pim/pim_entry.h"
 #include "stages/pim/pim_log_rows.h"
 #include "state/left_files.h"
+#include "state/sync_sources.h"
 
 namespace kesta {
 namespace {
@@ -132,7 +134,14 @@ private:
         result_.phonePaths.push_back(file.phonePath);
         say("recorded", fmt::format("It is on the phone as {}, recorded in {} with the time {}, as a file of {}.",
                                     file.phonePath, KeyOf(category), TimeText(file.modified), file.basePath));
-        compare(file, fmt::format("a sync of {}", file.basePath));
+        if (const auto leftOut = leftOutBy(category, file.basePath)) {
+            say("left_out_later",
+                fmt::format("A rule leaves it out by now ({}). What is on the phone stays there, as it is, "
+                            "until kesta forget.",
+                            leftOut->rule));
+        } else {
+            compare(file, fmt::format("a sync of {}", file.basePath));
+        }
         const auto folder = std::find_if(folders.begin(), folders.end(),
                                          [&](const RecordedFolder& row) { return row.path == file.basePath; });
         if (folder == folders.end()) {
@@ -141,6 +150,21 @@ private:
         }
         explainDeleted(category, *folder);
         (void)explainSkipped(category, *folder);
+    }
+
+    // The rule that keeps the path below a chosen folder on the PC.
+    [[nodiscard]] std::optional<LeftOut> leftOutBy(Category category, const std::string& folder)
+    {
+        if (entry_.path == folder || !os::LiesIn(entry_.path, folder)) {
+            return std::nullopt;
+        }
+        SyncSources remembered;
+        (void)ReadSyncSources(imei_, remembered);  // kesta settings tells when it is damaged.
+        const std::string relative = RelativeTo(folder, entry_.path);
+        const FileFilter filter = FilterFor(category, remembered.rules, relative, [&](const auto& name, auto& text) {
+            return os::ReadText(os::Join(folder, name), text).ok();
+        });
+        return entry_.kind == PcEntry::Kind::kFolder ? filter.prunes(relative) : filter.leftOut(relative);
     }
 
     // The file now against its record. who: names the sync that does something about a difference.
@@ -179,6 +203,11 @@ private:
             case PcEntry::Kind::kOther:
                 return say("no_file_on_pc", "It is neither a file nor a folder; such things are not copied.");
             default:
+                if (const auto leftOut = leftOutBy(category, folder.path)) {
+                    return say("left_out",
+                               fmt::format("It lies in {}, a folder of {} of this phone, but a rule leaves it out: {}.",
+                                           folder.path, KeyOf(category), leftOut->rule));
+                }
                 say("not_copied_yet",
                     fmt::format(
                         "It lies in {}, a folder of {} of this phone, but is not recorded as copied: it has come "
@@ -209,6 +238,9 @@ private:
         if (around != nullptr) {
             say("part_of_folder", fmt::format("It is part of {}, a folder of {} of this phone; {} of it on the phone.",
                                               around->path, KeyOf(category), Counted(below, "file")));
+            if (const auto leftOut = leftOutBy(category, around->path)) {
+                say("left_out", fmt::format("A rule leaves it out: {}.", leftOut->rule));
+            }
             sayMissing();
             explainDeleted(category, *around);
             (void)explainSkipped(category, *around);

@@ -54,6 +54,9 @@ std::string CleanTitle(std::string_view title)
 
 Bookmarks ParseBookmarks(std::string_view file)
 {
+    if (file.starts_with("mozLz40")) {
+        return {{}, {{0, "a compressed backup of Firefox: export the bookmarks as JSON or HTML"}}};
+    }
     const std::string text = WithoutByteOrderMark(file);
     return Trimmed(text).starts_with('{') ? ParseBookmarksJson(text) : ParseBookmarksHtml(text);
 }

@@ -1,4 +1,4 @@
-// Bookmark files: the HTML that browsers export, and Chromium's own JSON.
+// Bookmark files: the HTML that browsers export, and the JSON of Chromium and of Firefox.
 #pragma once
 
 #include <cstdint>

@@ -131,6 +131,7 @@ Calendars ParseCalendars(std::string_view file)
     std::map<std::pair<std::string, std::string>, size_t> indexes;  // by calendar name and UID
     std::set<std::string> names;
     Calendars result;
+    result.unknownParts = raw.unknownParts;
     for (const RawCalendar& calendar : raw.calendars) {
         if (names.insert(calendar.name).second) {
             result.names.push_back(calendar.name);

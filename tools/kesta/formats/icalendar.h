@@ -12,7 +12,7 @@
 
 namespace kesta::formats {
 
-enum class CalendarEntryKind { kEvent, kTask, kJournal };
+enum class CalendarEntryKind { kEvent, kTask, kJournal, kFreeBusy };
 
 /// All that a calendar says under one UID: the event or task, and its occurrences that were changed one by one.
 struct CalendarEntry {
@@ -31,6 +31,7 @@ struct CalendarEntry {
 struct Calendars {
     std::vector<CalendarEntry> entries;  // in the order of their first appearance; a UID once per calendar name
     std::vector<std::string> names;      // of the calendars, each once; empty for one without a name
+    size_t unknownParts = 0;             // components that are none of these, nor a time zone
     Problems problems;
 };
 

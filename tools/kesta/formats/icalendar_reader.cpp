@@ -20,6 +20,9 @@ std::optional<CalendarEntryKind> KindOf(std::string_view component)
     if (component == "VJOURNAL") {
         return CalendarEntryKind::kJournal;
     }
+    if (component == "VFREEBUSY") {
+        return CalendarEntryKind::kFreeBusy;
+    }
     return {};
 }
 
@@ -90,6 +93,8 @@ private:
             component_.line = line.number;
             componentBegin_ = line.begin;
         }
+        const bool isUnknown = !inComponent_ && name != "VCALENDAR" && open_.size() == 1 && inCalendar();
+        result_.unknownParts += isUnknown ? 1u : 0u;
         open_.push_back({name, line.number});
         if (inComponent_) {
             AppendCanonical(component_.canonical, line);

@@ -33,6 +33,7 @@ struct RawCalendar {
 
 struct RawCalendars {
     std::vector<RawCalendar> calendars;
+    size_t unknownParts = 0;
     Problems problems;
 };
 

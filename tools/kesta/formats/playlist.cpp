@@ -1,10 +1,12 @@
 #include "formats/playlist.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 #include "formats/ascii.h"
 #include "formats/charset.h"
+#include "formats/playlist_builder.h"
 
 namespace kesta::formats {
 namespace {
@@ -12,14 +14,6 @@ namespace {
 constexpr std::string_view kHeader = "#EXTM3U";
 constexpr std::string_view kInfo = "#EXTINF:";
 constexpr std::string_view kTitle = "#PLAYLIST:";
-
-std::string OneLine(std::string_view text)
-{
-    std::string line = FromUtf8OrLatin1(text);
-    std::ranges::replace_if(
-        line, [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
-    return std::string(Trimmed(line));
-}
 
 /// "123,Artist - Title", where attributes with quoted values may stand before the comma.
 void ReadInfo(std::string_view info, PlaylistEntry& entry)
@@ -108,12 +102,73 @@ std::string LineOf(const Location& location)
     return "./" + location.text;
 }
 
+struct PlaylistFormat {
+    std::string_view ending;
+    Playlist (*read)(std::string_view file);
+};
+
+// Players often save a list in several formats. The one that says how it is encoded comes first.
+constexpr std::array<PlaylistFormat, 5> kFormats{{
+    {".M3U8", [](std::string_view file) { return ParsePlaylist(file, PlaylistEncoding::kUtf8); }},
+    {".M3U", [](std::string_view file) { return ParsePlaylist(file, PlaylistEncoding::kByValidity); }},
+    {".XSPF", ReadXspf},
+    {".PLS", ReadPls},
+    {".ASX", ReadAsx},
+}};
+
+constexpr std::array<std::string_view, 9> kNotRead{".WPL",  ".ZPL", ".CUE", ".B4S",    ".KPL",
+                                                   ".SMIL", ".WAX", ".WVX", ".AIMPPL4"};
+
+const PlaylistFormat* FormatOf(std::string_view fileName)
+{
+    const std::string name = ToUpper(fileName);
+    return std::ranges::find_if(kFormats, [&](const PlaylistFormat& format) { return name.ends_with(format.ending); });
+}
+
 }  // namespace
+
+std::string OneLine(std::string_view text)
+{
+    std::string line = FromUtf8OrLatin1(text);
+    std::ranges::replace_if(
+        line, [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+    return std::string(Trimmed(line));
+}
+
+void AddEntry(Playlist& playlist, std::string_view location, bool isUrl, PlaylistEntry entry)
+{
+    auto parsed = ParseLocation(location);
+    if (parsed && isUrl && parsed->kind != LocationKind::kUrl && location.find(':') == std::string_view::npos) {
+        parsed = ParseLocation(FromUtf8OrLatin1(HexDecoded(location, '%')));
+    }
+    if (parsed) {
+        entry.location = *std::move(parsed);
+        playlist.entries.push_back(std::move(entry));
+    } else {
+        playlist.problems.push_back({entry.line, "not the name of a file"});
+    }
+}
 
 bool IsPlaylistName(std::string_view fileName)
 {
+    return FormatOf(fileName) != kFormats.end();
+}
+
+bool IsOtherPlaylistName(std::string_view fileName)
+{
     const std::string name = ToUpper(fileName);
-    return name.ends_with(".M3U") || name.ends_with(".M3U8");
+    return std::ranges::any_of(kNotRead, [&](std::string_view ending) { return name.ends_with(ending); });
+}
+
+size_t RankOfFormat(std::string_view fileName)
+{
+    return static_cast<size_t>(FormatOf(fileName) - kFormats.begin());
+}
+
+Playlist ParsePlaylistFile(std::string_view fileName, std::string_view file)
+{
+    const auto* format = FormatOf(fileName);
+    return format == kFormats.end() ? Playlist{{}, {}, {{0, "not a playlist"}}} : format->read(file);
 }
 
 PlaylistEncoding EncodingOf(std::string_view fileName)

@@ -1,4 +1,4 @@
-// Playlists: .m3u and .m3u8, read as players write them and written for the phone.
+// Playlists: .m3u, .m3u8, .pls, .xspf and .asx, read as players write them, and written for the phone as .m3u8.
 #pragma once
 
 #include <cstddef>
@@ -50,7 +50,14 @@ enum class PlaylistEncoding {
 
 /// By the file's name, in any case.
 [[nodiscard]] bool IsPlaylistName(std::string_view fileName);
+/// A list of a format that is not read.
+[[nodiscard]] bool IsOtherPlaylistName(std::string_view fileName);
+/// Which of the lists of one name is read before the others: the smaller, the earlier.
+[[nodiscard]] size_t RankOfFormat(std::string_view fileName);
 [[nodiscard]] PlaylistEncoding EncodingOf(std::string_view fileName);
+
+/// As the name says.
+[[nodiscard]] Playlist ParsePlaylistFile(std::string_view fileName, std::string_view file);
 
 [[nodiscard]] Playlist ParsePlaylist(std::string_view file, PlaylistEncoding encoding);
 

@@ -14,6 +14,14 @@ namespace {
 
 constexpr auto kRedrawInterval = std::chrono::milliseconds(100);
 
+// Of many small files each costs what is written besides its bytes: its record, and what makes both survive a power
+// failure.
+double WorkOf(size_t files, uint64_t bytes)
+{
+    constexpr double kBytesPerFile = 500'000;
+    return static_cast<double>(files) * kBytesPerFile + static_cast<double>(bytes);
+}
+
 std::string TimeText(double seconds)
 {
     const auto whole = static_cast<int64_t>(std::min(seconds + 0.5, 359999.0));
@@ -29,18 +37,20 @@ std::string BarText(size_t filesDone, size_t files, uint64_t bytesDone, uint64_t
                     double seconds, size_t width)
 {
     std::string text = fmt::format(" {}/{} files  {}/{}", filesDone, files, FormatSize(bytesDone), FormatSize(bytes));
+    const double done = WorkOf(filesDone, bytesDone);
     if (seconds >= 0.5 && bytesMoved > 0) {
-        const double rate = static_cast<double>(bytesMoved) / seconds;
-        const double left = static_cast<double>(bytes - std::min(bytes, bytesDone)) / rate;
-        text += fmt::format("  {}/s  {} left", FormatSize(static_cast<uint64_t>(rate)), TimeText(left));
+        text += fmt::format("  {}/s", FormatSize(static_cast<uint64_t>(static_cast<double>(bytesMoved) / seconds)));
+    }
+    if (seconds >= 0.5 && done > 0) {
+        const double left = std::max(0.0, WorkOf(files, bytes) - done);
+        text += fmt::format("  {} left", TimeText(left * seconds / done));
     }
     constexpr size_t kWidestBar = 30, kNarrowestBar = 8;
     if (width < text.size() + kNarrowestBar + 3) {
         return text.size() < width ? text : text.substr(0, width - 1);
     }
     const size_t bar = std::min(kWidestBar, width - text.size() - 3);
-    const double share = bytes > 0 ? static_cast<double>(bytesDone) / static_cast<double>(bytes)
-                                   : static_cast<double>(filesDone) / static_cast<double>(std::max<size_t>(files, 1));
+    const double share = done / std::max(1.0, WorkOf(files, bytes));
     const auto full = static_cast<size_t>(std::clamp(share, 0.0, 1.0) * static_cast<double>(bar));
     return "[" + std::string(full, '#') + std::string(bar - full, '.') + "]" + text;
 }
@@ -67,13 +77,26 @@ void Progress::draw(bool evenIfJustDrawn)
     show(BarText(filesDone_, files_, bytesDone_ + bytesOfFile_, bytes_, bytesMoved_, seconds, os::TerminalWidth()));
 }
 
-void Progress::say(std::string_view line)
+void Progress::say(std::string_view line, const Event& event)
 {
+    if (log_ != nullptr) {
+        log_->add(line);
+    }
+    if (isJson()) {
+        return tell(event);
+    }
     if (style_ == Style::kBar) {
         show("");
     }
     Print(std::string(line) + "\n");
     draw(true);
+}
+
+void Progress::tell(const Event& event)
+{
+    if (isJson() && event.name[0] != '\0') {
+        Print(JsonLine(event) + '\n');
+    }
 }
 
 void Progress::remark(std::string_view text)
@@ -92,6 +115,9 @@ void Progress::start(size_t files, uint64_t bytes)
     filesDone_ = 0;
     bytesDone_ = bytesOfFile_ = bytesMoved_ = 0;
     started_ = Clock::now();
+    if (files > 0) {
+        tell({"start", {{"files", uint64_t{files}}, {"bytes", bytes}}});
+    }
     draw(true);
 }
 
@@ -112,8 +138,14 @@ void Progress::endFile(std::string_view verb, std::string_view phonePath, uint64
     ++filesDone_;
     bytesDone_ += planned;
     bytesOfFile_ = 0;
+    const std::string line = fmt::format("{:<9} {}", verb, Printable(phonePath));
     if (style_ == Style::kLines) {
-        say(fmt::format("{:<9} {}", verb, Printable(phonePath)));
+        say(line);
+    } else if (log_ != nullptr) {
+        log_->add(line);
+    }
+    if (style_ == Style::kJson) {
+        tell({"file", {{"action", std::string(verb)}, {"path", std::string(phonePath)}, {"size", planned}}});
     }
     draw(filesDone_ == files_);
 }

@@ -1,5 +1,5 @@
-// What the user sees while a sync runs: a bar on a terminal, a line for each file anywhere else. By
-// hand: Debian packages no progress bar that counts bytes and lets lines stand above it.
+// What the user sees while a sync runs: a bar on a terminal, a line for each file anywhere else, or JSON for programs.
+// By hand: Debian packages no progress bar that counts bytes and lets lines stand above it.
 #pragma once
 
 #include <chrono>
@@ -7,18 +7,24 @@
 #include <string>
 #include <string_view>
 
+#include "report/event.h"
+#include "report/run_log.h"
+
 namespace kesta {
 
 class Progress {
 public:
-    enum class Style { kBar, kLines, kQuiet };
-    explicit Progress(Style style) : style_(style) {}
+    enum class Style { kBar, kLines, kQuiet, kJson, kQuietJson };
+    explicit Progress(Style style, RunLog* log = nullptr) : style_(style), log_(log) {}
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress() { finish(); }
 
-    /// Text for the user, whatever the style; the bar makes room for it.
-    void say(std::string_view line);
+    /// Text for the user, whatever the style; the bar makes room for it. Programs get the event in its place.
+    void say(std::string_view line, const Event& event = {});
+    /// For programs alone.
+    void tell(const Event& event);
+    [[nodiscard]] bool isJson() const { return style_ == Style::kJson || style_ == Style::kQuietJson; }
     /// A passing remark while folders are read; shown beside a bar only.
     void remark(std::string_view text);
     void start(size_t files, uint64_t bytes);
@@ -36,6 +42,7 @@ private:
     void show(const std::string& line);
 
     Style style_;
+    RunLog* log_;
     size_t files_ = 0, filesDone_ = 0;
     uint64_t bytes_ = 0, bytesDone_ = 0, bytesOfFile_ = 0, bytesMoved_ = 0;
     Clock::time_point started_, drawn_;

@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <iterator>
+#include <utility>
 
 #include "base/text.h"
 
@@ -27,6 +29,25 @@ void DescribeItems(const std::vector<FailedItem>& items, const char* heading,
     }
 }
 
+// "Left out of Music: 3 of other kinds, 1 by rules"
+void DescribeLeftOut(const std::vector<LeftOutItems>& items, std::back_insert_iterator<fmt::memory_buffer> out)
+{
+    for (auto item = items.begin(); item != items.end(); ++item) {
+        const auto isSame = [&](const LeftOutItems& other) { return other.from == item->from; };
+        if (std::find_if(items.begin(), item, isSame) != item) {
+            continue;  // told with the first one
+        }
+        fmt::format_to(out, "Left out of {}:", item->from);
+        const char* separator = " ";
+        for (auto same = item; same != items.end(); ++same) {
+            if (isSame(*same)) {
+                fmt::format_to(out, "{}{} {}", std::exchange(separator, ", "), same->count, same->why);
+            }
+        }
+        fmt::format_to(out, "\n");
+    }
+}
+
 }  // namespace
 
 Tally& Tally::operator+=(const Tally& other)
@@ -38,6 +59,17 @@ Tally& Tally::operator+=(const Tally& other)
     unchanged += other.unchanged;
     deferred += other.deferred;
     return *this;
+}
+
+void Summary::leaveOut(std::string_view from, std::string_view why, size_t count)
+{
+    const auto found = std::find_if(leftOut.begin(), leftOut.end(),
+                                    [&](const LeftOutItems& items) { return items.from == from && items.why == why; });
+    if (found != leftOut.end()) {
+        found->count += count;
+    } else if (count > 0) {
+        leftOut.push_back({std::string(from), std::string(why), count});
+    }
 }
 
 void Summary::stopWith(ExitCode code, std::string reason)
@@ -101,6 +133,7 @@ std::string Describe(const Summary& summary, bool isPreview, double seconds)
     const auto out = std::back_inserter(text);
     DescribeItems(summary.failures, "Not synced:\n", out);
     DescribeItems(summary.kept, "Changed on the phone, kept there beside the PC's:\n", out);
+    DescribeLeftOut(summary.leftOut, out);
     for (const std::string& note : summary.notes) {
         fmt::format_to(out, "Note: {}\n", note);
     }

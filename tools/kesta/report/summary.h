@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/exit_codes.h"
@@ -24,6 +25,13 @@ struct Tally {
     Tally& operator+=(const Tally& other);
 };
 
+/// What a run does not take along, by where it is and why.
+struct LeftOutItems {
+    std::string from;  // "Music"
+    std::string why;   // "of other kinds"
+    size_t count = 0;
+};
+
 /// A family besides the files of media and playlists.
 struct FamilyTally {
     std::string title;          // "Playlists"
@@ -38,11 +46,13 @@ struct Summary {
     std::deque<FamilyTally> families;  // in the order of their turn; a reference into it stays good
     std::vector<FailedItem> failures;
     std::vector<FailedItem> kept;  // what was changed on the phone, and as what it is kept there
+    std::vector<LeftOutItems> leftOut;
     std::vector<std::string> notes;
     ExitCode stop = ExitCode::kSuccess;  // why the run ended early
     std::string stopReason;
 
     void fail(std::string path, std::string reason) { failures.push_back({std::move(path), std::move(reason)}); }
+    void leaveOut(std::string_view from, std::string_view why, size_t count);
     /// The first reason counts.
     void stopWith(ExitCode code, std::string reason);
     [[nodiscard]] bool isStopped() const { return stop != ExitCode::kSuccess; }

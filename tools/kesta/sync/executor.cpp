@@ -44,7 +44,7 @@ void Executor::run(const Plan& plan)
     *plan.tally += plan.found;
     const Room room = MeasureRoom(plan, phone_, phone_, trash_);
     if (room.needed > 0) {
-        report_.progress.say("Room      " + room.text());
+        report_.progress.say("Room      " + room.text(), room.event());
     }
     if (!room.fits() && !options_.force) {
         throw StopRun(ExitCode::kPhoneFull, fmt::format("the phone has not enough room: {}. Nothing of it was copied; "
@@ -240,7 +240,8 @@ os::Status Executor::makeWay(const Change& change)
         left_.keep({path, change.phonePath, change.keepAs, os::ToLocalTime(os::Now())});
         report_.summary.kept.push_back({change.phonePath, change.keepAs});
         if (!report_.isQuiet) {
-            report_.progress.say(fmt::format("{:<9} {}", kKept.done, Printable(change.keepAs)));
+            report_.progress.say(fmt::format("{:<9} {}", kKept.done, Printable(change.keepAs)),
+                                 {"kept", {{"path", change.phonePath}, {"kept_as", change.keepAs}}});
         }
         return {};
     }

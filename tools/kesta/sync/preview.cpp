@@ -32,7 +32,7 @@ void Preview::run(const Plan& plan)
     *plan.tally += plan.found;
     const Room room = MeasureRoom(plan, phone_, folder_, trash_);
     if (room.needed > 0) {
-        report_.progress.say("Room      " + room.text());
+        report_.progress.say("Room      " + room.text(), room.event());
     }
     if (!room.fits() && !options_.force) {
         report_.summary.stopWith(ExitCode::kPhoneFull, "the phone has not enough room: " + room.text());
@@ -46,18 +46,24 @@ void Preview::run(const Plan& plan)
         if (!change.keepAs.empty()) {
             report_.summary.kept.push_back({change.phonePath, change.keepAs});
             if (!report_.isQuiet) {
-                report_.progress.say(fmt::format("{:<9} {}", kKept.planned, Printable(change.keepAs)));
+                report_.progress.say(fmt::format("{:<9} {}", kKept.planned, Printable(change.keepAs)),
+                                     {"kept", {{"path", change.phonePath}, {"kept_as", change.keepAs}}});
             }
         }
         if (change.verb.planned[0] == '\0' || report_.isQuiet) {
             continue;
         }
-        report_.progress.say(fmt::format("{:<9} {}", change.verb.planned, Printable(change.name())));
+        report_.progress.say(fmt::format("{:<9} {}", change.verb.planned, Printable(change.name())),
+                             {"file",
+                              {{"action", change.verb.planned},
+                               {"path", change.name()},
+                               {"size", change.isToWrite() ? change.size : uint64_t{0}}}});
         if (!change.entries) {
             continue;
         }
         for (const std::string& entry : change.entries()) {
-            report_.progress.say(fmt::format("{:<9}   {}", "", Printable(entry)));
+            report_.progress.say(fmt::format("{:<9}   {}", "", Printable(entry)),
+                                 {"entry", {{"path", change.name()}, {"text", entry}}});
         }
     }
 }

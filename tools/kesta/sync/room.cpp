@@ -37,6 +37,15 @@ std::string Room::text() const
     return text;
 }
 
+Event Room::event() const
+{
+    Event event{"room", {{"needed", needed}, {"in_trash", inTrash}}};
+    if (free) {
+        event.fields.emplace_back("free", *free);
+    }
+    return event;
+}
+
 Room MeasureRoom(const Plan& plan, const Phone& phone, const PhoneFolder& folder, const Trash& trash)
 {
     Room room;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "phone/trash.h"
+#include "report/event.h"
 #include "sync/plan.h"
 
 namespace kesta {
@@ -18,6 +19,8 @@ struct Room {
     [[nodiscard]] bool fits() const { return !free || needed <= *free + inTrash; }
     /// "needs 120.0 MB, 5.0 MB free"
     [[nodiscard]] std::string text() const;
+    /// The same for programs.
+    [[nodiscard]] Event event() const;
 };
 
 /// phone: as the changes before the plan have left it, or would have.

@@ -1,30 +1,24 @@
 // What a sync is asked to do.
 #pragma once
 
-#include <array>
 #include <optional>
 #include <string>
-#include <vector>
 
-#include "database/category.h"
+#include "state/sync_sources.h"
 
 namespace kesta {
 
-struct SyncOptions {
-    std::string phone;
+struct SyncOptions : SyncSources {
+    std::string phone;  // empty: where phones were last seen
     std::optional<std::string> imei;
     std::optional<std::string> name;
-    std::array<std::vector<std::string>, kCategories.size()> folders;  // by category
-    std::optional<std::string> playlists;                              // a folder
-    std::optional<std::string> bookmarks;                              // a file
-    std::vector<std::string> contacts;                                 // files
-    std::vector<std::string> calendars;                                // files
-    std::optional<std::string> backup;                                 // the folder for archives
     bool dryRun = false;
     bool force = false;
     bool quiet = false;
     bool noTrash = false;
-    bool acceptFolder = false;  // a folder without a marker, though a phone is expected there
+    bool json = false;
+    std::optional<std::string> log;  // a file
+    bool acceptFolder = false;       // a folder without a marker, though a phone is expected there
 };
 
 }  // namespace kesta

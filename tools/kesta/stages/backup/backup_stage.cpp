@@ -145,7 +145,8 @@ void BackupStage::pack(Session& session) const
         return;
     }
     session.report.progress.say(
-        fmt::format("{:<9} {}", "Backup", Printable(Line(archive_, writer.files(), contents_.bytes))));
+        fmt::format("{:<9} {}", "Backup", Printable(Line(archive_, writer.files(), contents_.bytes))),
+        {"backup", {{"path", archive_}, {"files", uint64_t{writer.files()}}, {"bytes", contents_.bytes}}});
     record(session);
 }
 

@@ -41,11 +41,7 @@ Plan BookmarkStage::plan(Session& session)
     for (const std::string& url : bookmarks.tooLong) {
         session.report.fail(url.substr(0, 60) + "...", "too long for the database");
     }
-    if (bookmarks.notOfTheWeb > 0) {
-        session.report.note(fmt::format("{} left out that {} no page of the web.",
-                                        Counted(bookmarks.notOfTheWeb, "bookmark"),
-                                        bookmarks.notOfTheWeb == 1 ? "is" : "are"));
-    }
+    session.report.leaveOut("Bookmarks", "with addresses outside the web", bookmarks.notOfTheWeb);
     addChanges(std::move(bookmarks), std::move(text), session, plan);
     return plan;
 }

@@ -52,6 +52,7 @@ void ScanChosen(Category category, const std::vector<std::string>& folders, Medi
             report.fail(folder, "its path is not valid text");
             continue;
         }
+        options.filter = std::make_shared<FileFilter>(category, session.options.rules);
         FolderScan scan = ScanFolder(folder, options);
         Session::checkInterrupt();
         for (const ScanProblem& problem : scan.problems) {
@@ -63,8 +64,19 @@ void ScanChosen(Category category, const std::vector<std::string>& folders, Medi
         if (!scan.found) {
             continue;
         }
-        report.progress.say(fmt::format("{:<9} {}: {}, {}", TitleOf(category), Printable(scan.path),
-                                        Counted(scan.files.size(), "file"), FormatSize(scan.totalSize)));
+        report.leaveOut(TitleOf(category), "of other kinds", scan.otherKinds);
+        report.leaveOut(TitleOf(category), "by rules", scan.byRules);
+        report.leaveOut(TitleOf(category), "as junk", scan.junk);
+        const std::string others = scan.otherKinds > 0
+                                       ? fmt::format(", {} of other kinds left out", Counted(scan.otherKinds, "file"))
+                                       : std::string();
+        report.progress.say(fmt::format("{:<9} {}: {}, {}{}", TitleOf(category), Printable(scan.path),
+                                        Counted(scan.files.size(), "file"), FormatSize(scan.totalSize), others),
+                            {"folder",
+                             {{"category", std::string(KeyOf(category))},
+                              {"path", scan.path},
+                              {"files", uint64_t{scan.files.size()}},
+                              {"bytes", scan.totalSize}}});
         if (scan.repeatedLinks > 0) {
             report.note(fmt::format("{}: {} to folders that are read already not followed again.", Printable(scan.path),
                                     Counted(scan.repeatedLinks, "link")));

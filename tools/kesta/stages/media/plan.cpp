@@ -63,6 +63,9 @@ public:
             if (file.basePath != folder->path && !os::LiesIn(file.path, folder->path)) {
                 return false;
             }
+            if (isLeftOut(file, *folder)) {
+                return false;
+            }
             return std::none_of(folder->problems.begin(), folder->problems.end(),
                                 [&](const ScanProblem& problem) { return os::LiesIn(file.path, problem.path); });
         });
@@ -74,6 +77,13 @@ public:
     }
 
 private:
+    // What was synced before a rule left it out is not looked for, so it cannot be told to be gone.
+    static bool isLeftOut(const RecordedFile& file, const FolderScan& folder)
+    {
+        return folder.filter && file.path != folder.path && os::LiesIn(file.path, folder.path) &&
+               folder.filter->leftOut(RelativeTo(folder.path, file.path));
+    }
+
     const PlanInput& input_;
     std::vector<const FolderScan*> completeFolders_;
 };

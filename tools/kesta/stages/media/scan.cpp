@@ -1,5 +1,7 @@
 #include "stages/media/scan.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <deque>
 #include <set>
@@ -67,11 +69,49 @@ private:
         if (folder.relative.empty()) {
             scan_.found = true;
         }
+        if (!readIgnoreFile(folder, entries)) {
+            return;
+        }
         read_.push_back(folder.path);
         std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
         for (const os::DirectoryEntry& entry : entries) {
             readEntry(folder, entry);
         }
+    }
+
+    // False if the user's rules for the folder cannot be known: it could hold what is to stay on the PC.
+    bool readIgnoreFile(const PendingFolder& folder, const std::vector<os::DirectoryEntry>& entries)
+    {
+        const auto isThere = [](const os::DirectoryEntry& entry) { return entry.name == kIgnoreFileName; };
+        if (!options_.filter || std::none_of(entries.begin(), entries.end(), isThere)) {
+            return true;
+        }
+        std::string text;
+        const std::string path = os::Join(folder.path, kIgnoreFileName);
+        if (os::Status status = os::ReadText(path, text); !status.ok()) {
+            scan_.complete = false;
+            scan_.problems.push_back(
+                {folder.path, fmt::format("{} cannot be read, so nothing of the folder is synced: {}", kIgnoreFileName,
+                                          status.text())});
+            return false;
+        }
+        options_.filter->addIgnoreFile(folder.relative, text);
+        return true;
+    }
+
+    // Whether a rule keeps it on the PC.
+    bool staysOnPc(const std::string& relative, bool isFolder)
+    {
+        if (!options_.filter) {
+            return false;
+        }
+        const auto leftOut = isFolder ? options_.filter->prunes(relative) : options_.filter->leftOut(relative);
+        if (leftOut) {
+            ++(leftOut->reason == LeftOut::Reason::kJunk   ? scan_.junk
+               : leftOut->reason == LeftOut::Reason::kKind ? scan_.otherKinds
+                                                           : scan_.byRules);
+        }
+        return leftOut.has_value();
     }
 
     void readEntry(const PendingFolder& folder, const os::DirectoryEntry& entry)
@@ -94,6 +134,9 @@ private:
             return;  // Otherwise it went between the two looks, and is gone.
         }
         const std::string relative = folder.relative.empty() ? entry.name : folder.relative + '/' + entry.name;
+        if (info.kind != os::FileKind::kOther && staysOnPc(relative, info.kind == os::FileKind::kDirectory)) {
+            return;
+        }
         if (info.kind == os::FileKind::kFile) {
             scan_.files.push_back({path, relative, info.size, info.modified, os::ToLocalTime(info.modified.seconds)});
             scan_.totalSize += info.size;
@@ -153,6 +196,7 @@ FolderScan ScanFolder(const std::string& path, const ScanOptions& options)
 {
     FolderScan scan;
     scan.path = path;
+    scan.filter = options.filter;
     Scanner(scan, options).run();
     return scan;
 }

@@ -3,12 +3,14 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "base/dates.h"
 #include "os/files.h"
+#include "stages/media/file_filter.h"
 
 namespace kesta {
 
@@ -34,11 +36,14 @@ struct FolderScan {
     std::vector<ScanProblem> problems;
     std::vector<std::string> emptyFolders;  // below the chosen one, without a file at any depth; the outermost of them
     uint64_t totalSize = 0;
+    std::shared_ptr<const FileFilter> filter;  // with all .kestaignore files that were met; none: everything goes along
+    size_t otherKinds = 0, byRules = 0, junk = 0;  // files and folders that stay on the PC
     size_t repeatedLinks = 0;  // links to folders that were read already, or that hold the chosen folder itself
 };
 
 struct ScanOptions {
-    os::FileId phone;  // the phone's own folder is skipped when it lies in a chosen one
+    os::FileId phone;                    // the phone's own folder is skipped when it lies in a chosen one
+    std::shared_ptr<FileFilter> filter;  // fills up with what .kestaignore files say
     std::function<bool(size_t filesSoFar)> keepGoing = [](size_t) { return true; };
 };
 

@@ -46,6 +46,7 @@ void ReadPimSources(Session& session, PimWork& work)
         } else {
             source = ReadPimSource(work.kind, path);
         }
+        session.report.leaveOut(TitleOf(work.kind), "that are no entries", source.leftOut);
         if (!source.complete) {
             session.report.fail(path, source.problem + "; nothing of it is removed");
         }

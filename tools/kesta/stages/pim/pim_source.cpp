@@ -38,6 +38,8 @@ class FolderFiller {
 public:
     FolderFiller(PimSourceFolder& folder, std::optional<LocalTime> fileTime) : folder_(folder), fileTime_(fileTime) {}
 
+    /// For what does not say when it was changed.
+    void setFileTime(std::optional<LocalTime> time) { fileTime_ = time; }
     void add(std::string_view uid, std::string bytes, std::string digest, const std::optional<int64_t>& modifiedUtc)
     {
         const size_t copy = ++copies_[std::string(uid)];
@@ -54,17 +56,21 @@ private:
     std::map<std::string, size_t> copies_;
 };
 
-formats::Problems ReadContacts(std::string_view contents, std::optional<LocalTime> modified, PimSource& source)
+PimSourceFolder& AddContactsFolder(PimSource& source, std::string name)
 {
     PimSourceFolder& folder = source.folders.emplace_back();
     folder.id = PimFolderId(source.id, {});
-    folder.name = NameWithoutExtension(source.path);
+    folder.name = std::move(name);
+    return folder;
+}
+
+formats::Problems ReadContacts(std::string_view contents, FolderFiller& filler)
+{
     // There is no other way to write an address book without entries down.
     if (formats::Trimmed(formats::WithoutByteOrderMark(contents)).empty()) {
         return {};
     }
     formats::Cards read = formats::ParseCards(contents);
-    FolderFiller filler(folder, modified);
     for (formats::Card& card : read.cards) {
         filler.add(card.uid, std::move(card.bytes), std::move(card.digest), card.revised);
     }
@@ -74,6 +80,7 @@ formats::Problems ReadContacts(std::string_view contents, std::optional<LocalTim
 formats::Problems ReadCalendar(std::string_view contents, std::optional<LocalTime> modified, PimSource& source)
 {
     formats::Calendars read = formats::ParseCalendars(contents);
+    source.leftOut += read.unknownParts;
     for (const std::string& name : read.names) {
         source.folders.push_back(
             {PimFolderId(source.id, name), name.empty() ? NameWithoutExtension(source.path) : name, {}});
@@ -92,14 +99,94 @@ formats::Problems ReadCalendar(std::string_view contents, std::optional<LocalTim
     return std::move(read.problems);
 }
 
+struct SteadyFile {
+    os::Status status;
+    bool isSteady = false;  // nothing was written to it meanwhile
+    std::string contents;
+    std::optional<LocalTime> modified;
+};
+
+// What changes meanwhile is read once more.
+SteadyFile ReadSteadily(const std::string& path)
+{
+    SteadyFile file;
+    os::FileInfo before, after;
+    for (int attempt = 0; attempt < 2 && !file.isSteady; ++attempt) {
+        file.status = os::ReadInfo(path, before);
+        if (file.status.ok() && before.kind != os::FileKind::kFile) {
+            file.status = {os::Failure::kOther, "it is not a file"};
+        }
+        if (file.status.ok()) {
+            file.status = os::ReadText(path, file.contents);
+        }
+        if (file.status.ok()) {
+            file.status = os::ReadInfo(path, after);
+        }
+        if (!file.status.ok()) {
+            return file;
+        }
+        file.isSteady =
+            before.size == after.size && before.modified == after.modified && file.contents.size() == after.size;
+    }
+    file.modified = os::ToLocalTime(after.modified.seconds);
+    return file;
+}
+
+constexpr const char* kBeingWritten = "it is being written";
+
+// Each card in a file of its own, as address books that are kept in folders have it.
+PimSource ReadContactsFolder(PimSource source)
+{
+    std::vector<os::DirectoryEntry> entries;
+    if (os::Status status = os::ListDirectory(source.path, entries); !status.ok()) {
+        source.problem = "it cannot be read: " + status.text();
+        return source;
+    }
+    std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+    source.readable = true;
+    std::string firstProblem;
+    size_t problems = 0;
+    const auto tell = [&](const std::string& name, const std::string& problem) {
+        firstProblem = problems == 0 ? fmt::format("{}: {}", name, problem) : firstProblem;
+        ++problems;
+    };
+    FolderFiller filler(AddContactsFolder(source, os::NameOf(source.path)), std::nullopt);
+    for (const os::DirectoryEntry& entry : entries) {
+        if (!formats::ToUpper(entry.name).ends_with(".VCF")) {
+            source.leftOut += entry.name.starts_with('.') ? 0u : 1u;
+            continue;
+        }
+        const SteadyFile file = ReadSteadily(os::Join(source.path, entry.name));
+        if (!file.status.ok()) {
+            tell(entry.name, "it cannot be read: " + file.status.text());
+            continue;
+        }
+        if (!file.isSteady) {
+            tell(entry.name, kBeingWritten);
+        }
+        filler.setFileTime(file.modified);
+        if (const formats::Problems wrong = ReadContacts(file.contents, filler); !wrong.empty()) {
+            tell(entry.name, Describe(wrong));
+        }
+    }
+    source.complete = problems == 0;
+    source.problem = problems > 1 ? fmt::format("{} (and {} more files)", firstProblem, problems - 1) : firstProblem;
+    return source;
+}
+
 }  // namespace
 
 PimSource MakePimSource(PimKind kind, const std::string& canonicalPath, std::string_view contents,
                         std::optional<LocalTime> modified)
 {
-    PimSource source{canonicalPath, PimSourceId(kind, canonicalPath), true, false, {}, {}};
-    const formats::Problems problems = kind == PimKind::kContacts ? ReadContacts(contents, modified, source)
-                                                                  : ReadCalendar(contents, modified, source);
+    PimSource source{canonicalPath, PimSourceId(kind, canonicalPath), true, false, {}, {}, 0};
+    formats::Problems problems;
+    if (kind == PimKind::kContacts) {
+        FolderFiller filler(AddContactsFolder(source, NameWithoutExtension(canonicalPath)), modified);
+        problems = ReadContacts(contents, filler);
+    } else {
+        problems = ReadCalendar(contents, modified, source);
+    }
     source.complete = problems.empty();
     if (!source.complete) {
         source.problem = Describe(problems);
@@ -109,33 +196,21 @@ PimSource MakePimSource(PimKind kind, const std::string& canonicalPath, std::str
 
 PimSource ReadPimSource(PimKind kind, const std::string& canonicalPath)
 {
-    PimSource unreadable{canonicalPath, PimSourceId(kind, canonicalPath), false, false, {}, {}};
-    bool isSteady = false;
-    std::string contents;
-    os::FileInfo before, after;
-    for (int attempt = 0; attempt < 2 && !isSteady; ++attempt) {
-        os::Status status = os::ReadInfo(canonicalPath, before);
-        if (status.ok() && before.kind != os::FileKind::kFile) {
-            status = {os::Failure::kOther, "it is not a file"};
-        }
-        if (status.ok()) {
-            status = os::ReadText(canonicalPath, contents);
-        }
-        if (status.ok()) {
-            status = os::ReadInfo(canonicalPath, after);
-        }
-        if (!status.ok()) {
-            unreadable.problem = "it cannot be read: " + status.text();
-            return unreadable;
-        }
-        isSteady = before.size == after.size && before.modified == after.modified && contents.size() == after.size;
+    PimSource unreadable{canonicalPath, PimSourceId(kind, canonicalPath), false, false, {}, {}, 0};
+    if (os::FileInfo info;
+        kind == PimKind::kContacts && os::ReadInfo(canonicalPath, info).ok() && info.kind == os::FileKind::kDirectory) {
+        return ReadContactsFolder(std::move(unreadable));
     }
-    PimSource source = MakePimSource(kind, canonicalPath, contents, os::ToLocalTime(after.modified.seconds));
-    if (isSteady) {
-        return source;
+    const SteadyFile file = ReadSteadily(canonicalPath);
+    if (!file.status.ok()) {
+        unreadable.problem = "it cannot be read: " + file.status.text();
+        return unreadable;
     }
-    source.complete = false;
-    source.problem = "it is being written";
+    PimSource source = MakePimSource(kind, canonicalPath, file.contents, file.modified);
+    if (!file.isSteady) {
+        source.complete = false;
+        source.problem = kBeingWritten;
+    }
     return source;
 }
 

@@ -1,4 +1,4 @@
-// The address-book and calendar files of the PC as they are given to a sync.
+// The address books and calendars of the PC as they are given to a sync: files, or folders with a file for each card.
 #pragma once
 
 #include <optional>
@@ -23,9 +23,11 @@ struct PimSource {
     bool complete = false;  // read to its end and understood, so that what was not seen is gone
     std::string problem;    // what is wrong when it is not complete
     std::vector<PimSourceFolder> folders;
+    size_t leftOut = 0;  // parts that are no entries, and files of a folder that are no address books
 };
 
-/// Reads the file. One that changes meanwhile is read again, and then counts as not complete.
+/// Reads the file, or for contacts all .vcf files of the folder as one address book. One that changes meanwhile is read
+/// again, and then counts as not complete.
 [[nodiscard]] PimSource ReadPimSource(PimKind kind, const std::string& canonicalPath);
 /// From the file's contents. Entries that do not say when they were changed get the file's time.
 [[nodiscard]] PimSource MakePimSource(PimKind kind, const std::string& canonicalPath, std::string_view contents,

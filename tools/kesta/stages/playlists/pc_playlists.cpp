@@ -21,14 +21,12 @@ std::string StemOf(const std::string& fileName)
     return fileName.substr(0, fileName.rfind('.'));
 }
 
-// Players often save a list as .m3u and as .m3u8. The one that says how it is encoded gets the name.
+// Players often save a list in several formats, as .m3u and as .m3u8, say. The one that is read best gets the name.
 std::map<std::string, std::string> NamesOf(std::vector<std::string> files)
 {
-    const auto isUtf8 = [](const std::string& file) {
-        return formats::EncodingOf(file) == formats::PlaylistEncoding::kUtf8;
-    };
-    std::sort(files.begin(), files.end(),
-              [&](const std::string& a, const std::string& b) { return isUtf8(a) != isUtf8(b) ? isUtf8(a) : a < b; });
+    std::sort(files.begin(), files.end(), [&](const std::string& a, const std::string& b) {
+        return std::pair(formats::RankOfFormat(a), a) < std::pair(formats::RankOfFormat(b), b);
+    });
     std::map<std::string, std::string> fileOfName;
     for (const std::string& file : files) {
         if (!fileOfName.emplace(StemOf(file), file).second) {
@@ -86,7 +84,7 @@ public:
             result_.problems.push_back({list.path, "it cannot be read: " + status.text()});
             list.readable = list.complete = false;
         } else {
-            formats::Playlist parsed = formats::ParsePlaylist(text, formats::EncodingOf(file));
+            formats::Playlist parsed = formats::ParsePlaylistFile(file, text);
             list.complete = parsed.problems.empty();
             for (const formats::Problem& problem : parsed.problems) {
                 report(list, problem.line, problem.text);
@@ -189,6 +187,7 @@ PcPlaylists ReadPlaylists(const std::string& folder, const std::function<bool()>
     std::vector<std::string> files;
     for (const os::DirectoryEntry& entry : entries) {
         if (!formats::IsPlaylistName(entry.name)) {
+            result.otherFormats += formats::IsOtherPlaylistName(entry.name) ? 1u : 0u;
             continue;
         }
         os::FileInfo info;

@@ -45,6 +45,7 @@ struct PcPlaylists {
     bool found = false;  // the folder could be read
     std::vector<PcPlaylist> lists;
     std::vector<ListProblem> problems;
+    size_t otherFormats = 0;  // lists that cannot be read
 };
 
 /// Takes the canonical path of a folder; folders below it are not looked at.

@@ -105,8 +105,10 @@ bool PlaylistFileStage::readLists(Session& session)
     if (!state_.pc.found) {
         return false;
     }
+    session.report.leaveOut("Playlists", "in other formats", state_.pc.otherFormats);
     session.report.progress.say(
-        fmt::format("{:<9} {}: {}", "Playlists", Printable(folder), Counted(state_.pc.lists.size(), "playlist")));
+        fmt::format("{:<9} {}: {}", "Playlists", Printable(folder), Counted(state_.pc.lists.size(), "playlist")),
+        {"folder", {{"category", "playlists"}, {"path", folder}, {"files", uint64_t{state_.pc.lists.size()}}}});
     return true;
 }
 

@@ -1,0 +1,15 @@
+// The phones that are where they were last seen.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "state/seen_phone.h"
+
+namespace kesta {
+
+/// All of them, or the one with the IMEI. Throws when none is there.
+[[nodiscard]] std::vector<SeenPhone> PhonesInPlace(const std::optional<std::string>& imei);
+
+}  // namespace kesta
