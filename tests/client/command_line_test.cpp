@@ -44,7 +44,7 @@ TEST_F(CommandLineTest, CompletionsAndManual_HaveEveryCommandAndItsOptions)
     const std::string zsh = client({"generate", "zsh"}).out;
     const std::string fish = client({"generate", "fish"}).out;
     const std::string manual = client({"generate", "man"}).out;
-    for (const std::string command : {"sync", "status", "files", "why", "restore", "settings", "trace"}) {
+    for (const std::string command : {"sync", "status", "files", "why", "restore", "settings", "forget", "trace"}) {
         EXPECT_THAT(help, HasSubstr("  " + command + " "));
         EXPECT_THAT(bash, HasSubstr("        " + command + ") words='"));
         EXPECT_THAT(zsh, HasSubstr("        '" + command + ":"));

@@ -43,6 +43,11 @@ public:
         if (record.bcID == -1) throw Error("DB_BACKUP_AddBackup", Code::kNotStored);
         return record.bcID;
     }
+    /// All records of one phone.
+    void removeOf(std::string_view imei)
+    {
+        detail::Require("DB_BACKUP_DeleteBackups", DB_BACKUP_DeleteBackups(detail::KnownIdentifier(imei).c_str()));
+    }
     void remove(int32_t id) { detail::Require("DB_BACKUP_DeleteBackup", DB_BACKUP_DeleteBackup(id)); }
 
 private:

@@ -11,6 +11,7 @@
     COMMAND(Restore)            \
     COMMAND(Report)             \
     COMMAND(Settings)           \
+    COMMAND(Forget)             \
     COMMAND(Doctor)             \
     COMMAND(Trace)              \
     COMMAND(Generate)

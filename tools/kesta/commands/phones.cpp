@@ -1,9 +1,9 @@
 #include "commands/phones.h"
-#include "base/stop_run.h"
 
 #include <fmt/format.h>
 
-#include <stdexcept>
+#include "base/stop_run.h"
+#include "state/hidden_phones.h"
 
 namespace kesta {
 
@@ -19,7 +19,9 @@ PhoneSettings KnownPhone(const Database& database, const std::string& imei)
 std::vector<PhoneSettings> ChosenPhones(const Database& database, const std::optional<std::string>& imei)
 {
     if (!imei) {
-        return database.phones().all();
+        std::vector<PhoneSettings> phones = database.phones().all();
+        std::erase_if(phones, [](const PhoneSettings& phone) { return IsHidden(phone.imei); });
+        return phones;
     }
     return {KnownPhone(database, *imei)};
 }

@@ -11,7 +11,7 @@ namespace kesta {
 
 /// Throws when the database does not know the phone.
 [[nodiscard]] PhoneSettings KnownPhone(const Database& database, const std::string& imei);
-/// The phone that is named, else all of them.
+/// The phone that is named, else all that have not been forgotten.
 [[nodiscard]] std::vector<PhoneSettings> ChosenPhones(const Database& database, const std::optional<std::string>& imei);
 
 }  // namespace kesta

@@ -25,10 +25,12 @@
 #include "stages/phone_stage.h"
 #include "stages/pim/pim_stage.h"
 #include "stages/playlists/playlist_stage.h"
+#include "state/hidden_phones.h"
 #include "state/last_run.h"
 #include "state/run_history.h"
 #include "state/snapshots.h"
 #include "sync/executor.h"
+#include "sync/guarded.h"
 #include "sync/mount.h"
 #include "sync/preview.h"
 
@@ -44,19 +46,6 @@ Progress::Style StyleOf(const SyncOptions& options)
         return Progress::Style::kBar;
     }
     return options.quiet ? Progress::Style::kQuiet : Progress::Style::kLines;
-}
-
-// What ended a run is the summary's matter as soon as the run has a summary.
-template <class Work>
-void Guarded(Summary& summary, const Work& work)
-{
-    try {
-        work();
-    } catch (const StopRun& stop) {
-        summary.stopWith(stop.code(), stop.what());
-    } catch (const kesta_db::Error& failure) {
-        summary.stopWith(ExitCode::kDatabase, TextOf(failure));
-    }
 }
 
 class SyncRun {
@@ -166,7 +155,11 @@ private:
         if (options_.dryRun || !mayRemember_) {
             return;
         }
-        if (os::Status saved = WriteSyncSources(imei, remembered_); !saved.ok()) {
+        os::Status saved = ShowPhone(imei);
+        if (saved.ok()) {
+            saved = WriteSyncSources(imei, remembered_);
+        }
+        if (!saved.ok()) {
             report_.note("what was given cannot be remembered for the next run: " + saved.text());
         }
     }

@@ -24,4 +24,11 @@ namespace kesta {
     }
 }
 
+inline void RemoveBackupsOf(const Database& database, const std::string& imei)
+{
+    if (const auto backups = BackupsOf(database, imei); backups && !backups->empty()) {
+        database.backups().removeOf(imei);
+    }
+}
+
 }  // namespace kesta

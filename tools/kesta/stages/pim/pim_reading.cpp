@@ -26,7 +26,7 @@ bool ReadPimLog(const std::optional<PimJournal>& journal, Session& session, PimW
     return true;
 }
 
-void ReadPimSources(Session& session, PimWork& work)
+void ReadPimSources(PimAim aim, Session& session, PimWork& work)
 {
     std::set<std::string> seen;
     for (const std::string& given : FilesOf(work.kind, session.options)) {
@@ -39,6 +39,10 @@ void ReadPimSources(Session& session, PimWork& work)
         }
         PimSource& source = work.sources.emplace_back();
         source.path = path;
+        if (aim == PimAim::kForget) {
+            source = {path, PimSourceId(work.kind, path), true, true, {}, {}, 0};
+            continue;
+        }
         if (os::LiesIn(path, session.folder.root())) {
             source.problem = "it lies on the phone itself";
         } else if (!IsValidUtf8(path)) {

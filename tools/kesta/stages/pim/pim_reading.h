@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "stages/pim/pim_log.h"
+#include "stages/pim/pim_stage.h"
 
 namespace kesta {
 
@@ -14,7 +15,7 @@ namespace kesta {
 
 /// False when the log is not this program's: the user has been told. journal: of a run that was cut short.
 [[nodiscard]] bool ReadPimLog(const std::optional<PimJournal>& journal, Session& session, PimWork& work);
-void ReadPimSources(Session& session, PimWork& work);
+void ReadPimSources(PimAim aim, Session& session, PimWork& work);
 /// The folders of the sources with their entries, of all others the names.
 void ReadPimStore(kesta_db::PimStore& store, PimWork& work);
 

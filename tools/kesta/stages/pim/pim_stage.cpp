@@ -73,7 +73,7 @@ void PimStage::prepare(PimKind kind, Session& session)
     Tally& tally = isGiven ? session.report.summary.beginFamily(
                                  std::string(TitleOf(kind)), kind == PimKind::kContacts ? "contact" : "calendar item")
                            : session.report.summary.files;
-    ReadPimSources(session, work);
+    ReadPimSources(aim_, session, work);
     ReadPimStore(store_, work);
     work.store = PlanPimStore({kind, work.sources, work.stored, session.guard});
     for (const FailedItem& refusal : work.store.refusals) {

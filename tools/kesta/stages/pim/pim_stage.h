@@ -10,10 +10,18 @@
 
 namespace kesta {
 
+enum class PimAim {
+    kSync,
+    kForget  // the files that are given are to go, whatever the PC has
+};
+
 class PimStage : public Stage {
 public:
     /// The folder of the phone is for what a run that was cut short has left.
-    PimStage(const Database& database, PhoneFolder& phone) : store_(database.pimStore()), phone_(phone) {}
+    PimStage(const Database& database, PhoneFolder& phone, PimAim aim = PimAim::kSync)
+        : store_(database.pimStore()), phone_(phone), aim_(aim)
+    {
+    }
     [[nodiscard]] Plan plan(Session& session) override;
 
 private:
@@ -22,6 +30,7 @@ private:
 
     kesta_db::PimStore store_;
     PhoneFolder& phone_;
+    PimAim aim_;
     bool hasJournal_ = false;
     std::optional<PimJournal> journal_;  // none as well when it cannot be read: the run writes another one
     std::vector<Tally*> tallies_;        // of each work

@@ -70,6 +70,12 @@ Plan PlaylistFileStage::plan(Session& session)
         session.report.note(fmt::format("the playlist {} was deleted on the phone: skipped.", Printable(list->name)));
     }
 
+    addChanges(std::move(lists), plan);
+    return plan;
+}
+
+void PlaylistFileStage::addChanges(std::vector<RecordedPlaylist> lists, Plan& plan)
+{
     Change confirmation;
     confirmation.record = [this, lists = std::move(lists)](const Written&) { confirm(lists); };
     plan.add(std::move(confirmation));
@@ -86,7 +92,6 @@ Plan PlaylistFileStage::plan(Session& session)
     for (const FileChange& copy : state_.plan.files.copies) {
         plan.add(ToChange(copy, state_.fileRecords));
     }
-    return plan;
 }
 
 bool PlaylistFileStage::readLists(Session& session)

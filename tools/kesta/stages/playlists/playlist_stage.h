@@ -43,6 +43,8 @@ class PlaylistFileStage : public Stage {
 public:
     PlaylistFileStage(PlaylistRun& state, const MediaPhonePaths& media) : state_(state), media_(media) {}
     [[nodiscard]] Plan plan(Session& session) override;
+    /// What the planned playlists need: the confirmation of these lists of the PC, and the music.
+    void addChanges(std::vector<RecordedPlaylist> lists, Plan& plan);
 
 private:
     [[nodiscard]] bool readLists(Session& session);
