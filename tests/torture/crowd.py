@@ -84,6 +84,8 @@ def _ending(child, data):
 class Neighbour:
     """One thread's dealings with the library."""
 
+    takes_turns = True  # with all others: what several statements write is somebody's whole one
+
     def __init__(self, path, tag):
         self.library, self.tag = Native(path), tag
         self.acknowledged = []
@@ -104,7 +106,7 @@ class Neighbour:
         self._must_work("DB_PLAYERMUSIC_GetListFilesname", (calls.IMEI, LIST, 0))
         names = self.library.read_slot("outnames", 0)
         self.library.release_names(0)
-        if names and (len(names) != NAMES or len({name.partition(":")[0] for name in names}) != 1):
+        if self.takes_turns and names and (len(names) != NAMES or len({name.partition(":")[0] for name in names}) != 1):
             raise Failure(f"two calls were inside at once: the shared list is {names}")
 
     def _must_work(self, export, args):

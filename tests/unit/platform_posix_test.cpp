@@ -13,6 +13,7 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <memory>
 #include <fstream>
 #include <optional>
 #include <string>
@@ -316,7 +317,8 @@ TEST(PosixTrace, LineOfTheLongestStatement_ArrivesWholeAndInUtf8)
 TEST(PosixTrace, StandardStreamsClosed_StayClosed)
 {
     const test::DataFolder data;
-    const auto source = test::TraceSource::open(data.runtimeFolder());
+    static std::unique_ptr<test::TraceSource> source;  // static: the child ends without giving it back
+    source = test::TraceSource::open(data.runtimeFolder());
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
@@ -338,6 +340,7 @@ TEST(PosixTrace, StandardStreamsClosed_StayClosed)
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 0);
     EXPECT_EQ(source->take(), std::vector<std::string>{"seen"});
+    source.reset();
 }
 
 TEST(PosixTrace, RuntimeFolderTooLongForASocket_NobodyReads)

@@ -133,8 +133,13 @@ class DamagedMutexes(Neighbours):
             os.path.exists(flag) and os.unlink(flag)
 
     def _removed_while_used(self):
+        """Who came before and who comes after have no lock in common then: nothing else may happen to them."""
         segment = self.probe()
-        return self._disturbed(lambda: segments.remove(segment))
+        Neighbour.takes_turns = False
+        try:
+            return self._disturbed(lambda: segments.remove(segment))
+        finally:
+            Neighbour.takes_turns = True
 
     def _lock_file_removed_while_used(self):
         self._make_foreign()
