@@ -13,8 +13,8 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
-#include <memory>
 #include <fstream>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>

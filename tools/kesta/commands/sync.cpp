@@ -97,6 +97,7 @@ public:
         });
         report_.progress.finish();
         if (!options_.dryRun) {
+            forgetMoved(session);
             RememberMount(phone_, session.imei);
             recordEnd(database, session.imei);
             Guarded(report_.summary, [&] { takeSnapshot(); });
@@ -143,6 +144,7 @@ private:
             static_cast<SyncSources&>(options_) = remembered_;
         }
         options_.rules = remembered_.rules;
+        options_.remembered = remembered_;
         if (!options_.hasAny()) {
             throw StopRun(ExitCode::kUsage,
                           "there is nothing to sync: give --music, --images, --videos, --documents, --playlists, "
@@ -161,6 +163,16 @@ private:
         }
         if (!saved.ok()) {
             report_.note("what was given cannot be remembered for the next run: " + saved.text());
+        }
+    }
+
+    // What is not there any more, and was found elsewhere, is not to be looked for by the next kesta sync.
+    void forgetMoved(const Session& session)
+    {
+        const auto dropped = std::count_if(session.movedSources.begin(), session.movedSources.end(),
+                                           [&](const std::string& path) { return remembered_.drop(path); });
+        if (dropped > 0) {
+            remember(session.imei);
         }
     }
 

@@ -58,6 +58,8 @@ Status ReadInfoOfLink(const std::string& path, FileInfo& info);
 Status ListDirectory(const std::string& path, std::vector<DirectoryEntry>& entries);
 /// False also when it cannot be listed.
 bool IsEmptyDirectory(const std::string& path);
+/// Whether there is certainly nothing at the path.
+bool IsMissing(const std::string& path);
 /// Absolute, without links, "." and "..". Fails when there is nothing at the path.
 Status CanonicalPath(const std::string& path, std::string& canonical);
 /// Absolute, whether or not there is anything at the path.

@@ -7,6 +7,12 @@
 
 namespace kesta::os {
 
+bool IsMissing(const std::string& path)
+{
+    FileInfo info;
+    return ReadInfoOfLink(path, info).failure() == Failure::kMissing;
+}
+
 std::string Join(std::string_view directory, std::string_view name)
 {
     std::string path(directory);

@@ -72,6 +72,15 @@ bool PhonePaths::takeFolder(const std::string& path)
     return !files_.contains(key) && !fileIsThere && folders_.insert(key).second;
 }
 
+std::string PhonePaths::wishFor(const std::vector<std::string>& parts) const
+{
+    std::string path = top_;
+    for (const std::string& part : parts) {
+        path += '/' + SafeName(part);
+    }
+    return path;
+}
+
 PhonePaths::Allocated PhonePaths::allocate(const std::vector<std::string>& parts, const std::string& seed,
                                            const IsSame& isSame)
 {

@@ -33,6 +33,9 @@ public:
     /// A place beside a file that somebody has changed on the phone.
     [[nodiscard]] std::string allocateBeside(const std::string& phonePath);
 
+    /// Where a file would lie if nothing were in its way.
+    [[nodiscard]] std::string wishFor(const std::vector<std::string>& parts) const;
+
     using IsSame = std::function<bool(const std::string& phonePath, const PhoneFile& there)>;
     /// A path below the top folder for a file that has none yet, by the same rule in every run. The parts are the
     /// names of its folders and its own; they are made safe. Of files with one name the seed tells them apart.

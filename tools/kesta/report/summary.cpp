@@ -54,6 +54,7 @@ Tally& Tally::operator+=(const Tally& other)
 {
     added += other.added;
     updated += other.updated;
+    moved += other.moved;
     adopted += other.adopted;
     removed += other.removed;
     unchanged += other.unchanged;
@@ -158,6 +159,9 @@ std::string Describe(const Summary& summary, bool isPreview, double seconds)
     fmt::format_to(out, "{}: {} copied, {} updated, {} removed, {} unchanged, {} failed",
                    isPreview ? "A sync would give" : "Summary", summary.files.added, summary.files.updated,
                    summary.files.removed, summary.files.unchanged, summary.failures.size());
+    if (summary.files.moved > 0) {
+        fmt::format_to(out, ", {} moved", summary.files.moved);
+    }
     if (summary.files.adopted > 0) {
         fmt::format_to(out, ", {} recorded as found", summary.files.adopted);
     }

@@ -21,6 +21,7 @@ struct FailedItem {
 struct Tally {
     size_t added = 0, updated = 0, adopted = 0, removed = 0, unchanged = 0;
     size_t deferred = 0;  // removals left out, since they are more than half of what is recorded
+    size_t moved = 0;     // on the phone, as they were on the PC
 
     Tally& operator+=(const Tally& other);
 };

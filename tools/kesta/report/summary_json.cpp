@@ -10,8 +10,9 @@ using Json = nlohmann::ordered_json;
 
 Json ToJson(const Tally& tally)
 {
-    return {{"added", tally.added},     {"updated", tally.updated},     {"removed", tally.removed},
-            {"adopted", tally.adopted}, {"unchanged", tally.unchanged}, {"deferred", tally.deferred}};
+    return {{"added", tally.added},      {"updated", tally.updated}, {"removed", tally.removed},
+            {"moved", tally.moved},      {"adopted", tally.adopted}, {"unchanged", tally.unchanged},
+            {"deferred", tally.deferred}};
 }
 
 }  // namespace

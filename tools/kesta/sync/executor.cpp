@@ -148,6 +148,9 @@ bool Executor::makeNoted(const Change& change, const Plan& plan)
     if (change.kind == ChangeKind::kRemove && !remove(change)) {
         return false;
     }
+    if (change.kind == ChangeKind::kMove && !move(change)) {
+        return false;
+    }
     if (change.isToWrite() && !write(change, written)) {
         return false;
     }
@@ -196,6 +199,28 @@ bool Executor::remove(const Change& change)
         report_.fail(change.phonePath, "the empty folder above it cannot be removed from the phone: " + status.text());
     }
     return true;
+}
+
+bool Executor::move(const Change& change)
+{
+    if (os::Status status = phone_.move(change.movedFrom, change.phonePath); !status.ok()) {
+        fail(change, "it cannot be moved on the phone: " + status.text());
+        stopIfNothingCanBeWritten(status);
+        return false;
+    }
+    moveLeft(change.movedFrom, change.phonePath);
+    if (os::Status status = phone_.tidyAbove(change.movedFrom); !status.ok()) {
+        report_.fail(change.movedFrom, "the empty folder above it cannot be removed from the phone: " + status.text());
+    }
+    return true;
+}
+
+void Executor::moveLeft(const std::string& from, const std::string& to)
+{
+    if (const LeftFile* left = left_.find(from)) {
+        left_.leave(to, LeftFile(*left));
+        left_.forget(from);
+    }
 }
 
 std::function<os::Status()> Executor::wayMaker(const Change& change)
@@ -381,7 +406,8 @@ bool Executor::record(const Change& change, const Written& written)
         return true;
     }
     const bool wasLeftBehind = isLeftBehind_;
-    isLeftBehind_ = isLeftBehind_ || change.kind == ChangeKind::kPut;  // as long as it can throw
+    const bool isNew = change.kind == ChangeKind::kPut || change.kind == ChangeKind::kMove;
+    isLeftBehind_ = isLeftBehind_ || isNew;  // as long as it can throw
     kesta_db::Code code{};
     try {
         change.record(written);
@@ -396,7 +422,7 @@ bool Executor::record(const Change& change, const Written& written)
     isLeftBehind_ = wasLeftBehind;
     fail(change, fmt::format("it cannot be {} the database: {}",
                              change.kind == ChangeKind::kRemove ? "removed from" : "recorded in", SentenceOf(code)));
-    if (change.kind == ChangeKind::kPut) {
+    if (isNew) {
         takeBack(change);
     }
     // A text that is too long is that item's own matter; anything else would fail again for the next one.
@@ -408,14 +434,18 @@ bool Executor::record(const Change& change, const Written& written)
 
 void Executor::takeBack(const Change& change)
 {
-    left_.forget(change.phonePath);
-    os::Status status = phone_.removeFile(change.phonePath);
+    os::Status status;
+    if (change.kind == ChangeKind::kMove) {
+        status = phone_.move(change.phonePath, change.movedFrom);
+        moveLeft(change.phonePath, change.movedFrom);
+    } else {
+        left_.forget(change.phonePath);
+        status = phone_.removeFile(change.phonePath);
+    }
     if (status.ok()) {
         status = phone_.tidyAbove(change.phonePath);
     }
-    if (!status.ok()) {
-        isLeftBehind_ = true;
-    }
+    isLeftBehind_ = isLeftBehind_ || !status.ok();
 }
 
 void Executor::fail(const Change& change, const std::string& reason)

@@ -40,6 +40,8 @@ private:
     /// What follows once the phone holds it.
     [[nodiscard]] bool finish(const Change& change, const Plan& plan, const Written& written);
     [[nodiscard]] bool remove(const Change& change);
+    [[nodiscard]] bool move(const Change& change);
+    void moveLeft(const std::string& from, const std::string& to);
     /// To be called as often as it takes: the way is made once.
     [[nodiscard]] std::function<os::Status()> wayMaker(const Change& change);
     [[nodiscard]] os::Status makeWay(const Change& change);

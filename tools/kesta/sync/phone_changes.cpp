@@ -51,6 +51,17 @@ bool IsSameFraction(int32_t nanoseconds, int32_t other)
     return false;
 }
 
+bool PhoneChanges::isCopyOf(const std::string& phonePath, const PcFile& pc) const
+{
+    const LeftFile* left = left_.find(phonePath);
+    // No two files have one time to the last digit, unless it has none behind the second.
+    if (left != nullptr && left->pcNanoseconds && *left->pcNanoseconds != 0 &&
+        *left->pcNanoseconds == pc.modifiedNanoseconds) {
+        return true;
+    }
+    return holdsFile_(phonePath, pc.path);
+}
+
 bool PhoneChanges::isPcChanged(const std::string& phonePath, const PcFile& pc) const
 {
     const LeftFile* left = left_.find(phonePath);

@@ -46,6 +46,8 @@ public:
     /// pc: null for a file that is gone. recorded: the time with which it was copied.
     [[nodiscard]] bool isChanged(const std::string& phonePath, const PhoneFile& there,
                                  std::optional<LocalTime> recorded, const PcFile* pc) const;
+    /// Whether the file on the phone, which has its size, is a copy of what the file of the PC still holds.
+    [[nodiscard]] bool isCopyOf(const std::string& phonePath, const PcFile& pc) const;
     /// Whether the file of the PC has changed within the second in which it was when it was copied.
     [[nodiscard]] bool isPcChanged(const std::string& phonePath, const PcFile& pc) const;
     /// Notes what that is told by, for a file that is on the phone as it is on the PC.

@@ -22,6 +22,7 @@ enum class ChangeKind {
     kPut,      // new on the phone: written, then recorded
     kReplace,  // changed, or not as recorded on the phone: written again, then recorded
     kAdopt,    // lies on the phone already as it should: only recorded
+    kMove,     // moved to another path on the phone, then recorded there
     kRemove,   // removed from the phone, then from the database
     kRecord    // only the database is concerned
 };
@@ -37,6 +38,7 @@ inline constexpr Verb kAdded{"added", "add"};
 inline constexpr Verb kUpdated{"updated", "update"};
 inline constexpr Verb kWritten{"written", "write"};
 inline constexpr Verb kRecorded{"recorded", "record"};
+inline constexpr Verb kMoved{"moved", "move"};
 inline constexpr Verb kRemoved{"removed", "remove"};
 inline constexpr Verb kKept{"kept", "keep"};
 
@@ -58,10 +60,11 @@ struct Change {
     std::string shown;      // what the user sees; empty: the phone path, or the subject where there is none
     std::string pcFile;     // to be copied; empty: the text is written
     std::string text;
-    std::string keepAs;  // the phone path for what is there, as somebody has changed it on the phone; empty: it goes
-    uint64_t size = 0;   // of either
-    Verb verb;           // empty: the user hears of it only when it fails
-    Tally counts;        // what has been done then
+    std::string movedFrom;  // the phone path where it lies
+    std::string keepAs;     // the phone path for what is there, as somebody has changed it on the phone; empty: it goes
+    uint64_t size = 0;      // of either
+    Verb verb;              // empty: the user hears of it only when it fails
+    Tally counts;           // what has been done then
     Tally* tally = nullptr;                             // of another family than the plan's
     std::function<std::vector<std::string>()> entries;  // of the file, with what happens to each: a preview tells them
     Record record;                                      // empty: there is no row

@@ -14,7 +14,10 @@ void PlannedPhone::make(const Change& change)
     if (!change.keepAs.empty()) {
         changed_[change.keepAs] = find(change.phonePath);
     }
-    if (change.isToWrite()) {
+    if (change.kind == ChangeKind::kMove) {
+        changed_[change.phonePath] = find(change.movedFrom);
+        changed_[change.movedFrom] = {};
+    } else if (change.isToWrite()) {
         changed_[change.phonePath] = {PhoneEntry::kFile, change.size, 0};
     } else if (change.kind == ChangeKind::kRemove) {
         changed_[change.phonePath] = {};

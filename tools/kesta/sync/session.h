@@ -9,6 +9,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "database/database.h"
 #include "phone/phone_folder.h"
@@ -32,6 +33,7 @@ struct Session {
     DeletionGuard& guard;
     LeftFiles& left;
     Report& report;
+    std::vector<std::string> movedSources{};  // files and folders of the PC that are gone, and were found elsewhere
 
     /// Throws when the user has asked for an end.
     static void checkInterrupt();

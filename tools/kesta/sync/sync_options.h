@@ -9,7 +9,8 @@
 namespace kesta {
 
 struct SyncOptions : SyncSources {
-    std::string phone;  // empty: where phones were last seen
+    SyncSources remembered;  // with what is given
+    std::string phone;       // empty: where phones were last seen
     std::optional<std::string> imei;
     std::optional<std::string> name;
     bool dryRun = false;

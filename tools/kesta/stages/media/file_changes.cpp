@@ -5,18 +5,8 @@
 namespace kesta {
 namespace {
 
-void Enter(FileChange file, FileRecords& records, const Written& written)
+void Add(const FileChange& file, FileRecords& records)
 {
-    if (written.isWritten) {
-        file.size = written.size;
-        file.file.modified = written.modified;
-    }
-    if (file.kind == ChangeKind::kRemove) {
-        return records.remove(file);
-    }
-    if (file.kind == ChangeKind::kReplace || file.kind == ChangeKind::kRecord) {
-        return records.update(file);
-    }
     if (records.add(file)) {
         return;
     }
@@ -26,6 +16,27 @@ void Enter(FileChange file, FileRecords& records, const Written& written)
     if (!records.holds(file)) {
         throw kesta_db::Error("SetAddedFile", kesta_db::Code::kExists);
     }
+}
+
+void Enter(FileChange file, FileRecords& records, const Written& written)
+{
+    if (written.isWritten) {
+        file.size = written.size;
+        file.file.modified = written.modified;
+    }
+    if (file.kind == ChangeKind::kRemove) {
+        return records.remove(file);
+    }
+    if (file.kind == ChangeKind::kMove) {
+        Add(file, records);
+        FileChange old = file;
+        old.file.path = file.oldPath;
+        return records.remove(old);
+    }
+    if (file.kind == ChangeKind::kReplace || file.kind == ChangeKind::kRecord) {
+        return records.update(file);
+    }
+    Add(file, records);
 }
 
 }  // namespace
@@ -68,6 +79,15 @@ Change ToChange(const FileChange& file, FileRecords& records)
         case ChangeKind::kRemove:
             change.verb = kRemoved;
             change.counts.removed = 1;
+            break;
+        case ChangeKind::kMove:
+            if (file.oldPhonePath == file.file.phonePath) {
+                change.kind = ChangeKind::kRecord;
+            } else {
+                change.movedFrom = file.oldPhonePath;
+            }
+            change.verb = kMoved;
+            change.counts.moved = 1;
             break;
         case ChangeKind::kAdopt:
             change.verb = kRecorded;

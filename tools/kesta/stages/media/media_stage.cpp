@@ -112,6 +112,22 @@ void RecordFolders(Category category, MediaState::OfCategory& state, Session& se
     });
 }
 
+void ForgetMovedFolders(const std::vector<FilePlan>& ofCategories, Session& session, Plan& plan)
+{
+    for (const FilePlan& files : ofCategories) {
+        for (const std::string& folder : files.foldersMoved) {
+            Change change;
+            change.subject = folder;
+            change.needsAllBefore = true;  // With the folder the library forgets its files.
+            change.record = [folder, category = files.category, &session](const Written&) {
+                session.database.media(session.imei, category).removeFolder(folder);
+                session.movedSources.push_back(folder);
+            };
+            plan.add(std::move(change));
+        }
+    }
+}
+
 }  // namespace
 
 ChosenFolders ChooseFolders(const SyncOptions& options, const PhoneFolder& phone)
@@ -181,6 +197,14 @@ Plan MediaStage::plan(Session& session)
             plan.add(ToChange(removal, records_));
         }
     }
+    for (const FilePlan& files : ofCategories) {
+        for (const FileChange& move : files.moves) {
+            state_.phonePaths.erase(move.oldPath);
+            state_.phonePaths[move.file.path] = move.file.phonePath;
+            plan.add(ToChange(move, records_));
+        }
+    }
+    ForgetMovedFolders(ofCategories, session, plan);
     for (const FilePlan& files : ofCategories) {
         for (const FileChange& copy : files.copies) {
             state_.phonePaths[copy.file.path] = copy.file.phonePath;

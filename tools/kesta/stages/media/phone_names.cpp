@@ -20,11 +20,11 @@ std::string NameForRoot(const std::string& folder)
 
 }  // namespace
 
-void PhoneNames::chooseRoots(const PlanInput& input)
+void PhoneNames::chooseRoots(const PlanInput& input, const MovedRecords& moved)
 {
     std::map<std::string, std::string> ownerOfKey;
     for (const RecordedFile& file : input.recorded) {
-        if (!IsPhonePath(file.phonePath, category_)) {
+        if (!IsPhonePath(file.phonePath, category_) || moved.contains(&file)) {
             continue;
         }
         const auto parts = SplitPath(file.phonePath);
@@ -67,11 +67,26 @@ void PhoneNames::chooseRoots(const PlanInput& input)
 
 PhoneNames::Allocated PhoneNames::allocate(const std::string& folder, const ScannedFile& file)
 {
-    std::vector<std::string> parts = SplitPath(file.relative);
-    parts.insert(parts.begin(), roots_.at(folder));
-    return PhonePaths::allocate(parts, file.path, [&](const std::string&, const PhoneFile& there) {
+    return PhonePaths::allocate(partsOf(folder, file), file.path, [&](const std::string&, const PhoneFile& there) {
         return IsSameFile(there, file.size, file.modified.seconds);
     });
+}
+
+std::string PhoneNames::allocateMoved(const std::string& folder, const ScannedFile& file, const std::string& phonePath)
+{
+    const std::vector<std::string> parts = partsOf(folder, file);
+    if (wishFor(parts) == phonePath) {
+        return phonePath;
+    }
+    const auto isSame = [](const std::string&, const PhoneFile&) { return false; };
+    return PhonePaths::allocate(parts, file.path, isSame).phonePath;
+}
+
+std::vector<std::string> PhoneNames::partsOf(const std::string& folder, const ScannedFile& file) const
+{
+    std::vector<std::string> parts = SplitPath(file.relative);
+    parts.insert(parts.begin(), roots_.at(folder));
+    return parts;
 }
 
 }  // namespace kesta

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "phone/phone_paths.h"
-#include "stages/media/plan.h"
+#include "stages/media/moves.h"
 
 namespace kesta {
 
@@ -19,11 +19,18 @@ public:
 
     /// Fixes the folder on the phone for each chosen folder: where its recorded files lie, else its own name, with a
     /// suffix when another folder has that name.
-    void chooseRoots(const PlanInput& input);
+    /// What was moved from a folder does not count.
+    void chooseRoots(const PlanInput& input, const MovedRecords& moved);
 
     [[nodiscard]] Allocated allocate(const std::string& folder, const ScannedFile& file);
+    /// For a file that lies on the phone already: where it is if that is where it would be put, else a place where
+    /// nothing is.
+    [[nodiscard]] std::string allocateMoved(const std::string& folder, const ScannedFile& file,
+                                            const std::string& phonePath);
 
 private:
+    [[nodiscard]] std::vector<std::string> partsOf(const std::string& folder, const ScannedFile& file) const;
+
     Category category_;
     std::map<std::string, std::string> roots_;  // chosen folder to name on the phone
 };

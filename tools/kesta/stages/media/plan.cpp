@@ -7,16 +7,12 @@
 #include <utility>
 
 #include "phone/names.h"
+#include "stages/media/moves.h"
 #include "stages/media/phone_names.h"
 #include "sync/compare.h"
 
 namespace kesta {
 namespace {
-
-struct WantedFile {
-    const ScannedFile* file;
-    const FolderScan* folder;
-};
 
 // By their paths. Of a file that two chosen folders hold the innermost one is in charge.
 std::vector<WantedFile> CollectFiles(const PlanInput& input)
@@ -38,9 +34,24 @@ std::vector<WantedFile> CollectFiles(const PlanInput& input)
     return wanted;
 }
 
+// Takes what was moved out of what is wanted.
+std::vector<MovedFile> TakeMoves(const PlanInput& input, const PhoneView& phone, std::vector<WantedFile>& wanted,
+                                 MovedRecords& records)
+{
+    PhonePaths paths(std::string(PhoneFolderOf(input.category)), phone);
+    std::vector<MovedFile> moves = FindMoves(input, wanted, ReservePaths(input.recorded, {}, {}, paths), phone);
+    std::unordered_set<const ScannedFile*> files;
+    for (const MovedFile& move : moves) {
+        records.insert(move.record);
+        files.insert(move.now.file);
+    }
+    std::erase_if(wanted, [&](const WantedFile& file) { return files.contains(file.file); });
+    return moves;
+}
+
 class FileRules : public CompareRules {
 public:
-    explicit FileRules(const PlanInput& input) : input_(input)
+    FileRules(const PlanInput& input, const MovedRecords& moved) : input_(input), moved_(moved)
     {
         for (const FolderScan* folder : input.folders) {
             if (folder->complete) {
@@ -59,6 +70,9 @@ public:
     // another folder, above or below.
     [[nodiscard]] bool isGone(const RecordedFile& file) const
     {
+        if (moved_.contains(&file)) {
+            return false;
+        }
         return std::any_of(completeFolders_.begin(), completeFolders_.end(), [&](const FolderScan* folder) {
             if (file.basePath != folder->path && !os::LiesIn(file.path, folder->path)) {
                 return false;
@@ -85,6 +99,7 @@ private:
     }
 
     const PlanInput& input_;
+    const MovedRecords& moved_;
     std::vector<const FolderScan*> completeFolders_;
 };
 
@@ -237,9 +252,12 @@ std::optional<FileChange> PlanFile(const ComparedFile& file, Category category, 
 
 FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
 {
-    const std::vector<WantedFile> wanted = CollectFiles(input);
-    FileDiff diff = Compare(input.recorded, wanted, FileRules(input));
-    FilePlan plan;
+    FilePlan plan{.category = input.category};
+    std::vector<WantedFile> wanted = CollectFiles(input);
+    MovedRecords movedRecords;
+    const std::vector<MovedFile> moves = TakeMoves(input, phone, wanted, movedRecords);
+    plan.foldersMoved = FoldersMoved(input, moves);
+    FileDiff diff = Compare(input.recorded, wanted, FileRules(input, movedRecords));
     FolderGuard(input).run(diff, plan.deferredFolders);
     plan.recorded = input.recorded.size();
     plan.deferred = diff.deferred.size();
@@ -268,7 +286,19 @@ FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
         }
         plan.removals.push_back(std::move(change));
     }
-    names.chooseRoots(input);
+    names.chooseRoots(input, movedRecords);
+    for (const MovedFile& move : moves) {
+        const ScannedFile& file = *move.now.file;
+        FileChange change{ChangeKind::kMove,
+                          input.category,
+                          {file.path, move.now.folder->path, {}, file.localTime},
+                          file.size,
+                          {},
+                          move.record->path,
+                          move.record->phonePath};
+        change.file.phonePath = names.allocateMoved(move.now.folder->path, file, move.record->phonePath);
+        plan.moves.push_back(std::move(change));
+    }
 
     for (size_t i = 0; i < compared.size(); ++i) {
         const auto& [scanned, folder] = *diff.items[i].wanted;

@@ -26,7 +26,8 @@ struct FileChange {
     Category category = Category::kMusic;
     RecordedFile file;  // as it is to be recorded; an empty phonePath in a removal: only the database knows the file
     uint64_t size = 0;
-    std::string keepAs;  // for what somebody has changed on the phone
+    std::string keepAs;                     // for what somebody has changed on the phone
+    std::string oldPath{}, oldPhonePath{};  // of a moved file
 };
 
 /// Where media sync puts the files of the PC, by their paths on the PC.
@@ -48,12 +49,15 @@ struct DeferredFolder {
 };
 
 struct FilePlan {
-    std::vector<FileChange> removals;
-    std::vector<FileChange> copies;
+    Category category = Category::kMusic;
+    std::vector<FileChange> removals{};
+    std::vector<FileChange> moves{};
+    std::vector<FileChange> copies{};
     size_t unchanged = 0;
     size_t recorded = 0;
     size_t deferred = 0;  // removals left out, since they are more than half of what is recorded
-    std::vector<DeferredFolder> deferredFolders;
+    std::vector<DeferredFolder> deferredFolders{};
+    std::vector<std::string> foldersMoved{};  // known ones that the moves leave empty
 };
 
 /// The recorded files that have a phone path of their own, and keep it.

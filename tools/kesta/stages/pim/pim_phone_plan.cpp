@@ -146,8 +146,8 @@ private:
             return;
         }
         compare(folder, plan);
-        const bool areTooMany =
-            source.complete && input_.guard.defers("phone " + folder.folder.id, plan.removed, plan.oldRows.size());
+        const bool areTooMany = source.complete && !source.isMoved &&
+                                input_.guard.defers("phone " + folder.folder.id, plan.removed, plan.oldRows.size());
         if (plan.removed > 0 && (areTooMany || !source.complete)) {
             leaveAlone(source, plan);
         } else if (folder.entries.empty()) {

@@ -1,7 +1,10 @@
 #include "stages/pim/pim_reading.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <set>
+#include <string_view>
 
 #include "base/text.h"
 
@@ -40,7 +43,7 @@ void ReadPimSources(PimAim aim, Session& session, PimWork& work)
         PimSource& source = work.sources.emplace_back();
         source.path = path;
         if (aim == PimAim::kForget) {
-            source = {path, PimSourceId(work.kind, path), true, true, {}, {}, 0};
+            source = {path, PimSourceId(work.kind, path), true, true, {}, {}, false, 0};
             continue;
         }
         if (os::LiesIn(path, session.folder.root())) {
@@ -55,6 +58,65 @@ void ReadPimSources(PimAim aim, Session& session, PimWork& work)
             session.report.fail(path, source.problem + "; nothing of it is removed");
         }
     }
+}
+
+namespace {
+
+using Digests = std::set<std::string_view>;
+
+bool HoldsAll(const Digests& digests, const std::set<std::string>& of)
+{
+    return std::all_of(of.begin(), of.end(), [&](const std::string& digest) { return digests.contains(digest); });
+}
+
+// What the store and the phone have of the file.
+std::set<std::string> KnownDigests(kesta_db::PimStore& store, const std::string& sourceId, const PimWork& work)
+{
+    std::set<std::string> known;
+    for (const PimFolder& folder : store.folders(TypeOf(work.kind), PimRootFolder(work.kind).id)) {
+        if (!IsOfPimSource(folder.id, sourceId)) {
+            continue;
+        }
+        for (PimItem& item : store.items(folder.id, TypeOf(work.kind))) {
+            known.insert(ReadStored(work.kind, std::move(item)).digest);
+        }
+    }
+    for (const PimLogRow& row : work.log) {
+        if (IsOfPimSource(FolderOfPimEntry(work.kind, row.guid), sourceId)) {
+            known.insert(FromLuid(row.luid).digest);
+        }
+    }
+    return known;
+}
+
+}  // namespace
+
+void AddMovedPimSources(kesta_db::PimStore& store, Session& session, PimWork& work)
+{
+    const SyncSources& before = session.options.remembered;
+    std::vector<PimSource> moved;
+    for (const std::string& path : work.kind == PimKind::kContacts ? before.contacts : before.calendars) {
+        const auto isPath = [&](const PimSource& source) { return source.path == path; };
+        if (std::any_of(work.sources.begin(), work.sources.end(), isPath) || !os::IsMissing(path)) {
+            continue;
+        }
+        const std::string id = PimSourceId(work.kind, path);
+        const std::set<std::string> known = KnownDigests(store, id, work);
+        for (const PimSource& source : work.sources) {
+            Digests digests;
+            for (const PimSourceFolder& folder : source.folders) {
+                for (const PimEntry& entry : folder.entries) {
+                    digests.insert(entry.digest);
+                }
+            }
+            if (source.complete && !known.empty() && HoldsAll(digests, known)) {
+                session.report.note(fmt::format("{} is {} now.", Printable(path), Printable(source.path)));
+                moved.push_back({path, id, true, true, {}, {}, true, 0});
+                break;
+            }
+        }
+    }
+    work.sources.insert(work.sources.begin(), moved.begin(), moved.end());
 }
 
 void ReadPimStore(kesta_db::PimStore& store, PimWork& work)

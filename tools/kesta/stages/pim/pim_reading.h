@@ -16,6 +16,8 @@ namespace kesta {
 /// False when the log is not this program's: the user has been told. journal: of a run that was cut short.
 [[nodiscard]] bool ReadPimLog(const std::optional<PimJournal>& journal, Session& session, PimWork& work);
 void ReadPimSources(PimAim aim, Session& session, PimWork& work);
+/// Files that are gone, but whose entries another file holds: renamed or moved ones, which are not to be there twice.
+void AddMovedPimSources(kesta_db::PimStore& store, Session& session, PimWork& work);
 /// The folders of the sources with their entries, of all others the names.
 void ReadPimStore(kesta_db::PimStore& store, PimWork& work);
 

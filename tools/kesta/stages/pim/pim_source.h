@@ -23,7 +23,8 @@ struct PimSource {
     bool complete = false;  // read to its end and understood, so that what was not seen is gone
     std::string problem;    // what is wrong when it is not complete
     std::vector<PimSourceFolder> folders;
-    size_t leftOut = 0;  // parts that are no entries, and files of a folder that are no address books
+    bool isMoved = false;  // gone, and another source holds all of it: it goes whatever the guard says
+    size_t leftOut = 0;    // parts that are no entries, and files of a folder that are no address books
 };
 
 /// Reads the file, or for contacts all .vcf files of the folder as one address book. One that changes meanwhile is read

@@ -29,6 +29,17 @@ Plan PimStage::plan(Session& session)
     for (size_t i = 0; i < works_->size(); ++i) {
         AddPimFileChanges((*works_)[i], *tallies_[i], phone_, plan);
     }
+    for (const PimWork& work : *works_) {
+        for (const PimSource& source : work.sources) {
+            if (!source.isMoved) {
+                continue;
+            }
+            Change change;
+            change.needsAllBefore = true;
+            change.record = [path = source.path, &session](const Written&) { session.movedSources.push_back(path); };
+            plan.add(std::move(change));
+        }
+    }
     if (!works_->empty()) {
         plan.journal = std::make_shared<PimLogKeeper>(session, works_, hasJournal_);
     }
@@ -74,6 +85,7 @@ void PimStage::prepare(PimKind kind, Session& session)
                                  std::string(TitleOf(kind)), kind == PimKind::kContacts ? "contact" : "calendar item")
                            : session.report.summary.files;
     ReadPimSources(aim_, session, work);
+    AddMovedPimSources(store_, session, work);
     ReadPimStore(store_, work);
     work.store = PlanPimStore({kind, work.sources, work.stored, session.guard});
     for (const FailedItem& refusal : work.store.refusals) {

@@ -53,7 +53,8 @@ public:
     [[nodiscard]] bool isGone(const PimEntry& /*known*/) const { return plan_.source->complete; }
     [[nodiscard]] bool defers(size_t removals) const
     {
-        return plan_.source->complete && guard_.defers("store " + plan_.folder.id, removals, known_);
+        return plan_.source->complete && !plan_.source->isMoved &&
+               guard_.defers("store " + plan_.folder.id, removals, known_);
     }
 
 private:
