@@ -22,7 +22,7 @@ protected:
                        {"KESTA_FAULT_PATH", path},
                        {"KESTA_FAULT_SKIP", std::to_string(skip)}});
     }
-    // A phone with something to copy, to update, to remove and to leave.
+    // A phone with something to copy, to update, to move, to remove and to leave.
     void givenWork()
     {
         fs::remove_all(phone());
@@ -36,6 +36,8 @@ protected:
         removeFile("Rock/old/gone");
         fs::remove(pc("Rock/old"));
         changeFile("Rock/changed", "another text");
+        fs::create_directories(pc("Rock/other"));
+        fs::rename(pc("Rock/stays2"), pc("Rock/other/place"));
         givenFile("Rock/new/er", "brand new");
         givenFile("Rock/new 2", "brand new as well");
     }

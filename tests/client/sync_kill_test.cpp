@@ -38,6 +38,11 @@ TEST_F(SyncKillTest, AtRandomMoments_EndsInOrder)
         for (int i = next - 80; i < next - 60; ++i) {
             (void)fs::remove(Path(pc(name(i))));
         }
+        for (int i = next - 60; i < next - 50; ++i) {
+            if (fs::exists(Path(pc(name(i))))) {
+                fs::rename(Path(pc(name(i))), Path(pc(name(i) + " moved in round " + std::to_string(round))));
+            }
+        }
         ClientProcess client(work(), syncArguments({"--music", pc("Rock"), "--force"}));
         std::this_thread::sleep_for(std::chrono::microseconds(random() % static_cast<unsigned>(longest.count())));
         if (client.hasEnded()) {
