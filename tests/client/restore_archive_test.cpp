@@ -60,6 +60,20 @@ TEST_F(RestoreArchiveTest, Archives_AreListed)
     EXPECT_THAT(one.out, AllOf(HasSubstr("3 B  Music/old.mp3"), HasSubstr("1 file.")));
 }
 
+TEST_F(RestoreArchiveTest, WithoutAnything_TrashAndArchivesOfThePhoneInPlaceAreListed)
+{
+    givenBackup();
+    removeFile("Rock/a.mp3");
+    ASSERT_EQ(client({"sync", "--force"}).exitCode, 0);
+    const Ended all = client({"restore"});
+    EXPECT_EQ(all.exitCode, 0) << all.err;
+    EXPECT_THAT(all.out, AllOf(HasSubstr("Music/Rock/a.mp3"), HasSubstr("Archives of backups in " + Utf8(folder())),
+                               HasSubstr("Ann-351111-")));
+    fs::remove_all(folder());
+    EXPECT_THAT(client({"restore", "--imei", "351111"}).out, HasSubstr("Music/Rock/a.mp3"));
+    EXPECT_EQ(client({"restore", "--imei", "4711"}).exitCode, 2);
+}
+
 TEST_F(RestoreArchiveTest, LostFile_ComesBack)
 {
     givenBackup();

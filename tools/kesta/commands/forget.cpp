@@ -37,18 +37,6 @@ struct ForgetOptions {
     bool noTrash = false;
 };
 
-std::string FolderOf(const ForgetOptions& options)
-{
-    if (!options.phone.empty()) {
-        return options.phone;
-    }
-    const std::vector<SeenPhone> phones = PhonesInPlace(options.imei);
-    if (phones.size() > 1) {
-        throw StopRun(ExitCode::kUsage, "several phones are there: say which one with --imei or --phone");
-    }
-    return phones.front().path;
-}
-
 Marker MarkerOf(const PhoneFolder& phone, const ForgetOptions& options)
 {
     std::optional<Marker> marker;
@@ -233,7 +221,7 @@ ExitCode ForgetPhone(const ForgetOptions& options)
 ExitCode Run(const ForgetOptions& options)
 {
     if (!options.what.empty()) {
-        PhoneFolder phone = OpenPhone(FolderOf(options));
+        PhoneFolder phone = OpenPhone(FolderOfPhone(options.phone, options.imei));
         return ForgetRun(options, phone).run();
     }
     if (!options.imei || !options.phone.empty()) {

@@ -9,11 +9,14 @@
 #include "commands/command.h"
 #include "commands/phone_access.h"
 #include "commands/restore_archive.h"
+#include "commands/seen_phones.h"
+#include "phone/marker.h"
 #include "phone/trash.h"
 #include "phone/unique_name.h"
 #include "report/output.h"
 #include "report/summary.h"
 #include "report/table.h"
+#include "state/sync_sources.h"
 
 namespace kesta {
 
@@ -61,16 +64,34 @@ void List(const std::vector<TrashedFile>& files)
                       FormatSize(bytes), kTrashDays));
 }
 
+// Of the folder into which the phone's syncs back up.
+void ListRememberedArchives(const PhoneFolder& phone)
+{
+    std::optional<Marker> marker;
+    SyncSources remembered;
+    if (!ReadMarker(phone, marker).ok() || !marker || !ReadSyncSources(marker->imei, remembered).ok() ||
+        !remembered.backup) {
+        return;
+    }
+    Print(fmt::format("\nArchives of backups in {}:\n", Printable(*remembered.backup)));
+    try {
+        ListArchivesIn(*remembered.backup, phone);
+    } catch (const StopRun& stop) {
+        Print(fmt::format("{}\n", Printable(stop.what())));  // The trash has been listed all the same.
+    }
+}
+
 ExitCode Run(const RestoreOptions& options)
 {
     if (options.backup) {
         return RestoreFromArchives(options);
     }
-    PhoneFolder phone = OpenPhone(options.phone);
+    PhoneFolder phone = OpenPhone(FolderOfPhone(options.phone, options.imei));
     const Trash trash(phone);
     const std::vector<TrashedFile> files = trash.files();
     if (options.paths.empty() && !options.all && !options.day) {
         List(files);
+        ListRememberedArchives(phone);
         return ExitCode::kSuccess;
     }
     os::DirectoryLock lock;
@@ -86,7 +107,8 @@ ExitCode Run(const RestoreOptions& options)
         }
     }
     if (latest.empty()) {
-        throw StopRun(ExitCode::kFailure, "nothing of that is in the phone's trash");
+        throw StopRun(ExitCode::kFailure,
+                      "nothing of that is in the phone's trash; --backup PATH looks into the archives of backups");
     }
     size_t failed = 0;
     for (const auto& [path, file] : latest) {
@@ -108,7 +130,7 @@ ExitCode Run(const RestoreOptions& options)
 
 constexpr const char* kRestoreExamples =
     "Examples:\n"
-    "  kesta restore --phone /media/me/phone                          what is in the trash\n"
+    "  kesta restore                                                  what is in the trash and in archives\n"
     "  kesta restore --phone /media/me/phone Music/Rock/song.mp3\n"
     "  kesta restore --phone /media/me/phone Music/Rock --dry-run\n"
     "  kesta restore --phone /media/me/phone --day 2026-01-31\n"
@@ -123,10 +145,10 @@ constexpr const char* kRestoreExamples =
 std::function<ExitCode()> Prepare(CLI::App& app)
 {
     const auto options = std::make_shared<RestoreOptions>();
-    app.add_option("--phone", options->phone, "the mounted folder of the phone")
-        ->required()
+    app.add_option("--phone", options->phone, "the mounted folder of the phone; else where it was last seen")
         ->type_name("DIR")
         ->check([](const std::string& path) { return EmptyPathProblem(path); });
+    app.add_option("--imei", options->imei, "the phone")->type_name("IMEI");
     app.add_option("path", options->paths, "files and folders of the phone to bring back; the latest of each")
         ->type_name("PATH...")
         ->check([](const std::string& path) { return EmptyPathProblem(path); });

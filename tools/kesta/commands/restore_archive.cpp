@@ -9,6 +9,7 @@
 #include "base/stop_run.h"
 #include "base/text.h"
 #include "commands/phone_access.h"
+#include "commands/seen_phones.h"
 #include "os/system.h"
 #include "phone/marker.h"
 #include "phone/names.h"
@@ -270,9 +271,14 @@ ExitCode BringAllBack(std::map<std::string, Wanted> wanted, PhoneFolder& phone, 
 
 }  // namespace
 
+void ListArchivesIn(const std::string& folder, const PhoneFolder& phone)
+{
+    ListArchives(FindArchives(folder, phone));
+}
+
 ExitCode RestoreFromArchives(const RestoreOptions& options)
 {
-    PhoneFolder phone = OpenPhone(options.phone);
+    PhoneFolder phone = OpenPhone(FolderOfPhone(options.phone, options.imei));
     const std::vector<Archive> archives = FindArchives(*options.backup, phone);
     if (options.paths.empty() && !options.all && !options.day) {
         os::FileInfo info;

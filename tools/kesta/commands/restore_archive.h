@@ -6,6 +6,8 @@
 
 namespace kesta {
 
+/// Those of this phone in the folder.
+void ListArchivesIn(const std::string& folder, const PhoneFolder& phone);
 [[nodiscard]] ExitCode RestoreFromArchives(const RestoreOptions& options);
 
 }  // namespace kesta

@@ -10,7 +10,8 @@
 namespace kesta {
 
 struct RestoreOptions {
-    std::string phone;
+    std::string phone;  // empty: where it was last seen
+    std::optional<std::string> imei;
     std::vector<std::string> paths;  // on the phone
     std::optional<std::string> day;
     std::optional<std::string> backup;  // an archive, or a folder of them

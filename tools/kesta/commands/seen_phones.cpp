@@ -44,4 +44,16 @@ std::vector<SeenPhone> PhonesInPlace(const std::optional<std::string>& imei)
                   "no phone is where it was last seen. Is it plugged in and mounted? Else give --phone DIR." + missing);
 }
 
+std::string FolderOfPhone(const std::string& given, const std::optional<std::string>& imei)
+{
+    if (!given.empty()) {
+        return given;
+    }
+    const std::vector<SeenPhone> phones = PhonesInPlace(imei);
+    if (phones.size() > 1) {
+        throw StopRun(ExitCode::kUsage, "several phones are there: say which one with --imei or --phone");
+    }
+    return phones.front().path;
+}
+
 }  // namespace kesta
