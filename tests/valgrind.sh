@@ -21,7 +21,9 @@ run() {
     for pid in "${pids[@]}"; do wait "$pid" || failed=1; done
 }
 
-run kesta_unit_tests full
+# valgrind holds up all threads while one of them waits for a lock of an open file: who holds it never lets go.
+waiting_for_a_file='PosixMutex.SegmentOfAnotherUser_*:PosixMutex.LockFileRemovedWhileUsed_*:PosixMutex.MakerDiedHalfway_*'
+run kesta_unit_tests full --gtest_filter="-$waiting_for_a_file:MixedMutex.*"
 run kesta_fault_tests full --gtest_filter='-FailingMemory*'
 run kesta_format_tests full
 run kesta_client_unit_tests full
