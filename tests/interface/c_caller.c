@@ -28,7 +28,7 @@ static int same_text(const DbChar* a, const DbChar* b)
     return *a == *b;
 }
 
-static const DbChar kImei[] = TEXT_OF("356938035643809");
+static const DbChar kImei[] = TEXT_OF("351602000123456"); /* nobody else's: programs that run before leave their phones */
 static DbChar folder[] = TEXT_OF("C:\\Music\\Rock 'n' Roll");
 static DbChar file[] = TEXT_OF("C:\\Music\\Rock 'n' Roll\\01.mp3");
 static DbChar on_phone[] = TEXT_OF("Music/01.mp3");

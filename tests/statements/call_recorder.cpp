@@ -12,6 +12,14 @@
 #include "platform/services.h"
 #include "support/text.h"
 
+// How a member function is called: as any other, but for 32-bit Windows, where "this" goes in a register.
+#if defined(_WIN32) && defined(__i386__)
+#define KESTA_MEMBER __attribute__((thiscall))
+#pragma GCC diagnostic ignored "-Wattributes"  // these are no members
+#else
+#define KESTA_MEMBER
+#endif
+
 // The functions themselves, as the linker names them behind "--wrap", and those that the library now calls instead.
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
 using RowCallback = int(void*, int, char**, char**);
@@ -23,9 +31,9 @@ int __real_sqlite3_prepare_v3(sqlite3* db, const char* text, int bytes, unsigned
                               const char** tail);
 int __real_sqlite3_step(sqlite3_stmt* statement);
 int __real_sqlite3_close(sqlite3* db);
-void __real__ZN5kesta8platform10NamedMutex4lockEv(kesta::platform::NamedMutex* mutex) noexcept;
-void __real__ZN5kesta8platform10NamedMutex6unlockEv(kesta::platform::NamedMutex* mutex) noexcept;
-char* __real__ZN5kesta15StatementBuffer3getEv(kesta::StatementBuffer* buffer);
+void KESTA_MEMBER __real__ZN5kesta8platform10NamedMutex4lockEv(kesta::platform::NamedMutex* mutex) noexcept;
+void KESTA_MEMBER __real__ZN5kesta8platform10NamedMutex6unlockEv(kesta::platform::NamedMutex* mutex) noexcept;
+char* KESTA_MEMBER __real__ZN5kesta15StatementBuffer3getEv(kesta::StatementBuffer* buffer);
 }
 
 namespace kesta::test {
@@ -172,19 +180,19 @@ int __wrap_sqlite3_close(sqlite3* db)
     return __real_sqlite3_close(db);
 }
 
-void __wrap__ZN5kesta8platform10NamedMutex4lockEv(kesta::platform::NamedMutex* mutex) noexcept
+void KESTA_MEMBER __wrap__ZN5kesta8platform10NamedMutex4lockEv(kesta::platform::NamedMutex* mutex) noexcept
 {
     __real__ZN5kesta8platform10NamedMutex4lockEv(mutex);
     Note("lock");
 }
 
-void __wrap__ZN5kesta8platform10NamedMutex6unlockEv(kesta::platform::NamedMutex* mutex) noexcept
+void KESTA_MEMBER __wrap__ZN5kesta8platform10NamedMutex6unlockEv(kesta::platform::NamedMutex* mutex) noexcept
 {
     Note("unlock");
     __real__ZN5kesta8platform10NamedMutex6unlockEv(mutex);
 }
 
-char* __wrap__ZN5kesta15StatementBuffer3getEv(kesta::StatementBuffer* buffer)
+char* KESTA_MEMBER __wrap__ZN5kesta15StatementBuffer3getEv(kesta::StatementBuffer* buffer)
 {
     if (buffersLeft == 0) {
         throw std::bad_alloc();
