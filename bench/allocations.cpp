@@ -115,8 +115,8 @@ constexpr const char* kDumps[] = {
     "SELECT * FROM tMFolder;",
     "SELECT * FROM tPhone;",
     "SELECT * FROM tSyncContents;",
-    "SELECT ROWID, [PhoneID], [Path], [Digest], [IdInPhone], [Type], [Flag], [Count], [Size], [TotalSize], "
-    "[Selected], [Sized] FROM tPFolder;",
+    ("SELECT ROWID, [PhoneID], [Path], [Digest], [IdInPhone], [Type], [Flag], [Count], [Size], [TotalSize], "
+     "[Selected], [Sized] FROM tPFolder;"),
     "SELECT * FROM tBFile;",
     "SELECT [piID], [pfID], [PimID], HEX([Data]), [Type] FROM tPimItem;",
     "SELECT * FROM tPimLog;",

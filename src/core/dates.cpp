@@ -26,7 +26,7 @@ public:
     explicit DateBlock(std::string_view text)
     {
         std::memcpy(&digits_, text.data() + kPlace, sizeof digits_);
-        constexpr uint64_t kForm = Form();  // Clang 14 takes no consteval function of a template
+        constexpr uint64_t kForm = form();  // Clang 14 takes no consteval function of a template
         digits_ ^= kForm;
     }
 
@@ -34,7 +34,7 @@ public:
     [[nodiscard]] bool isWellFormed() const
     {
         constexpr uint64_t kBeyondNine = kEach * (0x80 - 10);  // sets the high bit of what is 10 or more
-        constexpr uint64_t kSeparators = Separators();
+        constexpr uint64_t kSeparators = separators();
         return ((digits_ | (digits_ + kBeyondNine)) & kEach * 0x80) == 0 && (digits_ & kSeparators) == 0;
     }
 
@@ -48,7 +48,7 @@ public:
 private:
     static constexpr uint64_t kEach = 0x0101010101010101;
 
-    static constexpr uint64_t Form()
+    static constexpr uint64_t form()
     {
         uint64_t form = 0;
         for (size_t i = 0; i < sizeof form; ++i) {
@@ -56,7 +56,7 @@ private:
         }
         return form;
     }
-    static constexpr uint64_t Separators()
+    static constexpr uint64_t separators()
     {
         uint64_t separators = 0;
         for (size_t i = 0; i < sizeof separators; ++i) {

@@ -25,9 +25,9 @@ constexpr size_t kBeyond = sizeof(DbChar);
 #ifndef KESTA_TEXT_BLOCK
 #define KESTA_TEXT_BLOCK 1024
 #endif
-constexpr size_t kFirstBlock = KESTA_TEXT_BLOCK;  // 0: none, so that a sanitizer sees each text by itself
-constexpr size_t kLargestBlock = 32 * 1024;       // from 64 KiB on free() tidies everything up, each time
-constexpr size_t kLongText = 4 * 1024;
+constexpr size_t kFirstBlock = KESTA_TEXT_BLOCK;     // 0: none, so that a sanitizer sees each text by itself
+constexpr size_t kLargestBlock = size_t{32} * 1024;  // from 64 KiB on free() tidies everything up, each time
+constexpr size_t kLongText = size_t{4} * 1024;
 constexpr size_t kPart = 8;  // of all before it a block may be so large a part: what is left of the last is little
 static_assert(kLargestBlock <= std::numeric_limits<Distance>::max() && kBeyond == sizeof(Distance));
 

@@ -82,7 +82,7 @@ TEST_F(SmuggledRows, ChangesOfRows_AreNotRefused)
 class SecondStatement : public FamilyExports {
 protected:
     /// In the place of the text, which stands between quotes; `rest` makes a whole statement of what follows it.
-    static std::string Smuggled(const std::string& rest = "--")
+    static std::string smuggled(const std::string& rest = "--")
     {
         return "x'; UPDATE tPhone SET [Name] = 'changed'; " + rest;
     }
@@ -94,20 +94,20 @@ protected:
 TEST_F(SecondStatement, ImeiOfLastSyncTime_IsRun)
 {
     const DateValue time = Date(2024, 2, 29);
-    (void)lib.DB_LIB_SetLastSyncTime(W(Smuggled()), &time, 0, 0);
+    (void)lib.DB_LIB_SetLastSyncTime(W(smuggled()), &time, 0, 0);
     expectRun();
 }
 
 TEST_F(SecondStatement, ImeiOfSdType_IsRun)
 {
-    (void)lib.DB_LIB_SetSDType(W(Smuggled()), 1, 2);
+    (void)lib.DB_LIB_SetSDType(W(smuggled()), 1, 2);
     expectRun();
 }
 
 TEST_F(SecondStatement, ImeiOfFileNames_IsRun)
 {
     const FileNameArray none = {0, nullptr};
-    (void)lib.DB_PLAYERMUSIC_SetListFilesname(W(Smuggled()), W("list"), &none);
+    (void)lib.DB_PLAYERMUSIC_SetListFilesname(W(smuggled()), W("list"), &none);
     expectRun();
 }
 
@@ -148,7 +148,7 @@ TEST_F(SecondStatement, PimIdOfFolder_IsRun)
 /// Elsewhere the first statement is the only one, whatever stands behind it.
 TEST_F(SecondStatement, TextsOfOtherCalls_AreNotRun)
 {
-    const Text smuggled = W(Smuggled());
+    const Text second = W(smuggled());
     int32_t type = 0;
     int32_t oldType = 0;
     DateValue time = {};
@@ -158,17 +158,17 @@ TEST_F(SecondStatement, TextsOfOtherCalls_AreNotRun)
     SyncedFileRecord file = {};
     const Folder folder("C:\\Music");
     const PimItem item("i', ?, 1); UPDATE tPhone SET [Name] = 'changed'; --");
-    (void)lib.DB_LIB_GetSDType(smuggled, &type, &oldType);
-    (void)lib.DB_LIB_GetLastSyncTime(smuggled, &time);
-    (void)lib.DB_LIB_GetPhoneSetting(smuggled, &phone);
-    (void)lib.DB_LIB_SetFolderSelected(smuggled, kMainFolderMusic, 1);
-    (void)lib.DB_MUSIC_AddFolder(smuggled, &folder);
-    (void)lib.DB_MUSIC_GetFolders(smuggled, &folders);
-    (void)lib.DB_MUSIC_GetSyncedFiles(smuggled, nullptr, &files);
-    (void)lib.DB_MUSIC_IsSyncedFile(smuggled, W("p"), &file);
-    (void)lib.DB_BOOKMARK_IsSyncedMark(smuggled, W("u"));
+    (void)lib.DB_LIB_GetSDType(second, &type, &oldType);
+    (void)lib.DB_LIB_GetLastSyncTime(second, &time);
+    (void)lib.DB_LIB_GetPhoneSetting(second, &phone);
+    (void)lib.DB_LIB_SetFolderSelected(second, kMainFolderMusic, 1);
+    (void)lib.DB_MUSIC_AddFolder(second, &folder);
+    (void)lib.DB_MUSIC_GetFolders(second, &folders);
+    (void)lib.DB_MUSIC_GetSyncedFiles(second, nullptr, &files);
+    (void)lib.DB_MUSIC_IsSyncedFile(second, W("p"), &file);
+    (void)lib.DB_BOOKMARK_IsSyncedMark(second, W("u"));
     (void)lib.DB_PIM_AddItem(&item, nullptr);
-    (void)lib.DB_PIM_DeleteFolder(smuggled);
+    (void)lib.DB_PIM_DeleteFolder(second);
     expectNotRun();
 }
 

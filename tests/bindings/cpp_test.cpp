@@ -150,7 +150,9 @@ TEST_F(CppInterface, Error_NamesTheCall)
 TEST_F(CppInterface, Playlist_ThroughItsLife_ChangesState)
 {
     Playlists lists = db.playlists(imei);
-    for (const Playlist& old : lists.all()) lists.forget(old.name);
+    for (const Playlist& old : lists.all()) {
+        lists.forget(old.name);
+    }
     lists.beginConfirming();
     Playlist party;
     party.name = "Party";
@@ -245,7 +247,9 @@ TEST(CppList, EmptyOnceThenFilled_IsReadAgain)
     int calls = 0;
     MainFolderList list{};
     detail::ReadCountedList("call", list, [&] {
-        if (++calls == 2) list.Count = 3;
+        if (++calls == 2) {
+            list.Count = 3;
+        }
         return 0;
     });
     EXPECT_EQ(calls, 2);

@@ -16,7 +16,7 @@ struct Fault {
 };
 
 Fault fault;
-sqlite3_vfs* system_ = nullptr;
+sqlite3_vfs* systemFiles = nullptr;
 
 /// SQLite's code when the operation is to fail now, else SQLITE_OK.
 int Strike(DiskOperation operation)
@@ -124,7 +124,7 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* out
     if (const int code = Strike(DiskOperation::kOpen); code != SQLITE_OK) {
         return code;
     }
-    const int code = system_->xOpen(system_, name, Real(file), flags, outFlags);
+    const int code = systemFiles->xOpen(systemFiles, name, Real(file), flags, outFlags);
     if (code == SQLITE_OK) {
         file->pMethods = &kMethods;
     }
@@ -134,7 +134,7 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* out
 int Delete(sqlite3_vfs*, const char* name, int syncFolder)
 {
     const int code = Strike(DiskOperation::kDelete);
-    return code != SQLITE_OK ? code : system_->xDelete(system_, name, syncFolder);
+    return code != SQLITE_OK ? code : systemFiles->xDelete(systemFiles, name, syncFolder);
 }
 
 sqlite3_vfs shim = {};
@@ -143,14 +143,14 @@ sqlite3_vfs shim = {};
 
 void DiskFault::install()
 {
-    if (system_ != nullptr) {
+    if (systemFiles != nullptr) {
         return;
     }
-    system_ = sqlite3_vfs_find(nullptr);
+    systemFiles = sqlite3_vfs_find(nullptr);
     shim =
-        *system_;  // what is not replaced here gets the system's own entry, which does not look at its first argument
+        *systemFiles;  // what is not replaced here gets the system's own entry, which does not look at its first argument
     shim.zName = "failing";
-    shim.szOsFile = static_cast<int>(sizeof(File)) + system_->szOsFile;
+    shim.szOsFile = static_cast<int>(sizeof(File)) + systemFiles->szOsFile;
     shim.xOpen = &Open;
     shim.xDelete = &Delete;
     sqlite3_vfs_register(&shim, 1);

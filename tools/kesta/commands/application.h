@@ -7,7 +7,7 @@
 
 #include "commands/command.h"
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): not ours
 class App;
 }
 

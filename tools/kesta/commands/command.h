@@ -7,7 +7,7 @@
 
 #include "base/exit_codes.h"
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): not ours
 class App;
 }
 

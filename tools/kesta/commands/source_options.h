@@ -5,7 +5,7 @@
 
 #include "state/sync_sources.h"
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): not ours
 class App;
 class Option;
 }  // namespace CLI

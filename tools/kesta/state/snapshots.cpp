@@ -112,6 +112,7 @@ void RemoveOld()
 {
     const std::vector<Snapshot> all = ReadSnapshots();
     std::vector<LocalTime> times;
+    times.reserve(all.size());
     for (const Snapshot& snapshot : all) {
         times.push_back(snapshot.time);
     }

@@ -98,9 +98,9 @@ private:
         buffer_.clear();
     }
 
-    static inline mz_stream_vtbl table_{nullptr, isOpen,  nullptr, write,   tell,    nullptr,
+    static inline mz_stream_vtbl kTable{nullptr, isOpen,  nullptr, write,   tell,    nullptr,
                                         nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
-    Bridge bridge_{{&table_, nullptr}, this};
+    Bridge bridge_{{&kTable, nullptr}, this};
     os::OutputFile file_;
     os::Status status_;
     std::vector<std::byte> buffer_;

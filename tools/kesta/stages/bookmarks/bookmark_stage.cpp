@@ -42,7 +42,7 @@ Plan BookmarkStage::plan(Session& session)
         session.report.fail(url.substr(0, 60) + "...", "too long for the database");
     }
     session.report.leaveOut("Bookmarks", "with addresses outside the web", bookmarks.notOfTheWeb);
-    addChanges(std::move(bookmarks), std::move(text), session, plan);
+    addChanges(bookmarks, std::move(text), session, plan);
     return plan;
 }
 
@@ -141,7 +141,7 @@ Change BookmarkStage::toChange(ChangeKind kind, const RecordedBookmark& bookmark
     return change;
 }
 
-void BookmarkStage::addChanges(BookmarkPlan bookmarks, std::string text, Session& session, Plan& plan)
+void BookmarkStage::addChanges(const BookmarkPlan& bookmarks, std::string text, Session& session, Plan& plan)
 {
     std::vector<Change> rows;
     for (const RecordedBookmark& bookmark : bookmarks.added) {

@@ -21,7 +21,7 @@ private:
     [[nodiscard]] std::string defaultName() const;
     void moveAside(const Phone& phone);
     [[nodiscard]] bool readPhone(Session& session);
-    void addChanges(BookmarkPlan bookmarks, std::string text, Session& session, Plan& plan);
+    void addChanges(const BookmarkPlan& bookmarks, std::string text, Session& session, Plan& plan);
     [[nodiscard]] Change toChange(ChangeKind kind, const RecordedBookmark& bookmark);
 
     kesta_db::Bookmarks records_;

@@ -267,7 +267,10 @@ FilePlan PlanCategory(const PlanInput& input, const PhoneView& phone)
     std::vector<ComparedFile> compared;
     compared.reserve(diff.items.size());
     for (const auto& item : diff.items) {
-        ComparedFile& file = compared.emplace_back(ToPcFile(*item.wanted->file), item.state, item.recorded);
+        ComparedFile& file = compared.emplace_back();
+        file.pc = ToPcFile(*item.wanted->file);
+        file.state = item.state;
+        file.record = item.recorded;
         if (placed.contains(item.recorded)) {
             file.there = phone.find(item.recorded->phonePath);
             input.changes.learn(file.there, item.recorded->modified, file.pc);
