@@ -38,6 +38,14 @@ std::vector<WantedFile> CollectFiles(const PlanInput& input)
 std::vector<MovedFile> TakeMoves(const PlanInput& input, const PhoneView& phone, std::vector<WantedFile>& wanted,
                                  MovedRecords& records)
 {
+    std::unordered_set<std::string_view> recorded;
+    for (const RecordedFile& file : input.recorded) {
+        recorded.insert(file.path);
+    }
+    if (std::all_of(wanted.begin(), wanted.end(),
+                    [&](const WantedFile& file) { return recorded.contains(file.file->path); })) {
+        return {};
+    }
     PhonePaths paths(std::string(PhoneFolderOf(input.category)), phone);
     std::vector<MovedFile> moves = FindMoves(input, wanted, ReservePaths(input.recorded, {}, {}, paths), phone);
     std::unordered_set<const ScannedFile*> files;
