@@ -150,6 +150,7 @@ bool Executor::place(const Change& change, StagedFile& file, std::vector<Placed>
 bool Executor::recordPlaced(const Plan& plan, std::vector<Placed>& placed)
 {
     std::vector<std::string> folders;
+    folders.reserve(placed.size());
     for (const Placed& file : placed) {
         folders.push_back(os::ParentOf(phone_.native(plan.changes[file.change].phonePath)));
     }

@@ -71,9 +71,9 @@ private:
         return MZ_OK;
     }
 
-    static inline mz_stream_vtbl table_{nullptr, isOpen,  read,    nullptr, tell,    seek,
+    static inline mz_stream_vtbl kTable{nullptr, isOpen,  read,    nullptr, tell,    seek,
                                         nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
-    Bridge bridge_{{&table_, nullptr}, this};
+    Bridge bridge_{{&kTable, nullptr}, this};
     os::InputFile file_;
     os::Status status_;
     int64_t position_ = 0, size_ = 0;

@@ -25,7 +25,7 @@ ZipReader::~ZipReader() = default;
 
 os::Status ZipReader::open(const std::string& path)
 {
-    const os::Status notAnArchive(os::Failure::kOther, "it is not a ZIP archive, or damaged");
+    os::Status notAnArchive(os::Failure::kOther, "it is not a ZIP archive, or damaged");
     if (os::Status status = state_->input.open(path); !status.ok()) {
         return status;
     }
@@ -53,7 +53,7 @@ os::Status ZipReader::open(const std::string& path)
 os::Status ZipReader::extract(const ZipItem& item, const Sink& sink)
 {
     void* zip = state_->zip.get();
-    const os::Status damaged(os::Failure::kOther, "the archive is damaged there");
+    os::Status damaged(os::Failure::kOther, "the archive is damaged there");
     if (mz_zip_goto_entry(zip, item.position) != MZ_OK || mz_zip_entry_read_open(zip, 0, nullptr) != MZ_OK) {
         return damaged;
     }
