@@ -147,8 +147,8 @@ void DiskFault::install()
         return;
     }
     systemFiles = sqlite3_vfs_find(nullptr);
-    shim =
-        *systemFiles;  // what is not replaced here gets the system's own entry, which does not look at its first argument
+    shim = *systemFiles;  // what is not replaced here gets the system's own entry, which does not look at its first
+                          // argument
     shim.zName = "failing";
     shim.szOsFile = static_cast<int>(sizeof(File)) + systemFiles->szOsFile;
     shim.xOpen = &Open;

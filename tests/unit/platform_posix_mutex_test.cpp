@@ -254,6 +254,9 @@ TEST_F(MixedMutex, OtherLayout_IsAStrangerToo)
 
 TEST_F(MixedMutex, MutexWrittenOver_ALockFileTakesItsPlace)
 {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizer stops at a mutex that nobody made";
+#endif
     open();
     std::memset(&segment->mutex, 0x7f, sizeof segment->mutex);
     expectExclusion(first, mutex);

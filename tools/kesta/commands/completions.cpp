@@ -34,6 +34,7 @@ std::vector<std::string> NamesOf(const ListedCommand& command)
 std::vector<std::string> NamesOf(const std::vector<ListedCommand>& commands)
 {
     std::vector<std::string> names;
+    names.reserve(commands.size());
     for (const ListedCommand& command : commands) {
         names.push_back(command.name);
     }

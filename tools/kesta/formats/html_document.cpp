@@ -61,8 +61,8 @@ public:
     Memory& operator=(const Memory&) = delete;
 
     /// Throws bad_alloc: Gumbo does not look whether it got its memory.
-    static void* Allocate(void* self, size_t size) { return static_cast<Memory*>(self)->allocate(size); }
-    static void Release(void* self, void* contents)
+    static void* allocate(void* self, size_t size) { return static_cast<Memory*>(self)->allocate(size); }
+    static void release(void* self, void* contents)
     {
         if (contents) {
             static_cast<Memory*>(self)->release(static_cast<Block*>(contents) - 1);
@@ -113,8 +113,8 @@ HtmlDocument::HtmlDocument(std::string_view utf8)
     constexpr size_t kPerByte = 64;
     memory_ = std::make_unique<Memory>(kBase + kPerByte * utf8.size());
     GumboOptions options = kGumboDefaultOptions;
-    options.allocator = Memory::Allocate;
-    options.deallocator = Memory::Release;
+    options.allocator = Memory::allocate;
+    options.deallocator = Memory::release;
     options.userdata = memory_.get();
     options.max_errors = 0;
     try {

@@ -45,6 +45,7 @@ std::optional<std::vector<std::string>> PhonesOfDatabase()
         return std::nullopt;
     }
     std::vector<std::string> imeis;
+    imeis.reserve(rows.size());
     for (PhoneRow& row : rows) {
         imeis.push_back(std::move(row.imei));
     }

@@ -34,7 +34,7 @@ std::optional<int64_t> Difference(const PhoneFile& there, std::optional<LocalTim
 
 bool IsZoneDifference(int64_t seconds)
 {
-    constexpr int64_t kQuarter = 900, kLargest = 26 * 3600;
+    constexpr int64_t kQuarter = 900, kLargest = int64_t{26} * 3600;
     const int64_t off = std::abs(seconds);
     const int64_t rest = off % kQuarter;
     return off >= kQuarter - kPhoneTimeTolerance && off <= kLargest + kPhoneTimeTolerance &&

@@ -7,7 +7,7 @@ namespace {
 
 // A sanitizer is not ready by then.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-[[gnu::section(".preinit_array"), gnu::used]] void (*const startEarly)() = StartWatch;
+[[gnu::section(".preinit_array"), gnu::used]] void (*const kStartEarly)() = StartWatch;
 #endif
 
 }  // namespace
