@@ -5,7 +5,9 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <charconv>
+#include <cstring>
+#include <system_error>
 
 #include "os/posix/errno_status.h"
 
@@ -19,9 +21,16 @@ constexpr long kFuse = 0x65735546, kNfs = 0x6969, kCifs = 0xFF534D42, kSmb2 = 0x
 bool DoesKernelTellFailures()
 {
     utsname name{};
+    if (uname(&name) != 0) {
+        return false;
+    }
+    const char* const end = name.release + std::strlen(name.release);
     int major = 0, minor = 0;
-    return uname(&name) == 0 && std::sscanf(name.release, "%d.%d", &major, &minor) == 2 &&
-           (major > 5 || (major == 5 && minor >= 8));
+    const auto [dot, problem] = std::from_chars(name.release, end, major);
+    if (problem != std::errc() || dot == end || std::from_chars(dot + 1, end, minor).ec != std::errc()) {
+        return false;
+    }
+    return major > 5 || (major == 5 && minor >= 8);
 }
 
 bool IsServed(int descriptor)
