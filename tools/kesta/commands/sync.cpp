@@ -139,6 +139,7 @@ private:
                 report_.note("what was given for this phone before cannot be read: " + status.text());
             }
         }
+        stored_ = remembered_;
         remembered_.add(WithRecordedPaths(options_));
         if (!options_.hasAny()) {
             static_cast<SyncSources&>(options_) = remembered_;
@@ -158,9 +159,10 @@ private:
             return;
         }
         os::Status saved = ShowPhone(imei);
-        if (saved.ok()) {
+        if (saved.ok() && remembered_ != stored_) {
             saved = WriteSyncSources(imei, remembered_);
         }
+        stored_ = remembered_;
         if (!saved.ok()) {
             report_.note("what was given cannot be remembered for the next run: " + saved.text());
         }
@@ -269,6 +271,7 @@ private:
     LeftFiles left_;       // likewise
     std::unique_ptr<Runner> runner_;
     SyncSources remembered_;
+    SyncSources stored_;  // what the next run would remember
     bool mayRemember_ = true;
     MediaState media_;
     std::unique_ptr<PlaylistRun> playlists_;
