@@ -30,12 +30,13 @@ void Require(bool condition, const char* what)
 
 void Count(const char* name, size_t size, const std::function<void()>& run)
 {
+    const std::string title = std::string(name) + " " + std::to_string(size);  // outlives the request that names it
     CALLGRIND_START_INSTRUMENTATION;
     CALLGRIND_ZERO_STATS;
     CALLGRIND_TOGGLE_COLLECT;
     run();
     CALLGRIND_TOGGLE_COLLECT;
-    CALLGRIND_DUMP_STATS_AT((std::string(name) + " " + std::to_string(size)).c_str());
+    CALLGRIND_DUMP_STATS_AT(title.c_str());
     CALLGRIND_STOP_INSTRUMENTATION;
 }
 

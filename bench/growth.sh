@@ -26,8 +26,9 @@ done | awk '
         printf "%-24s %8s %14s %8s %14s %8s\n", "file", "size", "instructions", "size", "instructions", "ratio"
         for (i = 1; i <= keys; ++i) {
             key = order[i]
-            ratio = more[key] / count[key]
-            missed = !(key in more) || ratio > 1.25 * larger[key] / size[key]
+            isThere = key in more && size[key] > 0
+            ratio = isThere ? more[key] / count[key] : 0
+            missed = !isThere || ratio > 1.25 * larger[key] / size[key]
             failed += missed
             printf "%-24s %8d %14.0f %8d %14.0f %8.2f%s\n", key, size[key], count[key], larger[key], more[key], ratio,
                 missed ? "  missed" : ""
