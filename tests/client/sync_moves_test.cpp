@@ -115,6 +115,27 @@ TEST_F(SyncMovesTest, OtherContentsOfTheSameSizeAndTime_AreCopied)
     expectInOrder();
 }
 
+// As a program leaves them that writes many at once: one time to the last digit, and one size.
+TEST_F(SyncMovesTest, FilesOfOneMoment_AreToldApartByWhatTheyHold)
+{
+    const auto time = fs::file_time_type::clock::now();
+    for (const char* name : {"Rock/a.mp3", "Rock/b.mp3", "Rock/Live/same.mp3", "Rock/Gone/same.mp3", "Rock/d.mp3"}) {
+        givenFile(name, std::string("the music of ") + name[5]);
+        fs::last_write_time(Path(pc(name)), time);
+    }
+    ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    removeFile("Rock/a.mp3");
+    move("Rock/b.mp3", "Rock/z.mp3");
+    removeFile("Rock/Gone/same.mp3");
+    move("Rock/Live/same.mp3", "Rock/New/same.mp3");
+    const Ended run = sync({"--music", pc("Rock"), "--force"});
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_THAT(run.out, HasSubstr("2 moved"));
+    EXPECT_EQ(phoneFiles().at("Music/Rock/z.mp3"), "the music of b");
+    EXPECT_EQ(phoneFiles().at("Music/Rock/New/same.mp3"), "the music of L");
+    expectInOrder();
+}
+
 TEST_F(SyncMovesTest, FileChangedOnThePhone_IsNotMoved)
 {
     givenSynced();

@@ -51,14 +51,15 @@ bool IsSameFraction(int32_t nanoseconds, int32_t other)
     return false;
 }
 
-bool PhoneChanges::isCopyOf(const std::string& phonePath, const PcFile& pc) const
+bool PhoneChanges::hasTimeOf(const std::string& phonePath, const PcFile& pc) const
 {
     const LeftFile* left = left_.find(phonePath);
-    // No two files have one time to the last digit, unless it has none behind the second.
-    if (left != nullptr && left->pcNanoseconds && *left->pcNanoseconds != 0 &&
-        *left->pcNanoseconds == pc.modifiedNanoseconds) {
-        return true;
-    }
+    return left != nullptr && left->pcNanoseconds && *left->pcNanoseconds != 0 &&
+           *left->pcNanoseconds == pc.modifiedNanoseconds;
+}
+
+bool PhoneChanges::isCopyOf(const std::string& phonePath, const PcFile& pc) const
+{
     return holdsFile_(phonePath, pc.path);
 }
 

@@ -46,7 +46,10 @@ public:
     /// pc: null for a file that is gone. recorded: the time with which it was copied.
     [[nodiscard]] bool isChanged(const std::string& phonePath, const PhoneFile& there,
                                  std::optional<LocalTime> recorded, const PcFile* pc) const;
-    /// Whether the file on the phone, which has its size, is a copy of what the file of the PC still holds.
+    /// Whether the file on the phone was copied from one with this part of a second in its time. False where there is
+    /// none, and without a note.
+    [[nodiscard]] bool hasTimeOf(const std::string& phonePath, const PcFile& pc) const;
+    /// Whether the file on the phone, which has its size, is a copy of what the file of the PC still holds: reads both.
     [[nodiscard]] bool isCopyOf(const std::string& phonePath, const PcFile& pc) const;
     /// Whether the file of the PC has changed within the second in which it was when it was copied.
     [[nodiscard]] bool isPcChanged(const std::string& phonePath, const PcFile& pc) const;

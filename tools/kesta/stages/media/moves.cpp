@@ -60,18 +60,22 @@ public:
             return nullptr;
         }
         const PcFile pc{file.path, file.size, file.modified.seconds, file.localTime, file.modified.nanoseconds};
+        std::vector<Candidate>& candidates = found->second;
+        // A folder is moved more often than each of its files is renamed.
+        const auto hasName = [&](const Candidate& candidate) {
+            return os::NameOf(candidate.record->path) == os::NameOf(file.path);
+        };
+        // Files that were written together can have one time to the last digit: it tells the one of a name only.
+        const bool isOnlyOne = std::count_if(candidates.begin(), candidates.end(), hasName) == 1;
         std::vector<Candidate*> inOrder;
-        for (Candidate& candidate : found->second) {
+        for (Candidate& candidate : candidates) {
             if (!candidate.isTaken) {
                 inOrder.push_back(&candidate);
             }
         }
-        // A folder is moved more often than each of its files is renamed.
-        std::stable_partition(inOrder.begin(), inOrder.end(), [&](const Candidate* candidate) {
-            return os::NameOf(candidate->record->path) == os::NameOf(file.path);
-        });
+        std::stable_partition(inOrder.begin(), inOrder.end(), [&](const Candidate* one) { return hasName(*one); });
         for (size_t i = 0; i < inOrder.size() && i < kMostCompared; ++i) {
-            if (isSame(*inOrder[i], pc)) {
+            if (isSame(*inOrder[i], pc, isOnlyOne && hasName(*inOrder[i]))) {
                 inOrder[i]->isTaken = true;
                 return inOrder[i]->record;
             }
@@ -80,13 +84,13 @@ public:
     }
 
 private:
-    [[nodiscard]] bool isSame(const Candidate& candidate, const PcFile& pc) const
+    [[nodiscard]] bool isSame(const Candidate& candidate, const PcFile& pc, bool isTimeEnough) const
     {
         const RecordedFile& record = *candidate.record;
         // Where only the case differs a phone may not tell the two names apart.
         return CaseKey(record.path) != CaseKey(pc.path) &&
                !changes_.isChanged(record.phonePath, candidate.there, record.modified, &pc) &&
-               changes_.isCopyOf(record.phonePath, pc);
+               ((isTimeEnough && changes_.hasTimeOf(record.phonePath, pc)) || changes_.isCopyOf(record.phonePath, pc));
     }
 
     const PhoneChanges& changes_;
