@@ -190,5 +190,29 @@ TEST_F(PimFaultsTest, LinkInThePlaceOfThePhonesFolder_LeadsNobodyBackToThePc)
     EXPECT_TRUE(fs::is_empty(pc("elsewhere")));
 }
 
+TEST_F(PimFaultsTest, OneChangedCardOfMany_WaitsForTheDiskAFewTimes)
+{
+    Entries contacts;
+    for (int i = 0; i < 500; ++i) {
+        contacts["u" + std::to_string(i)] = "Name " + std::to_string(i);
+    }
+    givenFile("Friends.vcf", CardsText(contacts));
+    ASSERT_EQ(syncContacts({"Friends.vcf"}).exitCode, 0);
+    contacts["u77"] = "Another name";
+    givenFile("Friends.vcf", CardsText(contacts));
+    const fs::path flushes = work() / "flushes";
+    const Ended run = client(syncArguments({"--contacts", pc("Friends.vcf")}),
+                             Faults({{"KESTA_FAULT_FLUSH_FILE", flushes.string()}}));
+    ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
+    std::ifstream file(flushes);
+    int count = 0;
+    for (std::string line; std::getline(file, line);) {
+        ++count;
+    }
+    EXPECT_GT(count, 4) << "the flushes are not seen";
+    EXPECT_LE(count, 20);
+    expectDatabaseInOrder(contacts, {});
+}
+
 }  // namespace
 }  // namespace kesta::test

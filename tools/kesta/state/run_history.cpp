@@ -70,7 +70,8 @@ os::Status AddRun(const std::string& imei, RunRecord run)
     for (const RunRecord& one : runs) {
         all.push_back(ToJson(one));
     }
-    return WriteStateFile(FileOf(imei), imei, {{"runs", std::move(all)}});
+    // Only a report reads it: it is not worth a wait for the disk.
+    return WriteStateFile(FileOf(imei), imei, {{"runs", std::move(all)}}, StateFlush::kNothing);
 }
 
 }  // namespace kesta
