@@ -54,8 +54,9 @@ protected:
     /// Files of the client's own in the phone's folders, besides the marker.
     [[nodiscard]] std::vector<std::string> ownFiles() const;
 
-    /// Every file on the phone is recorded once, is what the PC has, and has its time; nothing is left over.
-    void expectInOrder(const std::string& category = "music");
+    /// Every file on the phone is recorded once, is what the PC has, and has its time; nothing is left over. below: of
+    /// the files under that folder only.
+    void expectInOrder(const std::string& category = "music", const std::string& below = {});
 
     [[nodiscard]] Sql database() const { return Sql(data_.databasePath()); }
     /// A note of the client's own, beside the database.

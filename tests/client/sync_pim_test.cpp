@@ -1,7 +1,5 @@
 // Contacts and calendars, from the files of the PC to those of the phone.
-#include <random>
 #include <sstream>
-#include <thread>
 
 #include "pim_fixture.h"
 
@@ -366,64 +364,6 @@ TEST_F(SyncPimTest, FileOnThePhoneItself_IsRefused)
     EXPECT_EQ(run.exitCode, 3);
     EXPECT_THAT(run.out, HasSubstr("it lies on the phone itself"));
     EXPECT_THAT(phonePaths(), ElementsAre("Contacts/own.vcf"));
-}
-
-TEST_F(SyncPimTest, KilledAtRandomMoments_EndsInOrder)
-{
-    constexpr int kRounds = 12;
-    std::mt19937 random(20260131);
-    Entries contacts, events;
-    int next = 0;
-    const auto change = [&] {
-        for (int i = 0; i < 6; ++i) {
-            contacts["c" + std::to_string(next + i)] = "Name " + std::to_string(next + i);
-        }
-        for (int i = 0; i < 6; ++i) {
-            events["e" + std::to_string(next + i)] = "Event " + std::to_string(next + i);
-        }
-        if (!contacts.empty()) {
-            contacts.begin()->second = "Changed " + std::to_string(next);
-        }
-        if (contacts.size() > 16) {
-            contacts.erase(std::next(contacts.begin()));
-        }
-        if (events.size() > 16) {
-            events.erase(events.begin());
-        }
-        next += 6;
-        givenFile("Friends.vcf", CardsText(contacts));
-        givenFile("cal.ics", CalendarText("Work", events));
-    };
-    const std::vector<std::string> arguments =
-        syncArguments({"--contacts", pc("Friends.vcf"), "--calendar", pc("cal.ics")});
-    change();
-    const auto before = std::chrono::steady_clock::now();
-    ASSERT_EQ(client(arguments).exitCode, 0);
-    auto longest = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - before);
-    int cutShort = 0;
-    for (int round = 0; round < kRounds; ++round) {
-        change();
-        ClientProcess process(work(), arguments);
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % static_cast<unsigned>(longest.count())));
-        if (process.hasEnded()) {
-            longest = longest * 2 / 3 + std::chrono::microseconds(1);  // The machine has become faster meanwhile.
-        } else {
-            ++cutShort;
-        }
-        process.kill();
-        (void)process.wait();
-        if (round % 3 == 0) {
-            continue;  // Now and then a killed run follows another one.
-        }
-        const Ended run = client(arguments);
-        ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
-        EXPECT_EQ(contactsIn("Contacts/Friends.vcf"), contacts);
-        EXPECT_EQ(eventsIn("Calendar/Work.ics"), events);
-        EXPECT_THAT(phonePaths(), ElementsAre("Calendar/Work.ics", "Contacts/Friends.vcf"));
-        expectDatabaseInOrder(contacts, events);
-        ASSERT_FALSE(HasFailure()) << "in round " << round;
-    }
-    EXPECT_GT(cutShort, 0) << "the test itself came too late";
 }
 
 TEST_F(SyncPimTest, Latin1_ReachesThePhoneAsUtf8)
