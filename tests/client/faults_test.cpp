@@ -1,4 +1,5 @@
 // System calls that fail, and the process dying at each of them in turn.
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fstream>
@@ -226,6 +227,37 @@ TEST_F(FaultsTest, DatabaseThatCannotBeWritten_StopsTheRun)
     EXPECT_EQ(run.exitCode, 8) << run.out << run.err;
     EXPECT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
     expectInOrder();
+}
+
+// Two rows change for a file that was renamed: the run may end before, between or after them.
+TEST_F(FaultsTest, DatabaseThatFailsWhileAFileIsMoved_KeepsTheFile)
+{
+    givenFile("Rock/a", "the music of a");
+    givenFile("Rock/b", "the music of b");
+    ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    std::string from = "Rock/a";
+    int stopped = 0;
+    for (int skip = 0; skip < 40; ++skip) {
+        SCOPED_TRACE("all writes to the journal but the first " + std::to_string(skip) + " fail");
+        const std::string to = "Rock/renamed " + std::to_string(skip);
+        fs::rename(pc(from), pc(to));
+        from = to;
+        Environment unwritable = failing(ENOSPC, "KESTA_DB.s3db-journal", skip);
+        unwritable["KESTA_FAULT_CALL"] = "pwrite";
+        const Ended run = sync({"--music", pc("Rock")}, unwritable);
+        ASSERT_TRUE(run.exitCode == 8 || run.exitCode == 0) << run.exitCode << run.out << run.err;
+        stopped += run.exitCode == 8 ? 1 : 0;
+        const auto onPhone = phoneFiles();
+        ASSERT_TRUE(std::any_of(onPhone.begin(), onPhone.end(),
+                                [](const auto& file) { return file.second == "the music of a"; }));
+        const Ended again = sync({"--music", pc("Rock")});
+        ASSERT_EQ(again.exitCode, 0) << again.out << again.err;
+        ASSERT_THAT(phonePaths(), SizeIs(2));
+        expectInOrder();
+        ASSERT_FALSE(HasFailure());
+    }
+    EXPECT_GT(stopped, 8);
+    EXPECT_LT(stopped, 40) << "the last ones do not reach the rows";
 }
 
 }  // namespace
