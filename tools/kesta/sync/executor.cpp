@@ -2,16 +2,13 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <exception>
 #include <utility>
 
-#include "base/text.h"
 #include "database/failures.h"
 #include "formats/digest.h"
 #include "os/local_time.h"
 #include "os/system.h"
-#include "phone/names.h"
 #include "phone/put_text.h"
 #include "sync/placed_note.h"
 
@@ -36,13 +33,9 @@ PhoneChanges ChangesOf(Session& session)
 void Executor::run(const Plan& plan)
 {
     guard_.save(report_);
-    if (!std::exchange(hasExpired_, true)) {
-        if (os::Status status = trash_.expire(); !status.ok()) {
-            report_.note("old files cannot be removed from the phone's trash: " + status.text());
-        }
-    }
+    way_.expire();
     *plan.tally += plan.found;
-    const Room room = MeasureRoom(plan, phone_, phone_, trash_);
+    const Room room = MeasureRoom(plan, phone_, phone_, way_.trash());
     if (room.needed > 0) {
         report_.progress.say("Room      " + room.text(), room.event());
     }
@@ -183,7 +176,7 @@ bool Executor::remove(const Change& change)
     if (change.phonePath.empty()) {
         return true;
     }
-    os::Status status = makeWay(change);
+    os::Status status = way_.make(change);
     if (status.ok()) {
         status = phone_.removeFile(change.phonePath);
     }
@@ -223,18 +216,6 @@ void Executor::moveLeft(const std::string& from, const std::string& to)
     }
 }
 
-std::function<os::Status()> Executor::wayMaker(const Change& change)
-{
-    return [this, &change, isMade = false]() mutable -> os::Status {
-        if (isMade) {
-            return {};
-        }
-        os::Status status = makeWay(change);
-        isMade = status.ok();
-        return status;
-    };
-}
-
 os::Status Executor::notePlacing(const Change& change)
 {
     hasPlacedNote_ = true;
@@ -246,44 +227,6 @@ void Executor::forgetPlacing()
     if (std::exchange(hasPlacedNote_, false) && !isLeftBehind_) {
         (void)RemovePlacedNote(phone_, 0);  // The next run finds the file recorded, or gone.
     }
-}
-
-// What is in the place of a change leaves it. What cannot go to the trash is overwritten or removed by the change.
-os::Status Executor::makeWay(const Change& change)
-{
-    if (change.kind != ChangeKind::kReplace && change.kind != ChangeKind::kRemove) {
-        return {};
-    }
-    if (!change.keepAs.empty()) {
-        if (phone_.find(change.phonePath).entry == PhoneEntry::kNothing) {
-            return {};  // It has made way already.
-        }
-        if (os::Status status = phone_.move(change.phonePath, change.keepAs); !status.ok()) {
-            return status;
-        }
-        const std::string& path = change.subject.empty() ? change.phonePath : change.subject;
-        left_.keep({path, change.phonePath, change.keepAs, os::ToLocalTime(os::Now())});
-        report_.summary.kept.push_back({change.phonePath, change.keepAs});
-        if (!report_.isQuiet) {
-            report_.progress.say(fmt::format("{:<9} {}", kKept.done, Printable(change.keepAs)),
-                                 {"kept", {{"path", change.phonePath}, {"kept_as", change.keepAs}}});
-        }
-        return {};
-    }
-    if (options_.noTrash || isTrashRefused_) {
-        return {};
-    }
-    // What takes the file's place has its folder flushed.
-    const os::Flush flush = change.kind == ChangeKind::kReplace ? os::Flush::kLater : os::Flush::kNow;
-    if (os::Status status = trash_.take(change.phonePath, flush); !status.ok()) {
-        if (const auto reason = phone_.whyNothingCanBeWritten(status);
-            reason && status.failure() != os::Failure::kFull) {
-            throw *reason;
-        }
-        isTrashRefused_ = true;
-        report_.note("the phone does not let files be moved to the trash, they are removed: " + status.text());
-    }
-    return {};
 }
 
 // For the next run, which is to notice what somebody changes there.
@@ -311,7 +254,7 @@ bool Executor::writeText(const Change& change, Written& written)
     if (os::Status status = PutText({.target = path,
                                      .text = change.text,
                                      .abilities = phone_.abilities(),
-                                     .makeWay = wayMaker(change),
+                                     .makeWay = way_.maker(change),
                                      .beforeInPlace = [&] { return notePlacing(change); }});
         !status.ok()) {
         fail(change, "it cannot be written to the phone: " + status.text());
@@ -327,22 +270,6 @@ bool Executor::writeText(const Change& change, Written& written)
     return true;
 }
 
-// Files of the trash make way, oldest first.
-bool Executor::hasRoomFor(const Change& change)
-{
-    std::optional<uint64_t> bytes;
-    const auto isEnough = [&] {
-        (void)os::ReadFreeSpace(phone_.root(), bytes);
-        return !bytes || *bytes >= change.size;
-    };
-    if (isEnough()) {
-        return true;
-    }
-    uint64_t freed = 0;
-    (void)trash_.free(change.size - *bytes, freed);  // What stays shows in the room that there is.
-    return isEnough();
-}
-
 bool Executor::copy(const Change& change, Written& written)
 {
     CopyRequest request;
@@ -350,16 +277,16 @@ bool Executor::copy(const Change& change, Written& written)
     request.target = phone_.native(change.phonePath);
     request.mayReplace = change.kind == ChangeKind::kReplace;
     request.abilities = phone_.abilities();
-    request.makeWay = wayMaker(change);
+    request.makeWay = way_.maker(change);
     request.beforeInPlace = [&] { return notePlacing(change); };
     request.onBytes = [&](size_t bytes) {
         report_.progress.addBytes(bytes);
         return !os::Interrupted();
     };
     request.onRestart = [&] { report_.progress.restartFile(); };
-    CopyResult result = hasRoomFor(change) ? CopySafely(request) : CopyResult{CopyOutcome::kPhoneFull, {}, {}, true};
-    if (uint64_t freed = 0;
-        result.outcome == CopyOutcome::kPhoneFull && trash_.free(change.size, freed).ok() && freed > 0) {
+    CopyResult result =
+        way_.hasRoomFor(change.size) ? CopySafely(request) : CopyResult{CopyOutcome::kPhoneFull, {}, {}, true};
+    if (result.outcome == CopyOutcome::kPhoneFull && way_.free(change.size)) {
         request.onRestart();
         result = CopySafely(request);
     }

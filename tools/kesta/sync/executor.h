@@ -4,11 +4,11 @@
 #pragma once
 
 #include "phone/copy_file.h"
-#include "phone/trash.h"
 #include "sync/copy_ahead.h"
 #include "sync/journal.h"
 #include "sync/room.h"
 #include "sync/session.h"
+#include "sync/way.h"
 
 namespace kesta {
 
@@ -22,7 +22,7 @@ public:
           left_(left),
           report_(report),
           journal_(phone, report),
-          trash_(phone)
+          way_(phone, options, left, report)
     {
     }
 
@@ -42,15 +42,11 @@ private:
     [[nodiscard]] bool remove(const Change& change);
     [[nodiscard]] bool move(const Change& change);
     void moveLeft(const std::string& from, const std::string& to);
-    /// To be called as often as it takes: the way is made once.
-    [[nodiscard]] std::function<os::Status()> wayMaker(const Change& change);
-    [[nodiscard]] os::Status makeWay(const Change& change);
     /// What does not get to its path in one step is noted there.
     [[nodiscard]] os::Status notePlacing(const Change& change);
     void forgetPlacing();
     void noteLeft(const Change& change, const os::FileInfo& copy, std::optional<int32_t> pcNanoseconds);
     [[nodiscard]] bool write(const Change& change, Written& written);
-    [[nodiscard]] bool hasRoomFor(const Change& change);
     [[nodiscard]] bool copy(const Change& change, Written& written);
     [[nodiscard]] bool writeText(const Change& change, Written& written);
     [[nodiscard]] bool record(const Change& change, const Written& written);
@@ -80,9 +76,7 @@ private:
     LeftFiles& left_;
     Report& report_;
     PhoneJournal journal_;
-    Trash trash_;
-    bool hasExpired_ = false;  // what has been in the trash for too long is gone
-    bool isTrashRefused_ = false;
+    Way way_;
     bool isLeftBehind_ = false;  // something is on the phone, but neither recorded nor removed again
     size_t next_ = 0;            // the change that is being made
     bool hasFailed_ = false;     // that change

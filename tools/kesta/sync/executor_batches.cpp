@@ -134,7 +134,7 @@ bool Executor::place(const Change& change, StagedFile& file, std::vector<Placed>
     request.target = phone_.native(change.phonePath);
     request.mayReplace = change.kind == ChangeKind::kReplace;
     request.abilities = phone_.abilities();
-    request.makeWay = wayMaker(change);
+    request.makeWay = way_.maker(change);
     const CopyResult result = PlaceCopy(request, file.temporary, file.copied);
     if (result.outcome != CopyOutcome::kDone) {
         return false;
