@@ -1,105 +1,23 @@
 // Memory runs out at every single allocation of a call: the call fails as documented, nothing leaks, the next one
 // works.
-#include <sqlite3.h>
-
-#include <cstdlib>
 #include <functional>
 #include <set>
-#include <utility>
+#include <string>
 
 #include "core/list.h"
 #include "core/text.h"
-#include "faults/memory_fault.h"
-#include "kesta_db/kesta_db.h"
+#include "faults/failing_memory.h"
 #include "library/main_folders.h"
 #include "library/phone_settings.h"
 #include "media/folder_records.h"
 #include "media/synced_files.h"
 #include "pim/items.h"
 #include "support/dates.h"
-#include "unit/module_under_test.h"
 
-namespace kesta {
+namespace kesta::test {
 namespace {
 
-using test::MemoryFault;
-using test::Text;
-using test::W;
-
-constexpr char kImei[] = "351111";
 constexpr int32_t kNoMemory = 7;  // SQLite's code
-
-/// SQLite serves small wishes from a store of its own, which would keep them from the allocator. Said before its first
-/// use.
-const int kNoLookaside = sqlite3_config(SQLITE_CONFIG_LOOKASIDE, 0, 0);
-
-/// Arrays and texts that callers hold, by the trace. Lines are read without allocating.
-int held = 0;
-
-void CountMemoryLine(const DbChar* line, size_t length) noexcept
-{
-    const auto endsWith = [&](std::string_view end) {
-        if (length < end.size()) {
-            return false;
-        }
-        for (size_t i = 0; i < end.size(); ++i) {
-            if (line[length - end.size() + i] != static_cast<DbChar>(end[i])) {
-                return false;
-            }
-        }
-        return true;
-    };
-    if (endsWith(" NEW.\n")) {
-        ++held;
-    }
-    if (endsWith(" DELETE.\n")) {
-        --held;
-    }
-}
-
-class FailingMemory : public ModuleUnderTest {
-protected:
-    FailingMemory()
-    {
-        platform::services.writeTraceLine = &CountMemoryLine;
-        EXPECT_EQ(DB_LIB_PhoneDetected(W(kImei), W("x")), 1);
-        sql.exec(
-            "UPDATE tPhone SET [PhotoPath] = 'p', [CalPeriodStr] = 'c', [ContactFolderId] = 'f';"
-            "UPDATE tLibMainFolder SET [Setting] = 's';"
-            "INSERT INTO tMFolder ([PhoneID], [Path], [Flag], [AddTime]) VALUES (1, 'folder', 0, ''), (1, 'g', 0, '');"
-            "INSERT INTO tMFile VALUES (1, 'a', 'folder', 'q', '2024-01-01 00:00:00'), (1, 'b', 'folder', 'q', '')");
-        held = 0;
-        EXPECT_EQ(kNoLookaside, SQLITE_OK);
-    }
-
-    /// Lets the call meet the fault at its first, second, ... allocation, until it needs no more of them. Only
-    /// `results` may come out; `after` puts things back.
-    void atEveryAllocation(
-        const std::set<int32_t>& results, const std::function<int32_t()>& call,
-        const std::function<void()>& after = [] {})
-    {
-        int struck = 0;
-        for (int nth = 0;; ++nth) {
-            ASSERT_LT(nth, 5000);
-            MemoryFault::arm(nth);
-            const int32_t result = call();
-            const bool wasStruck = MemoryFault::disarm();
-            EXPECT_TRUE(results.contains(result)) << "result " << result << " at allocation " << nth;
-            after();
-            EXPECT_EQ(DB_LIB_PhoneDetected(W(kImei), W("")), 1) << nth;
-            if (!wasStruck) {
-                break;
-            }
-            ++struck;
-        }
-        EXPECT_GT(struck, 0);
-        EXPECT_EQ(sql.text("PRAGMA integrity_check"), "ok");
-    }
-
-    /// Arguments are made before the fault is armed.
-    const Text imei = W(kImei);
-    const Text folder = W("folder");
-};
 
 TEST_F(FailingMemory, GetSyncedFiles_AtEveryAllocation_LeavesAConsistentList)
 {
@@ -371,76 +289,6 @@ TEST_F(FailingMemory, GetGalleryFolders_AtEveryAllocation_LosesNoPath)
     EXPECT_EQ(held, 0);
 }
 
-/// The trace tells of memory that goes; here it is seen to go.
-TEST_F(FailingMemory, ListsAndTexts_GivenBack_AreFreed)
-{
-    sql.exec("INSERT INTO tPimItem ([pfID], [PimID], [Data], [Type]) VALUES (-2, 'a', x'01', 1)");
-    const auto fillAndEmpty = [&] {
-        FolderList folders = {};
-        EXPECT_EQ(DB_MUSIC_GetFolders(imei, &folders), 0);
-        EXPECT_EQ(folders.Count, 2);
-        EmptyList(folders);
-        PimItemList items = {};
-        EXPECT_EQ(DB_PIM_GetItems(&items, nullptr, 1, 0), 0);
-        EXPECT_EQ(items.Count, 1);
-        EmptyList(items);
-    };
-    fillAndEmpty();  // SQLite keeps what it has compiled and read,
-    fillAndEmpty();  // and what a statement needs when it runs again
-    const int64_t before = MemoryFault::balance();
-    for (int i = 0; i < 50; ++i) {
-        fillAndEmpty();
-    }
-    EXPECT_EQ(MemoryFault::balance(), before);
-}
-
-TEST_F(FailingMemory, TextsOfAList_TakenOutOfIt_OutliveItAndAreFreed)
-{
-    sql.exec(
-        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 500) "
-        "INSERT INTO tMFolder ([PhoneID], [Path], [Flag], [AddTime]) SELECT 1, 'folder ' || i, 0, '' FROM n");
-    const auto takeAndFree = [&] {
-        FolderList list = {};
-        EXPECT_EQ(DB_MUSIC_GetFolders(imei, &list), 0);
-        ASSERT_EQ(list.Count, 502);
-        DbChar* first = std::exchange(list.Items[0].Path, nullptr);
-        DbChar* last = std::exchange(list.Items[501].Path, nullptr);
-        EmptyList(list);
-        EXPECT_EQ(held, 2);
-        EXPECT_EQ(test::Utf8(first), "folder");
-        EXPECT_EQ(test::Utf8(last), "g");
-        FreeText(last);
-        FreeText(first);
-        EXPECT_EQ(held, 0);
-    };
-    takeAndFree();  // SQLite keeps what it has compiled and read,
-    takeAndFree();  // and what a statement needs when it runs again
-    const int64_t before = MemoryFault::balance();
-    for (int i = 0; i < 50; ++i) {
-        takeAndFree();
-    }
-    EXPECT_EQ(MemoryFault::balance(), before);
-}
-
-TEST_F(FailingMemory, ConnectionWithCachedStatements_Closed_IsFreed)
-{
-    const auto runManyAndClose = [this] {
-        StatementBuffer buffer;
-        Connection other;
-        ASSERT_EQ(other.open(data.databasePath().c_str()), SqliteCode::kOk);
-        other.makeStatementsIn(buffer);
-        for (size_t i = 0; i < StatementCache::kMost + 10; ++i) {
-            const std::string name = "c" + std::to_string(i);
-            EXPECT_EQ(other.exec(NarrowSql("SELECT [ID] AS %s FROM tPhone WHERE [ID] = %d", Name{name.c_str()}, 1)),
-                      SqliteCode::kOk);
-        }
-    };
-    runManyAndClose();
-    const int64_t before = MemoryFault::balance();
-    runManyAndClose();
-    EXPECT_EQ(MemoryFault::balance(), before);
-}
-
 /// Every statement is made in the buffer: without it a call ends as an exception does, and the next one asks again.
 TEST_F(FailingMemory, Start_AtEveryAllocation_WorksAsSoonAsThereIsMemory)
 {
@@ -477,4 +325,4 @@ TEST_F(FailingMemory, TraceLine_TooLongForTheStack_IsLostAndNothingElse)
 }
 
 }  // namespace
-}  // namespace kesta
+}  // namespace kesta::test
