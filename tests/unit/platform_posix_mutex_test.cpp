@@ -108,6 +108,16 @@ TEST_F(PosixMutex, Segment_IsPrivateToTheUser)
     EXPECT_FALSE(fs::exists(lockFile()));
 }
 
+TEST_F(PosixMutex, AnotherUser_HasASegmentOfItsOwn)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can be another user";
+    }
+    const key_t ours = SegmentKey(name.c_str());
+    const pid_t other = start([&] { return setuid(65534) != 0 ? 2 : SegmentKey(name.c_str()) != ours ? 0 : 1; });
+    EXPECT_EQ(resultOf(other), 0);
+}
+
 TEST_F(PosixMutex, HolderKilled_TheNextTakesIt)
 {
     open();

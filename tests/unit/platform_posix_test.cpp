@@ -239,7 +239,9 @@ TEST(PosixDates, LocaleDate_OfALocaleThatIsNotInstalled_IsAsInC)
 TEST(PosixFiles, GiveSecondName_AcrossFileSystems_IsAPrivateCopy)
 {
     const test::DataFolder data;
-    const fs::path there = fs::path("/var/tmp") / ("kesta-test-" + std::to_string(getpid()));
+    std::string folder = "/var/tmp/kesta-test-XXXXXX";
+    ASSERT_NE(mkdtemp(folder.data()), nullptr);
+    const fs::path there = fs::path(folder) / "second name";
     const fs::path file = data.applicationData() / "file";
     {
         std::ofstream(file) << std::string(200'000, 'x');
@@ -252,6 +254,7 @@ TEST(PosixFiles, GiveSecondName_AcrossFileSystems_IsAPrivateCopy)
     fs::remove(there);
     EXPECT_EQ(GiveSecondName(data.applicationData() / "missing", there), Naming::kFailed);
     EXPECT_FALSE(fs::exists(there));
+    fs::remove_all(folder);
 }
 
 TEST(PosixFiles, Find_LinkToItself_IsNothing)
