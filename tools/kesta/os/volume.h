@@ -25,7 +25,7 @@ public:
     Status flush();
 
 private:
-    intptr_t handle_ = -1;
+    [[maybe_unused]] intptr_t handle_ = -1;  // Windows has no such flush.
 };
 
 }  // namespace kesta::os
