@@ -85,6 +85,22 @@ TEST_F(WhyTest, ChangedFile_IsCopiedAgain)
     EXPECT_THAT(reasons(pc("Rock/a.mp3")), ElementsAre("recorded", "unchanged"));
 }
 
+TEST_F(WhyTest, FileChangedWithinTheSecond_IsCopiedAgain)
+{
+    using std::chrono::floor, std::chrono::milliseconds, std::chrono::seconds;
+    const fs::path file = Path(pc("Rock/a.mp3"));
+    const auto second = floor<seconds>(fs::file_time_type::clock::now()) - seconds(100);
+    givenFile("Rock/a.mp3", "first");
+    fs::last_write_time(file, second + milliseconds(200));
+    ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
+    EXPECT_THAT(text(pc("Rock/a.mp3")), HasSubstr("It has not changed since."));
+    givenFile("Rock/a.mp3", "FIRST");
+    fs::last_write_time(file, second + milliseconds(700));
+    EXPECT_THAT(text(pc("Rock/a.mp3")), HasSubstr("It has changed since, within the second of its time"));
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("1 updated"));
+    EXPECT_THAT(text(pc("Rock/a.mp3")), HasSubstr("It has not changed since."));
+}
+
 TEST_F(WhyTest, FileGoneFromThePc_IsRemovedByTheNextSync)
 {
     givenSyncedMusic();

@@ -17,6 +17,7 @@
 #include "stages/pim/pim_log_rows.h"
 #include "state/left_files.h"
 #include "state/sync_sources.h"
+#include "sync/phone_changes.h"
 
 namespace kesta {
 namespace {
@@ -29,7 +30,7 @@ std::string TimeText(const std::optional<LocalTime>& time)
 class Explainer {
 public:
     Explainer(const Database& database, const std::string& imei, const PcEntry& entry)
-        : database_(database), imei_(imei), entry_(entry), playlists_(database.playlists(imei))
+        : database_(database), imei_(imei), entry_(entry), playlists_(database.playlists(imei)), left_(imei)
     {
     }
 
@@ -182,10 +183,22 @@ private:
                 return say("no_file_on_pc", "There is no file at this path any more, but something else.");
         }
         if (entry_.modified == file.modified) {
-            return say("unchanged", "It has not changed since.");
+            return isAsLeft(file) ? say("unchanged", "It has not changed since.")
+                                  : say("changed", fmt::format("It has changed since, within the second of its time; "
+                                                               "{} copies it again.",
+                                                               who));
         }
         say("changed", fmt::format("It has changed since, its time is {} now; {} copies it again.",
                                    TimeText(entry_.modified), who));
+    }
+
+    // What changes within a second keeps its time, but not its size or the fraction of the second.
+    [[nodiscard]] bool isAsLeft(const RecordedFile& file) const
+    {
+        const LeftFile* left = left_.find(file.phonePath);
+        return left == nullptr ||
+               (left->size == entry_.size &&
+                (!left->pcNanoseconds || IsSameFraction(*left->pcNanoseconds, entry_.modifiedNanoseconds)));
     }
 
     void explainNotCopied(Category category, const RecordedFolder& folder)
@@ -331,8 +344,7 @@ private:
 
     void explainKept()
     {
-        const LeftFiles left(imei_);
-        for (const KeptFile& file : left.kept()) {
+        for (const KeptFile& file : left_.kept()) {
             if (file.path == entry_.path) {
                 say("changed_on_phone",
                     fmt::format("{} was changed on the phone: that is kept there as {} since {}, and no longer synced.",
@@ -353,6 +365,7 @@ private:
     const std::string& imei_;
     const PcEntry& entry_;
     kesta_db::Playlists playlists_;
+    const LeftFiles left_;
     Explanation result_;
 };
 
@@ -373,6 +386,7 @@ PcEntry ReadPcEntry(const std::string& given)
                                                          : PcEntry::Kind::kOther;
     entry.size = info.size;
     entry.modified = os::ToLocalTime(info.modified.seconds);
+    entry.modifiedNanoseconds = info.modified.nanoseconds;
     return entry;
 }
 

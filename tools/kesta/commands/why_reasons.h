@@ -1,4 +1,4 @@
-// What the database of one phone say of a file or folder of the PC, and why it is or is not on the phone.
+// What the database of one phone says of a file or folder of the PC, and why it is or is not on the phone.
 #pragma once
 
 #include <cstdint>
@@ -18,6 +18,7 @@ struct PcEntry {
     std::string path;  // as the database would know it
     uint64_t size = 0;
     std::optional<LocalTime> modified;
+    int32_t modifiedNanoseconds = 0;
 };
 
 [[nodiscard]] PcEntry ReadPcEntry(const std::string& given);
