@@ -6,7 +6,8 @@ cd "$(dirname "$0")/../.."
 seconds=${1:-60}
 build=${KESTA_FUZZ_BUILD:-build/fuzz}
 
-cmake -S . -B "$build" -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Release >/dev/null
+cmake -S . -B "$build" -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Release \
+    -DKESTA_FUZZ=ON >/dev/null
 mapfile -t targets < <(ls tests/fuzz/seeds)
 ninja -C "$build" "${targets[@]/#/fuzz_}" >"$build/fuzz.log" 2>&1 || { tail -n 40 "$build/fuzz.log"; exit 1; }
 for target in "${targets[@]}"; do
