@@ -1,4 +1,5 @@
 // What goes out of use is given back to the allocator: counted there, for the trace only tells of it.
+#include <functional>
 #include <string>
 #include <utility>
 
@@ -10,6 +11,17 @@
 
 namespace kesta::test {
 namespace {
+
+void ExpectNoGrowth(const std::function<void()>& call)
+{
+    call();  // SQLite keeps what it has compiled and read,
+    call();  // and what a statement needs when it runs again
+    const int64_t before = MemoryFault::balance();
+    for (int i = 0; i < 50; ++i) {
+        call();
+    }
+    EXPECT_EQ(MemoryFault::balance(), before);
+}
 
 TEST_F(FailingMemory, ListsAndTexts_GivenBack_AreFreed)
 {
@@ -24,13 +36,7 @@ TEST_F(FailingMemory, ListsAndTexts_GivenBack_AreFreed)
         EXPECT_EQ(items.Count, 1);
         EmptyList(items);
     };
-    fillAndEmpty();  // SQLite keeps what it has compiled and read,
-    fillAndEmpty();  // and what a statement needs when it runs again
-    const int64_t before = MemoryFault::balance();
-    for (int i = 0; i < 50; ++i) {
-        fillAndEmpty();
-    }
-    EXPECT_EQ(MemoryFault::balance(), before);
+    ExpectNoGrowth(fillAndEmpty);
 }
 
 TEST_F(FailingMemory, TextsOfAList_TakenOutOfIt_OutliveItAndAreFreed)
@@ -52,13 +58,7 @@ TEST_F(FailingMemory, TextsOfAList_TakenOutOfIt_OutliveItAndAreFreed)
         FreeText(first);
         EXPECT_EQ(held, 0);
     };
-    takeAndFree();  // SQLite keeps what it has compiled and read,
-    takeAndFree();  // and what a statement needs when it runs again
-    const int64_t before = MemoryFault::balance();
-    for (int i = 0; i < 50; ++i) {
-        takeAndFree();
-    }
-    EXPECT_EQ(MemoryFault::balance(), before);
+    ExpectNoGrowth(takeAndFree);
 }
 
 TEST_F(FailingMemory, ConnectionWithCachedStatements_Closed_IsFreed)
