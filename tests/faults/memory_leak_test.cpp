@@ -1,4 +1,6 @@
 // What goes out of use is given back to the allocator: counted there, for the trace only tells of it.
+#include <array>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <utility>
@@ -8,6 +10,7 @@
 #include "faults/failing_memory.h"
 #include "media/folder_records.h"
 #include "pim/items.h"
+#include "platform/calendar.h"
 
 namespace kesta::test {
 namespace {
@@ -78,6 +81,16 @@ TEST_F(FailingMemory, ConnectionWithCachedStatements_Closed_IsFreed)
     const int64_t before = MemoryFault::balance();
     runManyAndClose();
     EXPECT_EQ(MemoryFault::balance(), before);
+}
+
+TEST_F(FailingMemory, DateInTheUsersLanguage_IsWrittenWithoutALeak)
+{
+    setenv("LC_ALL", "C.UTF-8", 1);
+    ExpectNoGrowth([] {
+        std::array<DbChar, 64> text = {};
+        EXPECT_GT(platform::LocaleDate(45351.5, text.data(), text.size()), 0u);
+    });
+    unsetenv("LC_ALL");
 }
 
 /// A list half made goes with its texts: the same call, failing at the same allocation again, holds no more than

@@ -87,6 +87,14 @@ TEST(Utf8FromWide, EmptyText_FitsIntoNothing)
     EXPECT_EQ(out, '#');
 }
 
+TEST(Utf8FromWide, HalfAPairAtTheEnd_DoesNotTakeWhatFollowsTheText)
+{
+    const std::array<DbChar, 2> pair = {0xD83D, 0xDE00};
+    std::array<char, 8> out = {};
+    EXPECT_EQ(Utf8FromWide(pair.data(), 1, out.data(), out.size()), 3u);
+    EXPECT_STREQ(out.data(), "\uFFFD");
+}
+
 TEST(Utf8FromWide, LongText_ConvertsWhole)
 {
     const std::vector<DbChar> text(40960, static_cast<DbChar>(0x4E2D));

@@ -161,6 +161,64 @@ TEST_F(PosixMutex, SegmentTooSmall_ALockFileTakesItsPlace)
     EXPECT_TRUE(fs::exists(lockFile()));
 }
 
+TEST_F(PosixMutex, SegmentThatOthersMayWrite_ALockFileTakesItsPlace)
+{
+    ASSERT_GE(shmget(SegmentKey(name.c_str()), kSegmentBytes, IPC_CREAT | 0622), 0);
+    open();
+    expectExclusion();
+    EXPECT_TRUE(fs::exists(lockFile()));
+}
+
+TEST_F(PosixMutex, LinkInThePlaceOfTheLockFile_IsNotFollowed)
+{
+    ASSERT_GE(shmget(SegmentKey(name.c_str()), 16, IPC_CREAT | 0600), 0);
+    const fs::path target = data.runtimeFolder() / "somebody's own";
+    fs::create_symlink(target, lockFile());
+    open();
+    expectExclusion();
+    EXPECT_FALSE(fs::exists(target));
+    EXPECT_TRUE(fs::exists(lockFolder / (name + ".lock")));
+}
+
+TEST_F(PosixMutex, FolderThatIsNotNamedFromTheRoot_HoldsNoLockFile)
+{
+    ASSERT_GE(shmget(SegmentKey(name.c_str()), 16, IPC_CREAT | 0600), 0);
+    const fs::path before = fs::current_path();
+    fs::current_path(data.runtimeFolder());
+    fs::create_directory("below");
+    setenv("XDG_RUNTIME_DIR", "below", 1);
+    open();
+    expectExclusion();
+    EXPECT_TRUE(fs::is_empty("below"));
+    EXPECT_TRUE(fs::exists(lockFolder / (name + ".lock")));
+    fs::current_path(before);
+}
+
+TEST_F(PosixMutex, Closed_HoldsNoMemory)
+{
+    open();
+    const int segment = shmget(SegmentKey(name.c_str()), 0, 0);
+    shmid_ds status = {};
+    ASSERT_EQ(shmctl(segment, IPC_STAT, &status), 0);
+    EXPECT_EQ(status.shm_nattch, 1u);
+    mutex.close();
+    ASSERT_EQ(shmctl(segment, IPC_STAT, &status), 0);
+    EXPECT_EQ(status.shm_nattch, 0u);
+}
+
+TEST_F(PosixMutex, Closed_HoldsNoFile)
+{
+    ASSERT_GE(shmget(SegmentKey(name.c_str()), 16, IPC_CREAT | 0600), 0);
+    open();
+    expectExclusion();
+    ASSERT_TRUE(fs::exists(lockFile()));
+    mutex.close();
+    for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        EXPECT_NE(fs::read_symlink(entry.path(), gone), lockFile());
+    }
+}
+
 TEST_F(PosixMutex, LockFileWithoutRuntimeFolder_LiesInTheOtherFolder)
 {
     ASSERT_GE(shmget(SegmentKey(name.c_str()), 16, IPC_CREAT | 0600), 0);

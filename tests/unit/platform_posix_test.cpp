@@ -199,6 +199,9 @@ TEST(PosixDates, OnlyTheStoredFormsAreRead)
                              "2024-",
                              "2024-1",
                              "2024-1x-01",
+                             "202401-01",
+                             "2024-0101",
+                             "2024-01 01",
                              "2024-01x01",
                              "2024-01-",
                              "2024-01-x1",
@@ -226,6 +229,50 @@ TEST(PosixDates, LocaleDate_FollowsTheUsersLocale)
     std::array<DbChar, 64> text = {};
     EXPECT_EQ(LocaleDate(45351.5, text.data(), text.size()), 17u);
     EXPECT_EQ(test::Utf8(text.data()), "02/29/24 12:00:00");
+}
+
+/// Languages that write dates otherwise than C does, made for these tests where the system has their sources.
+class MadeLocale : public ::testing::TestWithParam<std::pair<const char*, const char*>> {};
+
+TEST_P(MadeLocale, LocaleDate_IsWrittenInTheUsersLanguage)
+{
+    const auto [language, written] = GetParam();
+    if (!fs::exists(fs::path("/usr/share/i18n/locales") / language)) {
+        GTEST_SKIP() << "no source of " << language << " here";
+    }
+    const test::DataFolder data;
+    const std::string name = std::string(language) + ".UTF-8";
+    const fs::path made = data.applicationData() / name;
+    ASSERT_EQ(std::system(("localedef -i " + std::string(language) + " -f UTF-8 '" + made.string() + "'").c_str()), 0);
+    const Variable place("LOCPATH", made.parent_path().c_str());
+    const Variable locale("LC_ALL", name.c_str());
+    std::array<DbChar, 64> text = {};
+    constexpr double kSunday = 45354.5;
+    EXPECT_GT(LocaleDate(kSunday, text.data(), text.size()), 0u);
+    EXPECT_EQ(test::Utf8(text.data()), written);
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, MadeLocale,
+                         ::testing::Values(std::pair("ja_JP", "2024年03月03日 12時00分00秒"),
+                                           std::pair("ar_SA", "الأحد  3 مارس 2024 12:00:00")),
+                         [](const auto& language) { return std::string(language.param.first); });
+
+TEST(PosixDates, LeapSecond_IsTheLastOneOfItsMinute)
+{
+    if (!fs::exists("/usr/share/zoneinfo/right/UTC")) {
+        GTEST_SKIP() << "no zone with leap seconds here";
+    }
+    const Variable zone("TZ", "right/UTC");
+    tzset();
+    CalendarTime time = {};
+    constexpr int64_t kLastLeapSecond = 1483228826;  // 2016-12-31 23:59:60
+    EXPECT_TRUE(LocalTime(kLastLeapSecond, time));
+    EXPECT_EQ(time.day, 31);
+    EXPECT_EQ(time.minute, 59);
+    EXPECT_EQ(time.second, 59);
+    EXPECT_TRUE(LocalTime(kLastLeapSecond + 1, time));
+    EXPECT_EQ(time.day, 1);
+    EXPECT_EQ(time.second, 0);
 }
 
 TEST(PosixDates, LocaleDate_OfALocaleThatIsNotInstalled_IsAsInC)
@@ -272,6 +319,53 @@ TEST(PosixTrace, NoViewer_NobodyReads)
     EXPECT_FALSE(services.traceIsRead());
     CloseTrace();
     EXPECT_FALSE(services.traceIsRead());
+}
+
+TEST(PosixTrace, FileInTheViewersPlace_NobodyReads)
+{
+    const test::DataFolder data;
+    // What lies there takes datagrams all the same: the name leads to a viewer's socket.
+    const auto source = test::TraceSource::open(data.runtimeFolder());
+    fs::rename(data.runtimeFolder() / "kesta_db.trace", data.runtimeFolder() / "elsewhere");
+    fs::create_symlink(data.runtimeFolder() / "elsewhere", data.runtimeFolder() / "kesta_db.trace");
+    OpenTrace();
+    EXPECT_FALSE(services.traceIsRead());
+    CloseTrace();
+}
+
+TEST(PosixTrace, FolderWithATooLongName_NobodyReads)
+{
+    const test::DataFolder data;
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    const std::string start = (data.runtimeFolder() / "x").string();
+    const std::string folder = start + std::string(sizeof address.sun_path, 'x');
+    ASSERT_LT(start.size(), sizeof address.sun_path - 1);
+    // A socket under as much of the path as an address has room for.
+    folder.copy(address.sun_path, sizeof address.sun_path - 1);
+    const int viewer = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(bind(viewer, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    const Variable runtime("XDG_RUNTIME_DIR", folder.c_str());
+    OpenTrace();
+    EXPECT_FALSE(services.traceIsRead());
+    CloseTrace();
+    close(viewer);
+}
+
+TEST(PosixTrace, ProgramThatIsStarted_DoesNotGetTheSocket)
+{
+    const test::DataFolder data;
+    OpenTrace();
+    int sockets = 0;
+    for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        if (fs::read_symlink(entry.path(), gone).string().starts_with("socket:")) {
+            ++sockets;
+            EXPECT_NE(fcntl(std::stoi(entry.path().filename()), F_GETFD) & FD_CLOEXEC, 0) << entry.path();
+        }
+    }
+    EXPECT_GT(sockets, 0);
+    CloseTrace();
 }
 
 TEST(PosixTrace, MemoryLines_ViewerThatComes_IsSeenAtTheNextCallOrSoonInALongOne)
