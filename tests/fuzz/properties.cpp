@@ -6,6 +6,7 @@
 
 #include "formats/bookmarks.h"
 #include "formats/charset.h"
+#include "formats/cover.h"
 #include "formats/icalendar.h"
 #include "formats/playlist.h"
 #include "formats/vcard.h"
@@ -119,6 +120,16 @@ void CheckCalendars(std::string_view file)
     }
 }
 
+void CheckCover(std::string_view file)
+{
+    constexpr size_t kMost = 500;
+    if (const auto cover = FindCover(file, kMost)) {
+        Require(cover->bytes.size() <= kMost, "a cover is no larger than asked for", file);
+        Require(file.find(cover->bytes) != std::string_view::npos, "a cover is a part of its file", file);
+        Require(FindCover(cover->bytes, kMost).has_value(), "a cover is a picture", file);
+    }
+}
+
 }  // namespace
 
 std::span<const Format> Formats()
@@ -144,7 +155,11 @@ std::span<const Format> Formats()
         {"calendars",
          CheckCalendars,
          {"\n", "\n ", "BEGIN:VEVENT\n", "END:VEVENT\n", "BEGIN:VCALENDAR\n", "END:VCALENDAR\n", "BEGIN:VTIMEZONE\n",
-          "BEGIN:VODD\n", ";TZID=", "UID:1@x\n", "VERSION:1.0\n", "X-WR-CALNAME:x\n", "=\n"}}};
+          "BEGIN:VODD\n", ";TZID=", "UID:1@x\n", "VERSION:1.0\n", "X-WR-CALNAME:x\n", "=\n"}},
+        {"cover",
+         CheckCover,
+         {"ID3", "APIC", "PIC", "fLaC", "ftyp", "moov", "covr", "data", "\xFF\xD8\xFF", "Exif", "II", "MM",
+          "\x89PNG\r\n\x1A\n", "BM", "GIF8"}}};
     return formats;
 }
 

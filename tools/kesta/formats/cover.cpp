@@ -1,5 +1,6 @@
 #include "formats/cover.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -149,6 +150,43 @@ std::optional<Cover> FromFlac(std::string_view file, size_t mostBytes)
     return std::nullopt;
 }
 
+/// What the first box of that name among others holds: cut where the file is, empty if there is none.
+std::string_view BoxAmong(std::string_view boxes, std::string_view name)
+{
+    const Bytes bytes(boxes);
+    size_t place = 0;
+    while (place + 8 <= boxes.size()) {
+        const size_t said = bytes.big(place, 4);
+        const size_t head = said == 1 ? 16 : 8;  // 1: the size is too large for its four bytes, and follows
+        const size_t rest = boxes.size() - place;
+        const size_t size = said == 1 ? bytes.big(place + 8, 8) : said == 0 ? rest : said;
+        if (size < head) {
+            break;
+        }
+        if (bytes.part(place + 4, 4) == name) {
+            return bytes.part(place + head, size - head);
+        }
+        if (size > rest) {
+            break;
+        }
+        place += size;
+    }
+    return {};
+}
+
+std::optional<Cover> FromMp4(std::string_view file, size_t mostBytes)
+{
+    constexpr size_t kFlags = 4, kTypeAndLanguage = 8, kHead = 8;
+    const std::string_view meta = BoxAmong(BoxAmong(BoxAmong(file, "moov"), "udta"), "meta");
+    const std::string_view tags = BoxAmong(meta.substr(std::min(meta.size(), kFlags)), "ilst");
+    const std::string_view covers = BoxAmong(tags, "covr");
+    const std::string_view data = BoxAmong(covers, "data");
+    if (data.size() < kTypeAndLanguage || data.size() + kHead < Bytes(covers).big(0, 4)) {
+        return std::nullopt;
+    }
+    return ToCover(data.substr(kTypeAndLanguage), mostBytes);
+}
+
 /// The thumbnail is what the second directory points to.
 std::optional<Cover> FromExif(std::string_view tiff, size_t mostBytes)
 {
@@ -199,6 +237,8 @@ std::optional<Cover> FindCover(std::string_view file, size_t mostBytes)
         cover = FromFlac(file, mostBytes);
     } else if (file.starts_with("\xFF\xD8")) {
         cover = FromJpeg(file, mostBytes);
+    } else if (Bytes(file).part(4, 4) == "ftyp") {
+        cover = FromMp4(file, mostBytes);
     }
     // What is as long as was asked for may go on.
     return cover || file.size() >= kCoverBytes ? cover : ToCover(file, mostBytes);

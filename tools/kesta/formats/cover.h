@@ -16,7 +16,7 @@ struct Cover {
 /// So much of a file's beginning is enough to find one.
 inline constexpr size_t kCoverBytes = size_t{2} << 20;
 
-/// From the beginning of a file: ID3v2 tags, FLAC, and the EXIF data of JPEG; a picture that is small stands for
+/// From the beginning of a file: ID3v2 tags, FLAC, MP4, and the EXIF data of JPEG; a picture that is small stands for
 /// itself. std::nullopt if there is none, or one larger than mostBytes.
 [[nodiscard]] std::optional<Cover> FindCover(std::string_view file, size_t mostBytes);
 
