@@ -87,9 +87,9 @@ TEST_F(WhyTest, ChangedFile_IsCopiedAgain)
 
 TEST_F(WhyTest, FileChangedWithinTheSecond_IsCopiedAgain)
 {
-    using std::chrono::floor, std::chrono::milliseconds, std::chrono::seconds;
+    using std::chrono::milliseconds, std::chrono::seconds;
     const fs::path file = Path(pc("Rock/a.mp3"));
-    const auto second = floor<seconds>(fs::file_time_type::clock::now()) - seconds(100);
+    const auto second = std::chrono::floor<seconds>(fs::file_time_type::clock::now()) - seconds(100);
     givenFile("Rock/a.mp3", "first");
     fs::last_write_time(file, second + milliseconds(200));
     ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);

@@ -124,11 +124,11 @@ HARMLESS = set("""
 __cxa_atexit __cxa_finalize __errno_location __gmon_start__ __libc_single_threaded __register_atfork
 __tls_get_addr _ITM_deregisterTMCloneTable
 _ITM_registerTMCloneTable __stack_chk_fail __snprintf_chk __memcpy_chk __memmove_chk __memset_chk __strcpy_chk
-__vsnprintf_chk clock_gettime connect free freelocale getenv geteuid getuid getpid getpwuid_r gettimeofday localtime
+__vsnprintf_chk bcmp ceil floor clock_gettime connect free freelocale getenv geteuid getuid getpid getpwuid_r gettimeofday localtime
 localtime_r gmtime_r mbrtoc16 memchr memcmp memcpy memmove memset memrchr munmap mremap newlocale poll
 pthread_mutex_consistent pthread_mutex_destroy pthread_mutex_init pthread_mutex_lock pthread_mutex_unlock pthread_mutexattr_destroy
 pthread_mutexattr_init pthread_mutexattr_setpshared pthread_mutexattr_setrobust pthread_mutexattr_settype rmdir send
-setsockopt snprintf strchr strcmp strcspn strerror strftime_l strlen strncmp strrchr strspn shmdt sysconf uselocale
+setsockopt snprintf strchr strcmp strcspn strerror strftime_l strlen strncmp strrchr strspn shmdt sysconf trunc uselocale
 """.split())
 
 
