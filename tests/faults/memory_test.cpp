@@ -1,6 +1,8 @@
 // Memory runs out at every single allocation of a call: the call fails as documented, nothing leaks, the next one
 // works.
+#include <chrono>
 #include <functional>
+#include <future>
 #include <set>
 #include <string>
 
@@ -12,6 +14,7 @@
 #include "media/folder_records.h"
 #include "media/synced_files.h"
 #include "pim/items.h"
+#include "platform/named_mutex.h"
 #include "support/dates.h"
 
 namespace kesta::test {
@@ -287,6 +290,23 @@ TEST_F(FailingMemory, GetGalleryFolders_AtEveryAllocation_LosesNoPath)
     EXPECT_GE(list.Count, 2);
     EmptyList(list);
     EXPECT_EQ(held, 0);
+}
+
+TEST_F(FailingMemory, NamedMutex_WithoutMemoryForIt_SerialisesAllTheSame)
+{
+    platform::NamedMutex mutex;
+    MemoryFault::arm(0);
+    mutex.open("KESTA_TEST_MUTEX_WITHOUT_MEMORY", [] { return platform::Path(); });
+    EXPECT_TRUE(MemoryFault::disarm());
+    mutex.lock();
+    std::future<void> other = std::async(std::launch::async, [&] {
+        mutex.lock();
+        mutex.unlock();
+    });
+    EXPECT_EQ(other.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
+    mutex.unlock();
+    EXPECT_EQ(other.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    mutex.close();
 }
 
 /// Every statement is made in the buffer: without it a call ends as an exception does, and the next one asks again.

@@ -130,6 +130,32 @@ TEST_F(PosixMutex, HolderKilled_TheNextTakesIt)
     });
     EXPECT_EQ(resultOf(holder), -SIGKILL);
     expectExclusion();
+    expectExclusion();
+    EXPECT_FALSE(fs::exists(lockFile())) << "the mutex itself was made good";
+}
+
+TEST_F(PosixMutex, ThreadThatEndsWithTheLockFile_LeavesItToTheNextAndOthers)
+{
+    ASSERT_GE(shmget(SegmentKey(name.c_str()), 16, IPC_CREAT | 0600), 0);
+    open();
+    std::thread([&] { mutex.lock(); }).join();
+    mutex.lock();
+    mutex.unlock();
+    const pid_t other = start([&] {
+        alarm(20);
+        NamedMutex own;
+        own.open(name.c_str(), &LockFolder);
+        own.lock();
+        own.unlock();
+        return 0;
+    });
+    EXPECT_EQ(resultOf(other), 0);
+}
+
+TEST_F(PosixMutex, Names_HaveMemoryOfTheirOwn)
+{
+    EXPECT_NE(SegmentKey("KESTA_ONE"), SegmentKey("KESTA_TWO"));
+    EXPECT_EQ(SegmentKey("KESTA_ONE"), SegmentKey("KESTA_ONE"));
 }
 
 TEST_F(PosixMutex, SegmentOfAnotherUser_ALockFileTakesItsPlace)
@@ -137,7 +163,7 @@ TEST_F(PosixMutex, SegmentOfAnotherUser_ALockFileTakesItsPlace)
     if (geteuid() != 0) {
         GTEST_SKIP() << "only root can give a segment away";
     }
-    const int segment = shmget(SegmentKey(name.c_str()), kSegmentBytes, IPC_CREAT | 0666);
+    const int segment = shmget(SegmentKey(name.c_str()), kSegmentBytes, IPC_CREAT | 0600);
     ASSERT_GE(segment, 0);
     shmid_ds status = {};
     ASSERT_EQ(shmctl(segment, IPC_STAT, &status), 0);
