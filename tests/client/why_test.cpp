@@ -85,15 +85,30 @@ TEST_F(WhyTest, ChangedFile_IsCopiedAgain)
     EXPECT_THAT(reasons(pc("Rock/a.mp3")), ElementsAre("recorded", "unchanged"));
 }
 
+TEST_F(WhyTest, FileOfAnotherSizeWithinTheSecond_IsCopiedAgain)
+{
+    givenSyncedMusic();
+    const fs::path file = Path(pc("Rock/a.mp3"));
+    const auto time = fs::last_write_time(file);
+    EXPECT_THAT(text(pc("Rock/a.mp3")), HasSubstr("It has not changed since."));
+    givenFile("Rock/a.mp3", "the second one");
+    fs::last_write_time(file, time);
+    EXPECT_THAT(text(pc("Rock/a.mp3")), HasSubstr("It has changed since, within the second of its time"));
+    EXPECT_THAT(sync({"--music", pc("Rock")}).out, HasSubstr("1 updated"));
+    EXPECT_THAT(text(pc("Rock/a.mp3")), HasSubstr("It has not changed since."));
+}
+
 TEST_F(WhyTest, FileChangedWithinTheSecond_IsCopiedAgain)
 {
     using std::chrono::milliseconds, std::chrono::seconds;
     const fs::path file = Path(pc("Rock/a.mp3"));
-    const auto second = std::chrono::floor<seconds>(fs::file_time_type::clock::now()) - seconds(100);
     givenFile("Rock/a.mp3", "first");
+    const auto second = std::chrono::floor<seconds>(fs::last_write_time(file));
     fs::last_write_time(file, second + milliseconds(200));
+    if (fs::last_write_time(file) == second) {
+        GTEST_SKIP() << "the C++ library sets whole seconds here";
+    }
     ASSERT_EQ(sync({"--music", pc("Rock")}).exitCode, 0);
-    EXPECT_THAT(text(pc("Rock/a.mp3")), HasSubstr("It has not changed since."));
     givenFile("Rock/a.mp3", "FIRST");
     fs::last_write_time(file, second + milliseconds(700));
     EXPECT_THAT(text(pc("Rock/a.mp3")), HasSubstr("It has changed since, within the second of its time"));
