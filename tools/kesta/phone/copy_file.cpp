@@ -65,7 +65,7 @@ CopyResult CopyContents(const CopyRequest& request, const std::string& path, os:
     if (os::Status status = target.create(path); !status.ok()) {
         return PhoneFailure(status);
     }
-    std::vector<std::byte> buffer(std::min<uint64_t>(kBlock, result.source.size + 1));
+    std::vector<std::byte> buffer(static_cast<size_t>(std::min<uint64_t>(kBlock, result.source.size + 1)));
     uint64_t total = 0;
     for (;;) {
         size_t count = 0;
