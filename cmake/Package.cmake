@@ -70,6 +70,10 @@ foreach(component RUNTIME DEVELOPMENT CLIENT)
     install(FILES ${documents}/copyright ${documents}/changelog.gz
         DESTINATION share/doc/${CPACK_DEBIAN_${component}_PACKAGE_NAME} COMPONENT ${name})
 endforeach()
+if(KESTA_BUILD_TOOLS)
+    install(CODE "file(GLOB pages \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/man/man1/*.1\")
+        execute_process(COMMAND ${KESTA_GZIP} -9nf \${pages} COMMAND_ERROR_IS_FATAL ANY)" COMPONENT client)
+endif()
 # Debian brings the linker's cache up to date by this.
 file(WRITE ${documents}/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${documents}/triggers)

@@ -3,7 +3,7 @@
 
     notices.py --deps FOLDER [--windows | --debian] [OUTPUT]    FOLDER: where the build fetches to, as KESTA_DEPS_DIR
 
-With --debian licences that every Debian system has are named by their place.
+With --debian licences that every Debian system has are named by their place, and zlib is the system's.
 """
 
 import argparse
@@ -23,7 +23,7 @@ Licensed under the Apache License, Version 2.0. On Debian systems its text lies 
 def notices(deps, windows, debian):
     parts = ["# Third-party notices\n\nWhat others wrote and what the library or the client `kesta` is built from.\n"]
     for component in components.COMPONENTS:
-        if component.windows_only and not windows or component.name == "zlib" and windows:
+        if component.windows_only and not windows or component.name == "zlib" and (windows or debian):
             continue
         on_every_debian = debian and component.licence == "Apache-2.0"
         text = (APACHE if on_every_debian else components.licence_text(component, deps)).strip("\n")
