@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/call_frame.h"
 #include "platform/services.h"
 #include "support/data_folder.h"
 #include "support/text.h"
@@ -142,6 +143,19 @@ TEST_F(SlowViewer, MakesRoomThatOthersTake_HoldsACallUpForATenthOfASecondInAll)
         write();
         write();
         EXPECT_THAT(waits(), ElementsAre(100, 60, 20));
+    }
+}
+
+TEST_F(SlowViewer, MakesRoomThatOthersTake_HoldsEachCallFromOutsideUpAnew)
+{
+    system.waited = [this](int limitMs) {
+        system.nowMs += limitMs;
+        return true;
+    };
+    for (int call = 0; call < 2; ++call) {
+        const CallScope inside;
+        write();
+        EXPECT_THAT(waits(), ElementsAre(100));
     }
 }
 
