@@ -50,6 +50,19 @@ protected:
         return found;
     }
 
+    /// What the lines about memory name, in their order; other lines are left out.
+    static std::vector<std::string> addresses()
+    {
+        std::vector<std::string> found;
+        for (const std::string& line : ReplacedServices::take()) {
+            constexpr std::string_view kBefore = "DB TRACE >> Memory ";
+            if (line.starts_with(kBefore)) {
+                found.push_back(line.substr(kBefore.size(), line.find(' ', kBefore.size()) - kBefore.size()));
+            }
+        }
+        return found;
+    }
+
     ItemList list = {0, nullptr};
 };
 
@@ -127,14 +140,30 @@ TEST_F(ListRule, ReadList_RowFails_GivesItsCode)
     EXPECT_EQ(list.Count, 1);
 }
 
+TEST_F(ListRule, FillList_NoMemoryInTheMiddleOfARow_CountsTheRowsBefore)
+{
+    AllocateList(list, 2);
+    Statement rows = db().prepare(NarrowSql("SELECT 7 UNION ALL SELECT 8"));
+    const auto readRow = [](const Statement& row, Item& item) {
+        item.value = row.int32(0);
+        if (item.value == 8) {
+            throw std::bad_alloc();
+        }
+    };
+    EXPECT_THROW((void)FillList(list, 2, rows, readRow), std::bad_alloc);
+    EXPECT_EQ(list.Count, 1);
+}
+
 TEST_F(ListRule, EmptyList_FilledList_DeletesTheArrayThenItsTexts)
 {
-    ASSERT_EQ(read("SELECT 2", "SELECT 7, 'a' UNION ALL SELECT 8, 'b'"), 0);
     ReplacedServices::take();
+    ASSERT_EQ(read("SELECT 2", "SELECT 7, 'a' UNION ALL SELECT 8, 'b'"), 0);
+    const std::vector<std::string> taken = addresses();
     list.Count = 0;
     EmptyList(list);
     EXPECT_EQ(list.Items, nullptr);
-    EXPECT_EQ(ReplacedServices::take().size(), 3u);
+    EXPECT_EQ(taken.size(), 3u);
+    EXPECT_EQ(addresses(), taken);
     EmptyList(list);
     EXPECT_THAT(ReplacedServices::take(), ElementsAre());
 }
