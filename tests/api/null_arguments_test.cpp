@@ -126,6 +126,15 @@ TEST_F(NullArguments, CategoryExports_NullRecordListOrOutPointer_TraceAnExceptio
     }
 }
 
+TEST_F(NullArguments, ThinExports_NullRecord_EntryOnlyWhereItNeedsNoRecord)
+{
+    (void)lib.DB_MUSIC_IsSyncedFile(W(kImei), W("p"), nullptr);
+    EXPECT_THAT(trace.take(), ElementsAre("Enter DB_MUSIC_IsSyncedFile(IMEI: 351111, Path: p).",
+                                          "An exception occured in DB_MUSIC_IsSyncedFile()."));
+    (void)lib.DB_MUSIC_SetAddedFile(W(kImei), nullptr);
+    EXPECT_THAT(trace.take(), ElementsAre("An exception occured in DB_MUSIC_SetAddedFile()."));
+}
+
 TEST_F(NullArguments, Imei_Null_IsTheTextNull)
 {
     ASSERT_EQ(lib.DB_LIB_PhoneDetected(W("(null)"), W("")), 2);

@@ -41,6 +41,29 @@ TEST_F(FailingMemory, GetSyncedFiles_AtEveryAllocation_LeavesAConsistentList)
     EXPECT_EQ(held, 0);
 }
 
+TEST_F(FailingMemory, GetSyncedFilesFolderByFolder_AtEveryAllocation_AreThoseOfTheFolderOrFewer)
+{
+    const Text other = W("g");
+    sql.exec("INSERT INTO tMFile VALUES (1, 'c', 'g', 'q', '')");
+    SyncedFileList list = {};
+    const auto listed = [&](const Text& of) { return DB_MUSIC_GetSyncedFiles(imei, of, &list); };
+    // The folders are looked up from the second listing in a row; a call in between writes.
+    atEveryAllocation(
+        {0, 1, kNoMemory},
+        [&] {
+            const int32_t first = listed(folder);
+            const int32_t second = listed(other);
+            const int32_t third = listed(folder);
+            return first != 0 ? first : second != 0 ? second : third;
+        },
+        [&] { EXPECT_LE(list.Count, 2); });
+    EXPECT_EQ(list.Count, 2);
+    EXPECT_EQ(listed(other), 0);
+    EXPECT_EQ(list.Count, 1);
+    EmptyList(list);
+    EXPECT_EQ(held, 0);
+}
+
 TEST_F(FailingMemory, GetFolders_AtEveryAllocation_LeavesAConsistentList)
 {
     FolderList list = {};
@@ -342,6 +365,20 @@ TEST_F(FailingMemory, TraceLine_TooLongForTheStack_IsLostAndNothingElse)
     EXPECT_EQ(lines, 0);
     DbTrace("%s\n", Plain{path});
     EXPECT_EQ(lines, 1);
+}
+
+TEST_F(FailingMemory, TraceLine_LongAndWithoutMemoryInItsMiddle_IsLostWhole)
+{
+    const Text path = W(std::string(5000, 'x'));
+    static int lines = 0;
+    platform::services.writeTraceLine = [](const DbChar*, size_t) noexcept { ++lines; };
+    for (const int nth : {0, 1}) {
+        lines = 0;
+        MemoryFault::arm(nth);
+        DbTrace("%s and %s, and a word after them\n", Plain{path}, Plain{path});
+        EXPECT_TRUE(MemoryFault::disarm()) << nth;
+        EXPECT_EQ(lines, 0) << nth;
+    }
 }
 
 }  // namespace

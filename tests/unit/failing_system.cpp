@@ -71,6 +71,7 @@ extern "C" {
 int __real_renameat2(int, const char*, int, const char*, unsigned);
 int __real_rename(const char*, const char*);
 int __real_link(const char*, const char*);
+int __real_unlink(const char*);
 int __real_open(const char*, int, ...);
 int __real_openat(int, const char*, int, ...);
 int __real_fcntl(int, int, ...);
@@ -102,6 +103,11 @@ int __wrap_rename(const char* file, const char* target)
 int __wrap_link(const char* file, const char* second)
 {
     return Fails("link") ? -1 : __real_link(file, second);
+}
+
+int __wrap_unlink(const char* path)
+{
+    return Fails("unlink") ? -1 : __real_unlink(path);
 }
 
 int __wrap_open(const char* path, int flags, mode_t mode)

@@ -202,6 +202,15 @@ TEST_F(FailingMutex, MemoryThatTheSystemRefuses_ALockFileTakesItsPlace)
     }
 }
 
+TEST_F(FailingMutex, NameSpaceThatCannotBeLookedAt_ALockFileTakesItsPlace)
+{
+    const FailingSystem system({{"stat", {0, EACCES}}});  // the first is that of the memory's folder
+    open();
+    use();
+    EXPECT_TRUE(system.allStruck());
+    EXPECT_TRUE(fs::exists(lockFile()));
+}
+
 TEST_F(FailingMutex, MutexThatCannotBeMadeInTheMemory_ALockFileTakesItsPlace)
 {
     for (const char* call : {"pthread_mutexattr_init", "pthread_mutexattr_settype", "pthread_mutexattr_setpshared",
