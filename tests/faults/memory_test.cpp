@@ -43,11 +43,16 @@ TEST_F(FailingMemory, GetSyncedFiles_AtEveryAllocation_LeavesAConsistentList)
 
 TEST_F(FailingMemory, GetSyncedFilesFolderByFolder_AtEveryAllocation_AreThoseOfTheFolderOrFewer)
 {
-    const Text other = W("g");
-    sql.exec("INSERT INTO tMFile VALUES (1, 'c', 'g', 'q', '')");
+    // Texts that do not fit into a string itself.
+    const Text other = W("another folder with a longer name");
+    const Text longImei = W("351111000000001234");
+    ASSERT_EQ(DB_LIB_PhoneDetected(longImei, W("x")), 2);
+    sql.exec(
+        "INSERT INTO tMFile VALUES (2, 'a', 'folder', 'q', ''), (2, 'b', 'folder', 'q', ''), "
+        "(2, 'c', 'another folder with a longer name', 'q', '')");
     SyncedFileList list = {};
-    const auto listed = [&](const Text& of) { return DB_MUSIC_GetSyncedFiles(imei, of, &list); };
-    // The folders are looked up from the second listing in a row; a call in between writes.
+    const auto listed = [&](const Text& of) { return DB_MUSIC_GetSyncedFiles(longImei, of, &list); };
+    // From the second listing in a row on, folders are looked up in what a write makes the library forget.
     atEveryAllocation(
         {0, 1, kNoMemory},
         [&] {
@@ -56,7 +61,10 @@ TEST_F(FailingMemory, GetSyncedFilesFolderByFolder_AtEveryAllocation_AreThoseOfT
             const int32_t third = listed(folder);
             return first != 0 ? first : second != 0 ? second : third;
         },
-        [&] { EXPECT_LE(list.Count, 2); });
+        [&] {
+            EXPECT_LE(list.Count, 2);
+            EXPECT_EQ(DB_LIB_SetSDType(longImei, 1, 1), 0);
+        });
     EXPECT_EQ(list.Count, 2);
     EXPECT_EQ(listed(other), 0);
     EXPECT_EQ(list.Count, 1);
