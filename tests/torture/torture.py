@@ -226,8 +226,6 @@ def main():
     parser.add_argument("--list", action="store_true", help="list parts and trials instead of running them")
     parser.add_argument("--check", action="store_true",
                         help="only see that the table has every export and that faults reach every call")
-    parser.add_argument("--counting", action="store_true",
-                        help="the library counts its lines, for which it asks more of the C library (./dev coverage)")
     parser.add_argument("--library", default="build/linux/libKESTA_DB.so")
     parser.add_argument("--interposer", default="build/linux/libkesta_torture.so")
     options = parser.parse_args()
@@ -235,8 +233,7 @@ def main():
     if options.seed is None:
         options.seed = 1 if options.short or options.prove else int(time.time()) % 100000
     calls.check_table(os.path.join(HERE, "..", "..", "exports", "kesta_db.def"))
-    if not options.counting:
-        interposer.check_covered(options.library, options.interposer)
+    interposer.check_covered(options.library, options.interposer)
     if options.check:
         return
     random.seed(options.seed)
