@@ -42,6 +42,18 @@ mcs -r:"$prefix/nuget/lib/netstandard2.0/KestaDb.dll" -out:"$prefix/nuget/lib/ne
 LD_LIBRARY_PATH=$prefix/nuget/runtimes/linux-x64/native mono "$prefix/nuget/lib/netstandard2.0/Phone.exe" |
     same "NuGet package: example"
 
+# The source archive, without a network where this system can shut it off.
+mkdir "$prefix/source"
+tar -xzf "$packages"/kesta-db-[0-9].[0-9].[0-9].tar.gz -C "$prefix/source" --strip-components=1
+alone=()
+unshare --net true 2>/dev/null && alone=(unshare --net)
+(cd "$prefix/source" &&
+    { "${alone[@]}" cmake --preset linux -DKESTA_BUILD_TESTS=OFF -DKESTA_BUILD_TOOLS=OFF &&
+        "${alone[@]}" cmake --build --preset linux -j "$(nproc)"; } >"$prefix/source.log" 2>&1) ||
+    { tail -n 20 "$prefix/source.log"; exit 1; }
+LD_LIBRARY_PATH=$prefix/source/build/linux "$prefix/phone_c" | same "source archive: built without a network, example in c"
+rm -rf "$prefix/data/NORVIK"
+
 # The Debian packages, by dpkg in a clean system.
 lintian --fail-on error "$packages"/*.deb
 say "lintian: no errors"
